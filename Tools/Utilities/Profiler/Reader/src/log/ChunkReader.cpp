@@ -1,0 +1,41 @@
+#include "log/ChunkReader.h"
+
+#include <array>
+
+namespace zeb::profiling {
+
+namespace {
+
+constexpr std::size_t prefixSize = 4;
+
+std::uint32_t littleEndian32(const std::array<unsigned char, prefixSize>& bytes) {
+    return static_cast<std::uint32_t>(bytes[0]) | static_cast<std::uint32_t>(bytes[1]) << 8U |
+           static_cast<std::uint32_t>(bytes[2]) << 16U | static_cast<std::uint32_t>(bytes[3]) << 24U;
+}
+
+}  // namespace
+
+ChunkReader::ChunkReader(const std::string& path) : file_(path, std::ios::binary) {}
+
+bool ChunkReader::nextLength() {
+    std::array<unsigned char, prefixSize> prefix{};
+    file_.read(reinterpret_cast<char*>(prefix.data()), prefixSize);
+    if (!file_) {
+        return false;
+    }
+    length_ = littleEndian32(prefix);
+    bytesRead_ = 0;
+    offset_ = nextOffset_;
+    index_ = nextIndex_++;
+    nextOffset_ += prefixSize + length_;
+    return true;
+}
+
+std::unique_ptr<const LogChunkBuffer> ChunkReader::readBody() {
+    auto buffer = std::make_unique<LogChunkBuffer>(length_);
+    file_.read(reinterpret_cast<char*>(buffer->data()), static_cast<std::streamsize>(length_));
+    bytesRead_ = static_cast<std::uint64_t>(file_.gcount());
+    return bytesRead_ == length_ ? std::move(buffer) : nullptr;
+}
+
+}  // namespace zeb::profiling

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+
+#include "log/LogChunkBuffer.h"
+#include "log/ProfileLog_generated.h"
+
+namespace zeb::profiling {
+
+/// Walks the messages of a log, one chunk after the other. It owns nothing: all tables that it gives lie in
+/// the buffer of the open chunk, which the caller keeps for as long as it uses them.
+class FlatBufferReaderUtil {
+public:
+    FlatBufferReaderUtil() = default;
+    FlatBufferReaderUtil(const FlatBufferReaderUtil&) = delete;
+    FlatBufferReaderUtil& operator=(const FlatBufferReaderUtil&) = delete;
+    virtual ~FlatBufferReaderUtil() = default;
+
+    /// Verifies a chunk and opens it at its first message.
+    /// @return false for a damaged chunk, which has been logged; the walker stays as it was
+    bool openChunk(const LogChunkBuffer& buffer);
+
+    /// @return the next message of the open chunk, null at its end
+    const schema::LogMessage* nextMessage();
+
+    /// @return the first header of the log, null before one was met. It may be read only while the chunk is
+    /// open
+    ///         that it was met in.
+    [[nodiscard]] const schema::LogHeader* header() const { return headerTable_; }
+
+private:
+    using MessageVector = flatbuffers::Vector<flatbuffers::Offset<schema::LogMessage>>;
+
+    const schema::LogChunk* rootTable_ = nullptr;
+    const schema::LogHeader* headerTable_ = nullptr;
+    const MessageVector* messageVector_ = nullptr;
+    std::uint32_t messageIndex_ = 0;
+};
+
+}  // namespace zeb::profiling

@@ -1,0 +1,56 @@
+#include "reader/ObjectFiles.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <memory>
+#include <string_view>
+
+#include "logging/Logger.h"
+
+namespace zeb::profiling {
+
+namespace {
+
+struct FileCloser {
+    void operator()(std::FILE* file) const { static_cast<void>(std::fclose(file)); }
+};
+using File = std::unique_ptr<std::FILE, FileCloser>;
+
+// Number 0 is the file name itself. Only the last "." of the whole name counts, also one in a directory's
+// name.
+std::string candidateName(const std::string& fileName, std::uint64_t number) {
+    if (number == 0) {
+        return fileName;
+    }
+    const std::size_t point = fileName.rfind('.');
+    std::string candidate = fileName.substr(0, point) + "_" + std::to_string(number);
+    return point == std::string::npos ? candidate : candidate + fileName.substr(point);
+}
+
+}  // namespace
+
+void ObjectFiles::write(const ProfileEvent& event) {
+    if (event.objectFileName().empty()) {
+        return;
+    }
+    const std::string fileName(event.objectFileName());
+    std::uint64_t& number = nextNumbers_[fileName];
+    for (;;) {
+        const std::string candidate = candidateName(fileName, number);
+        if (const File file{std::fopen(candidate.c_str(), "wx")}) {
+            ++number;
+            const auto bytes = event.objectBytes();
+            static_cast<void>(std::fwrite(bytes.data(), 1, bytes.size(), file.get()));
+            return;
+        }
+        if (errno != EEXIST) {
+            if (const auto logger = loggerFor(ZEB_LOG_LEVEL_ERROR)) {
+                logMessage(*logger, ZEB_LOG_LEVEL_ERROR, "Invalid output fileName: [%s]", candidate.c_str());
+            }
+            return;
+        }
+        ++number;
+    }
+}
+
+}  // namespace zeb::profiling

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+#include "reader/backend/BackendObjects.h"
+#include "reader/backend/LayerStats.h"
+
+namespace zeb::profiling {
+
+/// A layer of the framework's graph: the ORU layers that make it up and its time per execution.
+struct ZebLayer {
+    std::string_view name;                   ///< lies in the name table object
+    std::vector<std::uint32_t> oruLayerIds;  ///< in the order of the mapping, never empty
+    std::uint64_t dspTimeUs = 0;             ///< average time of the layers on the DSP
+    std::uint64_t krelTimeUs = 0;            ///< core time of the offloaded layers
+
+    [[nodiscard]] std::uint64_t totalTimeUs() const { return dspTimeUs + krelTimeUs; }
+};
+
+/// How the layers' time is split, in per cent; both 0 when there is no time to split.
+struct TimeShare {
+    double dspTimePercent = 0.0;
+    double krelTimePercent = 0.0;
+};
+
+/// Gathers a mapping by ZEB layer.
+/// @return the layers in report order: by the last ORU layer of each as a signed number, then by name
+std::vector<ZebLayer> gatherZebLayers(const std::vector<NodeMappingEntry>& mapping);
+
+/// Adds the times of the ORU layers to the ZEB layers that they make up. An ORU layer without figures adds
+/// nothing.
+void addLayerTimes(std::vector<ZebLayer>& zebLayers, const std::vector<LayerStats>& layerStats);
+
+TimeShare shareOfTime(const std::vector<ZebLayer>& zebLayers);
+
+}  // namespace zeb::profiling

@@ -1,0 +1,49 @@
+#include "reader/backend/ZebProfileLogReaderMURL.h"
+
+#include <fstream>
+#include <iomanip>
+#include <iostream>
+#include <sstream>
+
+#include "commandline/AppArgManagerImpl.h"
+#include "logging/Logger.h"
+#include "reader/backend/BackendReport.h"
+
+namespace zeb::profiling {
+
+bool ZebProfileLogReaderMURL::generateReports(const std::string& outputPath) {
+    BackendReport report(*this, internalColumns_);
+    std::ostringstream console;
+    console << std::fixed << std::setprecision(0);
+    report.printConsole(console);
+    std::cout << console.view();
+    if (outputPath.empty()) {
+        return true;
+    }
+    std::ofstream csv(outputPath, std::ios::app);
+    if (!csv.is_open()) {
+        if (const auto logger = loggerFor(ZEB_LOG_LEVEL_ERROR)) {
+            logMessage(*logger, ZEB_LOG_LEVEL_ERROR, "Failed open file: %s", outputPath.c_str());
+        }
+        return false;
+    }
+    csv << std::fixed << std::setprecision(0);
+    report.writeCsv(csv);
+    return true;
+}
+
+bool ZebProfileLogReaderMURL::parseBackendArgs(commandline2::ParsedArgs& parsedArgs) {
+    bool extraHelp = false;
+    commandline2::AppArgManagerImpl manager(true);
+    manager.addFlagOption("--internal", &internalColumns_, "Display MURL internal profiling info.", false,
+                          false);
+    manager.addFlagOption("--extra_help", &extraHelp,
+                          "Display extra help message on MURL backend specific options.", false, false);
+    // Failing the check is what makes the manager show its usage text.
+    manager.addValidator([&extraHelp]() -> std::string {
+        return extraHelp ? "Disregard error, displaying MURL profiler viewer help message" : "";
+    });
+    return manager.parse(parsedArgs) == 0;
+}
+
+}  // namespace zeb::profiling

@@ -1,0 +1,241 @@
+#include "reports/ConsoleReport.h"
+
+#include <algorithm>
+#include <array>
+#include <iomanip>
+#include <numeric>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "reports/ExecutionRate.h"
+#include "reports/ReportForms.h"
+#include "store/Statistics.h"
+
+namespace zeb::profiling {
+
+namespace {
+
+void printInitStats(std::ostream& out, ZebProfileLogReader& reader) {
+    printSectionHead(out, "Init Stats:", 11);
+    printTimeLine(out, reader.store().initDurationUs);
+    reader.printEvent(out, initSectionEvents(reader.store()), 1);
+    out << '\n';
+}
+
+void printComposeGraphsStats(std::ostream& out, ZebProfileLogReader& reader) {
+    printSectionHead(out, "Compose Graphs Stats:", 14);
+    printTimeLine(out, reader.store().composeDurationUs);
+    out << '\n';
+}
+
+// One block for each graph: its head, its time, its events.
+template <typename Entries>
+void printGraphs(std::ostream& out, ZebProfileLogReader& reader, const Entries& entries, bool withEvents) {
+    std::size_t position = 0;
+    for (const NamedMethodRecord& entry : entries) {
+        printGraphHead(out, position++, entry.name);
+        printTimeLine(out, entry.record.durationUs);
+        if (withEvents) {
+            reader.printEvent(out, entry.record.events, 1);
+        }
+        out << '\n';
+    }
+}
+
+void printFinalizeStats(std::ostream& out, ZebProfileLogReader& reader) {
+    const EventStore& store = reader.store();
+    printSectionHead(out, "Finalize Stats:", 15);
+    printGraphs(out, reader, store.finalizeRecords, store.hasFinalizeEvents);
+    if (store.finalizeRecords.empty()) {
+        out << '\n';
+    }
+}
+
+void printStatisticsOverview(std::ostream& out, ZebProfileLogReader& reader) {
+    printSectionHead(out, "Zeb Init/Prepare/Finalize/De-Init/Execute/Lib-Load Statistics:", 60);
+    printInitStats(out, reader);
+    printComposeGraphsStats(out, reader);
+    printFinalizeStats(out, reader);
+    printDeInitStats(out, reader);
+}
+
+void printContextBlock(std::ostream& out, std::string_view label, std::uint64_t durationUs) {
+    out << label << ":\n";
+    printTimeLine(out, durationUs);
+    out << '\n';
+}
+
+void printContextRetrievalStats(std::ostream& out, ZebProfileLogReader& reader) {
+    const EventStore& store = reader.store();
+    if (!store.hasContextRetrieval) {
+        return;
+    }
+    printSectionHead(out, "Context Retrieval Stats:", 24);
+    for (const NamedMethodRecord& entry : store.contextRetrieval) {
+        const bool isSize = entry.name == "CONTEXT GET BINARY SIZE";
+        printContextBlock(out, isSize ? "Get Binary Size" : "Get Binary", entry.record.durationUs);
+    }
+}
+
+void printContextSectionRetrievalStats(std::ostream& out, ZebProfileLogReader& reader) {
+    const EventStore& store = reader.store();
+    if (!store.hasContextSectionRetrieval) {
+        return;
+    }
+    const std::vector<MethodRecord>& records = store.contextSectionRetrieval[0].records;
+    EventArena arena;
+    const auto printBlock = [&out](std::string_view title, std::size_t underline,
+                                   const MethodRecord& record) {
+        printSectionHead(out, title, underline);
+        printContextBlock(out, "Get Binary Section Size", record.durationUs);
+    };
+    printBlock("Context Section Retrieval Stats (Average):", 47, averageRecords(records, arena));
+    printBlock("Context Section Retrieval Stats (Min):", 42, minRecord(records));
+    printBlock("Context Section Retrieval Stats (Max):", 42, maxRecord(records));
+}
+
+// Leaves the stream with precision 4.
+void printExecuteOverallStats(std::ostream& out, ZebProfileLogReader& reader) {
+    const EventStore& store = reader.store();
+    if (!store.hasExecuteOverall || store.executeOverallRecord.events.size() < executionRateEvents) {
+        return;
+    }
+    out << std::fixed << std::setprecision(4);
+    printSectionHead(out, "Execute Stats (Overall):", 24);
+    indent(out, 1);
+    out << "Marlix IPS (includes IO and misc. time): "
+        << static_cast<double>(executionRate(store.executeOverallRecord)) << " inf/sec \n\n";
+}
+
+std::uint64_t meanOf(const std::vector<std::uint64_t>& values) {
+    const auto add = [](double sum, std::uint64_t value) { return sum + static_cast<double>(value); };
+    const double sum = std::accumulate(values.begin(), values.end(), 0.0, add);
+    const double mean = sum / static_cast<double>(values.size());
+    constexpr double firstAbove = 18446744073709551616.0;
+    return mean < firstAbove ? static_cast<std::uint64_t>(mean) : ~std::uint64_t{0};
+}
+
+std::uint64_t queueWaitUs(const GraphQueueWaits& waits) {
+    return meanOf(waits.queueWaits);
+}
+std::uint64_t queueWaitUs(const GraphQueueWait& wait) {
+    return wait.queueWaitUs;
+}
+
+// The queue-wait list is empty, or it has the entries of the statistics list.
+template <typename Waits>
+void printExecuteStats(std::ostream& out, ZebProfileLogReader& reader, std::string_view title,
+                       const std::vector<NamedMethodRecord>& entries, const std::vector<Waits>& waits) {
+    printSectionHead(out, title, 24);
+    printSectionHead(out, "Total Inference Time: ", 21);
+    if (entries.empty()) {
+        out << '\n';
+        return;
+    }
+    const bool isAsync = reader.store().asyncExecute;
+    for (std::size_t position = 0; position < entries.size(); ++position) {
+        const auto& [name, record] = entries[position];
+        printGraphHead(out, position, name);
+        indent(out, 1);
+        out << (isAsync ? "Marlix (Host Round-Trip): " : "Marlix: ") << record.durationUs << " us\n";
+        if (isAsync && position < waits.size()) {
+            indent(out, 1);
+            out << "Marlix (Host Round-Trip excluding queue wait): "
+                << record.durationUs - queueWaitUs(waits[position]) << '\n';
+        }
+        reader.printEvent(out, record.events, 1);
+        out << '\n';
+    }
+}
+
+void saveObjectsOfExecutions(ZebProfileLogReader& reader) {
+    for (const GraphMethodRecords& graph : reader.store().executeRecords) {
+        for (const MethodRecord& record : graph.records) {
+            for (const ProfileEvent& event : record.events) {
+                reader.writeObjectFile(event);
+                for (const ProfileEvent& subEvent : event.subEvents) {
+                    reader.writeObjectFile(subEvent);
+                }
+            }
+        }
+    }
+}
+
+void printExecuteStatistics(std::ostream& out, ZebProfileLogReader& reader) {
+    const EventStore& store = reader.store();
+    printExecuteStats(out, reader, "Execute Stats (Average):", store.executeAverage, store.executeQueueWaits);
+    if (!store.executeAverage.empty()) {
+        saveObjectsOfExecutions(reader);
+    }
+    printExecuteStats(out, reader, "Execute Stats (Min):", store.executeMin, store.executeMinQueueWaits);
+    printExecuteStats(out, reader, "Execute Stats (Max):", store.executeMax, store.executeMaxQueueWaits);
+}
+
+void printLibLoadStats(std::ostream& out, ZebProfileLogReader& reader) {
+    const EventStore& store = reader.store();
+    if (!store.hasLibLoad || store.libLoadRecord.events.empty()) {
+        return;
+    }
+    printSectionHead(out, "Dynamic Lib Load Stats:", 24);
+    indent(out, 1);
+    out << "Backend Latency: " << store.libLoadRecord.events[0].value.payload << " us\n\n";
+}
+
+// A section that shows one statistics list, graph by graph.
+struct StatisticsSection {
+    std::string_view title;
+    std::size_t underline;
+    bool EventStore::*isPrinted;
+    std::vector<NamedMethodRecord> EventStore::*entries;
+};
+
+constexpr std::array<StatisticsSection, 6> statisticsSections = {{
+    {"ApplyBinarySection Stats (Average):", 35, &EventStore::hasApplyBinarySection,
+     &EventStore::applyBinarySectionAverage},
+    {"ApplyBinarySection Stats (Min):", 35, &EventStore::hasApplyBinarySection,
+     &EventStore::applyBinarySectionMin},
+    {"ApplyBinarySection Stats (Max):", 35, &EventStore::hasApplyBinarySection,
+     &EventStore::applyBinarySectionMax},
+    {"FinalizeAfterTensorUpdates Stats (Average):", 45, &EventStore::hasFinalizeAfterTensorUpdates,
+     &EventStore::finalizeAfterTensorUpdatesAverage},
+    {"FinalizeAfterTensorUpdates Stats (Min):", 40, &EventStore::hasFinalizeAfterTensorUpdates,
+     &EventStore::finalizeAfterTensorUpdatesMin},
+    {"FinalizeAfterTensorUpdates Stats (Max):", 40, &EventStore::hasFinalizeAfterTensorUpdates,
+     &EventStore::finalizeAfterTensorUpdatesMax},
+}};
+
+}  // namespace
+
+void printConsoleReport(std::ostream& out, ZebProfileLogReader& reader) {
+    printStatisticsOverview(out, reader);
+    printContextRetrievalStats(out, reader);
+    printContextSectionRetrievalStats(out, reader);
+    printExecuteOverallStats(out, reader);
+    printExecuteStatistics(out, reader);
+    printLibLoadStats(out, reader);
+    for (const StatisticsSection& section : statisticsSections) {
+        if (reader.store().*section.isPrinted) {
+            printSectionHead(out, section.title, section.underline);
+            printGraphs(out, reader, reader.store().*section.entries, true);
+        }
+    }
+}
+
+void printUpdateBinarySectionStats(std::ostream& out, ZebProfileLogReader& reader) {
+    const EventStore& store = reader.store();
+    if (!store.hasUpdateBinarySection) {
+        return;
+    }
+    printSectionHead(out, "UpdateBinarySection Stats:", 32);
+    if (!store.updateBinarySectionRecords.empty()) {
+        const MethodRecord& record = store.updateBinarySectionRecords.front().record;
+        printTimeLine(out, record.durationUs);
+        reader.printEvent(out, record.events, 1);
+        out << '\n';
+    }
+}
+
+}  // namespace zeb::profiling

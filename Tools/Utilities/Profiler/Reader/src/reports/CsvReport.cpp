@@ -1,0 +1,149 @@
+#include "reports/CsvReport.h"
+
+#include <iomanip>
+#include <ostream>
+#include <string>
+#include <string_view>
+
+#include "reports/ExecutionRate.h"
+#include "reports/ReportForms.h"
+
+namespace zeb::profiling {
+
+namespace {
+
+constexpr std::string_view columnLine =
+    "Msg Timestamp, Message, Time, Unit of Measurement, Timing Source, Event Level, Event Identifier\n";
+
+constexpr std::string_view marlixUs = ",US,MARLIX,ROOT,";
+constexpr std::string_view labuUs = ",US,LABU,ROOT,";
+
+std::string textOrNull(std::string_view text, std::string_view suffix = {}) {
+    return text.empty() ? "null" : std::string(text).append(suffix);
+}
+
+std::string graphIdentifier(std::size_t position, std::string_view text) {
+    return "Graph " + std::to_string(position) + ": " + std::string(text);
+}
+
+void writeMethodRow(std::ostream& out, std::uint64_t timestamp, std::string_view keyword,
+                    std::uint64_t durationUs, std::string_view identifier,
+                    std::string_view source = marlixUs) {
+    out << timestamp << ',' << keyword << ',' << durationUs << source << identifier << '\n';
+}
+
+void writeInitCsv(std::ostream& out, ZebProfileLogReader& reader) {
+    const EventStore& store = reader.store();
+    writeMethodRow(out, store.initTimestamp, "INIT", store.initDurationUs,
+                   textOrNull(store.initStepMessage, " (init)"));
+    reader.writeEventCsv(out, initSectionEvents(store), store.initTimestamp, "INIT");
+}
+
+void writeComposeGraphsCsv(std::ostream& out, const EventStore& store) {
+    writeMethodRow(out, store.composeTimestamp, "COMPOSE GRAPHS", store.composeDurationUs,
+                   textOrNull(store.composeGraphNames));
+}
+
+void writeFinalizeCsv(std::ostream& out, ZebProfileLogReader& reader) {
+    const EventStore& store = reader.store();
+    std::size_t position = 0;
+    for (const auto& [name, record] : store.finalizeRecords) {
+        writeMethodRow(out, record.timestamp, "FINALIZE", record.durationUs,
+                       graphIdentifier(position++, name));
+        if (store.hasFinalizeEvents) {
+            reader.writeEventCsv(out, record.events, record.timestamp, "FINALIZE");
+        }
+    }
+}
+
+void writeDeInitCsv(std::ostream& out, ZebProfileLogReader& reader) {
+    const MethodRecord& record = reader.store().deInitRecord;
+    writeMethodRow(out, record.timestamp, "DE-INIT", record.durationUs,
+                   textOrNull(record.message, " (deinit)"));
+    reader.writeEventCsv(out, record.events, record.timestamp, "DE-INIT");
+}
+
+// A section with a row for every record of every graph.
+struct GraphRecordsSection {
+    std::string_view keyword;
+    std::string eventMessage;
+    const GraphRecordList& graphs;
+    bool identifiedByMessage = false;  ///< a record shows its own message in place of the graph's name
+};
+
+void writeGraphRecordsCsv(std::ostream& out, ZebProfileLogReader& reader,
+                          const GraphRecordsSection& section) {
+    for (std::size_t position = 0; position < section.graphs.size(); ++position) {
+        const GraphMethodRecords& graph = section.graphs[position];
+        for (const MethodRecord& record : graph.records) {
+            const std::string_view text = section.identifiedByMessage ? record.message : graph.graphName;
+            writeMethodRow(out, record.timestamp, section.keyword, record.durationUs,
+                           graphIdentifier(position, text));
+            reader.writeEventCsv(out, record.events, record.timestamp, section.eventMessage);
+        }
+    }
+}
+
+// Leaves the stream with precision 6.
+void writeExecuteIpsCsv(std::ostream& out, const EventStore& store) {
+    const MethodRecord& record = store.executeOverallRecord;
+    if (store.hasExecuteOverall && record.events.size() >= executionRateEvents) {
+        out << std::fixed << std::setprecision(6) << record.timestamp << ",EXECUTE IPS,"
+            << executionRate(record) << ",INF/SEC,MARLIX,ROOT,null\n";
+    }
+}
+
+void writeLibLoadCsv(std::ostream& out, const EventStore& store) {
+    const MethodRecord& record = store.libLoadRecord;
+    if (store.hasLibLoad && !record.events.empty()) {
+        writeMethodRow(out, record.timestamp, "DLOPEN LATENCY", record.events[0].value.payload, "null");
+    }
+}
+
+void writeContextCsv(std::ostream& out, const EventStore& store) {
+    for (const auto& [key, record] : store.contextRetrieval) {
+        writeMethodRow(out, record.timestamp, key, record.durationUs, textOrNull(record.message));
+    }
+    for (const GraphMethodRecords& entry : store.contextSectionRetrieval) {
+        for (const MethodRecord& record : entry.records) {
+            writeMethodRow(out, record.timestamp, entry.graphName, record.durationUs,
+                           textOrNull(record.message));
+        }
+    }
+}
+
+void writeUpdateBinarySectionCsv(std::ostream& out, ZebProfileLogReader& reader) {
+    const EventStore& store = reader.store();
+    if (!store.updateBinarySectionRecords.empty()) {
+        const MethodRecord& record = store.updateBinarySectionRecords.front().record;
+        writeMethodRow(out, record.timestamp, "UPDATE BINARY SECTION", record.durationUs, "null", labuUs);
+        reader.writeEventCsv(out, record.events, record.timestamp, "UPDATE_BINARY_SECTION");
+    }
+}
+
+}  // namespace
+
+void writeCsvReport(std::ostream& out, ZebProfileLogReader& reader) {
+    const EventStore& store = reader.store();
+    writeCsvPreamble(out, reader);
+    out << columnLine;
+    if (reader.header().isAdapterUpdaterLog) {
+        writeUpdateBinarySectionCsv(out, reader);
+        return;
+    }
+    writeInitCsv(out, reader);
+    writeComposeGraphsCsv(out, store);
+    writeFinalizeCsv(out, reader);
+    writeDeInitCsv(out, reader);
+    writeGraphRecordsCsv(out, reader, {"EXECUTE", "EXECUTE", store.executeRecords});
+    writeExecuteIpsCsv(out, store);
+    writeLibLoadCsv(out, store);
+    writeGraphRecordsCsv(out, reader,
+                         {"APPLY BINARY SECTION", "APPLYBINARY", store.applyBinarySectionRecords});
+    writeGraphRecordsCsv(out, reader,
+                         {"FINALIZE AFTER TENSOR UPDATES", "FINALIZE_AFTER_TENSOR_UPDATES",
+                          store.finalizeAfterTensorUpdatesRecords, true});
+    writeContextCsv(out, store);
+}
+
+}  // namespace zeb::profiling

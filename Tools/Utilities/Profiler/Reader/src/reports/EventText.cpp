@@ -1,0 +1,101 @@
+#include "reports/EventText.h"
+
+#include <array>
+#include <cstdint>
+#include <cstdio>
+
+namespace zeb::profiling {
+
+namespace {
+
+struct UnitTexts {
+    EventUnit unit;
+    std::string_view suffix;
+    std::string_view csv;
+};
+
+constexpr UnitTexts microseconds{EventUnit::microseconds, " us", "US"};
+constexpr std::array<UnitTexts, 5> otherUnits = {{
+    {EventUnit::bytes, " bytes", "BYTES"},
+    {EventUnit::cycles, " cycles", "CYCLES"},
+    {EventUnit::count, " count", "COUNT"},
+    {EventUnit::object, " object", ""},
+    {EventUnit::none, " ", "NONE"},
+}};
+
+const UnitTexts& textsOf(EventUnit unit) {
+    for (const UnitTexts& texts : otherUnits) {
+        if (texts.unit == unit) {
+            return texts;
+        }
+    }
+    return microseconds;
+}
+
+template <typename Integer>
+std::string decimal(std::uint64_t payload) {
+    return std::to_string(static_cast<Integer>(payload));
+}
+
+// The largest double has 309 digits in front of the point.
+std::string fixedPoint(double value) {
+    std::array<char, 320> text{};
+    const int length = std::snprintf(text.data(), text.size(), "%f", value);
+    return {text.data(), static_cast<std::size_t>(length)};
+}
+
+}  // namespace
+
+std::string formatEventValue(const EventValue& value) {
+    switch (value.kind) {
+        case ValueKind::int8:
+            return decimal<std::int8_t>(value.payload);
+        case ValueKind::int16:
+        case ValueKind::int16Alternate:
+            return decimal<std::int16_t>(value.payload);
+        case ValueKind::int32:
+            return decimal<std::int32_t>(value.payload);
+        case ValueKind::int64:
+            return decimal<std::int64_t>(value.payload);
+        case ValueKind::uint8:
+        case ValueKind::uint8Alternate:
+            return decimal<std::uint8_t>(value.payload);
+        case ValueKind::uint16:
+            return decimal<std::uint16_t>(value.payload);
+        case ValueKind::uint32:
+            return decimal<std::uint32_t>(value.payload);
+        case ValueKind::uint64:
+            return decimal<std::uint64_t>(value.payload);
+        case ValueKind::float32:
+            return fixedPoint(static_cast<double>(value.asFloat()));
+        case ValueKind::float64:
+            return fixedPoint(value.asDouble());
+        case ValueKind::text:
+            return value.asText();
+        case ValueKind::unset:
+            break;
+    }
+    return {};
+}
+
+std::string_view unitSuffix(EventUnit unit) {
+    return textsOf(unit).suffix;
+}
+
+std::string_view unitCsvText(EventUnit unit) {
+    return textsOf(unit).csv;
+}
+
+std::optional<std::string> findEventValue(std::string_view name, const EventList& events) {
+    for (const ProfileEvent& event : events) {
+        if (!event.isObject() && event.name == name) {
+            return formatEventValue(event.value);
+        }
+        if (auto below = findEventValue(name, event.subEvents)) {
+            return below;
+        }
+    }
+    return std::nullopt;
+}
+
+}  // namespace zeb::profiling

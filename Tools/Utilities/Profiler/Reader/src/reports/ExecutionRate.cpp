@@ -1,0 +1,12 @@
+#include "reports/ExecutionRate.h"
+
+namespace zeb::profiling {
+
+float executionRate(const MethodRecord& record) {
+    const bool durationFirst = record.events[0].name == "duration";
+    const std::uint64_t durationUs = record.events[durationFirst ? 0 : 1].value.payload;
+    const std::uint64_t count = record.events[durationFirst ? 1 : 0].value.payload;
+    return durationUs == 0 ? 0.0F : static_cast<float>(count) * 1000000.0F / static_cast<float>(durationUs);
+}
+
+}  // namespace zeb::profiling

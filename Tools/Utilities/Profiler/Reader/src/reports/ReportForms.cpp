@@ -1,0 +1,68 @@
+#include "reports/ReportForms.h"
+
+#include <iomanip>
+#include <string>
+
+#include "reports/EventText.h"
+#include "zeb/profiling/Version.h"
+
+namespace zeb::profiling {
+
+void indent(std::ostream& out, std::uint64_t levels) {
+    for (std::uint64_t blanks = levels * reportIndentWidth; blanks > 0; --blanks) {
+        out.put(' ');
+    }
+}
+
+void printSectionHead(std::ostream& out, std::string_view title, std::size_t underline) {
+    out << title << '\n' << std::string(underline, '-') << '\n';
+}
+
+void printGraphHead(std::ostream& out, std::size_t position, std::string_view graphName) {
+    out << "Graph " << position << " (" << graphName << "):\n";
+}
+
+void printTimeLine(std::ostream& out, std::uint64_t durationUs) {
+    indent(out, 1);
+    out << "Marlix: " << durationUs << " us\n";
+}
+
+void printEventLine(std::ostream& out, const ProfileEvent& event, std::uint64_t level) {
+    indent(out, level);
+    if (level == 1) {
+        out << "Backend (" << event.name << "): ";
+    } else {
+        out << event.name << ": ";
+    }
+    out << std::fixed << std::setprecision(0) << formatEventValue(event.value) << unitSuffix(event.unit)
+        << '\n';
+}
+
+void printReportHeader(std::ostream& out, ZebProfileLogReader& reader) {
+    out << reader.printHeader() << '\n';
+}
+
+void printDeInitStats(std::ostream& out, ZebProfileLogReader& reader) {
+    const MethodRecord& record = reader.store().deInitRecord;
+    printSectionHead(out, "De-Init Stats:", 14);
+    printTimeLine(out, record.durationUs);
+    reader.printEvent(out, record.events, 1);
+    out << '\n';
+}
+
+void writeCsvPreamble(std::ostream& out, const ZebProfileLogReader& reader) {
+    const LogHeaderDetails& header = reader.header();
+    out << "input log file location, " << reader.logFilePath() << '\n'
+        << "zeb-profile-viewer version, " << versionText << '\n'
+        << header.generatorName << " version, " << header.generatorVersion << '\n'
+        << "Backend version, " << header.backendInfo << '\n';
+}
+
+EventList initSectionEvents(const EventStore& store) {
+    if (store.hasInitEvents) {
+        return store.initEvents;
+    }
+    return store.hasInitRecord ? store.initRecord.events : EventList{};
+}
+
+}  // namespace zeb::profiling

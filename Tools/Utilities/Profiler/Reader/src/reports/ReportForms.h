@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <ostream>
+#include <string_view>
+
+#include "reader/ZebProfileLogReader.h"
+
+/// The lines and sections that the reports of all readers share. Every line ends in a newline.
+namespace zeb::profiling {
+
+/// Blanks of one level of indentation in a console report.
+inline constexpr std::size_t reportIndentWidth = 4;
+
+/// Writes blanks for that many levels.
+void indent(std::ostream& out, std::uint64_t levels);
+
+/// A title, and a line of "-" below it. The width is the section's own and seldom the title's.
+void printSectionHead(std::ostream& out, std::string_view title, std::size_t underline);
+
+/// @param position of the graph in the list that the section walks, counted from 0
+void printGraphHead(std::ostream& out, std::size_t position, std::string_view graphName);
+
+void printTimeLine(std::ostream& out, std::uint64_t durationUs);
+
+/// The line of one event that is no object; `level` is 1 for the events of a message. Leaves the stream in
+/// fixed notation with precision 0.
+void printEventLine(std::ostream& out, const ProfileEvent& event, std::uint64_t level);
+
+/// The header text of the log and a blank line.
+void printReportHeader(std::ostream& out, ZebProfileLogReader& reader);
+
+void printDeInitStats(std::ostream& out, ZebProfileLogReader& reader);
+
+/// The four lines at the head of every CSV report.
+void writeCsvPreamble(std::ostream& out, const ZebProfileLogReader& reader);
+
+/// The events of the Init section: those that came with other messages, else those of the Init message.
+EventList initSectionEvents(const EventStore& store);
+
+}  // namespace zeb::profiling

@@ -1,0 +1,130 @@
+// What is derived from the records after the last message.
+
+#include <functional>
+#include <ostream>
+
+#include "logging/Logger.h"
+#include "store/EventStore.h"
+#include "store/Statistics.h"
+
+namespace zeb::profiling {
+
+namespace {
+
+constexpr std::string_view multipleQueueWaits =
+    "Multiple queue-wait time events found per execution. Cannot calculate Host Round-Trip excluding queue "
+    "wait\n";
+
+template <typename Statistic>
+void aggregate(const GraphRecordList& graphs, std::vector<NamedMethodRecord>& results, Statistic statistic) {
+    results.reserve(results.size() + graphs.size());
+    for (const GraphMethodRecords& graph : graphs) {
+        results.push_back({graph.graphName, statistic(graph.records)});
+    }
+}
+
+struct QueueWait {
+    std::size_t count = 0;
+    std::uint64_t lastUs = 0;
+};
+
+// A queue wait stands among the events of an execution or directly below one of them.
+QueueWait queueWaitOf(EventList events, int levels = 2) {
+    QueueWait wait;
+    for (const ProfileEvent& event : events) {
+        if (event.eventType == EVENT_TYPE_QUEUE_WAIT) {
+            ++wait.count;
+            wait.lastUs = event.value.payload;
+        }
+        if (levels > 1) {
+            const QueueWait below = queueWaitOf(event.subEvents, levels - 1);
+            wait.count += below.count;
+            wait.lastUs = below.count > 0 ? below.lastUs : wait.lastUs;
+        }
+    }
+    return wait;
+}
+
+void tellMissingQueueWait(const QueueWait& wait, std::ostream& notes, const char* noneFound) {
+    if (wait.count > 1) {
+        notes << multipleQueueWaits;
+    } else {
+        logMessage(ZEB_LOG_LEVEL_DEBUG, noneFound);
+    }
+}
+
+std::vector<GraphQueueWaits> queueWaitsOfAll(const GraphRecordList& graphs, std::ostream& notes) {
+    std::vector<GraphQueueWaits> all;
+    for (const GraphMethodRecords& graph : graphs) {
+        GraphQueueWaits waits{graph.graphName, {}};
+        waits.queueWaits.reserve(graph.records.size());
+        for (const MethodRecord& record : graph.records) {
+            const QueueWait wait = queueWaitOf(record.events);
+            if (wait.count != 1) {
+                tellMissingQueueWait(wait, notes, "No queue-wait time event found per execution.");
+                return {};
+            }
+            waits.queueWaits.push_back(wait.lastUs);
+        }
+        all.push_back(std::move(waits));
+    }
+    return all;
+}
+
+std::vector<GraphQueueWait> queueWaitsOfEach(const std::vector<NamedMethodRecord>& records,
+                                             std::ostream& notes, const char* noneFound) {
+    std::vector<GraphQueueWait> waits;
+    for (const NamedMethodRecord& entry : records) {
+        const QueueWait wait = queueWaitOf(entry.record.events);
+        if (wait.count != 1) {
+            tellMissingQueueWait(wait, notes, noneFound);
+            return {};
+        }
+        waits.push_back({entry.name, wait.lastUs});
+    }
+    return waits;
+}
+
+}  // namespace
+
+void EventStore::aggregateStatistics(std::ostream& notes) {
+    const auto average = [this](const std::vector<MethodRecord>& records) {
+        return averageRecords(records, arena_);
+    };
+    aggregate(executeRecords, executeAverage, average);
+    aggregate(executeRecords, executeMax, maxRecord);
+    aggregate(executeRecords, executeMin, minRecord);
+    aggregate(applyBinarySectionRecords, applyBinarySectionAverage, average);
+    aggregate(applyBinarySectionRecords, applyBinarySectionMax, maxRecord);
+    aggregate(applyBinarySectionRecords, applyBinarySectionMin, minRecord);
+    aggregate(finalizeAfterTensorUpdatesRecords, finalizeAfterTensorUpdatesAverage, average);
+    aggregate(finalizeAfterTensorUpdatesRecords, finalizeAfterTensorUpdatesMax, maxRecord);
+    aggregate(finalizeAfterTensorUpdatesRecords, finalizeAfterTensorUpdatesMin, minRecord);
+    if (asyncExecute) {
+        aggregateQueueWaits(notes);
+    }
+    aggregateInitRow();
+}
+
+void EventStore::aggregateQueueWaits(std::ostream& notes) {
+    executeQueueWaits = queueWaitsOfAll(executeRecords, notes);
+    executeMaxQueueWaits =
+        queueWaitsOfEach(executeMax, notes, "No max queue-wait time event found per execution.");
+    executeMinQueueWaits =
+        queueWaitsOfEach(executeMin, notes, "No min queue-wait time event found per execution.");
+}
+
+void EventStore::aggregateInitRow() {
+    if (hasInitRecord) {
+        initTimestamp = initRecord.timestamp;
+        initDurationUs = initRecord.durationUs;
+    } else if (hasFinalize) {
+        initTimestamp = initStepTimestamp;
+        initDurationUs = composeDurationUs + initStepDurationUs;
+        for (const NamedMethodRecord& entry : finalizeRecords) {
+            initDurationUs += entry.record.durationUs;
+        }
+    }
+}
+
+}  // namespace zeb::profiling

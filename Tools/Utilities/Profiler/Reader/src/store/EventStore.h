@@ -1,0 +1,120 @@
+#pragma once
+
+#include <cstdint>
+#include <iosfwd>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "log/ProfileLog_generated.h"
+#include "store/EventArena.h"
+#include "store/MethodRecord.h"
+#include "store/NamedList.h"
+
+namespace zeb::profiling {
+
+using GraphRecordList = NamedList<GraphMethodRecords, &GraphMethodRecords::graphName>;
+using NamedRecordList = NamedList<NamedMethodRecord, &NamedMethodRecord::name>;
+
+/// All that is kept of a log: records made from its method messages, and the statistics over them. Nothing in
+/// it points into a chunk. Durations are in us; timestamps are the log's. The reports read the members and
+/// never change them. All operations throw `std::bad_alloc`.
+class EventStore {
+public:
+    /// @param visibilityLevel messages whose level is not strictly below it are dropped
+    explicit EventStore(std::int8_t visibilityLevel) : visibilityLevel_(visibilityLevel) {}
+    EventStore(const EventStore&) = delete;
+    EventStore& operator=(const EventStore&) = delete;
+
+    /// Decodes one message of a verified chunk and keeps what its method asks for.
+    /// @return whether the message was stored
+    bool dispatchMethod(const schema::LogMessage& message);
+
+    /// Derives the statistics lists, the queue waits and the Init row from the records. To be called once,
+    /// after the last message.
+    /// @param notes receives what is to be told to the user, whole lines
+    void aggregateStatistics(std::ostream& notes);
+
+    // Initialization
+    std::uint64_t initTimestamp = 0;       ///< of the Init row, by aggregation
+    std::uint64_t initDurationUs = 0;      ///< of the Init row, by aggregation
+    std::uint64_t initStepTimestamp = 0;   ///< of the latest InitStep message, dropped ones too
+    std::uint64_t initStepDurationUs = 0;  ///< of the latest InitStep message that was not dropped
+    std::uint64_t composeTimestamp = 0;    ///< the first one of a ComposeGraphs message that is not 0
+    std::uint64_t composeDurationUs = 0;   ///< sum over all ComposeGraphs messages
+    std::string composeGraphNames;         ///< texts of the ComposeGraphs messages, joined by "; "
+    std::string initStepMessage;           ///< text of the latest InitStep message
+    EventList initEvents;                  ///< events of type init of the latest message that can have some
+    bool hasInitEvents = false;            ///< an event of type init was seen outside Init messages
+    MethodRecord initRecord;               ///< the latest Init message
+    bool hasInitRecord = false;
+
+    // Flags of the collections below: such a message was stored
+    bool hasApplyBinarySection = false;
+    bool hasUpdateBinarySection = false;
+    bool hasFinalizeAfterTensorUpdates = false;
+    bool hasContextRetrieval = false;
+    NamedRecordList contextRetrieval;  ///< the latest message under each key
+    bool hasContextSectionRetrieval = false;
+    GraphRecordList contextSectionRetrieval;  ///< all messages under the one key
+
+    // Graphs, in order of first appearance
+    NamedRecordList finalizeRecords;
+    bool hasFinalize = false;        ///< a Finalize message was stored
+    bool hasFinalizeEvents = false;  ///< an event was filed under finalization
+    GraphRecordList executeRecords;
+    GraphRecordList applyBinarySectionRecords;
+    GraphRecordList finalizeAfterTensorUpdatesRecords;
+    bool asyncExecute = false;  ///< an ExecuteAsync message was met, dropped or not
+
+    // Statistics, by aggregation; each list has the entries of its source list in the same order
+    std::vector<NamedMethodRecord> executeAverage;
+    std::vector<NamedMethodRecord> applyBinarySectionAverage;
+    std::vector<NamedMethodRecord> applyBinarySectionMax;
+    std::vector<NamedMethodRecord> applyBinarySectionMin;
+    std::vector<NamedMethodRecord> updateBinarySectionRecords;  ///< the latest message, under an empty name
+    std::vector<NamedMethodRecord> finalizeAfterTensorUpdatesAverage;
+    std::vector<NamedMethodRecord> finalizeAfterTensorUpdatesMax;
+    std::vector<NamedMethodRecord> finalizeAfterTensorUpdatesMin;
+    std::vector<NamedMethodRecord> executeMax;
+    std::vector<NamedMethodRecord> executeMin;
+    std::vector<GraphQueueWaits> executeQueueWaits;  ///< empty unless every execution has exactly one wait
+    std::vector<GraphQueueWait> executeMaxQueueWaits;
+    std::vector<GraphQueueWait> executeMinQueueWaits;
+
+    MethodRecord executeOverallRecord;  ///< the latest ExecuteOverall message
+    bool hasExecuteOverall = false;
+    MethodRecord deInitRecord;   ///< the latest DeInit message
+    MethodRecord libLoadRecord;  ///< the latest DynamicLibLoad message
+    bool hasLibLoad = false;
+
+private:
+    bool decodeInit(const schema::LogMessage& message);
+    bool decodeDeInit(const schema::LogMessage& message);
+    bool decodeInitStep(const schema::LogMessage& message);
+    bool decodeComposeGraphs(const schema::LogMessage& message);
+    bool decodeExecuteOverall(const schema::LogMessage& message);
+    bool decodeDynamicLibLoad(const schema::LogMessage& message);
+    bool decodeExecute(const schema::LogMessage& message);
+    bool decodeFinalize(const schema::LogMessage& message);
+    bool decodeGraphEvents(const schema::LogMessage& message);
+    bool decodeApplyBinarySection(const schema::LogMessage& message);
+    bool decodeFinalizeAfterTensorUpdates(const schema::LogMessage& message);
+    bool decodeUpdateBinarySection(const schema::LogMessage& message);
+    bool decodeContextGetBinary(const schema::LogMessage& message);
+    bool decodeContextGetBinarySectionSize(const schema::LogMessage& message);
+
+    [[nodiscard]] bool isVisible(const schema::LogMessage& message) const;
+    bool decodeWholeRecord(const schema::LogMessage& message, MethodRecord& record, bool& hasRecord);
+    void fileInitEvents(EventList events);
+    void fileFinalizeEvents(std::string_view graphName, EventList events);
+    void fileExecuteEvents(std::string_view graphName, EventList events);
+
+    void aggregateQueueWaits(std::ostream& notes);
+    void aggregateInitRow();
+
+    std::int8_t visibilityLevel_;
+    EventArena arena_;
+};
+
+}  // namespace zeb::profiling

@@ -1,0 +1,84 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+#include "store/EventValue.h"
+
+namespace zeb::profiling {
+
+/// Unit of an event's value, straight from `LogEvent.unit`. Every number that is not named here means
+/// microseconds.
+enum class EventUnit : std::uint32_t {
+    microseconds = 0,
+    bytes = 2,
+    cycles = 3,
+    count = 4,
+    object = 5,
+    none = 6
+};
+
+/// Event types that steer decoding and queue waits. All other numbers are opaque.
+inline constexpr std::uint32_t EVENT_TYPE_INIT = 100;
+inline constexpr std::uint32_t EVENT_TYPE_FINALIZE = 300;
+inline constexpr std::uint32_t EVENT_TYPE_QUEUE_WAIT = 405;
+
+struct ProfileEvent;
+
+/// A list of events in log order. The events are never changed once the list is made, so a copy of a list,
+/// and of an event with its sub-events, stands for a tree of its own though it shares the memory. The events
+/// live as long as the `EventArena` that holds them, which is as long as the store.
+class EventList {
+public:
+    EventList() = default;
+    EventList(std::span<ProfileEvent> events);  // NOLINT(google-explicit-constructor): the same, finished
+
+    [[nodiscard]] std::size_t size() const { return size_; }
+    [[nodiscard]] bool empty() const { return size_ == 0; }
+    [[nodiscard]] const ProfileEvent* begin() const { return first_; }
+    [[nodiscard]] const ProfileEvent* end() const;
+    [[nodiscard]] const ProfileEvent& operator[](std::size_t index) const;
+
+private:
+    const ProfileEvent* first_ = nullptr;
+    std::size_t size_ = 0;
+};
+
+/// What an event of `unit` object carries.
+struct EventObject {
+    std::span<const std::byte> bytes;  ///< `LogEvent.bytes`
+    std::string_view fileName;         ///< `LogEvent.fileName`
+};
+
+/// One event of a message, with its sub-events. Texts, bytes and sub-events belong to the `EventArena` that
+/// the event was made with and live as long as it.
+struct ProfileEvent {
+    std::string_view name = "null";  ///< `LogEvent.name`
+    EventList subEvents;
+    EventValue value;
+    std::uint64_t occurrences = 1;        ///< how many events were merged into this one
+    const EventObject* object = nullptr;  ///< null when the log has neither bytes nor a file name
+    std::uint32_t eventType = 0;          ///< `LogEvent.type`
+    EventUnit unit = EventUnit::microseconds;
+
+    [[nodiscard]] bool isObject() const { return unit == EventUnit::object; }
+    [[nodiscard]] std::span<const std::byte> objectBytes() const {
+        return object == nullptr ? std::span<const std::byte>{} : object->bytes;
+    }
+    /// File name for the bytes of an object event, empty when the log has none.
+    [[nodiscard]] std::string_view objectFileName() const {
+        return object == nullptr ? std::string_view{} : object->fileName;
+    }
+};
+
+inline EventList::EventList(std::span<ProfileEvent> events) : first_(events.data()), size_(events.size()) {}
+inline const ProfileEvent* EventList::end() const {
+    return first_ + size_;
+}
+inline const ProfileEvent& EventList::operator[](std::size_t index) const {
+    return first_[index];
+}
+
+}  // namespace zeb::profiling

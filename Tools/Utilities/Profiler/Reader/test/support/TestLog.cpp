@@ -1,0 +1,117 @@
+#include "support/TestLog.h"
+
+#include <stdlib.h>  // NOLINT(modernize-deprecated-headers): mkdtemp
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <sstream>
+
+namespace zeb::test {
+
+namespace {
+
+std::vector<std::string> caughtLines;
+
+void catchLine(const char* format, std::int32_t level, std::uint64_t /*timestamp*/, va_list arguments) {
+    std::array<char, 500> text{};
+    std::vsnprintf(text.data(), text.size(), format, arguments);
+    caughtLines.push_back(std::to_string(level) + " " + text.data());
+}
+
+}  // namespace
+
+Event event(std::string name, Value value, std::vector<Event> subEvents) {
+    Event made;
+    made.name = std::move(name);
+    made.value = std::move(value);
+    made.subEvents = std::move(subEvents);
+    return made;
+}
+
+Event ofType(std::uint32_t type, Event event) {
+    event.type = type;
+    return event;
+}
+
+Event inUnit(std::uint32_t unit, Event event) {
+    event.unit = unit;
+    return event;
+}
+
+Event object(std::string name, samplelog::Bytes bytes, std::string fileName) {
+    Event made = inUnit(samplelog::Unit::object, event(std::move(name), std::move(bytes)));
+    if (!fileName.empty()) {
+        made.fileName = std::move(fileName);
+    }
+    return made;
+}
+
+Message message(MethodType type, std::string text, std::uint64_t durationUs, std::vector<Event> events,
+                std::uint64_t timestamp) {
+    Message made;
+    made.methodType = type;
+    made.text = std::move(text);
+    made.timing = {.startTime = 500, .endTime = 500 + durationUs};
+    made.timestamp = timestamp;
+    made.events = std::move(events);
+    return made;
+}
+
+TempDir::TempDir() {
+    std::string pattern = (std::filesystem::temp_directory_path() / "zeb-test-XXXXXX").string();
+    path_ = mkdtemp(pattern.data());
+}
+
+TempDir::~TempDir() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+}
+
+std::string TempDir::write(std::string_view name, const samplelog::Bytes& bytes) const {
+    std::ofstream file(path_ / name, std::ios::binary);
+    file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    return path(name);
+}
+
+std::string fileText(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+samplelog::Bytes logOf(const std::vector<std::vector<Message>>& chunks, const Header& header) {
+    std::ostringstream out;
+    samplelog::LogWriter writer(out);
+    writer.setHeader(header);
+    for (const std::vector<Message>& chunk : chunks) {
+        for (const Message& message : chunk) {
+            writer.add(message);
+        }
+        writer.finishChunk();
+    }
+    const std::string text = out.str();
+    return {text.begin(), text.end()};
+}
+
+CaughtLog::CaughtLog(std::int32_t maxLevel) {
+    caughtLines.clear();
+    profiling::setLogger(profiling::loggerHandle,
+                         std::make_shared<profiling::Logger>(profiling::Logger{catchLine, maxLevel, 0}));
+}
+
+CaughtLog::~CaughtLog() {
+    profiling::setLogger(profiling::loggerHandle, nullptr);
+}
+
+const std::vector<std::string>& CaughtLog::lines() const {
+    return caughtLines;
+}
+
+bool CaughtLog::has(std::string_view line) const {
+    return std::find(caughtLines.begin(), caughtLines.end(), line) != caughtLines.end();
+}
+
+}  // namespace zeb::test

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "LogWriter.h"
+#include "logging/Logger.h"
+
+/// What the tests of all rooms share: messages by verbs, files that go away, and the log calls of a test.
+namespace zeb::test {
+
+using samplelog::Event;
+using samplelog::Header;
+using samplelog::Message;
+using samplelog::MethodType;
+using samplelog::Value;
+
+/// An event with a name, a value and what is below it.
+Event event(std::string name, Value value = {}, std::vector<Event> subEvents = {});
+Event ofType(std::uint32_t type, Event event);
+Event inUnit(std::uint32_t unit, Event event);
+/// An event of unit object with bytes and a file name.
+Event object(std::string name, samplelog::Bytes bytes, std::string fileName = {});
+inline Value number(std::uint64_t value) {
+    return value;
+}
+
+/// A message that ran for that many us. Its timestamp is 1000 unless it is given.
+Message message(MethodType type, std::string text, std::uint64_t durationUs, std::vector<Event> events = {},
+                std::uint64_t timestamp = 1000);
+
+/// A directory that goes away with the test.
+class TempDir {
+public:
+    TempDir();
+    ~TempDir();
+    TempDir(const TempDir&) = delete;
+    TempDir& operator=(const TempDir&) = delete;
+
+    [[nodiscard]] std::string path(std::string_view name) const { return (path_ / name).string(); }
+    [[nodiscard]] const std::filesystem::path& directory() const { return path_; }
+    /// Writes a file and gives its path.
+    std::string write(std::string_view name, const samplelog::Bytes& bytes) const;
+
+private:
+    std::filesystem::path path_;
+};
+
+/// @return the whole file, empty when there is none
+std::string fileText(const std::string& path);
+
+/// A log in chunks: each list of messages becomes one.
+samplelog::Bytes logOf(const std::vector<std::vector<Message>>& chunks, const Header& header = {});
+
+/// Catches what the library logs, for as long as it lives: "LEVEL text" each.
+class CaughtLog {
+public:
+    explicit CaughtLog(std::int32_t maxLevel = profiling::ZEB_LOG_LEVEL_DEBUG);
+    ~CaughtLog();
+    CaughtLog(const CaughtLog&) = delete;
+    CaughtLog& operator=(const CaughtLog&) = delete;
+
+    [[nodiscard]] const std::vector<std::string>& lines() const;
+    [[nodiscard]] bool has(std::string_view line) const;
+};
+
+}  // namespace zeb::test
