@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace zeb::viewer {
+
+inline constexpr std::string_view programName = "zeb-profile-viewer";
+
+/// Exit codes of the command, as its help documents them.
+enum class ExitCode : std::uint8_t {
+    good = 0,
+    badLog = 1,     ///< the log can't be read
+    usage = 2,      ///< the command line is wrong
+    badOutput = 3,  ///< the CSV file or standard output can't be written
+    badPlugin = 4,  ///< the plug-in can't be loaded
+    badReport = 5,  ///< the report failed on a value in the log
+};
+
+/// Ends the command with an exit code and one line on standard error.
+class Failure final : public std::runtime_error {
+public:
+    Failure(ExitCode exitCode, const std::string& line) : std::runtime_error(line), exitCode_(exitCode) {}
+    /// @param subject the file, or the argument, that is to blame
+    Failure(ExitCode exitCode, const std::string& subject, const std::string& cause)
+        : Failure(exitCode, subject + ": " + cause) {}
+
+    [[nodiscard]] ExitCode exitCode() const { return exitCode_; }
+
+private:
+    ExitCode exitCode_;
+};
+
+/// Writes the text on standard error as one line behind the program's name. Control characters, which a file
+/// name may hold, show as question marks.
+void printErrorLine(std::string_view text) noexcept;
+
+/// @return the system's text for an `errno` value
+std::string errorText(int error);
+
+}  // namespace zeb::viewer

@@ -1,0 +1,86 @@
+#include "StandardOutput.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <iostream>
+
+#include "Failure.h"
+
+namespace zeb::viewer {
+
+namespace {
+
+bool isClosed(int descriptor) {
+    return ::fcntl(descriptor, F_GETFD) < 0 && errno == EBADF;
+}
+
+// A pipe that somebody has set to non-blocking: wait until it takes more.
+bool waitUntilWritable(int descriptor) {
+    pollfd entry{descriptor, POLLOUT, 0};
+    return ::poll(&entry, 1, -1) >= 0 || errno == EINTR;
+}
+
+}  // namespace
+
+void reserveStandardStreams() {
+    for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (isClosed(descriptor)) {
+            // The lowest free number is taken. Not writable on purpose, so that lost output is noticed.
+            static_cast<void>(::open("/dev/null", descriptor == STDERR_FILENO ? O_WRONLY : O_RDONLY));
+        }
+    }
+}
+
+DescriptorBuffer::DescriptorBuffer(int descriptor) : descriptor_(descriptor) {
+    setp(buffer_.data(), buffer_.data() + buffer_.size());
+}
+
+DescriptorBuffer::int_type DescriptorBuffer::overflow(int_type character) {
+    if (sync() != 0) {
+        return traits_type::eof();
+    }
+    if (!traits_type::eq_int_type(character, traits_type::eof())) {
+        sputc(traits_type::to_char_type(character));
+    }
+    return traits_type::not_eof(character);
+}
+
+int DescriptorBuffer::sync() {
+    writeAll({pbase(), static_cast<std::size_t>(pptr() - pbase())});
+    setp(buffer_.data(), buffer_.data() + buffer_.size());
+    return error_ == 0 ? 0 : -1;
+}
+
+void DescriptorBuffer::writeAll(std::string_view bytes) {
+    while (!bytes.empty() && error_ == 0) {
+        const ssize_t count = ::write(descriptor_, bytes.data(), bytes.size());
+        if (count >= 0) {
+            bytes.remove_prefix(static_cast<std::size_t>(count));
+        } else if (errno != EINTR && !(errno == EAGAIN && waitUntilWritable(descriptor_))) {
+            error_ = errno;
+        }
+    }
+}
+
+StandardOutput::StandardOutput() : buffer_(STDOUT_FILENO), replaced_(std::cout.rdbuf(&buffer_)) {}
+
+StandardOutput::~StandardOutput() {
+    std::cout.flush();
+    std::cout.rdbuf(replaced_);
+}
+
+void StandardOutput::finish() {
+    std::cout.flush();
+    const int stdioError = std::fflush(stdout) == 0 ? 0 : errno;  // a plug-in may write past `std::cout`
+    const int error = buffer_.error() != 0 ? buffer_.error() : stdioError;
+    if (error != 0 || !std::cout) {
+        throw Failure(ExitCode::badOutput, "standard output",
+                      error != 0 ? "it can't be written: " + errorText(error) : "it can't be written");
+    }
+}
+
+}  // namespace zeb::viewer

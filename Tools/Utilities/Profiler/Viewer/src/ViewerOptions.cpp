@@ -1,0 +1,178 @@
+#include "ViewerOptions.h"
+
+#include <CLI/CLI.hpp>
+#include <charconv>
+#include <memory>
+#include <string_view>
+
+#include "Failure.h"
+
+namespace zeb::viewer {
+
+namespace {
+
+constexpr int minLevel = -128;
+constexpr int maxLevel = 127;
+constexpr std::size_t helpColumn = 26;
+
+constexpr const char* aboutText = R"(Reads a profiling log and prints the report of its run.
+)";
+
+constexpr const char* detailsText =
+    R"(Options that the viewer doesn't know go to the reader. Give them behind LOG, and their values as --name=value
+or as the words behind the name. A "--" ends the options: what follows it are file names.
+
+LOG may also be a pipe: use /dev/stdin to read the log from standard input.
+
+Exit codes:
+  0  good
+  1  the log can't be read
+  2  wrong usage, or the reader has shown its help
+  3  the CSV file or standard output can't be written; the CSV file is as it was
+  4  the reader plug-in can't be loaded
+  5  the report failed on a value in the log
+
+Examples:
+  zeb-profile-viewer run.log
+  zeb-profile-viewer --csv runs.csv run.log --internal
+  zeb-profile-viewer --reader generic --level 2 run.log
+  zcat run.log.gz | zeb-profile-viewer /dev/stdin)";
+
+class HelpFormatter final : public CLI::Formatter {
+public:
+    HelpFormatter() { column_width(helpColumn); }
+
+    std::string make_usage(const CLI::App* /*app*/, std::string name) const override {
+        return "Usage: " + name + " [options] LOG [reader options]\n";
+    }
+    std::string make_positionals(const CLI::App* /*app*/) const override { return {}; }
+    std::string make_option_opts(const CLI::Option* option) const override {
+        return option->get_type_size() == 0 ? "" : " " + option->get_type_name();
+    }
+};
+
+// The declared options and what they fill. The level stays text, so that help is shown whatever it holds.
+struct CommandLine {
+    CommandLine();
+
+    CLI::App app{aboutText, std::string(programName)};
+    ViewerOptions options;
+    std::string level;
+    bool help = false;
+    bool version = false;
+};
+
+CommandLine::CommandLine() {
+    app.set_help_flag();
+    app.allow_extras();
+    app.formatter(std::make_shared<HelpFormatter>());
+    app.footer(detailsText);
+    app.add_option("LOG", options.log);
+    app.add_option("--reader", options.reader,
+                   "Plug-in that reads the log: murl (default), generic, or the path of a\n"
+                   "library. A name is looked for beside this program, in its ../lib and\n"
+                   "where the loader looks.")
+        ->type_name("NAME|PATH");
+    app.add_option("--csv", options.csv, "Append the CSV report to FILE.")->type_name("FILE");
+    app.add_option("--level", level,
+                   "Visibility level, -128 to 127: messages of this level and above are\n"
+                   "left out. Default 127: everything below it.")
+        ->type_name("N");
+    app.add_flag("--save-objects", options.saveObjects,
+                 "Let the reader save object events to files in the working directory.");
+    app.add_flag("--help", help, "Show this help and that of the reader.");
+    app.add_flag("--version", version, "Show the version.");
+}
+
+Failure usageFailure(const std::string& line) {
+    return {ExitCode::usage, line + "; see " + std::string(programName) + " --help"};
+}
+
+Failure usageFailure(const std::string& argument, const std::string& cause) {
+    return usageFailure(argument + ": " + cause);
+}
+
+// The parser's text names the option, and tells the rest in its own terms.
+Failure usageFailure(const CLI::ArgumentMismatch& error) {
+    const std::string text = error.what();
+    return usageFailure(text.substr(0, text.find(':')), "to be given once, with a value");
+}
+
+// The parser takes the word behind an option that ends in its "=" for its value.
+void refuseEmptyValues(int argc, const char* const* argv) {
+    for (int index = 1; index < argc && std::string_view(argv[index]) != "--"; ++index) {
+        for (const std::string name : {"--reader", "--csv", "--level"}) {
+            if (argv[index] == name + "=") {
+                throw usageFailure(name, "needs a value");
+            }
+        }
+    }
+}
+
+void checkValue(const CLI::App& app, const std::string& name, const std::string& value) {
+    if (app.count(name) == 0) {
+        return;
+    }
+    if (value.empty()) {
+        throw usageFailure(name, "needs a value");
+    }
+    if (value.starts_with("--")) {
+        throw usageFailure(name, "needs a value, and " + value + " is an option");
+    }
+}
+
+profiling::VisibilityLevel parseLevel(const std::string& text) {
+    int level = 0;
+    const char* const end = text.data() + text.size();
+    const auto [rest, error] = std::from_chars(text.data(), end, level);
+    if (error != std::errc() || rest != end || level < minLevel || level > maxLevel) {
+        throw usageFailure("--level", "\"" + text + "\" is no number from -128 to 127");
+    }
+    return profiling::VisibilityLevel{static_cast<std::int8_t>(level)};
+}
+
+}  // namespace
+
+ViewerOptions parseCommandLine(int argc, const char* const* argv) {
+    refuseEmptyValues(argc, argv);
+    CommandLine line;
+    try {
+        line.app.parse(argc, argv);
+    } catch (const CLI::ArgumentMismatch& error) {
+        throw usageFailure(error);
+    } catch (const CLI::ParseError& error) {
+        throw usageFailure(error.what());
+    }
+    ViewerOptions& options = line.options;
+    checkValue(line.app, "--reader", options.reader);
+    checkValue(line.app, "--csv", options.csv);
+    options.readerArguments = line.app.remaining();
+    if (line.help || line.version) {
+        options.action = line.help ? Action::showHelp : Action::showVersion;
+        return options;
+    }
+    if (line.app.count("--level") != 0) {
+        options.level = parseLevel(line.level);
+    }
+    if (line.app.count("LOG") == 0) {
+        throw usageFailure("no LOG given");
+    }
+    return options;
+}
+
+std::vector<std::string> viewerOptionNames() {
+    const CommandLine line;
+    std::vector<std::string> names;
+    for (const CLI::Option* const option : line.app.get_options()) {
+        if (!option->get_positional()) {
+            names.push_back(option->get_name());
+        }
+    }
+    return names;
+}
+
+std::string helpText() {
+    return CommandLine().app.help();
+}
+
+}  // namespace zeb::viewer

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "zeb/profiling/VisibilityLevel.h"
+
+namespace zeb::viewer {
+
+enum class Action : std::uint8_t { report, showHelp, showVersion };
+
+/// The command line of the viewer.
+struct ViewerOptions {
+    Action action = Action::report;
+    std::string reader = "murl";  ///< name or path of the plug-in
+    std::string csv;              ///< empty: no CSV report
+    profiling::VisibilityLevel level{127};
+    bool saveObjects = false;
+    std::string log;
+    std::vector<std::string>
+        readerArguments;  ///< what the viewer doesn't know, in its order, with a "--" mark
+};
+
+/// Help and version win over a missing LOG and a level that is no number.
+/// @throws Failure for wrong usage
+ViewerOptions parseCommandLine(int argc, const char* const* argv);
+
+/// @return the names of the viewer's own options, with their dashes
+std::vector<std::string> viewerOptionNames();
+
+/// @return the help text of the viewer, without that of a reader
+std::string helpText();
+
+}  // namespace zeb::viewer

@@ -1,0 +1,109 @@
+// What is said about a log that can't be read.
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "LogDiagnosis.h"
+#include "support/TestFiles.h"
+
+namespace zeb::viewer {
+namespace {
+
+using test::prefixOf;
+using test::soundChunk;
+using test::TempDir;
+using test::withPrefix;
+
+// Root may read everything, so it steps down for as long as this lives.
+class OrdinaryUser {
+public:
+    OrdinaryUser() { become(65534); }
+    OrdinaryUser(const OrdinaryUser&) = delete;
+    OrdinaryUser& operator=(const OrdinaryUser&) = delete;
+    ~OrdinaryUser() { become(0); }
+
+private:
+    static void become(uid_t user) {
+        if (::getuid() == 0) {
+            EXPECT_EQ(::seteuid(user), 0);
+        }
+    }
+};
+
+class LogDiagnosis : public testing::Test {
+protected:
+    std::string trouble(const std::string& path) { return troubleWithPath(path).value_or(""); }
+
+    TempDir files;
+};
+
+TEST_F(LogDiagnosis, HasOwnWordsForPlainTroubles) {
+    EXPECT_EQ(trouble(files.path("missing.log")), "there is no such file");
+    EXPECT_EQ(trouble(files.path("")), "it is a directory, not a log");
+    EXPECT_EQ(trouble(files.write("empty.log", "")), "the file is empty");
+    EXPECT_EQ(trouble(files.write("file", "x") + "/run.log"), "the log can't be read: Not a directory");
+    EXPECT_EQ(trouble(files.path(std::string(300, 'n'))), "the log can't be read: File name too long");
+    EXPECT_EQ(trouble(files.write("one-byte.log", "x")), "");
+    EXPECT_EQ(trouble("/dev/null"), "");
+}
+
+TEST_F(LogDiagnosis, NamesMissingPermission) {
+    const std::string path = files.write("secret.log", "x");
+    ASSERT_EQ(::chmod(files.path("").c_str(), 0755) + ::chmod(path.c_str(), 0), 0);
+    const OrdinaryUser user;
+    EXPECT_EQ(trouble(path), "the log can't be read: Permission denied");
+}
+
+TEST_F(LogDiagnosis, LeavesAPipeUnread) {
+    const std::string path = files.path("pipe");
+    ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+    EXPECT_EQ(trouble(path), "");
+    EXPECT_EQ(whyRejected(path),
+              "the log can't be read, and, being no regular file, not a second time to find out why");
+}
+
+TEST_F(LogDiagnosis, NamesTheChunkAndTheCheck) {
+    const std::string chunk = soundChunk();
+    const std::string start = withPrefix(chunk) + withPrefix(chunk);
+    const auto bent = [&chunk](std::size_t position, char byte) {
+        std::string bytes = chunk;
+        bytes.at(position) = byte;
+        return withPrefix(bytes);
+    };
+    const std::size_t nameEnd = chunk.find("generator") + 9;
+    const struct {
+        const char* damage;
+        std::string tail;
+        std::size_t length;
+        std::string words;
+    } cases[] = {
+        {"no bytes", prefixOf(0), 0, "is too short to be a chunk"},
+        {"11 bytes", withPrefix(chunk.substr(0, 11)), 11, "is too short to be a chunk"},
+        {"cut in its body", withPrefix(chunk).substr(0, 10), chunk.size(),
+         "is cut off at the end of the file: only 6 bytes of it are there"},
+        {"cut behind its length", prefixOf(20), 20,
+         "is cut off at the end of the file: only 0 bytes of it are there"},
+        {"length of 4 GiB", prefixOf(0xFFFFFFFFU) + chunk, 0xFFFFFFFFU,
+         "is cut off at the end of the file: only " + std::to_string(chunk.size()) +
+             " bytes of it are there"},
+        {"root offset", bent(3, '\x7F'), chunk.size(), "has a root offset that leads out of it"},
+        {"string without end", bent(nameEnd, 'x'), chunk.size(),
+         "fails verification: a table, vector or string in it is malformed"},
+    };
+    for (const auto& [damage, tail, length, words] : cases) {
+        EXPECT_EQ(whyRejected(files.write("run.log", start + tail)),
+                  "the log can't be read: chunk 3 at byte " + std::to_string(start.size()) + ", " +
+                      std::to_string(length) + " bytes long, " + words)
+            << damage;
+    }
+}
+
+TEST_F(LogDiagnosis, SaysSoWhenAllChunksAreSound) {
+    EXPECT_EQ(whyRejected(files.write("run.log", withPrefix(soundChunk()) + "xx")),
+              "the log can't be read, though all of its chunks are sound");
+    EXPECT_EQ(whyRejected(files.path("gone.log")), "the log can't be read: No such file or directory");
+}
+
+}  // namespace
+}  // namespace zeb::viewer

@@ -1,0 +1,261 @@
+// The command from end to end: exit codes, messages and what reaches which stream.
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "support/Command.h"
+#include "support/TestFiles.h"
+
+namespace zeb::viewer::test {
+namespace {
+
+namespace fs = std::filesystem;
+using Strings = std::vector<std::string>;
+
+const std::string seeHelp = "; see zeb-profile-viewer --help";
+
+class ViewerCommand : public testing::Test {
+protected:
+    // Runs the viewer with the fake reader.
+    CommandResult view(Strings arguments, Output output = Output::captured) const {
+        arguments.insert(arguments.begin(), {ZEB_VIEWER, "--reader", ZEB_FAKE_READER});
+        return runCommand(arguments, output);
+    }
+
+    // Runs the viewer through a shell, with its arguments as "$@".
+    static CommandResult viewThrough(const std::string& script, Strings arguments) {
+        arguments.insert(arguments.begin(),
+                         {"/bin/sh", "-c", script, "sh", ZEB_VIEWER, "--reader", ZEB_FAKE_READER});
+        return runCommand(arguments);
+    }
+
+    static void expectFailure(const CommandResult& result, int exitCode, const std::string& line) {
+        EXPECT_EQ(result.exitCode, exitCode) << line;
+        EXPECT_EQ(result.err, "zeb-profile-viewer: " + line + "\n");
+    }
+
+    TempDir files;
+    std::string log = files.write("run.log", withPrefix(soundChunk()));
+    std::string csv = files.path("runs.csv");
+};
+
+TEST_F(ViewerCommand, PrintsTheReportAndNothingElse) {
+    const CommandResult result = view({log, "--say", "first", "second", "--load=note"});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.out, "note\nfirst\nsecond\n");
+    EXPECT_EQ(result.err, "");
+}
+
+TEST_F(ViewerCommand, DrivesTheReaderInItsOrder) {
+    const std::string calls = "parseBackendArgs\nloadLog saving\ngenerateReports\ndeleteReader\n";
+    EXPECT_EQ(view({"--level=-128", "--save-objects", log, "--trace"}).err,
+              "createReader run.log -128\n" + calls);
+    EXPECT_EQ(view({log, "--trace", "--load=refuse"}).err,
+              "createReader run.log 127\nparseBackendArgs\nloadLog\ndeleteReader\nzeb-profile-viewer: " +
+                  log + ": the log can't be read, though all of its chunks are sound\n");
+}
+
+TEST_F(ViewerCommand, RefusesWrongUsage) {
+    const struct {
+        Strings arguments;
+        std::string line;
+    } cases[] = {
+        {{}, "no LOG given" + seeHelp},
+        {{"--csv", "a.csv"}, "no LOG given" + seeHelp},
+        {{log, "--csv"}, "--csv: to be given once, with a value" + seeHelp},
+        {{log, "--csv", "a", "--csv", "b"}, "--csv: to be given once, with a value" + seeHelp},
+        {{log, "--csv", ""}, "--csv: needs a value" + seeHelp},
+        {{"--csv=", log}, "--csv: needs a value" + seeHelp},
+        {{"--csv", "--save-objects", log}, "--csv: needs a value, and --save-objects is an option" + seeHelp},
+        {{"--level", "128", log}, "--level: \"128\" is no number from -128 to 127" + seeHelp},
+        {{"--level", "2x", log}, "--level: \"2x\" is no number from -128 to 127" + seeHelp},
+        {{log, "--save-objects=x"}, "Could not convert: --save-objects = x" + seeHelp},
+        {{log, "--tracee"}, "--tracee: unknown option, did you mean --trace?"},
+        {{log, "--levle=3"}, "--levle: unknown option, did you mean --level?"},
+        {{log, "--frobnicate"}, "--frobnicate: unknown option" + seeHelp},
+        {{log, "other.log"}, "other.log: a word too many, there is one LOG"},
+        {{log, "--", "--trace"}, "--trace: a word too many, there is one LOG"},
+        {{log, "--csv", log}, log + ": the CSV file is the log itself"},
+        {{log, "--args=throw"}, ZEB_FAKE_READER ": the reader failed on its options: the cat sat on it"},
+    };
+    for (const auto& [arguments, line] : cases) {
+        const CommandResult result = view(arguments);
+        expectFailure(result, 2, line);
+        EXPECT_EQ(result.out, "");
+    }
+}
+
+TEST_F(ViewerCommand, LeavesTheWordToAReaderThatRefusesItsOptions) {
+    const CommandResult result = view({log, "--args=refuse", "--unknown"});
+    EXPECT_EQ(result.exitCode, 2);
+    EXPECT_EQ(result.err, "the fake reader's own words\n");
+}
+
+TEST_F(ViewerCommand, NamesWhatKeepsTheLogFromBeingRead) {
+    const std::string damaged = files.write("damaged.log", withPrefix(soundChunk()) + prefixOf(99) + "xyz");
+    const struct {
+        Strings arguments;
+        std::string line;
+    } cases[] = {
+        {{files.path("missing.log")}, files.path("missing.log") + ": there is no such file"},
+        {{files.path("line\nfeed.log")}, files.path("line?feed.log") + ": there is no such file"},
+        {{files.path("")}, files.path("") + ": it is a directory, not a log"},
+        {{files.write("empty.log", "")}, files.path("empty.log") + ": the file is empty"},
+        {{damaged, "--load=refuse"},
+         damaged + ": the log can't be read: chunk 2 at byte " + std::to_string(fs::file_size(log)) +
+             ", 99 bytes long, is cut off at the end of the file: only 3 bytes of it are there"},
+        {{log, "--load=memory"}, log + ": the log can't be read: there is not enough memory"},
+        {{log, "--load=throw"}, log + ": the log can't be read: the cat sat on it"},
+        {{log, "--load=odd"}, log + ": the log can't be read: unknown error"},
+    };
+    for (const auto& [arguments, line] : cases) {
+        expectFailure(view(arguments), 1, line);
+    }
+}
+
+TEST_F(ViewerCommand, TellsAValueThatFailsTheReport) {
+    const struct {
+        const char* act;
+        const char* cause;
+    } cases[] = {
+        {"number", "a value in the log is no number (invalid stoull argument)"},
+        {"range", "a value in the log is no number that fits (stoull argument out of range)"},
+        {"throw", "the cat sat on it"},
+        {"memory", "there is not enough memory"},
+        {"odd", "unknown error"},
+    };
+    for (const auto& [act, cause] : cases) {
+        const CommandResult result = view({log, "--csv", csv, std::string("--report=") + act, "--say=first"});
+        expectFailure(result, 5, log + ": the report failed: " + cause);
+        EXPECT_EQ(result.out, "first\n");
+        EXPECT_FALSE(fs::exists(csv));
+    }
+    expectFailure(view({log, "--report=refuse"}), 5, log + ": the reader has made no report");
+}
+
+TEST_F(ViewerCommand, NoticesThatStandardOutputCannotBeWritten) {
+    const Strings reports[] = {
+        {log, "--say=x", "--csv", csv}, {log, "--load=note"}, {"--help"}, {"--version"}};
+    const struct {
+        Output output;
+        const char* cause;
+    } cases[] = {
+        {Output::full, "No space left on device"},
+        {Output::brokenPipe, "Broken pipe"},
+        {Output::closed, "Bad file descriptor"},
+    };
+    for (const auto& [output, cause] : cases) {
+        for (const Strings& arguments : reports) {
+            expectFailure(view(arguments, output), 3,
+                          std::string("standard output: it can't be written: ") + cause);
+        }
+    }
+    EXPECT_FALSE(fs::exists(csv));
+}
+
+TEST_F(ViewerCommand, AppendsEachRunToTheCsvFile) {
+    EXPECT_EQ(view({"--csv", csv, log}).exitCode, 0);
+    EXPECT_EQ(view({log, "--csv=" + csv}).exitCode, 0);
+    EXPECT_EQ(fileText(csv), "csv \ncsv \n");
+    EXPECT_EQ(view({log, "--say=report", "--csv", "/dev/stdout"}).out, "report\ncsv \n");
+}
+
+TEST_F(ViewerCommand, LeavesTheCsvFileAsItWasWhenItCannotBeWritten) {
+    const std::string big(900, 'o');
+    expectFailure(view({log, "--csv", "/dev/full"}), 3,
+                  "/dev/full: the CSV file can't be written: No space left on device");
+    // Told before the log is loaded.
+    expectFailure(view({log, "--csv", files.path("no/runs.csv"), "--load=throw"}), 3,
+                  files.path("no/runs.csv") + ": the CSV file can't be created in " + files.path("no") +
+                      ": No such file or directory");
+    expectFailure(view({log, "--csv", csv, "--report=refuse"}), 3,
+                  csv + ": the reader can't write the CSV report");
+    EXPECT_FALSE(fs::exists(csv));
+    const std::string limited = "ulimit -f 2; exec \"$@\"";  // blocks of 512 bytes
+    for (const char* const report : {"--report=", "--report=text"}) {
+        expectFailure(viewThrough(limited, {log, "--csv", files.write("runs.csv", big + big), report}), 3,
+                      csv + ": the CSV file can't be written: File too large");
+        EXPECT_EQ(fileText(csv), big + big);
+    }
+}
+
+TEST_F(ViewerCommand, ReadsAPipe) {
+    const std::string script = "log=\"$4\"; cat \"$log\" | \"$1\" \"$2\" \"$3\" /dev/stdin";
+    EXPECT_EQ(viewThrough(script, {log}).exitCode, 0);
+    expectFailure(
+        viewThrough(script + " --load=refuse", {log}), 1,
+        "/dev/stdin: the log can't be read, and, being no regular file, not a second time to find out "
+        "why");
+    EXPECT_EQ(view({"/dev/null"}).exitCode, 0);
+}
+
+TEST_F(ViewerCommand, ShowsItsHelpAndThatOfTheReader) {
+    for (const Strings& arguments : {Strings{"--help"}, Strings{log, "--level=no", "--help", "--version"}}) {
+        const CommandResult result = view(arguments);
+        EXPECT_EQ(result.exitCode, 0);
+        EXPECT_EQ(result.err, "help of the fake reader\n");
+        for (const char* const part : {"Usage: zeb-profile-viewer [options] LOG [reader options]\n",
+                                       "--reader NAME|PATH", "--csv FILE", "--level N", "--save-objects",
+                                       "--help", "--version", "Exit codes:\n  0  good\n", "Examples:\n"}) {
+            EXPECT_NE(result.out.find(part), std::string::npos) << part;
+        }
+    }
+    const CommandResult alone = runCommand({ZEB_VIEWER, "--help", "--reader", "./no.so"});
+    expectFailure(
+        alone, 0,
+        "note: no help of the reader: ./no.so: the reader plug-in can't be loaded: cannot open shared "
+        "object file: No such file or directory");
+    EXPECT_EQ(view({"--version"}).out, "zeb-profile-viewer v2.51.0.260929181845\n");
+}
+
+TEST_F(ViewerCommand, TellsWhyAPluginCannotBeLoaded) {
+    const std::string text = files.write("text.so", "no library\n");
+    const std::string cannotLoad = ": the reader plug-in can't be loaded: ";
+    const struct {
+        std::string reader;
+        std::string log;
+        std::string line;
+    } cases[] = {
+        {text, log, text + cannotLoad + "file too short"},
+        {files.path("no.so"), log,
+         files.path("no.so") + cannotLoad + "cannot open shared object file: No such file or directory"},
+        {ZEB_HALF_READER, log, ZEB_HALF_READER ": no reader plug-in: it doesn't export deleteReader"},
+        {ZEB_FAKE_READER, "no-reader", ZEB_FAKE_READER ": the plug-in has made no reader"},
+        {ZEB_FAKE_READER, "throw", ZEB_FAKE_READER ": the plug-in has made no reader: out of readers"},
+    };
+    for (const auto& [reader, logPath, line] : cases) {
+        expectFailure(runCommand({ZEB_VIEWER, "--reader", reader, logPath}), 4, line);
+    }
+}
+
+TEST_F(ViewerCommand, FindsNamedReadersBesideItselfAndInItsLibraryDirectory) {
+    const std::string viewer = files.path("bin/zeb-profile-viewer");
+    fs::create_directories(files.path("bin"));
+    fs::create_directories(files.path("lib"));
+    fs::copy_file(ZEB_VIEWER, viewer);
+    const CommandResult missing = runCommand({viewer, "--reader", "libNoSuchReader.so", log});
+    EXPECT_EQ(missing.exitCode, 4);
+    EXPECT_TRUE(
+        missing.err.starts_with("zeb-profile-viewer: libNoSuchReader.so: the reader plug-in can't be loaded: "
+                                "cannot open shared object "
+                                "file: No such file or directory (looked in " +
+                                files.path("bin") + ", " + files.path("lib") + ", "))
+        << missing.err;
+
+    fs::copy_file(ZEB_FAKE_READER, files.path("lib/libZebMurlProfilingReader.so"));
+    fs::copy_file(ZEB_FAKE_READER, files.path("bin/libZebGenericProfilingReader.so"));
+    for (const Strings& reader : {Strings{}, Strings{"--reader=murl"}, Strings{"--reader", "generic"}}) {
+        Strings arguments = {viewer, log, "--say=found"};
+        arguments.insert(arguments.end(), reader.begin(), reader.end());
+        const CommandResult result = runCommand(arguments);
+        EXPECT_EQ(result.out, "found\n") << result.err;
+    }
+    // One that is there and can't be loaded is not passed over.
+    const std::string broken = files.write("bin/libZebMurlProfilingReader.so", "no library\n");
+    expectFailure(runCommand({viewer, log}), 4,
+                  broken + ": the reader plug-in can't be loaded: file too short");
+}
+
+}  // namespace
+}  // namespace zeb::viewer::test

@@ -1,0 +1,66 @@
+#include "support/TestFiles.h"
+
+#include <stdlib.h>
+
+#include <fstream>
+#include <sstream>
+#include <system_error>
+
+#include "flatbuffers/flatbuffers.h"
+#include "log/ProfileLog_generated.h"
+
+namespace zeb::viewer::test {
+
+namespace fs = std::filesystem;
+namespace schema = profiling::schema;
+
+TempDir::TempDir() {
+    std::string name = (fs::temp_directory_path() / "viewer-test-XXXXXX").string();
+    if (mkdtemp(name.data()) == nullptr) {
+        throw std::system_error(errno, std::generic_category(), name);
+    }
+    directory_ = name;
+}
+
+TempDir::~TempDir() {
+    std::error_code ignored;
+    fs::remove_all(directory_, ignored);
+}
+
+std::string TempDir::write(std::string_view name, std::string_view bytes) const {
+    std::ofstream(path(name), std::ios::binary) << bytes;
+    return path(name);
+}
+
+std::string fileText(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    if (!file.is_open()) {
+        return "(no such file)";
+    }
+    std::ostringstream text;
+    text << file.rdbuf();
+    return text.str();
+}
+
+std::string soundChunk() {
+    flatbuffers::FlatBufferBuilder builder;
+    const auto name = builder.CreateString("generator");
+    schema::LogHeaderBuilder header(builder);
+    header.add_generatorName(name);
+    builder.Finish(schema::CreateLogChunk(builder, header.Finish()));
+    return {reinterpret_cast<const char*>(builder.GetBufferPointer()), builder.GetSize()};
+}
+
+std::string prefixOf(std::uint32_t length) {
+    std::string prefix;
+    for (unsigned shift = 0; shift < 32; shift += 8) {
+        prefix += static_cast<char>(length >> shift & 0xFFU);
+    }
+    return prefix;
+}
+
+std::string withPrefix(const std::string& chunk) {
+    return prefixOf(static_cast<std::uint32_t>(chunk.size())) + chunk;
+}
+
+}  // namespace zeb::viewer::test
