@@ -14,7 +14,7 @@ namespace {
 using namespace zeb::samplelog;
 using zeb::fuzz::FuzzInput;
 
-constexpr int maxDepth = 62;
+constexpr int maxDepth = 64;  // two more than a reader takes
 constexpr std::size_t maxEvents = 12;
 
 // Names that the reports ask for.

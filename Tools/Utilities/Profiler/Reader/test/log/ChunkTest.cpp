@@ -137,7 +137,9 @@ TEST(Walker, ReadsTablesAtAnyAddress) {
         shifted.insert(shifted.end(), chunk.begin(), chunk.end());
         const std::span<const std::uint8_t> moved = std::span<const std::uint8_t>(shifted).subspan(shift);
         ASSERT_EQ(checkChunk(moved), ChunkFault::none);
-        const auto* const messages = schema::GetLogChunk(moved.data())->messages();
+        const auto root = flatbuffers::ReadScalar<flatbuffers::uoffset_t>(moved.data());
+        const auto* const messages =
+            reinterpret_cast<const schema::LogChunk*>(moved.data() + root)->messages();
         ASSERT_EQ(lengthOf(messages), 1U);
         const auto* const events = tableAt(messages, 0)->events();
         EXPECT_EQ(visibleText(tableAt(events, 0)->name()), "marker");
