@@ -133,8 +133,8 @@ TEST(Walker, ReadsTablesAtAnyAddress) {
     const Bytes chunk =
         chunkOf({message(MethodType::Execute, "net", 5, {event("marker", test::number(77))})});
     for (std::uint32_t shift = 0; shift < 8; ++shift) {
-        Bytes shifted = chunk;
-        shifted.insert(shifted.begin() + 4, shift, 0);  // all offsets but the root's are relative
+        Bytes shifted(shift, 0);  // all offsets but the root's are relative
+        shifted.insert(shifted.end(), chunk.begin(), chunk.end());
         put32(shifted, 0, get32(chunk, 0) + shift);
         const LogChunkBuffer buffer = bufferOf(shifted);
         FlatBufferReaderUtil walker;
