@@ -41,7 +41,9 @@ Event queueWait(std::uint64_t us) {
 }
 
 Event accelerator(std::uint64_t us, std::vector<Event> subEvents = {}) {
-    return ofType(otherEventType, timeEvent("accelerator", us, std::move(subEvents)));
+    Event made = timeEvent("accelerator", us, std::move(subEvents));
+    made.type = otherEventType;
+    return made;
 }
 
 // One event of each kind of value, and of each unit.
@@ -74,7 +76,7 @@ std::vector<Message> startMessages() {
         message(MethodType::Finalize, 3'700, 650, "right",
                 {finalizeEvent(objectEvent("plan of right", {4, 5}, "plan.bin")),
                  initEvent(timeEvent("replaced later", 1))}),
-        message(MethodType::Init, 4'000, 2'500, std::nullopt, valueEvents()),
+        message(MethodType::Init, 4'000, 2'500, std::nullopt, {timeEvent("replaced by graph events", 2)}),
     };
 }
 
@@ -111,7 +113,8 @@ std::vector<Message> executionMessages() {
         unfinished,
         atLevel(1, message(MethodType::ExecuteAsync, 13'000, 1'500, "left",
                            {queueWait(60), accelerator(1'101), event("load", 0.5F, none)})),
-        atLevel(5, message(MethodType::ExecuteAsync, 14'000, 5'000, "left", {accelerator(4'900)})),
+        atLevel(
+            5, message(MethodType::ExecuteAsync, 14'000, 5'000, "left", {queueWait(80), accelerator(4'900)})),
         atLevel(-1, message(MethodType::Execute, 15'000, 2'000, "right")),
         message(MethodType::Execute, 16'000, 2'400, "right"),
         message(unknownMethod, 16'500, 1, "from a newer runtime"),
@@ -125,11 +128,12 @@ std::vector<Message> closingMessages() {
         message(MethodType::GraphEvents, 0, 0, "right", {queueWait(110), accelerator(1'900)}),
         message(MethodType::GraphEvents, 0, 0, "left",
                 {initEvent(timeEvent("device", 2'000, {timeEvent("firmware", 1'500)})),
-                 finalizeEvent(timeEvent("prepared again", 575)),
+                 finalizeEvent(timeEvent("prepared again", 575, {timeEvent("optimized", 400)})),
+                 finalizeEvent(objectEvent("plan again", {6}, "plan.bin")),
                  initEvent(objectEvent("layers", {3, 0, 0, 0}, "layers"))}),
         message(MethodType::ExecuteOverall, 20'000, 8'000, std::nullopt,
                 {event("count", std::uint64_t{6}, count), timeEvent("duration", 8'000)}),
-        message(MethodType::DeInit, 21'000, 150, "runner", {timeEvent("release", 140)}),
+        message(MethodType::DeInit, 21'000, 150, "runner", valueEvents()),
     };
 }
 

@@ -26,7 +26,8 @@ struct NetworkOptions {
     std::uint32_t executions = 20;              ///< of each graph
     std::uint32_t layers = designedLayerCount;  ///< ZEB layers of each graph
     std::uint32_t graphs = 1;
-    std::optional<std::uint64_t> seed;  ///< adds random variation; without it nothing is random
+    std::optional<std::uint64_t> seed =
+        std::nullopt;  ///< adds random variation; without it nothing is random
 };
 
 Header networkHeader();

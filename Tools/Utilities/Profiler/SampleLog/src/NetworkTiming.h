@@ -14,8 +14,8 @@ namespace zeb::samplelog {
 inline constexpr std::uint32_t krelClockHz = 1'017'600'000;
 inline constexpr std::uint32_t dspClockHz = 806'400'000;
 
-/// Figures of one execution. Each time holds those above it: the accelerator's is the longest of the layers'
-/// sum, and the host's round trip holds all.
+/// Figures of one execution. The times lie within one another, from the accelerator's own, which is longer
+/// than the sum of its layers, to the host's round trip.
 struct ExecutionTimes {
     std::uint64_t coreCycles = 0;
     std::uint64_t dspCycles = 0;

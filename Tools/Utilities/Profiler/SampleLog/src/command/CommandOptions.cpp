@@ -1,11 +1,10 @@
 #include "CommandOptions.h"
 
 #include <CLI/CLI.hpp>
-#include <array>
 #include <charconv>
+#include <cstddef>
 #include <limits>
 #include <memory>
-#include <utility>
 
 namespace zeb::samplelog {
 
@@ -40,15 +39,18 @@ Examples:
   write-sample-log --async --level internal --executions 100 sample.zlog
   write-sample-log --kind methods methods.zlog)";
 
-template <typename Choice>
-using Choices = std::initializer_list<std::pair<std::string_view, Choice>>;
+template <typename Meaning>
+struct Choice {
+    std::string_view text;
+    Meaning meaning;
+};
 
-const Choices<LogKind> kinds = {{"network", LogKind::network},
-                                {"methods", LogKind::methods},
-                                {"adapter-updater", LogKind::adapterUpdater},
-                                {"shared-events", LogKind::sharedEvents}};
+constexpr Choice<LogKind> kinds[] = {{"network", LogKind::network},
+                                     {"methods", LogKind::methods},
+                                     {"adapter-updater", LogKind::adapterUpdater},
+                                     {"shared-events", LogKind::sharedEvents}};
 
-const Choices<ProfileLevel> levels = {
+constexpr Choice<ProfileLevel> levels[] = {
     {"basic", ProfileLevel::basic},       {"detailed", ProfileLevel::detailed},
     {"internal", ProfileLevel::internal}, {"1", ProfileLevel::basic},
     {"2", ProfileLevel::detailed},        {"1100", ProfileLevel::internal}};
@@ -116,26 +118,23 @@ UsageError usageError(const std::string& line) {
     return UsageError(line + "; see " + std::string(programName) + " --help");
 }
 
-UsageError badValue(const std::string& name, const std::string& value, const std::string& wanted) {
-    return usageError(name + ": \"" + value + "\" is no " + wanted);
-}
-
 // The parser's text names the option, and tells the rest in its own terms.
 UsageError usageError(const CLI::ArgumentMismatch& error) {
     const std::string text = error.what();
     return usageError(text.substr(0, text.find(':')) + ": to be given once, with a value");
 }
 
-template <typename Choice>
-Choice parseChoice(const std::string& name, const std::string& value, const Choices<Choice>& choices) {
-    std::string wanted;
-    for (const auto& [text, choice] : choices) {
+template <typename Meaning, std::size_t count>
+Meaning parseChoice(const std::string& name, const std::string& value,
+                    const Choice<Meaning> (&choices)[count]) {
+    std::string texts;
+    for (const auto& [text, meaning] : choices) {
         if (text == value) {
-            return choice;
+            return meaning;
         }
-        wanted += (wanted.empty() ? "" : ", ") + std::string(text);
+        texts.append(texts.empty() ? "" : ", ").append(text);
     }
-    throw badValue(name, value, "value of it, which are " + wanted);
+    throw usageError(name + ": \"" + value + "\" is none of " + texts);
 }
 
 std::uint64_t parseNumber(const std::string& name, const std::string& value, std::uint64_t min,
@@ -144,7 +143,8 @@ std::uint64_t parseNumber(const std::string& name, const std::string& value, std
     const char* const end = value.data() + value.size();
     const auto [rest, error] = std::from_chars(value.data(), end, number);
     if (error != std::errc() || rest != end || number < min || number > max) {
-        throw badValue(name, value, "number from " + std::to_string(min) + " to " + std::to_string(max));
+        throw usageError(name + ": \"" + value + "\" is no number from " + std::to_string(min) + " to " +
+                         std::to_string(max));
     }
     return number;
 }

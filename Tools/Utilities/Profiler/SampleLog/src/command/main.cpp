@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdint>
@@ -20,7 +21,14 @@ namespace {
 
 enum class ExitCode : std::uint8_t { good = 0, usage = 2, badOutput = 3 };
 
-ExitCode fail(ExitCode exitCode, const std::string& line) {
+bool isControl(char character) {
+    const auto code = static_cast<unsigned char>(character);
+    return code < 0x20 || code == 0x7F;
+}
+
+// Control characters, which a file name may hold, show as question marks, so that it stays one line.
+ExitCode fail(ExitCode exitCode, std::string line) {
+    std::replace_if(line.begin(), line.end(), isControl, '?');
     std::cerr << programName << ": " << line << '\n';
     return exitCode;
 }
