@@ -12,7 +12,7 @@ namespace {
 constexpr std::uint64_t usualPace = 1000;
 constexpr std::uint64_t warmUpPace = 1380;
 constexpr std::array<std::uint64_t, 7> paces = {1000, 1006, 996, 1011, 992, 1003, 998};
-constexpr std::uint32_t graphPhase = 3;
+constexpr std::uint64_t graphPhase = 3;
 
 // Random variation under a seed, to either side.
 constexpr std::uint64_t layerSpread = 15;

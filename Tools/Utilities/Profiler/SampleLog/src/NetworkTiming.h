@@ -35,6 +35,7 @@ struct ExecutionTimes {
 /// The times of one graph. The first execution is slower than the rest, which differ by a few per mille.
 class NetworkTiming {
 public:
+    /// @param network has to outlive the timing
     /// @param graph position among the graphs; each has a rhythm of its own
     /// @param seed adds random variation to all times; without it nothing is random
     NetworkTiming(const Network& network, std::uint32_t graph, std::optional<std::uint64_t> seed);

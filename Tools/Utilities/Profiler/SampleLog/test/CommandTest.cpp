@@ -64,7 +64,7 @@ TEST_F(Command, WritesWhatTheOptionsSay) {
         EXPECT_EQ(run(arguments + " run.zlog").text, "");
         const std::string file = test::fileText(files.path("run.zlog"));
         EXPECT_EQ(Bytes(file.begin(), file.end()),
-                  test::written([&](std::ostream& out) { writeNetworkLog(out, options); }))
+                  test::written([&run = options](std::ostream& out) { writeNetworkLog(out, run); }))
             << arguments;
         EXPECT_EQ(run(arguments + " /dev/stdout").text, file);
     }

@@ -2,7 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <functional>
 #include <set>
+#include <span>
+#include <variant>
 
 #include "AdapterUpdaterLog.h"
 #include "LoadedLog.h"
