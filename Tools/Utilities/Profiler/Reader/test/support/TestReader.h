@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <iostream>
 #include <sstream>
 #include <string>
@@ -33,6 +34,14 @@ inline std::string behindLines(const std::string& text, int lines) {
     }
     return text.substr(at);
 }
+
+/// For `EXPECT_PRED2`, which shows both texts.
+inline bool holds(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+/// What reaches the process's standard output, a pipe meanwhile, during the call.
+std::string onStandardOutput(const std::function<void()>& call);
 
 /// A reader that has loaded a log out of a directory of its own, and its reports.
 template <typename Reader>
