@@ -416,5 +416,23 @@ TEST(GenericReport, SavesObjectsAsItMeetsThem) {
     EXPECT_EQ(savedObjects(place), "a4 b6 c4 d4 ");
 }
 
+TEST(GenericReport, OnOneStreamFollowsItsCsvAndThatOfAnAdapterUpdaterComesBeforeIt) {
+    const struct {
+        samplelog::Bytes log;
+        std::string first;
+        std::string last;
+    } cases[] = {
+        {test::logOf({{message(MethodType::Execute, "g", 5)}}), "Msg Timestamp", "Execute Stats (Max)"},
+        {adapterUpdaterLog({update(3)}), "UpdateBinarySection Stats:", "Msg Timestamp"},
+    };
+    for (const auto& [log, first, last] : cases) {
+        Loaded loaded(log);
+        const std::string output =
+            test::onStandardOutput([&loaded] { loaded.reader.generateReports("/dev/stdout"); });
+        EXPECT_PRED2(holds, output, first);
+        EXPECT_PRED2(holds, output.substr(output.find(first)), last) << "behind " << first;
+    }
+}
+
 }  // namespace
 }  // namespace zeb::profiling
