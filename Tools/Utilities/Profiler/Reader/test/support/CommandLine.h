@@ -15,7 +15,9 @@ using Strings = std::vector<std::string>;
 /// A command line with the values of each option that is on it. It remembers which names it was asked for.
 class CommandLine final : public commandline2::ParsedArgs {
 public:
-    explicit CommandLine(std::map<std::string, Strings> given) : given_(std::move(given)) {}
+    using Given = std::map<std::string, Strings>;
+
+    explicit CommandLine(Given given) : given_(std::move(given)) {}
 
     commandline2::ArgLookupResult lookup(const std::string& name) override {
         asked.push_back(name);
@@ -32,7 +34,7 @@ public:
     Strings asked;
 
 private:
-    std::map<std::string, Strings> given_;
+    Given given_;
 };
 
 }  // namespace zeb::test
