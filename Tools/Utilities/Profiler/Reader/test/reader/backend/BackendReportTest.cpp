@@ -264,6 +264,17 @@ TEST(BackendReport, HasAnExecutionSection) {
     }
 }
 
+TEST(BackendReport, OfALogThatFailedToLoadHasNoAveragesButNamesItsTensorCopies) {
+    Bytes bytes = test::logOf({{execution({event("Output Tensor Copy Time", std::string("x"))})}});
+    bytes.insert(bytes.end(), 4, 0);
+    Loaded loaded(bytes);
+    EXPECT_FALSE(loaded.isLoaded);
+    EXPECT_EQ(from("Execution", loaded.console()), "Execution Stats (Average):\n---------------------\n\n");
+    EXPECT_PRED2(holds, loaded.csv(),
+                 "Profile Level, Basic\nBackend (ZebGraph_execute), 0 us\n"
+                 "Output Tensor Copy Time, 0.000 us\nAccelerator Time,0 us\n");
+}
+
 TEST(BackendReport, LogsTheDspTimeOfEachProfileWhenTheHostTimeIsKnown) {
     const Bytes first = test::graphProfileObject({.executions = 1, .dspGraphUs = 100});
     const Bytes second = test::graphProfileObject({.executions = 1, .dspGraphUs = 4294967297U});
