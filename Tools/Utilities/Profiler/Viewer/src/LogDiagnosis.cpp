@@ -57,8 +57,21 @@ std::string cutOff(std::uint64_t bytesThere) {
     return "is cut off at the end of the file: only " + std::to_string(bytesThere) + " bytes of it are there";
 }
 
+// A chunk that gave fewer bytes than it has: the file ends before it does, or the system can't read on.
+std::string endOf(const std::string& path, const ChunkReader& chunks) {
+    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    const auto end = static_cast<::off_t>(chunks.offset() + prefixSize + chunks.bytesRead());
+    char byte = 0;
+    if (file.isOpen() && ::pread(file.get(), &byte, 1, end) < 0) {
+        return "can't be read beyond its first " + std::to_string(chunks.bytesRead()) +
+               " bytes: " + errorText(errno);
+    }
+    return cutOff(chunks.bytesRead());
+}
+
 // A damaged length asks for more memory than the file could ever fill.
-std::string tooLarge(const std::string& path, const ChunkReader& chunks) {
+std::string tooLarge(const std::string& path, const ChunkReader& chunks, MemoryLimit& memory) {
+    memory.releaseReserve();
     struct stat status {};
     const std::uint64_t start = chunks.offset() + prefixSize;
     if (::stat(path.c_str(), &status) == 0) {
@@ -67,22 +80,23 @@ std::string tooLarge(const std::string& path, const ChunkReader& chunks) {
             return cutOff(fileSize - start);
         }
     }
-    return "is too large: there is not enough memory for it";
+    return memory.words();
 }
 
 // What is wrong with the current chunk, nothing when it is sound.
-std::optional<std::string> troubleWithChunk(const std::string& path, ChunkReader& chunks) {
+std::optional<std::string> troubleWithChunk(const std::string& path, ChunkReader& chunks,
+                                            MemoryLimit& memory) {
     try {
         const auto buffer = chunks.readBody();
         if (!buffer) {
-            return cutOff(chunks.bytesRead());
+            return endOf(path, chunks);
         }
         const ChunkFault fault = profiling::checkChunk(buffer->bytes());
         return fault == ChunkFault::none ? std::nullopt : std::optional<std::string>(wordsFor(fault));
     } catch (const std::bad_alloc&) {
-        return tooLarge(path, chunks);
+        return tooLarge(path, chunks, memory);
     } catch (const std::length_error&) {
-        return tooLarge(path, chunks);
+        return tooLarge(path, chunks, memory);
     }
 }
 
@@ -102,7 +116,7 @@ std::optional<std::string> troubleWithPath(const std::string& path) {
     return ::access(path.c_str(), R_OK) == 0 ? std::nullopt : std::optional(unreadable(errno));
 }
 
-std::string whyRejected(const std::string& path) {
+std::string whyRejected(const std::string& path, MemoryLimit& memory) {
     struct stat status {};
     if (::stat(path.c_str(), &status) != 0) {
         return unreadable(errno);
@@ -115,7 +129,7 @@ std::string whyRejected(const std::string& path) {
         return unreadable(errno);
     }
     while (chunks.nextLength()) {
-        if (const auto trouble = troubleWithChunk(path, chunks)) {
+        if (const auto trouble = troubleWithChunk(path, chunks, memory)) {
             return "the log can't be read: chunk " + std::to_string(chunks.index() + 1) + " at byte " +
                    std::to_string(chunks.offset()) + ", " + std::to_string(chunks.length()) +
                    " bytes long, " + *trouble;

@@ -3,6 +3,8 @@
 #include <optional>
 #include <string>
 
+#include "MemoryLimit.h"
+
 namespace zeb::viewer {
 
 /// Looks for what keeps a log from being read before anything of it is read: a directory, a missing,
@@ -11,7 +13,8 @@ namespace zeb::viewer {
 std::optional<std::string> troubleWithPath(const std::string& path);
 
 /// Walks a log that a reader has rejected a second time, with the walker and the checks that readers use.
+/// @param memory what may be used for it; the reader still holds what it had when it gave up
 /// @return the cause in words: which chunk is damaged, where it stands and what is wrong with it
-std::string whyRejected(const std::string& path);
+std::string whyRejected(const std::string& path, MemoryLimit& memory);
 
 }  // namespace zeb::viewer
