@@ -4,9 +4,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <cstdint>
 #include <new>
+#include <span>
 #include <stdexcept>
 
 #include "Failure.h"
@@ -57,12 +59,20 @@ std::string cutOff(std::uint64_t bytesThere) {
     return "is cut off at the end of the file: only " + std::to_string(bytesThere) + " bytes of it are there";
 }
 
+// Gives how many of the bytes there are, negative for an error of the system.
+ssize_t readAt(const FileDescriptor& file, std::uint64_t offset, std::span<unsigned char> bytes) {
+    ssize_t count = -1;
+    do {
+        count = ::pread(file.get(), bytes.data(), bytes.size(), static_cast<::off_t>(offset));
+    } while (count < 0 && errno == EINTR);
+    return count;
+}
+
 // A chunk that gave fewer bytes than it has: the file ends before it does, or the system can't read on.
 std::string endOf(const std::string& path, const ChunkReader& chunks) {
     const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
-    const auto end = static_cast<::off_t>(chunks.offset() + prefixSize + chunks.bytesRead());
-    char byte = 0;
-    if (file.isOpen() && ::pread(file.get(), &byte, 1, end) < 0) {
+    std::array<unsigned char, 1> byte{};
+    if (readAt(file, chunks.offset() + prefixSize + chunks.bytesRead(), byte) < 0) {
         return "can't be read beyond its first " + std::to_string(chunks.bytesRead()) +
                " bytes: " + errorText(errno);
     }
@@ -116,6 +126,28 @@ std::optional<std::string> troubleWithPath(const std::string& path) {
     return ::access(path.c_str(), R_OK) == 0 ? std::nullopt : std::optional(unreadable(errno));
 }
 
+std::optional<std::string> whyEndedEarly(const std::string& path) {
+    struct stat status {};
+    if (::stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
+        return std::nullopt;
+    }
+    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    std::array<unsigned char, prefixSize> prefix{};
+    std::uint64_t offset = 0;
+    ssize_t count = readAt(file, offset, prefix);
+    while (count == static_cast<ssize_t>(prefix.size())) {
+        std::uint64_t length = 0;
+        for (std::size_t index = prefix.size(); index > 0; --index) {
+            length = length << 8U | prefix.at(index - 1);
+        }
+        offset += prefixSize + length;
+        count = readAt(file, offset, prefix);
+    }
+    return count < 0 ? std::optional("the log can't be read beyond byte " + std::to_string(offset) + ": " +
+                                     errorText(errno))
+                     : std::nullopt;
+}
+
 std::string whyRejected(const std::string& path, MemoryLimit& memory) {
     struct stat status {};
     if (::stat(path.c_str(), &status) != 0) {
@@ -135,7 +167,7 @@ std::string whyRejected(const std::string& path, MemoryLimit& memory) {
                    " bytes long, " + *trouble;
         }
     }
-    return "the log can't be read, though all of its chunks are sound";
+    return whyEndedEarly(path).value_or("the log can't be read, though all of its chunks are sound");
 }
 
 }  // namespace zeb::viewer

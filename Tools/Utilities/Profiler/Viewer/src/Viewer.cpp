@@ -150,6 +150,9 @@ private:
             if (!reader_.loadLog(objects_.has_value())) {
                 throw Failure(ExitCode::badLog, options_.log, whyRejected(options_.log, memory_));
             }
+            if (const auto trouble = whyEndedEarly(options_.log)) {
+                throw Failure(ExitCode::badLog, options_.log, *trouble);
+            }
             return true;
         });
     }
