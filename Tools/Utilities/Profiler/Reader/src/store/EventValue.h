@@ -52,6 +52,7 @@ struct EventValue {
     [[nodiscard]] double asDouble() const { return std::bit_cast<double>(payload); }
     /// The payload of a `text` value, NUL-terminated.
     [[nodiscard]] const char* asText() const {
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): `ofText` has put it there
         return reinterpret_cast<const char*>(static_cast<std::uintptr_t>(payload));
     }
 };

@@ -24,6 +24,7 @@ constexpr const char* multipleWaits =
 std::vector<Message> executions(const std::vector<std::vector<test::Event>>& eventLists,
                                 MethodType type = MethodType::Execute) {
     std::vector<Message> messages;
+    messages.reserve(eventLists.size());
     for (const std::vector<test::Event>& events : eventLists) {
         messages.push_back(message(type, "net", 10, events));
     }

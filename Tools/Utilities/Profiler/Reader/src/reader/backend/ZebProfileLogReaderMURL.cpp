@@ -2,12 +2,12 @@
 
 #include <fstream>
 #include <iomanip>
-#include <iostream>
 #include <sstream>
 
 #include "commandline/AppArgManagerImpl.h"
 #include "logging/Logger.h"
 #include "reader/backend/BackendReport.h"
+#include "reports/ReportForms.h"
 
 namespace zeb::profiling {
 
@@ -16,7 +16,7 @@ bool ZebProfileLogReaderMURL::generateReports(const std::string& outputPath) {
     std::ostringstream console;
     console << std::fixed << std::setprecision(0);
     report.printConsole(console);
-    std::cout << console.view();
+    putOnStandardOutput(console);
     if (outputPath.empty()) {
         return true;
     }
