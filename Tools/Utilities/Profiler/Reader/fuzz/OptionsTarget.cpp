@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <iostream>
+#include <optional>
 #include <sstream>
 #include <string>
 #include <tuple>
@@ -46,8 +47,20 @@ private:
     std::streambuf* previous_;
 };
 
-// What the viewer makes of its own options: the line that refuses them, or their values.
-using ViewerOutcome = std::tuple<std::string, std::string, std::string, std::string, int, bool, Arguments>;
+// What the viewer makes of its own options: their values, or the line that refuses them.
+struct ViewerOutcome {
+    std::string refusal;
+    std::string reader;
+    std::string csv;
+    std::string log;
+    int level = 0;
+    std::optional<std::string> objectDirectory;
+    bool trustObjectNames = false;
+    std::uint64_t maxMemory = 0;
+    Arguments readerArguments;
+
+    bool operator==(const ViewerOutcome&) const = default;
+};
 
 ViewerOutcome parseAsViewer(const Arguments& arguments) {
     std::vector<const char*> argv = {"zeb-profile-viewer"};
@@ -57,16 +70,20 @@ ViewerOutcome parseAsViewer(const Arguments& arguments) {
     try {
         const viewer::ViewerOptions options =
             viewer::parseCommandLine(static_cast<int>(argv.size()), argv.data());
-        return {"",
-                options.reader,
-                options.csv,
-                options.log,
-                static_cast<int>(options.level),
-                options.saveObjects,
-                options.readerArguments};
+        return {.refusal = {},
+                .reader = options.reader,
+                .csv = options.csv,
+                .log = options.log,
+                .level = static_cast<int>(options.level),
+                .objectDirectory = options.objectDirectory,
+                .trustObjectNames = options.trustObjectNames,
+                .maxMemory = options.maxMemory.bytes,
+                .readerArguments = options.readerArguments};
     } catch (const viewer::Failure& failure) {
         require(failure.exitCode() == viewer::ExitCode::usage, "wrong options are wrong usage");
-        return {failure.what(), "", "", "", 0, false, {}};
+        ViewerOutcome refused;
+        refused.refusal = failure.what();
+        return refused;
     }
 }
 
@@ -136,7 +153,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const Arguments arguments = splitArguments({data, data + size});
     const ViewerOutcome outcome = parseAsViewer(arguments);
     require(outcome == parseAsViewer(arguments), "the same options give the same result");
-    checkReaderOptions(std::get<Arguments>(outcome));
+    checkReaderOptions(outcome.readerArguments);
     checkReaderOptions(arguments);
     checkManager(arguments);
     return 0;

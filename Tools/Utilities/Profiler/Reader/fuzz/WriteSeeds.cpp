@@ -3,12 +3,17 @@
 #include <exception>
 #include <filesystem>
 #include <fstream>
-#include <initializer_list>
 #include <iostream>
+#include <sstream>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "BackendObjectWriter.h"
+#include "MethodsLog.h"
+#include "NetworkLog.h"
+#include "SharedEventsLog.h"
 #include "support/TestLog.h"
 
 namespace {
@@ -16,6 +21,7 @@ namespace {
 using namespace zeb::test;
 using zeb::samplelog::Bytes;
 using zeb::samplelog::Unit;
+namespace samplelog = zeb::samplelog;
 
 constexpr int methodTypes = 18;  // with one that is not known
 
@@ -28,22 +34,16 @@ void write(const std::filesystem::path& path, const Bytes& bytes) {
     }
 }
 
-void append(Bytes& bytes, std::uint64_t number, int width) {
-    for (; width > 0; --width, number >>= 8U) {
-        bytes.push_back(static_cast<std::uint8_t>(number));
-    }
-}
-
-Bytes words(std::initializer_list<std::uint32_t> values) {
-    Bytes bytes;
-    for (const std::uint32_t value : values) {
-        append(bytes, value, 4);
-    }
-    return bytes;
-}
-
 Bytes bytesOf(std::string_view text) {
     return {text.begin(), text.end()};
+}
+
+// What a writer of sample logs puts out.
+template <typename Write>
+Bytes written(Write writeLog) {
+    std::ostringstream out;
+    writeLog(out);
+    return bytesOf(out.view());
 }
 
 struct Payloads {
@@ -53,26 +53,21 @@ struct Payloads {
     Bytes graphProfile;
 };
 
-// A framework layer for each accelerator layer but the first two, which share one.
+// A framework layer for each two accelerator layers.
 Payloads payloadsOf(std::uint32_t layers) {
-    Payloads made{words({layers}), words({layers}), words({500'000'000, 1'000'000'000, layers, 0}), {}};
-    made.graphProfile = words({0, 0, 0, 0, 9000, 0, 0, 0, 0, 0, 0, 0, 0, 0, 2, 0, layers, 0, 700, 0});
-    std::string texts;
+    std::vector<samplelog::NodeMappingEntry> mapping;
+    std::vector<std::string> names;
+    samplelog::LayerConfig config{500'000'000, 1'000'000'000, layers, {}};
+    samplelog::GraphProfile profile{9000, 2, layers, 700, {}};
     for (std::uint32_t layer = 0; layer < layers; ++layer) {
-        const Bytes entry = words({layer, 1, layer == 1 ? 0 : layer});
-        made.mapping.insert(made.mapping.end(), entry.begin(), entry.end());
-        append(made.names, 0, 4);
-        append(made.names, 4 + std::uint64_t{8} * layers + texts.size(), 4);
-        texts += "layer_" + std::to_string(layer) + '\0';
-        const Bytes config = words({layer, layer * 31, layer % 8, layer / 2});
-        made.layerConfig.insert(made.layerConfig.end(), config.begin(), config.end());
-        for (std::uint32_t word = 0; word < 22; ++word) {  // times and cycles are as good as any number
-            append(made.graphProfile, word == 2 ? layer % 3 : std::uint64_t{100} * word + layer, 4);
-        }
+        mapping.push_back({layer, {layer / 2, layer}});
+        names.push_back("layer_" + std::to_string(layer));
+        config.entries.push_back(
+            {layer, layer * 31, layer % 2 == 1, layer % 4 > 1, layer % 8 > 3, layer / 2});
+        profile.layerRecords.push_back({1, layer % 3, 9 - layer, 100, 200, 300, 4, 5, 6, 7});
     }
-    const Bytes tail = bytesOf(texts);
-    made.names.insert(made.names.end(), tail.begin(), tail.end());
-    return made;
+    return {samplelog::encodeNodeMapping(mapping), samplelog::encodeNameTable(names),
+            samplelog::encodeLayerConfig(config), samplelog::encodeGraphProfile(profile)};
 }
 
 std::vector<Event> eventsWith(const Payloads& payloads) {
@@ -113,6 +108,18 @@ void writeLogs(const std::filesystem::path& directory) {
     damaged.resize(damaged.size() - 3);
     write(directory / "cut-off", damaged);
     write(directory / "empty", {});
+    write(directory / "methods", written(samplelog::writeMethodsLog));
+    for (const bool isAsync : {false, true}) {
+        for (const auto level : {samplelog::ProfileLevel::detailed, samplelog::ProfileLevel::internal}) {
+            const samplelog::NetworkOptions options{
+                .async = isAsync, .level = level, .executions = 2, .layers = 3, .graphs = 2};
+            write(directory /
+                      ("network-" + std::to_string(static_cast<int>(level)) + (isAsync ? "-async" : "")),
+                  written([&options](std::ostream& out) { samplelog::writeNetworkLog(out, options); }));
+        }
+    }
+    write(directory / "shared-events",
+          samplelog::encodeSharedEventsLog({.levels = 5, .sharedLevels = 3, .fanOut = 6}));
 }
 
 void writeMessages(const std::filesystem::path& directory) {
@@ -135,7 +142,8 @@ void writePayloads(const std::filesystem::path& directory) {
         for (const std::uint8_t level : Bytes{0, 1}) {
             Bytes input = {level, static_cast<std::uint8_t>(layers % 2)};
             for (const Bytes& payload : {payloads.mapping, payloads.names, payloads.layerConfig}) {
-                append(input, payload.size(), 2);
+                input.push_back(static_cast<std::uint8_t>(payload.size() & 0xFFU));
+                input.push_back(static_cast<std::uint8_t>(payload.size() >> 8U));
                 input.insert(input.end(), payload.begin(), payload.end());
             }
             input.insert(input.end(), payloads.graphProfile.begin(), payloads.graphProfile.end());
@@ -150,8 +158,8 @@ void writeOptions(const std::filesystem::path& directory) {
     int number = 0;
     for (const std::string_view line :
          {"run.log"sv, "--csv\0out.csv\0run.log"sv, "--level=-5\0run.log\0--internal"sv,
-          "run.log\0--extra_help"sv, "--reader\0generic\0--save-objects\0--\0-run.log"sv, "--help"sv,
-          "--version"sv, "run.log\0--intrenal\0=3"sv, "a\0--internal=1\0-2\0b\0--internal"sv}) {
+          "run.log\0--extra_help"sv, "--reader\0generic\0--save-objects=d\0--max-memory=64M\0--\0-run.log"sv,
+          "--help"sv, "--version"sv, "run.log\0--intrenal\0=3"sv, "a\0--internal=1\0-2\0b\0--internal"sv}) {
         write(directory / std::to_string(number++), bytesOf(line));
     }
 }

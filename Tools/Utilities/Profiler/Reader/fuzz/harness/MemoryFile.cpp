@@ -6,7 +6,7 @@
 #include <cerrno>
 #include <system_error>
 
-#include "support/TestLog.h"
+#include "support/TestFiles.h"
 
 namespace zeb::fuzz {
 

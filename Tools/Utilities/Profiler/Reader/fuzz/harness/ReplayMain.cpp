@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "harness/FuzzTarget.h"
-#include "support/TestLog.h"
+#include "support/TestFiles.h"
 
 namespace {
 
