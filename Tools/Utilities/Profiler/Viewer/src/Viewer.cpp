@@ -41,11 +41,16 @@ Failure outOfMemory(const Step& step, const std::string& words) {
     return {step.exitCode, step.subject, step.subStep + words};
 }
 
-// Takes the step. An exception of the reader's becomes a failure that tells the cause.
+// Takes the step. An exception of the reader's becomes a failure that tells the cause, and so does an
+// allocation whose failure the reader has swallowed.
 template <typename Call>
 bool take(const Step& step, MemoryLimit* memory, Call call) {
     try {
-        return call();
+        const bool result = call();
+        if (memory != nullptr && MemoryLimit::wasHit()) {
+            throw std::bad_alloc();
+        }
+        return result;
     } catch (const Failure&) {
         throw;
     } catch (const std::bad_alloc&) {
