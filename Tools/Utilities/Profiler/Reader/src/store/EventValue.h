@@ -44,6 +44,8 @@ struct EventValue {
         return {ValueKind::text, static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(text))};
     }
 
+    /// The payload as a number, whatever the kind. A text has none and gives 0: its payload is an address.
+    [[nodiscard]] std::uint64_t asNumber() const { return kind == ValueKind::text ? 0 : payload; }
     /// The payload of a `float32` value.
     [[nodiscard]] float asFloat() const { return std::bit_cast<float>(static_cast<std::uint32_t>(payload)); }
     /// The payload of a `float64` value.

@@ -203,6 +203,14 @@ TEST(QueueWaits, AreFoundAmongTheEventsAndDirectlyBelow) {
     EXPECT_EQ(store.executeMinQueueWaits[0].queueWaitUs, 5U);
 }
 
+TEST(QueueWaits, OfATextAreZero) {
+    TestStore store;
+    store.takeAll(executions({{ofType(queueWaitEventType, event("wait", std::string("5")))}},
+                             MethodType::ExecuteAsync));
+    ASSERT_EQ(store.executeQueueWaits.size(), 1U);
+    EXPECT_EQ(store.executeQueueWaits[0].queueWaits, std::vector<std::uint64_t>{0}) << "not an address";
+}
+
 TEST(QueueWaits, OfSynchronousRunsAreNotLookedFor) {
     TestStore store;
     EXPECT_EQ(store.takeAll(executions({{wait(3), wait(4)}})), "");
