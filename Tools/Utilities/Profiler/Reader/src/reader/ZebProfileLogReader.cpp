@@ -62,6 +62,7 @@ bool ZebProfileLogReader::loadLog(bool saveObjects) {
         }
     }
     std::ostringstream notes;
+    notes.exceptions(std::ios::badbit);  // for want of memory it throws, and drops nothing
     notes << std::fixed << std::setprecision(0);
     saveObjects_ = saveObjects;
     store_.aggregateStatistics(notes);

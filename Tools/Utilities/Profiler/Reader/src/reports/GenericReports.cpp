@@ -36,8 +36,7 @@ bool ZebProfileLogReader::generateReports(const std::string& outputPath) {
             return false;
         }
     }
-    std::ostringstream console;
-    console << std::fixed << std::setprecision(0);
+    std::ostringstream console = reportStream();
     printReportHeader(console, *this);
     // Which of the two comes first shows when both go to one stream.
     if (header_.isAdapterUpdaterLog) {

@@ -59,6 +59,13 @@ void writeCsvPreamble(std::ostream& out, const ZebProfileLogReader& reader) {
         << "Backend version, " << header.backendInfo << '\n';
 }
 
+std::ostringstream reportStream() {
+    std::ostringstream report;
+    report.exceptions(std::ios::badbit);
+    report << std::fixed << std::setprecision(0);
+    return report;
+}
+
 void putOnStandardOutput(const std::ostringstream& report) {
     std::cout << report.view() << std::flush;
 }

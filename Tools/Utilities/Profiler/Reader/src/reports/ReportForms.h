@@ -37,6 +37,11 @@ void printDeInitStats(std::ostream& out, ZebProfileLogReader& reader);
 /// The four lines at the head of every CSV report.
 void writeCsvPreamble(std::ostream& out, const ZebProfileLogReader& reader);
 
+/// @return a stream in memory to compose a report in, in fixed notation with precision 0. It throws
+/// `std::bad_alloc`
+///         where a stream by itself would drop what it has no memory for.
+std::ostringstream reportStream();
+
 /// Puts a console report on standard output in one piece, and through the buffers of the stream.
 void putOnStandardOutput(const std::ostringstream& report);
 

@@ -14,8 +14,7 @@ namespace zeb::profiling {
 bool ZebProfileLogReaderMURL::generateReports(const std::string& outputPath) {
     beginReport();
     BackendReport report(*this, internalColumns_);
-    std::ostringstream console;
-    console << std::fixed << std::setprecision(0);
+    std::ostringstream console = reportStream();
     report.printConsole(console);
     putOnStandardOutput(console);
     if (outputPath.empty()) {
