@@ -4,12 +4,12 @@
 #include <iostream>
 #include <memory>
 #include <new>
-#include <sstream>
 #include <stdexcept>
 #include <utility>
 
 #include "log/ChunkReader.h"
 #include "logging/Logger.h"
+#include "reader/TextStream.h"
 
 namespace zeb::profiling {
 
@@ -68,8 +68,7 @@ bool ZebProfileLogReader::loadLog(bool saveObjects) {
             readNextMessage();
         }
     }
-    std::ostringstream notes;
-    notes.exceptions(std::ios::badbit);  // for want of memory it throws, and drops nothing
+    TextStream notes;
     notes << std::fixed << std::setprecision(0);
     saveObjects_ = saveObjects;
     store_.aggregateStatistics(notes);

@@ -59,14 +59,7 @@ void writeCsvPreamble(std::ostream& out, const ZebProfileLogReader& reader) {
         << "Backend version, " << header.backendInfo << '\n';
 }
 
-std::ostringstream reportStream() {
-    std::ostringstream report;
-    report.exceptions(std::ios::badbit);
-    report << std::fixed << std::setprecision(0);
-    return report;
-}
-
-void putOnStandardOutput(const std::ostringstream& report) {
+void putOnStandardOutput(const TextStream& report) {
     std::cout << report.view() << std::flush;
 }
 

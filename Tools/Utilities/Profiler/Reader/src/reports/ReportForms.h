@@ -3,9 +3,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <ostream>
-#include <sstream>
 #include <string_view>
 
+#include "reader/TextStream.h"
 #include "reader/ZebProfileLogReader.h"
 
 /// The lines and sections that the reports of all readers share. Every line ends in a newline.
@@ -37,13 +37,8 @@ void printDeInitStats(std::ostream& out, ZebProfileLogReader& reader);
 /// The four lines at the head of every CSV report.
 void writeCsvPreamble(std::ostream& out, const ZebProfileLogReader& reader);
 
-/// @return a stream in memory to compose a report in, in fixed notation with precision 0. It throws
-/// `std::bad_alloc`
-///         where a stream by itself would drop what it has no memory for.
-std::ostringstream reportStream();
-
 /// Puts a console report on standard output in one piece, and through the buffers of the stream.
-void putOnStandardOutput(const std::ostringstream& report);
+void putOnStandardOutput(const TextStream& report);
 
 /// The events of the Init section: those that came with other messages, else those of the Init message.
 EventList initSectionEvents(const EventStore& store);
