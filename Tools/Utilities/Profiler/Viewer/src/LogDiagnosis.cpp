@@ -72,7 +72,7 @@ ssize_t readAt(const FileDescriptor& file, std::uint64_t offset, std::span<unsig
 std::string endOf(const std::string& path, const ChunkReader& chunks) {
     const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
     std::array<unsigned char, 1> byte{};
-    if (readAt(file, chunks.offset() + prefixSize + chunks.bytesRead(), byte) < 0) {
+    if (file.isOpen() && readAt(file, chunks.offset() + prefixSize + chunks.bytesRead(), byte) < 0) {
         return "can't be read beyond its first " + std::to_string(chunks.bytesRead()) +
                " bytes: " + errorText(errno);
     }
@@ -132,6 +132,9 @@ std::optional<std::string> whyEndedEarly(const std::string& path) {
         return std::nullopt;
     }
     const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    if (!file.isOpen()) {  // it is gone since it was read
+        return std::nullopt;
+    }
     std::array<unsigned char, prefixSize> prefix{};
     std::uint64_t offset = 0;
     ssize_t count = readAt(file, offset, prefix);

@@ -4,9 +4,11 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <charconv>
 #include <limits>
+#include <new>
 
 #include "Failure.h"
 
@@ -24,6 +26,13 @@ constexpr auto maxBytes = static_cast<std::uint64_t>(std::numeric_limits<std::in
 
 // Small enough to come from the heap proper, where all small allocations find room once it is free.
 constexpr std::size_t reserveSize = 65536;
+
+std::atomic<bool> hasAllocationFailed = false;
+
+void noteFailedAllocation() {
+    hasAllocationFailed = true;
+    throw std::bad_alloc();
+}
 
 std::optional<unsigned> shiftOf(std::string_view suffix) {
     if (suffix.empty()) {
@@ -107,8 +116,13 @@ MemoryLimit::MemoryLimit(const MemorySize& size)
     if (canBeSet) {
         const std::uint64_t before = currentLimit();
         limitData(size.bytes);
+        std::set_new_handler(noteFailedAllocation);
         words_ = "needs more than " + (before < size.bytes ? memorySizeOf(before) : size).text + " of memory";
     }
+}
+
+bool MemoryLimit::wasHit() {
+    return hasAllocationFailed;
 }
 
 }  // namespace zeb::viewer

@@ -28,24 +28,29 @@ namespace {
 
 using profiling::IZebPluginLogReader;
 
-// A piece of the reader's work, and what to say when it fails.
+// A piece of the reader's work, and the words in front of the cause when it fails, and when it is memory that
+// it wants.
 struct Step {
     ExitCode exitCode;
     std::string subject;
-    std::string failed;  // in front of the cause
-    std::string
-        subStep;  // what it is that needs more memory than there is, when that is not all of the subject
+    std::string failed;
+    std::string wanting;
 };
 
 Failure outOfMemory(const Step& step, const std::string& words) {
-    return {step.exitCode, step.subject, step.subStep + words};
+    return {step.exitCode, step.subject, step.wanting + words};
 }
 
-// Takes the step. An exception of the reader's becomes a failure that tells the cause.
+// Takes the step. An exception of the reader's becomes a failure that tells the cause, and so does an
+// allocation whose failure the reader has swallowed.
 template <typename Call>
 bool take(const Step& step, MemoryLimit* memory, Call call) {
     try {
-        return call();
+        const bool result = call();
+        if (memory != nullptr && MemoryLimit::wasHit()) {
+            throw std::bad_alloc();
+        }
+        return result;
     } catch (const Failure&) {
         throw;
     } catch (const std::bad_alloc&) {
@@ -127,22 +132,21 @@ public:
         }
         load();
         output_.finish();
-        if (options_.csv.empty()) {
-            generate();
-        } else {
-            generateWithCsv();
-        }
+        take(reporting_, &memory_, [this] {
+            options_.csv.empty() ? generate() : generateWithCsv();
+            return true;
+        });
     }
 
 private:
     void checkObjects() {
-        if (!options_.trustObjectNames) {
-            take(loading_, &memory_, [this] {
+        take(loading_, &memory_, [this] {
+            if (!options_.trustObjectNames) {
                 checkObjectNames(options_.log, objects_->path());
-                return true;
-            });
-        }
-        printErrorLine("objects go to " + objects_->path());
+            }
+            printErrorLine("objects go to " + objects_->path());
+            return true;
+        });
     }
 
     void load() {
@@ -170,10 +174,7 @@ private:
             throw Failure(ExitCode::badOutput, options_.csv, "the reader can't write the CSV report");
         }
         output_.finish();
-        take(reporting_, &memory_, [&] {
-            appendToFile(options_.csv, csv.content());
-            return true;
-        });
+        appendToFile(options_.csv, csv.content());
     }
 
     bool generateReports(const std::string& csvPath) {

@@ -1,6 +1,6 @@
 // A reader plug-in that reads nothing and does what its options tell it:
 //   --args=refuse|throw   --load=refuse|throw|memory|grow|odd|note|shrink
-//   --report=number|range|memory|grow|odd|refuse|text|object
+//   --report=number|range|memory|grow|swallow|odd|refuse|text|object
 //   --trace               tells each call on standard error
 // Its report is the values of --say, one a line, on standard output, and "csv" as its CSV report.
 
@@ -9,6 +9,7 @@
 #include <iostream>
 #include <memory>
 #include <new>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -99,6 +100,11 @@ public:
         }
         if (report_ == "object") {
             std::ofstream("object.bin") << "bytes";
+        }
+        if (report_ == "swallow") {
+            std::ostringstream text;
+            while (text << std::string(1000, 'x')) {
+            }
         }
         actOn(report_);
         return report_ != "refuse";

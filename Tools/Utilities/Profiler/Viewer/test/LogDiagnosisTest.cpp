@@ -98,6 +98,7 @@ TEST_F(LogDiagnosis, DoesNotTakeAReadErrorForTheEnd) {
     EXPECT_EQ(trouble(failing), "the log can't be read: Input/output error");
     EXPECT_EQ(whyEndedEarly(failing), "the log can't be read beyond byte 0: Input/output error");
     EXPECT_EQ(whyRejected(failing), "the log can't be read beyond byte 0: Input/output error");
+    EXPECT_EQ(whyEndedEarly(files.path("gone.log")), std::nullopt);
     for (const char* const tail : {"", "xx"}) {
         EXPECT_EQ(whyEndedEarly(files.write("run.log", withPrefix(soundChunk()) + prefixOf(0) + tail)),
                   std::nullopt);

@@ -25,6 +25,7 @@ void appendCsvReport(std::ofstream& csv, ZebProfileLogReader& reader) {
 }  // namespace
 
 bool ZebProfileLogReader::generateReports(const std::string& outputPath) {
+    beginReport();
     std::ofstream csv;
     if (!outputPath.empty()) {
         csv.open(outputPath, std::ios::app);

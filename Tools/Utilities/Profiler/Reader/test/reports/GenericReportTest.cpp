@@ -414,6 +414,9 @@ TEST(GenericReport, SavesObjectsAsItMeetsThem) {
     EXPECT_EQ(savedObjects(place), "a2 b3 c2 d2 ");
     loaded.wholeConsole();
     EXPECT_EQ(savedObjects(place), "a4 b6 c4 d4 ");
+    std::filesystem::remove(place.path("a"));
+    loaded.wholeConsole();
+    EXPECT_TRUE(std::filesystem::exists(place.path("a"))) << "the first name that is free";
 }
 
 TEST(GenericReport, OnOneStreamFollowsItsCsvAndThatOfAnAdapterUpdaterComesBeforeIt) {

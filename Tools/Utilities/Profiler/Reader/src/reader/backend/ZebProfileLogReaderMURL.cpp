@@ -12,6 +12,7 @@
 namespace zeb::profiling {
 
 bool ZebProfileLogReaderMURL::generateReports(const std::string& outputPath) {
+    beginReport();
     BackendReport report(*this, internalColumns_);
     TextStream console;
     console << std::fixed << std::setprecision(0);
