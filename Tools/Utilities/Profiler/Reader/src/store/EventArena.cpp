@@ -9,7 +9,7 @@ namespace zeb::profiling {
 
 // The arena never runs a destructor.
 static_assert(std::is_trivially_destructible_v<ProfileEvent> &&
-              std::is_trivially_destructible_v<EventObject>);
+              std::is_trivially_destructible_v<EventObject> && std::is_trivially_destructible_v<KeptName>);
 
 std::span<ProfileEvent> EventArena::makeEvents(std::size_t count) {
     if (count == 0) {
@@ -21,11 +21,17 @@ std::span<ProfileEvent> EventArena::makeEvents(std::size_t count) {
     return {events, count};
 }
 
-std::string_view EventArena::keepName(std::string_view name) {
-    if (const auto known = names_.find(name); known != names_.end()) {
-        return *known;
-    }
-    return *names_.insert(keepText(name)).first;
+EventName EventArena::keepName(std::string_view name) {
+    const std::uint32_t hash = hashOf(name);
+    const auto isName = [name](const KeptName* kept) { return kept->text() == name; };
+    const auto keep = [this, name, hash] {
+        void* const memory = memory_.allocate(sizeof(KeptName) + name.size(), alignof(KeptName));
+        auto* const kept = std::construct_at(static_cast<KeptName*>(memory),
+                                             KeptName{static_cast<std::uint32_t>(name.size()), hash});
+        std::copy(name.begin(), name.end(), reinterpret_cast<char*>(kept + 1));
+        return kept;
+    };
+    return EventName(names_.findOrAdd(hash, isName, keep));
 }
 
 std::string_view EventArena::keepText(std::string_view text) {
@@ -39,7 +45,7 @@ const EventObject* EventArena::keepObject(std::span<const std::byte> bytes, std:
         static_cast<EventObject*>(memory_.allocate(sizeof(EventObject), alignof(EventObject)));
     auto* const copy = static_cast<std::byte*>(memory_.allocate(bytes.size(), 1));
     std::copy(bytes.begin(), bytes.end(), copy);
-    return std::construct_at(object, EventObject{{copy, bytes.size()}, keepName(fileName)});
+    return std::construct_at(object, EventObject{{copy, bytes.size()}, keepText(fileName)});
 }
 
 }  // namespace zeb::profiling

@@ -2,19 +2,17 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <optional>
-#include <string_view>
-#include <unordered_map>
+#include <cstdint>
+#include <limits>
+#include <memory>
 #include <vector>
+
+#include "store/EventName.h"
+#include "store/HashIndex.h"
 
 namespace zeb::profiling {
 
 namespace {
-
-// Names of one store are kept once, so equal names mostly are the same text.
-bool sameName(std::string_view left, std::string_view right) {
-    return left.size() == right.size() && (left.data() == right.data() || left == right);
-}
 
 bool isInteger(ValueKind kind) {
     return kind == ValueKind::int64 || kind == ValueKind::uint64 || kind == ValueKind::unset;
@@ -74,6 +72,7 @@ class EventMerger::MergedList {
 public:
     /// Starts with all events of a list, objects included.
     explicit MergedList(EventList events) {
+        entries_.reserve(events.size());
         for (const ProfileEvent& event : events) {
             append(event);
         }
@@ -83,10 +82,10 @@ public:
         const std::size_t searched = entries_.size();
         std::size_t expected = 0;
         for (const ProfileEvent& event : incoming) {
-            const auto position = findFirst(event.name, expected);
-            if (position && *position < searched) {
-                entries_[*position].add(event);
-                expected = *position + 1;
+            const std::size_t position = findFirst(event.name, expected);
+            if (position < searched) {
+                addTo(entries_[position], event);
+                expected = position + 1;
             } else if (!event.isObject()) {
                 append(event);
             }
@@ -94,13 +93,17 @@ public:
     }
 
     [[nodiscard]] EventList divide(EventArena& arena) const {
+        static constexpr std::uint32_t most = ProfileEvent::maxOccurrences;
         const std::span<ProfileEvent> events = arena.makeEvents(entries_.size());
-        std::transform(entries_.begin(), entries_.end(), events.begin(), [&arena](const Entry& entry) {
-            ProfileEvent event = entry.event;
-            event.value = entry.value.mean();
-            event.occurrences = entry.occurrences;
-            if (entry.subEvents) {
-                event.subEvents = entry.subEvents->divide(arena);
+        std::transform(entries_.begin(), entries_.end(), events.begin(), [this, &arena](const Entry& entry) {
+            ProfileEvent event = *entry.event;
+            if (entry.sum != noSum) {
+                const Sum& sum = sums_[entry.sum];
+                event.value = sum.value.mean();
+                event.occurrences = std::min(sum.occurrences, most) & most;  // masked: it is a bit field
+                if (sum.subEvents) {
+                    event.subEvents = sum.subEvents->divide(arena);
+                }
             }
             return event;
         });
@@ -108,60 +111,85 @@ public:
     }
 
 private:
-    struct Entry {
-        ProfileEvent event;
-        ValueSum value;
-        std::uint64_t occurrences = 1;
-        bool isFirstOfName;
-        std::unique_ptr<MergedList> subEvents;  ///< made when the first sub-events come in addition
+    static constexpr std::uint32_t noSum = std::numeric_limits<std::uint32_t>::max();
 
-        void add(const ProfileEvent& incoming) {
-            value.add(incoming.value);
-            ++occurrences;
-            if (incoming.subEvents.empty()) {
-                return;
-            }
-            if (!subEvents) {
-                subEvents = std::make_unique<MergedList>(event.subEvents);
-            }
-            subEvents->merge(incoming.subEvents);
-        }
+    struct Entry {
+        const ProfileEvent* event;  ///< the first one
+        std::uint32_t sum = noSum;  ///< position of what it has grown to
+        bool isFirstOfName;
+    };
+
+    // What an event has grown to since a second one came. Few have one where most names are new.
+    struct Sum {
+        ValueSum value;
+        std::uint32_t occurrences;
+        std::unique_ptr<MergedList> subEvents;  ///< made when the first sub-events come in addition
     };
 
     static constexpr std::size_t indexedFrom = 16;  // shorter lists are searched faster than a table
 
+    void addTo(Entry& entry, const ProfileEvent& incoming) {
+        if (entry.sum == noSum) {
+            entry.sum = static_cast<std::uint32_t>(sums_.size());
+            sums_.push_back({ValueSum(entry.event->value), entry.event->occurrences, nullptr});
+        }
+        Sum& sum = sums_[entry.sum];
+        sum.value.add(incoming.value);
+        ++sum.occurrences;
+        if (incoming.subEvents.empty()) {
+            return;
+        }
+        if (!sum.subEvents) {
+            sum.subEvents = std::make_unique<MergedList>(entry.event->subEvents);
+        }
+        sum.subEvents->merge(incoming.subEvents);
+    }
+
     void append(const ProfileEvent& event) {
-        const bool isFirst = !findFirst(event.name, entries_.size());
-        entries_.push_back({event, ValueSum(event.value), event.occurrences, isFirst, nullptr});
+        const auto position = static_cast<std::uint32_t>(entries_.size());
+        const bool isFirst = findFirst(event.name, position) == position;
+        entries_.push_back({.event = &event, .isFirstOfName = isFirst});
         if (entries_.size() == indexedFrom) {
-            for (std::size_t position = 0; position < indexedFrom; ++position) {
-                firstOfName_.try_emplace(entries_[position].event.name, position);
+            for (std::uint32_t earlier = 0; earlier < indexedFrom; ++earlier) {
+                addToIndex(earlier);
             }
         } else if (entries_.size() > indexedFrom) {
-            firstOfName_.try_emplace(event.name, entries_.size() - 1);
+            addToIndex(position);
         }
     }
 
-    // Lists of one method mostly have the same events in the same order: `expected` is looked at before all
-    // others.
-    [[nodiscard]] std::optional<std::size_t> findFirst(std::string_view name, std::size_t expected) const {
+    void addToIndex(std::uint32_t position) {
+        if (entries_[position].isFirstOfName) {
+            firstOfName_.findOrAdd(
+                entries_[position].event->name.hash(), [](std::uint32_t) { return false; },
+                [position] { return position; });
+        }
+    }
+
+    // The position of the first entry of that name, the number of entries if there is none. Lists of one
+    // method mostly have the same events in the same order: `expected` is looked at before all others.
+    [[nodiscard]] std::size_t findFirst(EventName name, std::size_t expected) const {
         if (expected < entries_.size() && entries_[expected].isFirstOfName &&
-            sameName(entries_[expected].event.name, name)) {
+            entries_[expected].event->name == name) {
             return expected;
         }
+        const auto isNamed = [this, name](std::uint32_t position) {
+            return entries_[position].event->name == name;
+        };
         if (!firstOfName_.empty()) {
-            const auto found = firstOfName_.find(name);
-            return found == firstOfName_.end() ? std::nullopt : std::optional(found->second);
+            const std::uint32_t* const found = firstOfName_.find(name.hash(), isNamed);
+            return found == nullptr ? entries_.size() : *found;
         }
-        const auto found = std::find_if(entries_.begin(), entries_.end(), [name](const Entry& entry) {
-            return sameName(entry.event.name, name);
-        });
-        return found == entries_.end() ? std::nullopt
-                                       : std::optional(static_cast<std::size_t>(found - entries_.begin()));
+        std::uint32_t position = 0;
+        while (position < entries_.size() && !isNamed(position)) {
+            ++position;
+        }
+        return position;
     }
 
     std::vector<Entry> entries_;
-    std::unordered_map<std::string_view, std::size_t> firstOfName_;
+    std::vector<Sum> sums_;
+    HashIndex<std::uint32_t> firstOfName_;
 };
 
 EventMerger::EventMerger() = default;

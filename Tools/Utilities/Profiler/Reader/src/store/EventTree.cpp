@@ -8,7 +8,11 @@ namespace {
 
 using EventVector = flatbuffers::Vector<flatbuffers::Offset<schema::LogEvent>>;
 
-constexpr std::string_view namelessEvent = "null";
+EventUnit unitOf(std::uint32_t code) {
+    const bool isNamed = code >= static_cast<std::uint32_t>(EventUnit::bytes) &&
+                         code <= static_cast<std::uint32_t>(EventUnit::none);
+    return isNamed ? static_cast<EventUnit>(code) : EventUnit::microseconds;
+}
 
 EventValue decodeEventValue(const schema::LogEvent& event, EventArena& arena) {
     switch (event.valueSelector()) {
@@ -47,11 +51,13 @@ std::span<ProfileEvent> decodeEventList(const EventVector* vector, EventArena& a
     for (std::uint32_t index = 0; index < events.size(); ++index) {
         const schema::LogEvent& source = *tableAt(vector, index);
         ProfileEvent& event = events[index];
-        event.name = arena.keepName(source.name() == nullptr ? namelessEvent : visibleText(source.name()));
+        if (source.name() != nullptr) {
+            event.name = arena.keepName(visibleText(source.name()));
+        }
         event.value = decodeEventValue(source, arena);
         event.object = decodeEventObject(source, arena);
         event.eventType = source.type();
-        event.unit = static_cast<EventUnit>(source.unit());
+        event.unit = unitOf(source.unit());
         event.subEvents = decodeEventList(source.subEvents(), arena);
     }
     return events;
