@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <filesystem>
 #include <optional>
 #include <utility>
@@ -101,6 +102,26 @@ Target openLocked(const std::string& path) {
         }
     }
 }
+
+// Holds back, as long as it lives, the signals that end the process: one in the middle of a write would leave
+// a part of the report behind.
+class HeldSignals {
+public:
+    HeldSignals() {
+        sigset_t ending;
+        sigemptyset(&ending);
+        for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM}) {
+            sigaddset(&ending, signal);
+        }
+        static_cast<void>(::pthread_sigmask(SIG_BLOCK, &ending, &before_));
+    }
+    HeldSignals(const HeldSignals&) = delete;
+    HeldSignals& operator=(const HeldSignals&) = delete;
+    ~HeldSignals() { static_cast<void>(::pthread_sigmask(SIG_SETMASK, &before_, nullptr)); }
+
+private:
+    sigset_t before_{};
+};
 
 // Gives the error, or 0. Takes what was written off the bytes.
 int writeAll(const FileDescriptor& file, std::string_view& bytes) {
@@ -197,7 +218,12 @@ std::string CsvBuffer::content() const {
 
 void appendToFile(const std::string& path, std::string_view bytes) {
     const Target target = openLocked(path);
-    const ::off_t oldSize = statusOf(target.file, path).st_size;
+    const struct stat status = statusOf(target.file, path);
+    const ::off_t oldSize = status.st_size;
+    std::optional<HeldSignals> heldSignals;
+    if (S_ISREG(status.st_mode)) {  // a pipe may keep the writer waiting, and can't be cut back
+        heldSignals.emplace();
+    }
     std::string_view rest = bytes;
     int error = writeAll(target.file, rest);
     if (error == 0) {

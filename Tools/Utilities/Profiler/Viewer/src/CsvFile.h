@@ -31,7 +31,8 @@ private:
 };
 
 /// Appends the bytes to a file, which is created if need be, all of them or none. A regular file is locked
-/// meanwhile, so that viewers that run at the same time do not mix their reports.
+/// meanwhile, so that viewers that run at the same time do not mix their reports. Signals that end the
+/// process are held back while it is written.
 /// @throws Failure when they can't be written; a regular file is then as it was before
 void appendToFile(const std::string& path, std::string_view bytes);
 

@@ -14,7 +14,7 @@ enum class ExitCode : std::uint8_t {
     good = 0,
     badLog = 1,     ///< the log can't be read
     usage = 2,      ///< the command line is wrong
-    badOutput = 3,  ///< the CSV file or standard output can't be written
+    badOutput = 3,  ///< the CSV file, an object or standard output can't be written
     badPlugin = 4,  ///< the plug-in can't be loaded
     badReport = 5,  ///< the report failed on a value in the log
 };

@@ -4,9 +4,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <cstdint>
 #include <new>
+#include <span>
 #include <stdexcept>
 
 #include "Failure.h"
@@ -57,8 +59,29 @@ std::string cutOff(std::uint64_t bytesThere) {
     return "is cut off at the end of the file: only " + std::to_string(bytesThere) + " bytes of it are there";
 }
 
+// Gives how many of the bytes there are, negative for an error of the system.
+ssize_t readAt(const FileDescriptor& file, std::uint64_t offset, std::span<unsigned char> bytes) {
+    ssize_t count = -1;
+    do {
+        count = ::pread(file.get(), bytes.data(), bytes.size(), static_cast<::off_t>(offset));
+    } while (count < 0 && errno == EINTR);
+    return count;
+}
+
+// A chunk that gave fewer bytes than it has: the file ends before it does, or the system can't read on.
+std::string endOf(const std::string& path, const ChunkReader& chunks) {
+    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    std::array<unsigned char, 1> byte{};
+    if (file.isOpen() && readAt(file, chunks.offset() + prefixSize + chunks.bytesRead(), byte) < 0) {
+        return "can't be read beyond its first " + std::to_string(chunks.bytesRead()) +
+               " bytes: " + errorText(errno);
+    }
+    return cutOff(chunks.bytesRead());
+}
+
 // A damaged length asks for more memory than the file could ever fill.
-std::string tooLarge(const std::string& path, const ChunkReader& chunks) {
+std::string tooLarge(const std::string& path, const ChunkReader& chunks, MemoryLimit& memory) {
+    memory.releaseReserve();
     struct stat status {};
     const std::uint64_t start = chunks.offset() + prefixSize;
     if (::stat(path.c_str(), &status) == 0) {
@@ -67,22 +90,23 @@ std::string tooLarge(const std::string& path, const ChunkReader& chunks) {
             return cutOff(fileSize - start);
         }
     }
-    return "is too large: there is not enough memory for it";
+    return memory.words();
 }
 
 // What is wrong with the current chunk, nothing when it is sound.
-std::optional<std::string> troubleWithChunk(const std::string& path, ChunkReader& chunks) {
+std::optional<std::string> troubleWithChunk(const std::string& path, ChunkReader& chunks,
+                                            MemoryLimit& memory) {
     try {
         const auto buffer = chunks.readBody();
         if (!buffer) {
-            return cutOff(chunks.bytesRead());
+            return endOf(path, chunks);
         }
         const ChunkFault fault = profiling::checkChunk(buffer->bytes());
         return fault == ChunkFault::none ? std::nullopt : std::optional<std::string>(wordsFor(fault));
     } catch (const std::bad_alloc&) {
-        return tooLarge(path, chunks);
+        return tooLarge(path, chunks, memory);
     } catch (const std::length_error&) {
-        return tooLarge(path, chunks);
+        return tooLarge(path, chunks, memory);
     }
 }
 
@@ -102,7 +126,32 @@ std::optional<std::string> troubleWithPath(const std::string& path) {
     return ::access(path.c_str(), R_OK) == 0 ? std::nullopt : std::optional(unreadable(errno));
 }
 
-std::string whyRejected(const std::string& path) {
+std::optional<std::string> whyEndedEarly(const std::string& path) {
+    struct stat status {};
+    if (::stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
+        return std::nullopt;
+    }
+    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    if (!file.isOpen()) {  // it is gone since it was read
+        return std::nullopt;
+    }
+    std::array<unsigned char, prefixSize> prefix{};
+    std::uint64_t offset = 0;
+    ssize_t count = readAt(file, offset, prefix);
+    while (count == static_cast<ssize_t>(prefix.size())) {
+        std::uint64_t length = 0;
+        for (std::size_t index = prefix.size(); index > 0; --index) {
+            length = length << 8U | prefix.at(index - 1);
+        }
+        offset += prefixSize + length;
+        count = readAt(file, offset, prefix);
+    }
+    return count < 0 ? std::optional("the log can't be read beyond byte " + std::to_string(offset) + ": " +
+                                     errorText(errno))
+                     : std::nullopt;
+}
+
+std::string whyRejected(const std::string& path, MemoryLimit& memory) {
     struct stat status {};
     if (::stat(path.c_str(), &status) != 0) {
         return unreadable(errno);
@@ -115,13 +164,13 @@ std::string whyRejected(const std::string& path) {
         return unreadable(errno);
     }
     while (chunks.nextLength()) {
-        if (const auto trouble = troubleWithChunk(path, chunks)) {
+        if (const auto trouble = troubleWithChunk(path, chunks, memory)) {
             return "the log can't be read: chunk " + std::to_string(chunks.index() + 1) + " at byte " +
                    std::to_string(chunks.offset()) + ", " + std::to_string(chunks.length()) +
                    " bytes long, " + *trouble;
         }
     }
-    return "the log can't be read, though all of its chunks are sound";
+    return whyEndedEarly(path).value_or("the log can't be read, though all of its chunks are sound");
 }
 
 }  // namespace zeb::viewer

@@ -3,6 +3,8 @@
 #include <optional>
 #include <string>
 
+#include "MemoryLimit.h"
+
 namespace zeb::viewer {
 
 /// Looks for what keeps a log from being read before anything of it is read: a directory, a missing,
@@ -10,8 +12,14 @@ namespace zeb::viewer {
 /// @return the cause in words, nothing when there is none
 std::optional<std::string> troubleWithPath(const std::string& path);
 
+/// Looks, by the chunks' lengths alone, for an error of the system that a reader takes for the end of the
+/// log.
+/// @return the cause in words, nothing when the log can be read to its end or is no regular file
+std::optional<std::string> whyEndedEarly(const std::string& path);
+
 /// Walks a log that a reader has rejected a second time, with the walker and the checks that readers use.
+/// @param memory what may be used for it; the reader still holds what it had when it gave up
 /// @return the cause in words: which chunk is damaged, where it stands and what is wrong with it
-std::string whyRejected(const std::string& path);
+std::string whyRejected(const std::string& path, MemoryLimit& memory);
 
 }  // namespace zeb::viewer

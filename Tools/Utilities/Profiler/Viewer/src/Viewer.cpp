@@ -1,16 +1,21 @@
 #include "Viewer.h"
 
 #include <exception>
+#include <filesystem>
 #include <iostream>
 #include <new>
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "CsvFile.h"
 #include "LogDiagnosis.h"
+#include "MemoryLimit.h"
 #include "NearestName.h"
+#include "ObjectDirectory.h"
+#include "ObjectNames.h"
 #include "PluginLibrary.h"
 #include "StandardOutput.h"
 #include "ViewerArgs.h"
@@ -23,30 +28,55 @@ namespace {
 
 using profiling::IZebPluginLogReader;
 
-// Calls the reader. An exception of its becomes a failure that tells the cause, which `words` puts before the
-// exception's own text.
+// A piece of the reader's work, and the words in front of the cause when it fails, and when it is memory that
+// it wants.
+struct Step {
+    ExitCode exitCode;
+    std::string subject;
+    std::string failed;
+    std::string wanting;
+};
+
+Failure outOfMemory(const Step& step, const std::string& words) {
+    return {step.exitCode, step.subject, step.wanting + words};
+}
+
+// Takes the step. An exception of the reader's becomes a failure that tells the cause, and so does an
+// allocation whose failure the reader has swallowed.
 template <typename Call>
-bool callReader(Call call, ExitCode exitCode, const std::string& subject, const std::string& words) {
-    const auto failure = [&](const std::string& text) { return Failure(exitCode, subject, words + text); };
+bool take(const Step& step, MemoryLimit* memory, Call call) {
     try {
-        return call();
+        const bool result = call();
+        if (memory != nullptr && MemoryLimit::wasHit()) {
+            throw std::bad_alloc();
+        }
+        return result;
     } catch (const Failure&) {
         throw;
     } catch (const std::bad_alloc&) {
-        throw failure("there is not enough memory");
+        if (memory == nullptr) {
+            throw outOfMemory(step, MemoryLimit::withoutLimit);
+        }
+        memory->releaseReserve();
+        throw outOfMemory(step, memory->words());
     } catch (const std::exception& error) {
-        throw failure(error.what());
+        throw Failure(step.exitCode, step.subject, step.failed + error.what());
     } catch (...) {
-        throw failure("unknown error");
+        throw Failure(step.exitCode, step.subject, step.failed + "unknown error");
     }
+}
+
+bool parseReaderOptions(IZebPluginLogReader& reader, ViewerArgs& args, const std::string& name,
+                        ExitCode exitCode) {
+    return take({exitCode, name, "the reader failed on its options: ", ""}, nullptr,
+                [&] { return reader.parseBackendArgs(args); });
 }
 
 void showReaderHelp(const ViewerOptions& options) {
     const PluginLibrary plugin(options.reader);
     const ReaderPtr reader = plugin.createReader(options.log, options.level);
     ViewerArgs args({"--help"});
-    callReader([&] { return reader->parseBackendArgs(args); }, ExitCode::badPlugin, options.reader,
-               "the reader failed on its options: ");
+    parseReaderOptions(*reader, args, options.reader, ExitCode::badPlugin);
 }
 
 void showHelp(const ViewerOptions& options, StandardOutput& output) {
@@ -76,46 +106,118 @@ void refuseLeftovers(const ViewerArgs& args) {
                         : "unknown option; see " + std::string(programName) + " --help");
 }
 
-void load(IZebPluginLogReader& reader, const ViewerOptions& options) {
-    const bool isLoaded = callReader([&] { return reader.loadLog(options.saveObjects); }, ExitCode::badLog,
-                                     options.log, "the log can't be read: ");
-    if (!isLoaded) {
-        throw Failure(ExitCode::badLog, options.log, whyRejected(options.log));
+// The directory for objects, once it and the log are known to be fit for them.
+std::optional<ObjectDirectory> openObjectDirectory(const ViewerOptions& options) {
+    if (!options.objectDirectory) {
+        return std::nullopt;
     }
+    std::error_code ignored;
+    if (!options.trustObjectNames && !std::filesystem::is_regular_file(options.log, ignored)) {
+        throw Failure(ExitCode::usage, options.log,
+                      "the log is no regular file, so --save-objects can't check its object names first; "
+                      "--trust-object-names goes without");
+    }
+    return ObjectDirectory(*options.objectDirectory);
 }
 
-bool generate(IZebPluginLogReader& reader, const ViewerOptions& options, const std::string& csvPath) {
-    const std::string words = "the report failed: ";
-    const auto noNumber = [&](const char* what, const std::exception& error) {
-        return Failure(ExitCode::badReport, options.log, words + what + " (" + error.what() + ")");
-    };
-    const auto call = [&] {
-        try {
-            return reader.generateReports(csvPath);
-        } catch (const std::invalid_argument& error) {
-            throw noNumber("a value in the log is no number", error);
-        } catch (const std::out_of_range& error) {
-            throw noNumber("a value in the log is no number that fits", error);
+// One report, from the open files to the end.
+class ReportRun {
+public:
+    ReportRun(IZebPluginLogReader& reader, const ViewerOptions& options, StandardOutput& output)
+        : reader_(reader), options_(options), output_(output), objects_(openObjectDirectory(options)) {}
+
+    void show() {
+        if (objects_) {
+            checkObjects();
         }
-    };
-    return callReader(call, ExitCode::badReport, options.log, words);
-}
-
-void generateWithCsv(IZebPluginLogReader& reader, const ViewerOptions& options, StandardOutput& output) {
-    const CsvBuffer csv(options.csv);
-    if (!generate(reader, options, csv.memoryPath())) {
-        throw Failure(ExitCode::badOutput, options.csv, "the reader can't write the CSV report");
+        load();
+        output_.finish();
+        take(reporting_, &memory_, [this] {
+            options_.csv.empty() ? generate() : generateWithCsv();
+            return true;
+        });
     }
-    output.finish();
-    appendToFile(options.csv, csv.content());
-}
+
+private:
+    void checkObjects() {
+        take(loading_, &memory_, [this] {
+            if (!options_.trustObjectNames) {
+                checkObjectNames(options_.log, objects_->path());
+            }
+            printErrorLine("objects go to " + objects_->path());
+            return true;
+        });
+    }
+
+    void load() {
+        take(loading_, &memory_, [this] {
+            if (!reader_.loadLog(objects_.has_value())) {
+                throw Failure(ExitCode::badLog, options_.log, whyRejected(options_.log, memory_));
+            }
+            if (const auto trouble = whyEndedEarly(options_.log)) {
+                throw Failure(ExitCode::badLog, options_.log, *trouble);
+            }
+            return true;
+        });
+    }
+
+    void generate() {
+        if (!generateReports("")) {
+            throw Failure(ExitCode::badReport, options_.log, "the reader has made no report");
+        }
+        output_.finish();
+    }
+
+    void generateWithCsv() {
+        const CsvBuffer csv(options_.csv);
+        if (!generateReports(csv.memoryPath())) {
+            throw Failure(ExitCode::badOutput, options_.csv, "the reader can't write the CSV report");
+        }
+        output_.finish();
+        appendToFile(options_.csv, csv.content());
+    }
+
+    bool generateReports(const std::string& csvPath) {
+        return take(reporting_, &memory_, [&] {
+            try {
+                return generateReportsBesideObjects(csvPath);
+            } catch (const std::invalid_argument& error) {
+                throw noNumber("a value in the log is no number", error);
+            } catch (const std::out_of_range& error) {
+                throw noNumber("a value in the log is no number that fits", error);
+            }
+        });
+    }
+
+    // The reader saves objects in the working directory; all other paths keep their meaning.
+    bool generateReportsBesideObjects(const std::string& csvPath) {
+        if (!objects_) {
+            return reader_.generateReports(csvPath);
+        }
+        DirectoryVisit visit(*objects_);
+        const bool isMade = reader_.generateReports(csvPath);
+        visit.leave();
+        return isMade;
+    }
+
+    [[nodiscard]] Failure noNumber(const std::string& what, const std::exception& error) const {
+        return {ExitCode::badReport, options_.log, reporting_.failed + what + " (" + error.what() + ")"};
+    }
+
+    IZebPluginLogReader& reader_;
+    const ViewerOptions& options_;
+    StandardOutput& output_;
+    std::optional<ObjectDirectory> objects_;
+    Step loading_{ExitCode::badLog, options_.log, "the log can't be read: ", ""};
+    Step reporting_{ExitCode::badReport, options_.log, "the report failed: ", "the report "};
+    MemoryLimit memory_{options_.maxMemory};
+};
 
 ExitCode showReport(const ViewerOptions& options, StandardOutput& output) {
     const PluginLibrary plugin(options.reader);
     const ReaderPtr reader = plugin.createReader(options.log, options.level);
     ViewerArgs args(options.readerArguments);
-    if (!callReader([&] { return reader->parseBackendArgs(args); }, ExitCode::usage, options.reader,
-                    "the reader failed on its options: ")) {
+    if (!parseReaderOptions(*reader, args, options.reader, ExitCode::usage)) {
         return ExitCode::usage;  // the reader has said why
     }
     refuseLeftovers(args);
@@ -125,16 +227,7 @@ ExitCode showReport(const ViewerOptions& options, StandardOutput& output) {
     if (!options.csv.empty()) {
         checkCsvPath(options.csv, options.log);
     }
-    load(*reader, options);
-    output.finish();
-    if (!options.csv.empty()) {
-        generateWithCsv(*reader, options, output);
-        return ExitCode::good;
-    }
-    if (!generate(*reader, options, "")) {
-        throw Failure(ExitCode::badReport, options.log, "the reader has made no report");
-    }
-    output.finish();
+    ReportRun(*reader, options, output).show();
     return ExitCode::good;
 }
 

@@ -26,15 +26,16 @@ LOG may also be a pipe: use /dev/stdin to read the log from standard input.
 
 Exit codes:
   0  good
-  1  the log can't be read
+  1  the log can't be read, needs more memory than it may have, or names objects outside of DIR
   2  wrong usage, or the reader has shown its help
-  3  the CSV file or standard output can't be written; the CSV file is as it was
+  3  the CSV file, an object or standard output can't be written; the CSV file is as it was
   4  the reader plug-in can't be loaded
   5  the report failed on a value in the log
 
 Examples:
   zeb-profile-viewer run.log
   zeb-profile-viewer --csv runs.csv run.log --internal
+  zeb-profile-viewer --save-objects=objects run.log
   zeb-profile-viewer --reader generic --level 2 run.log
   zcat run.log.gz | zeb-profile-viewer /dev/stdin)";
 
@@ -46,18 +47,24 @@ public:
         return "Usage: " + name + " [options] LOG [reader options]\n";
     }
     std::string make_positionals(const CLI::App* /*app*/) const override { return {}; }
+    std::string make_option_name(const CLI::Option* option, bool /*isPositional*/) const override {
+        return option->get_name();
+    }
     std::string make_option_opts(const CLI::Option* option) const override {
-        return option->get_type_size() == 0 ? "" : " " + option->get_type_name();
+        const std::string type = option->get_type_size() == 0 ? "" : option->get_type_name();
+        return type.empty() || type.starts_with('[') ? type : " " + type;
     }
 };
 
-// The declared options and what they fill. The level stays text, so that help is shown whatever it holds.
+// The declared options and what they fill. Numbers stay text, so that help is shown whatever they hold.
 struct CommandLine {
     CommandLine();
 
     CLI::App app{aboutText, std::string(programName)};
     ViewerOptions options;
     std::string level;
+    std::string maxMemory;
+    std::string objectDirectory;
     bool help = false;
     bool version = false;
 };
@@ -78,8 +85,18 @@ CommandLine::CommandLine() {
                    "Visibility level, -128 to 127: messages of this level and above are\n"
                    "left out. Default 127: everything below it.")
         ->type_name("N");
-    app.add_flag("--save-objects", options.saveObjects,
-                 "Let the reader save object events to files in the working directory.");
+    app.add_flag("--save-objects{.}", objectDirectory,
+                 "Let the reader save object events to files in the directory DIR (default:\n"
+                 "the working directory). Files that are there are not overwritten, and a\n"
+                 "log whose object names lead out of the directory is refused.")
+        ->type_name("[=DIR]")
+        ->multi_option_policy(CLI::MultiOptionPolicy::Throw);
+    app.add_flag("--trust-object-names", options.trustObjectNames,
+                 "Save objects under whatever names the log gives them.");
+    app.add_option("--max-memory", maxMemory,
+                   "The most memory to use, in bytes or with K, M or G behind the number.\n"
+                   "Default: three quarters of the machine's.")
+        ->type_name("SIZE");
     app.add_flag("--help", help, "Show this help and that of the reader.");
     app.add_flag("--version", version, "Show the version.");
 }
@@ -101,7 +118,7 @@ Failure usageFailure(const CLI::ArgumentMismatch& error) {
 // The parser takes the word behind an option that ends in its "=" for its value.
 void refuseEmptyValues(int argc, const char* const* argv) {
     for (int index = 1; index < argc && std::string_view(argv[index]) != "--"; ++index) {
-        for (const std::string name : {"--reader", "--csv", "--level"}) {
+        for (const std::string name : {"--reader", "--csv", "--level", "--save-objects", "--max-memory"}) {
             if (argv[index] == name + "=") {
                 throw usageFailure(name, "needs a value");
             }
@@ -131,6 +148,14 @@ profiling::VisibilityLevel parseLevel(const std::string& text) {
     return profiling::VisibilityLevel{static_cast<std::int8_t>(level)};
 }
 
+MemorySize parseMaxMemory(const std::string& text) {
+    const auto size = parseMemorySize(text);
+    if (!size) {
+        throw usageFailure("--max-memory", "\"" + text + "\" is no size like 800M, 2G or 1000000");
+    }
+    return *size;
+}
+
 }  // namespace
 
 ViewerOptions parseCommandLine(int argc, const char* const* argv) {
@@ -153,6 +178,12 @@ ViewerOptions parseCommandLine(int argc, const char* const* argv) {
     }
     if (line.app.count("--level") != 0) {
         options.level = parseLevel(line.level);
+    }
+    if (line.app.count("--max-memory") != 0) {
+        options.maxMemory = parseMaxMemory(line.maxMemory);
+    }
+    if (line.app.count("--save-objects") != 0) {
+        options.objectDirectory = line.objectDirectory;
     }
     if (line.app.count("LOG") == 0) {
         throw usageFailure("no LOG given");

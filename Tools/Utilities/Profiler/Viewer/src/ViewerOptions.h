@@ -1,9 +1,11 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "MemoryLimit.h"
 #include "zeb/profiling/VisibilityLevel.h"
 
 namespace zeb::viewer {
@@ -16,13 +18,15 @@ struct ViewerOptions {
     std::string reader = "murl";  ///< name or path of the plug-in
     std::string csv;              ///< empty: no CSV report
     profiling::VisibilityLevel level{127};
-    bool saveObjects = false;
+    std::optional<std::string> objectDirectory;  ///< nothing: objects are not saved
+    bool trustObjectNames = false;
+    MemorySize maxMemory = defaultMemorySize();
     std::string log;
     std::vector<std::string>
         readerArguments;  ///< what the viewer doesn't know, in its order, with a "--" mark
 };
 
-/// Help and version win over a missing LOG and a level that is no number.
+/// Help and version win over a missing LOG and values that are no numbers.
 /// @throws Failure for wrong usage
 ViewerOptions parseCommandLine(int argc, const char* const* argv);
 

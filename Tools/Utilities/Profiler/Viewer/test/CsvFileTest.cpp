@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sys/file.h>
 #include <sys/resource.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -125,6 +126,23 @@ TEST_F(CsvFile, IsMadeAnewWhenTheOneWhoWasWritingHasRemovedIt) {
     EXPECT_EQ(::flock(other.get(), LOCK_UN), 0);
     waiting.join();
     EXPECT_EQ(fileText(path), "row\n");
+}
+
+TEST_F(CsvFile, HasAllOrNothingOfAReportWhoseWriterIsInterrupted) {
+    constexpr std::size_t reportSize = 64 << 20U;
+    const std::string path = files.write("runs.csv", "old\n");
+    const std::string report(reportSize, 'n');
+    const pid_t writer = ::fork();
+    if (writer == 0) {
+        appendToFile(path, report);
+        ::_exit(0);
+    }
+    while (std::filesystem::file_size(path) == 4) {
+    }
+    ASSERT_EQ(::kill(writer, SIGTERM), 0);
+    int status = 0;
+    ASSERT_EQ(::waitpid(writer, &status, 0), writer);
+    EXPECT_EQ(std::filesystem::file_size(path), 4 + reportSize);
 }
 
 TEST_F(CsvFile, IsCheckedWithoutBeingTouched) {

@@ -1,13 +1,18 @@
 // A reader plug-in that reads nothing and does what its options tell it:
-//   --args=refuse|throw   --load=refuse|throw|memory|odd|note   --report=number|range|memory|odd|refuse|text
+//   --args=refuse|throw   --load=refuse|throw|memory|grow|odd|note|shrink
+//   --report=number|range|memory|grow|swallow|odd|refuse|text|object
 //   --trace               tells each call on standard error
 // Its report is the values of --say, one a line, on standard output, and "csv" as its CSV report.
 
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <memory>
 #include <new>
+#include <sstream>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 #include "zeb/profiling/ReaderExports.h"
 
@@ -16,12 +21,23 @@ namespace {
 
 struct OddException {};
 
+// Asks for memory until there is none left, and keeps it.
+void grow() {
+    static std::vector<std::string> kept;
+    for (;;) {
+        kept.emplace_back(1000, 'x');
+    }
+}
+
 void actOn(const std::string& what) {
     if (what == "throw") {
         throw std::runtime_error("the cat sat on it");
     }
     if (what == "memory") {
         throw std::bad_alloc();
+    }
+    if (what == "grow") {
+        grow();
     }
     if (what == "odd") {
         throw OddException();
@@ -37,7 +53,8 @@ void actOn(const std::string& what) {
 class FakeReader final : public IZebPluginLogReader {
 public:
     FakeReader(const std::string& logFilePath, VisibilityLevel level)
-        : created_(logFilePath.substr(logFilePath.rfind('/') + 1) + " " +
+        : log_(logFilePath),
+          created_(logFilePath.substr(logFilePath.rfind('/') + 1) + " " +
                    std::to_string(static_cast<int>(level))) {}
     ~FakeReader() override { trace("deleteReader"); }
 
@@ -66,7 +83,10 @@ public:
             std::cout << "note\n";
         }
         actOn(load_);
-        return load_ != "refuse";
+        if (load_ == "shrink") {
+            std::filesystem::resize_file(log_, std::filesystem::file_size(log_) - 1);
+        }
+        return load_ != "refuse" && load_ != "shrink";
     }
 
     bool generateReports(const std::string& outputPath) override {
@@ -77,6 +97,14 @@ public:
         if (!outputPath.empty()) {
             std::ofstream csv(outputPath, std::ios::app);
             csv << "csv " << (report_ == "text" ? std::string(2000, 'x') : "") << '\n';
+        }
+        if (report_ == "object") {
+            std::ofstream("object.bin") << "bytes";
+        }
+        if (report_ == "swallow") {
+            std::ostringstream text;
+            while (text << std::string(1000, 'x')) {
+            }
         }
         actOn(report_);
         return report_ != "refuse";
@@ -99,6 +127,7 @@ private:
         }
     }
 
+    std::string log_;
     std::string created_;
     bool trace_ = false;
     std::string load_;

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include "LogDiagnosis.h"
 #include "support/TestFiles.h"
@@ -10,30 +9,18 @@
 namespace zeb::viewer {
 namespace {
 
+using test::OrdinaryUser;
 using test::prefixOf;
 using test::soundChunk;
 using test::TempDir;
 using test::withPrefix;
 
-// Root may read everything, so it steps down for as long as this lives.
-class OrdinaryUser {
-public:
-    OrdinaryUser() { become(65534); }
-    OrdinaryUser(const OrdinaryUser&) = delete;
-    OrdinaryUser& operator=(const OrdinaryUser&) = delete;
-    ~OrdinaryUser() { become(0); }
-
-private:
-    static void become(uid_t user) {
-        if (::getuid() == 0) {
-            EXPECT_EQ(::seteuid(user), 0);
-        }
-    }
-};
-
 class LogDiagnosis : public testing::Test {
 protected:
     std::string trouble(const std::string& path) { return troubleWithPath(path).value_or(""); }
+    std::string whyRejected(const std::string& path) { return viewer::whyRejected(path, memory); }
+
+    MemoryLimit memory{defaultMemorySize()};
 
     TempDir files;
 };
@@ -103,6 +90,19 @@ TEST_F(LogDiagnosis, SaysSoWhenAllChunksAreSound) {
     EXPECT_EQ(whyRejected(files.write("run.log", withPrefix(soundChunk()) + "xx")),
               "the log can't be read, though all of its chunks are sound");
     EXPECT_EQ(whyRejected(files.path("gone.log")), "the log can't be read: No such file or directory");
+}
+
+// The one regular file that fails at a known place.
+TEST_F(LogDiagnosis, DoesNotTakeAReadErrorForTheEnd) {
+    const std::string failing = "/proc/self/mem";
+    EXPECT_EQ(trouble(failing), "the log can't be read: Input/output error");
+    EXPECT_EQ(whyEndedEarly(failing), "the log can't be read beyond byte 0: Input/output error");
+    EXPECT_EQ(whyRejected(failing), "the log can't be read beyond byte 0: Input/output error");
+    EXPECT_EQ(whyEndedEarly(files.path("gone.log")), std::nullopt);
+    for (const char* const tail : {"", "xx"}) {
+        EXPECT_EQ(whyEndedEarly(files.write("run.log", withPrefix(soundChunk()) + prefixOf(0) + tail)),
+                  std::nullopt);
+    }
 }
 
 }  // namespace

@@ -2,8 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
+#include <deque>
 #include <filesystem>
+#include <fstream>
 
+#include "MemoryLimit.h"
 #include "support/Command.h"
 #include "support/TestFiles.h"
 
@@ -35,6 +39,10 @@ protected:
         EXPECT_EQ(result.err, "zeb-profile-viewer: " + line + "\n");
     }
 
+    static std::string memoryWords(const std::string& size) {
+        return MemoryLimit::canBeSet ? "needs more than " + size + " of memory" : MemoryLimit::withoutLimit;
+    }
+
     TempDir files;
     std::string log = files.write("run.log", withPrefix(soundChunk()));
     std::string csv = files.path("runs.csv");
@@ -48,9 +56,10 @@ TEST_F(ViewerCommand, PrintsTheReportAndNothingElse) {
 }
 
 TEST_F(ViewerCommand, DrivesTheReaderInItsOrder) {
-    const std::string calls = "parseBackendArgs\nloadLog saving\ngenerateReports\ndeleteReader\n";
-    EXPECT_EQ(view({"--level=-128", "--save-objects", log, "--trace"}).err,
-              "createReader run.log -128\n" + calls);
+    EXPECT_EQ(view({"--level=-128", "--save-objects=" + files.path(""), log, "--trace"}).err,
+              "createReader run.log -128\nparseBackendArgs\nzeb-profile-viewer: objects go to " +
+                  fs::canonical(files.path("")).string() +
+                  "\nloadLog saving\ngenerateReports\ndeleteReader\n");
     EXPECT_EQ(view({log, "--trace", "--load=refuse"}).err,
               "createReader run.log 127\nparseBackendArgs\nloadLog\ndeleteReader\nzeb-profile-viewer: " +
                   log + ": the log can't be read, though all of its chunks are sound\n");
@@ -70,7 +79,11 @@ TEST_F(ViewerCommand, RefusesWrongUsage) {
         {{"--csv", "--save-objects", log}, "--csv: needs a value, and --save-objects is an option" + seeHelp},
         {{"--level", "128", log}, "--level: \"128\" is no number from -128 to 127" + seeHelp},
         {{"--level", "2x", log}, "--level: \"2x\" is no number from -128 to 127" + seeHelp},
-        {{log, "--save-objects=x"}, "Could not convert: --save-objects = x" + seeHelp},
+        {{"--save-objects=", log}, "--save-objects: needs a value" + seeHelp},
+        {{"--max-memory", "5T", log}, "--max-memory: \"5T\" is no size like 800M, 2G or 1000000" + seeHelp},
+        {{"--save-objects", "/dev/stdin"},
+         "/dev/stdin: the log is no regular file, so --save-objects can't check its object names first; "
+         "--trust-object-names goes without"},
         {{log, "--tracee"}, "--tracee: unknown option, did you mean --trace?"},
         {{log, "--levle=3"}, "--levle: unknown option, did you mean --level?"},
         {{log, "--frobnicate"}, "--frobnicate: unknown option" + seeHelp},
@@ -105,13 +118,65 @@ TEST_F(ViewerCommand, NamesWhatKeepsTheLogFromBeingRead) {
         {{damaged, "--load=refuse"},
          damaged + ": the log can't be read: chunk 2 at byte " + std::to_string(fs::file_size(log)) +
              ", 99 bytes long, is cut off at the end of the file: only 3 bytes of it are there"},
-        {{log, "--load=memory"}, log + ": the log can't be read: there is not enough memory"},
+        {{"/proc/self/mem"}, "/proc/self/mem: the log can't be read: Input/output error"},
+        {{log, "--load=memory", "--max-memory=3g"}, log + ": " + memoryWords("3g")},
         {{log, "--load=throw"}, log + ": the log can't be read: the cat sat on it"},
         {{log, "--load=odd"}, log + ": the log can't be read: unknown error"},
     };
     for (const auto& [arguments, line] : cases) {
         expectFailure(view(arguments), 1, line);
     }
+}
+
+TEST_F(ViewerCommand, LooksAtALogThatShrinksWhileItIsReadAsItIsThen) {
+    const auto length = fs::file_size(log) - 4;
+    expectFailure(view({log, "--load=shrink"}), 1,
+                  log + ": the log can't be read: chunk 1 at byte 0, " + std::to_string(length) +
+                      " bytes long, is cut off at the end of the file: only " + std::to_string(length - 1) +
+                      " bytes of it are there");
+}
+
+TEST_F(ViewerCommand, EndsWithALineWhenItNeedsTooMuchMemory) {
+    if (!MemoryLimit::canBeSet) {
+        GTEST_SKIP() << "no limit under sanitizers";
+    }
+    expectFailure(view({log, "--max-memory=64M", "--load=grow"}), 1, log + ": needs more than 64M of memory");
+    for (const char* const report : {"--report=grow", "--report=swallow"}) {
+        expectFailure(view({log, "--max-memory=65536K", report, "--csv", csv}), 5,
+                      log + ": the report needs more than 65536K of memory");
+    }
+    EXPECT_FALSE(fs::exists(csv));
+    // A limit that is there already stays, whether the process could raise it or not.
+    for (const char* const limit : {"-S -d", "-d", "-S -v"}) {
+        expectFailure(viewThrough("ulimit " + std::string(limit) + " 102400; exec \"$@\"",
+                                  {log, "--max-memory=1G", "--load=grow"}),
+                      1, log + ": needs more than 100M of memory");
+    }
+}
+
+TEST_F(ViewerCommand, SavesObjectsInTheirDirectoryAndFindsAllElseFromItsOwn) {
+    fs::create_directory(files.path("objects"));
+    const CommandResult result = runCommand(
+        {"/bin/sh", "-c", "cd \"$1\"; shift; exec \"$@\"", "sh", files.path(""), ZEB_VIEWER, "--reader",
+         ZEB_FAKE_READER, "--save-objects=objects", "--csv=runs.csv", "run.log", "--report=object"});
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_EQ(fileText(files.path("objects/object.bin")), "bytes");
+    EXPECT_EQ(fileText(csv), "csv \n");
+    for (const auto& [directory, cause] :
+         {std::pair{files.path("no"), "No such file or directory"}, std::pair{log, "Not a directory"}}) {
+        expectFailure(view({log, "--save-objects=" + directory, "--load=throw"}), 3,
+                      directory + ": objects can't be saved there: " + cause);
+    }
+}
+
+TEST_F(ViewerCommand, RefusesObjectNamesThatLeadOutUnlessTheyAreTrusted) {
+    const std::string hostile = files.write("hostile.log", sharedEventsLog("../up\n.bin"));
+    const std::string objects = "--save-objects=" + files.path("");
+    expectFailure(view({hostile, objects, "--load=throw"}), 1,
+                  hostile + ": chunk 1: the object \"../up?.bin\" would be saved outside of " +
+                      fs::canonical(files.path("")).string() + "; --trust-object-names allows it");
+    EXPECT_EQ(view({hostile, objects, "--trust-object-names"}).exitCode, 0);
+    EXPECT_EQ(view({hostile}).exitCode, 0);
 }
 
 TEST_F(ViewerCommand, TellsAValueThatFailsTheReport) {
@@ -122,9 +187,10 @@ TEST_F(ViewerCommand, TellsAValueThatFailsTheReport) {
         {"number", "a value in the log is no number (invalid stoull argument)"},
         {"range", "a value in the log is no number that fits (stoull argument out of range)"},
         {"throw", "the cat sat on it"},
-        {"memory", "there is not enough memory"},
         {"odd", "unknown error"},
     };
+    expectFailure(view({log, "--report=memory", "--max-memory", "2048M"}), 5,
+                  log + ": the report " + memoryWords("2048M"));
     for (const auto& [act, cause] : cases) {
         const CommandResult result = view({log, "--csv", csv, std::string("--report=") + act, "--say=first"});
         expectFailure(result, 5, log + ": the report failed: " + cause);
@@ -178,6 +244,20 @@ TEST_F(ViewerCommand, LeavesTheCsvFileAsItWasWhenItCannotBeWritten) {
                       csv + ": the CSV file can't be written: File too large");
         EXPECT_EQ(fileText(csv), big + big);
     }
+}
+
+TEST_F(ViewerCommand, TakesTurnsWithOthersThatAppendToTheSameFile) {
+    std::deque<RunningCommand> viewers;
+    for (int count = 0; count < 8; ++count) {
+        viewers.emplace_back(
+            Strings{ZEB_VIEWER, "--reader", ZEB_FAKE_READER, log, "--csv", csv, "--report=text"});
+    }
+    std::string expected;
+    for (RunningCommand& viewer : viewers) {
+        EXPECT_EQ(viewer.wait().exitCode, 0);
+        expected += "csv " + std::string(2000, 'x') + "\n";
+    }
+    EXPECT_EQ(fileText(csv), expected);
 }
 
 TEST_F(ViewerCommand, ReadsAPipe) {

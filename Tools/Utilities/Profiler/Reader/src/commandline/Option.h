@@ -13,7 +13,7 @@ using OptionValues = std::vector<std::shared_ptr<const std::string>>;
 using OptionHandler = std::function<bool(const OptionValues&)>;
 
 /// One option that a component has declared. The order of the virtual operations is binding.
-class Option final {
+class Option final {  // NOLINT(cppcoreguidelines-virtual-class-destructor): not one of its operations
 public:
     /// @param name        with its dashes, "--internal" for instance
     /// @param description help text; its line feeds break it into rows

@@ -46,6 +46,11 @@ public:
     /// events.
     void writeObjectFile(const ProfileEvent& event);
 
+protected:
+    /// To be called at the head of `generateReports`: files may have come and gone since the last report, so
+    /// its object files take their names anew.
+    void beginReport() { objectFiles_ = {}; }
+
 private:
     void captureHeader();
 

@@ -181,7 +181,7 @@ void printLibLoadStats(std::ostream& out, ZebProfileLogReader& reader) {
     }
     printSectionHead(out, "Dynamic Lib Load Stats:", 24);
     indent(out, 1);
-    out << "Backend Latency: " << store.libLoadRecord.events[0].value.payload << " us\n\n";
+    out << "Backend Latency: " << store.libLoadRecord.events[0].value.asNumber() << " us\n\n";
 }
 
 // A section that shows one statistics list, graph by graph.

@@ -2,7 +2,6 @@
 
 #include <fstream>
 #include <iomanip>
-#include <iostream>
 #include <sstream>
 
 #include "logging/Logger.h"
@@ -13,7 +12,20 @@
 
 namespace zeb::profiling {
 
+namespace {
+
+void appendCsvReport(std::ofstream& csv, ZebProfileLogReader& reader) {
+    if (csv.is_open()) {
+        csv << std::fixed << std::setprecision(0);
+        writeCsvReport(csv, reader);
+        csv.flush();
+    }
+}
+
+}  // namespace
+
 bool ZebProfileLogReader::generateReports(const std::string& outputPath) {
+    beginReport();
     std::ofstream csv;
     if (!outputPath.empty()) {
         csv.open(outputPath, std::ios::app);
@@ -27,16 +39,16 @@ bool ZebProfileLogReader::generateReports(const std::string& outputPath) {
     std::ostringstream console;
     console << std::fixed << std::setprecision(0);
     printReportHeader(console, *this);
+    // Which of the two comes first shows when both go to one stream.
     if (header_.isAdapterUpdaterLog) {
         printUpdateBinarySectionStats(console, *this);
+        putOnStandardOutput(console);
+        appendCsvReport(csv, *this);
     } else {
         printConsoleReport(console, *this);
+        appendCsvReport(csv, *this);
+        putOnStandardOutput(console);
     }
-    if (csv.is_open()) {
-        csv << std::fixed << std::setprecision(0);
-        writeCsvReport(csv, *this);
-    }
-    std::cout << console.view();
     return true;
 }
 

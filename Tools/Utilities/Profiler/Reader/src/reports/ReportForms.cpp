@@ -1,6 +1,7 @@
 #include "reports/ReportForms.h"
 
 #include <iomanip>
+#include <iostream>
 #include <string>
 
 #include "reports/EventText.h"
@@ -56,6 +57,10 @@ void writeCsvPreamble(std::ostream& out, const ZebProfileLogReader& reader) {
         << "zeb-profile-viewer version, " << versionText << '\n'
         << header.generatorName << " version, " << header.generatorVersion << '\n'
         << "Backend version, " << header.backendInfo << '\n';
+}
+
+void putOnStandardOutput(const std::ostringstream& report) {
+    std::cout << report.view() << std::flush;
 }
 
 EventList initSectionEvents(const EventStore& store) {

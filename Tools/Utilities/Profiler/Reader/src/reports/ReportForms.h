@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <ostream>
+#include <sstream>
 #include <string_view>
 
 #include "reader/ZebProfileLogReader.h"
@@ -35,6 +36,9 @@ void printDeInitStats(std::ostream& out, ZebProfileLogReader& reader);
 
 /// The four lines at the head of every CSV report.
 void writeCsvPreamble(std::ostream& out, const ZebProfileLogReader& reader);
+
+/// Puts a console report on standard output in one piece, and through the buffers of the stream.
+void putOnStandardOutput(const std::ostringstream& report);
 
 /// The events of the Init section: those that came with other messages, else those of the Init message.
 EventList initSectionEvents(const EventStore& store);

@@ -34,7 +34,7 @@ QueueWait queueWaitOf(EventList events, int levels = 2) {
     for (const ProfileEvent& event : events) {
         if (event.eventType == EVENT_TYPE_QUEUE_WAIT) {
             ++wait.count;
-            wait.lastUs = event.value.payload;
+            wait.lastUs = event.value.asNumber();
         }
         if (levels > 1) {
             const QueueWait below = queueWaitOf(event.subEvents, levels - 1);

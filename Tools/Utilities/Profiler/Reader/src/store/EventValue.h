@@ -47,12 +47,15 @@ struct EventValue {
         return {ValueKind::text, static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(text))};
     }
 
+    /// The payload as a number, whatever the kind. A text has none and gives 0: its payload is an address.
+    [[nodiscard]] std::uint64_t asNumber() const { return kind == ValueKind::text ? 0 : payload; }
     /// The payload of a `float32` value.
     [[nodiscard]] float asFloat() const { return std::bit_cast<float>(static_cast<std::uint32_t>(payload)); }
     /// The payload of a `float64` value.
     [[nodiscard]] double asDouble() const { return std::bit_cast<double>(payload); }
     /// The payload of a `text` value, NUL-terminated.
     [[nodiscard]] const char* asText() const {
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): `ofText` has put it there
         return reinterpret_cast<const char*>(static_cast<std::uintptr_t>(payload));
     }
 };

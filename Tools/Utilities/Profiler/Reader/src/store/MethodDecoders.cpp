@@ -40,7 +40,7 @@ bool EventStore::dispatchMethod(const schema::LogMessage& message) {
     if (message.methodType() == schema::MethodType::ExecuteAsync) {
         asyncExecute = true;
     }
-    return (this->*decoders[static_cast<std::size_t>(methodType)])(message);
+    return (this->*decoders[static_cast<std::uint8_t>(methodType)])(message);
 }
 
 bool EventStore::isVisible(const schema::LogMessage& message) const {

@@ -7,42 +7,22 @@
 #include <sstream>
 
 #include "commandline/AppArgManagerImpl.h"
+#include "support/CommandLine.h"
 
 namespace zeb::commandline2 {
 namespace {
 
 using commandline::ApplicationInfo;
+using test::CommandLine;
+using test::Strings;
 using testing::internal::CaptureStderr;
 using testing::internal::GetCapturedStderr;
-using Strings = std::vector<std::string>;
 
 const std::string usageHead =
     "\n"
     "Command Line Options:\n"
     "  [ --help ]            Displays this help message.\n"
     "  [ --version ]         Displays version information.\n";
-
-class CommandLine final : public ParsedArgs {
-public:
-    explicit CommandLine(std::map<std::string, Strings> given) : given_(std::move(given)) {}
-
-    ArgLookupResult lookup(const std::string& name) override {
-        asked.push_back(name);
-        ArgLookupResult result;
-        if (const auto found = given_.find(name); found != given_.end()) {
-            result.found = true;
-            for (const std::string& value : found->second) {
-                result.values.push_back(std::make_shared<const std::string>(value));
-            }
-        }
-        return result;
-    }
-
-    Strings asked;
-
-private:
-    std::map<std::string, Strings> given_;
-};
 
 // The usage text behind the part that is always the same.
 std::string usageRows(const AppArgManagerImpl& manager) {

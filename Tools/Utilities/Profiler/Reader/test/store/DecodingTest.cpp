@@ -177,10 +177,10 @@ TEST(Decoding, FinalizeKeepsOneRecordForEachGraph) {
 
 TEST(Decoding, GraphEventsFillExecutionsWithoutEventsFromTheFront) {
     TestStore store;
-    for (const std::uint64_t durationUs : {1, 2, 3}) {
+    for (const std::uint64_t durationUs : {1U, 2U, 3U}) {
         store.take(message(MethodType::Execute, "net", durationUs));
     }
-    for (const std::uint64_t value : {10, 20, 30, 40}) {
+    for (const std::uint64_t value : {10U, 20U, 30U, 40U}) {
         store.take(message(MethodType::GraphEvents, "net", 99, {ofType(200, event("e", number(value)))}));
     }
     const auto& records = store.executeRecords[0].records;
@@ -235,7 +235,7 @@ TEST(Decoding, ContextMethodsKeepTheLatestOrAll) {
     store.take(message(MethodType::ContextGetBinary, "late", 1, {event("unread")}));
     store.take(message(MethodType::ContextGetBinarySize, "s", 2));
     store.take(withoutText(message(MethodType::ContextGetBinary, "", 3)));
-    for (const std::uint64_t durationUs : {4, 5}) {
+    for (const std::uint64_t durationUs : {4U, 5U}) {
         store.take(message(MethodType::ContextGetBinarySectionSize, "section", durationUs));
     }
     ASSERT_EQ(store.contextRetrieval.size(), 2U);

@@ -24,6 +24,7 @@ constexpr const char* multipleWaits =
 std::vector<Message> executions(const std::vector<std::vector<test::Event>>& eventLists,
                                 MethodType type = MethodType::Execute) {
     std::vector<Message> messages;
+    messages.reserve(eventLists.size());
     for (const std::vector<test::Event>& events : eventLists) {
         messages.push_back(message(type, "net", 10, events));
     }
@@ -200,6 +201,14 @@ TEST(QueueWaits, AreFoundAmongTheEventsAndDirectlyBelow) {
     ASSERT_EQ(store.executeMaxQueueWaits.size(), 1U);
     EXPECT_EQ(store.executeMaxQueueWaits[0].queueWaitUs, 5U) << "of the last of equally slow executions";
     EXPECT_EQ(store.executeMinQueueWaits[0].queueWaitUs, 5U);
+}
+
+TEST(QueueWaits, OfATextAreZero) {
+    TestStore store;
+    store.takeAll(executions({{ofType(queueWaitEventType, event("wait", std::string("5")))}},
+                             MethodType::ExecuteAsync));
+    ASSERT_EQ(store.executeQueueWaits.size(), 1U);
+    EXPECT_EQ(store.executeQueueWaits[0].queueWaits, std::vector<std::uint64_t>{0}) << "not an address";
 }
 
 TEST(QueueWaits, OfSynchronousRunsAreNotLookedFor) {

@@ -1,12 +1,8 @@
 #include "support/TestLog.h"
 
-#include <stdlib.h>  // NOLINT(modernize-deprecated-headers): mkdtemp
-
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <fstream>
-#include <iterator>
 #include <memory>
 #include <sstream>
 
@@ -59,27 +55,6 @@ Message message(MethodType type, std::string text, std::uint64_t durationUs, std
     made.timestamp = timestamp;
     made.events = std::move(events);
     return made;
-}
-
-TempDir::TempDir() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "zeb-test-XXXXXX").string();
-    path_ = mkdtemp(pattern.data());
-}
-
-TempDir::~TempDir() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-}
-
-std::string TempDir::write(std::string_view name, const samplelog::Bytes& bytes) const {
-    std::ofstream file(path_ / name, std::ios::binary);
-    file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    return path(name);
-}
-
-std::string fileText(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 samplelog::Bytes logOf(const std::vector<std::vector<Message>>& chunks, const Header& header) {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <filesystem>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -9,6 +8,7 @@
 
 #include "LogWriter.h"
 #include "logging/Logger.h"
+#include "support/TestFiles.h"
 
 /// What the tests of all rooms share: messages by verbs, files that go away, and the log calls of a test.
 namespace zeb::test {
@@ -32,26 +32,6 @@ inline Value number(std::uint64_t value) {
 /// A message that ran for that many us. Its timestamp is 1000 unless it is given.
 Message message(MethodType type, std::string text, std::uint64_t durationUs, std::vector<Event> events = {},
                 std::uint64_t timestamp = 1000);
-
-/// A directory that goes away with the test.
-class TempDir {
-public:
-    TempDir();
-    ~TempDir();
-    TempDir(const TempDir&) = delete;
-    TempDir& operator=(const TempDir&) = delete;
-
-    [[nodiscard]] std::string path(std::string_view name) const { return (path_ / name).string(); }
-    [[nodiscard]] const std::filesystem::path& directory() const { return path_; }
-    /// Writes a file and gives its path.
-    std::string write(std::string_view name, const samplelog::Bytes& bytes) const;
-
-private:
-    std::filesystem::path path_;
-};
-
-/// @return the whole file, empty when there is none
-std::string fileText(const std::string& path);
 
 /// A log in chunks: each list of messages becomes one.
 samplelog::Bytes logOf(const std::vector<std::vector<Message>>& chunks, const Header& header = {});

@@ -6,9 +6,8 @@
 #include <unistd.h>
 
 #include <array>
+#include <csignal>
 #include <system_error>
-
-#include "support/TestFiles.h"
 
 namespace zeb::viewer::test {
 
@@ -41,7 +40,7 @@ private:
     posix_spawn_file_actions_t actions_{};
 };
 
-int spawnAndWait(const std::vector<std::string>& arguments, const FileActions& actions) {
+pid_t spawn(const std::vector<std::string>& arguments, const FileActions& actions) {
     std::vector<char*> argv;
     argv.reserve(arguments.size() + 1);
     for (const std::string& argument : arguments) {
@@ -50,26 +49,21 @@ int spawnAndWait(const std::vector<std::string>& arguments, const FileActions& a
     argv.push_back(nullptr);
     pid_t child = 0;
     require(posix_spawn(&child, argv.front(), actions.get(), nullptr, argv.data(), environ), argv.front());
-    int status = 0;
-    if (waitpid(child, &status, 0) != child) {
-        require(errno, "waitpid");
-    }
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    return child;
 }
 
 }  // namespace
 
-CommandResult runCommand(const std::vector<std::string>& arguments, Output output) {
-    const TempDir captures;
+RunningCommand::RunningCommand(const std::vector<std::string>& arguments, Output output) {
     std::array<int, 2> pipe{};
     require(pipe2(pipe.data(), O_CLOEXEC) == 0 ? 0 : errno, "pipe");
     ::close(pipe[0]);
     FileActions actions;
     actions.open(STDIN_FILENO, "/dev/null", O_RDONLY);
-    actions.open(STDERR_FILENO, captures.path("err"), writeNew);
+    actions.open(STDERR_FILENO, captures_.path("err"), writeNew);
     switch (output) {
         case Output::captured:
-            actions.open(STDOUT_FILENO, captures.path("out"), writeNew);
+            actions.open(STDOUT_FILENO, captures_.path("out"), writeNew);
             break;
         case Output::full:
             actions.open(STDOUT_FILENO, "/dev/full", O_WRONLY);
@@ -81,12 +75,28 @@ CommandResult runCommand(const std::vector<std::string>& arguments, Output outpu
             actions.close(STDOUT_FILENO);
             break;
     }
-    CommandResult result;
-    result.exitCode = spawnAndWait(arguments, actions);
+    process_ = spawn(arguments, actions);
     ::close(pipe[1]);
-    result.out = output == Output::captured ? fileText(captures.path("out")) : "";
-    result.err = fileText(captures.path("err"));
+}
+
+void RunningCommand::sendSignal(int signal) const {
+    require(::kill(process_, signal) == 0 ? 0 : errno, "kill");
+}
+
+CommandResult RunningCommand::wait() {
+    int status = 0;
+    if (waitpid(process_, &status, 0) != process_) {
+        require(errno, "waitpid");
+    }
+    CommandResult result;
+    result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    result.out = fileText(captures_.path("out"));
+    result.err = fileText(captures_.path("err"));
     return result;
+}
+
+CommandResult runCommand(const std::vector<std::string>& arguments, Output output) {
+    return RunningCommand(arguments, output).wait();
 }
 
 }  // namespace zeb::viewer::test

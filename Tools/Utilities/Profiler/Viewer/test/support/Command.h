@@ -1,8 +1,12 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <cstdint>
 #include <string>
 #include <vector>
+
+#include "support/TestFiles.h"
 
 namespace zeb::viewer::test {
 
@@ -18,6 +22,21 @@ struct CommandResult {
     int exitCode = -1;  ///< above 128: ended by that signal
     std::string out;
     std::string err;
+};
+
+/// A program that runs.
+class RunningCommand {
+public:
+    /// @param arguments the program's path first
+    explicit RunningCommand(const std::vector<std::string>& arguments, Output output = Output::captured);
+
+    void sendSignal(int signal) const;
+    /// Waits for the end. To be called once.
+    CommandResult wait();
+
+private:
+    TempDir captures_;
+    pid_t process_ = -1;
 };
 
 /// Runs a program to its end.

@@ -1,10 +1,12 @@
 #include "support/TestFiles.h"
 
 #include <stdlib.h>
+#include <unistd.h>
 
 #include <fstream>
 #include <sstream>
 #include <system_error>
+#include <vector>
 
 #include "flatbuffers/flatbuffers.h"
 #include "log/ProfileLog_generated.h"
@@ -32,6 +34,16 @@ std::string TempDir::write(std::string_view name, std::string_view bytes) const 
     return path(name);
 }
 
+OrdinaryUser::OrdinaryUser() {
+    if (::getuid() == 0 && ::seteuid(65534) != 0) {
+        throw std::system_error(errno, std::generic_category(), "seteuid");
+    }
+}
+
+OrdinaryUser::~OrdinaryUser() {
+    static_cast<void>(::seteuid(::getuid()));
+}
+
 std::string fileText(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     if (!file.is_open()) {
@@ -48,6 +60,23 @@ std::string soundChunk() {
     schema::LogHeaderBuilder header(builder);
     header.add_generatorName(name);
     builder.Finish(schema::CreateLogChunk(builder, header.Finish()));
+    return {reinterpret_cast<const char*>(builder.GetBufferPointer()), builder.GetSize()};
+}
+
+std::string sharedEventsLog(const std::string& objectName) {
+    flatbuffers::FlatBufferBuilder builder;
+    auto event = schema::CreateLogEventDirect(builder, "event", 0, 0, 5, nullptr, schema::ValueSelector::None,
+                                              0, 0.0F, nullptr, objectName.c_str());
+    for (int level = 0; level < 7; ++level) {
+        const std::vector<flatbuffers::Offset<schema::LogEvent>> children(8, event);
+        event = schema::CreateLogEventDirect(builder, "event", 0, 0, 0, &children);
+    }
+    const auto time = schema::CreateMessageTime(builder, 1);
+    const auto timing = schema::CreateMethodTiming(builder);
+    const std::vector events{event};
+    const std::vector messages{schema::CreateLogMessageDirect(builder, time, schema::MethodType::Execute,
+                                                              timing, 0, &events, "net")};
+    builder.FinishSizePrefixed(schema::CreateLogChunkDirect(builder, 0, &messages));
     return {reinterpret_cast<const char*>(builder.GetBufferPointer()), builder.GetSize()};
 }
 

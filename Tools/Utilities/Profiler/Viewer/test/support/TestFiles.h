@@ -23,11 +23,24 @@ private:
     std::filesystem::path directory_;
 };
 
+/// Root may do everything, so it steps down for as long as this lives.
+class OrdinaryUser {
+public:
+    OrdinaryUser();
+    OrdinaryUser(const OrdinaryUser&) = delete;
+    OrdinaryUser& operator=(const OrdinaryUser&) = delete;
+    ~OrdinaryUser();
+};
+
 /// @return the whole file; a text that no file holds when there is none
 std::string fileText(const std::string& path);
 
 /// @return a chunk of a log, a header with a name in it, without its length prefix
 std::string soundChunk();
+
+/// @return a log of few bytes that stands for more than two million events: eight children each, seven levels
+///         deep, the same ones for all parents. The innermost is an object.
+std::string sharedEventsLog(const std::string& objectName);
 
 /// @return the length prefix of a chunk
 std::string prefixOf(std::uint32_t length);

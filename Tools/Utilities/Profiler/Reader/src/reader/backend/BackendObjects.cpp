@@ -42,9 +42,9 @@ LayerRecord readLayerRecord(const PayloadReader& payload, std::uint64_t at) {
 }
 
 // Names of ZEB layers, by index. An entry of the table holds the name's offset in its high half.
-class NameTable {
+class NodeNameTable {
 public:
-    explicit NameTable(std::span<const std::byte> object)
+    explicit NodeNameTable(std::span<const std::byte> object)
         : payload_(object),
           count_(payload_.records(nameTableHeadSize, nameTableEntrySize, payload_.u32(0))) {}
 
@@ -104,7 +104,7 @@ GraphProfile readGraphProfile(std::span<const std::byte> object, bool withRecord
 std::vector<NodeMappingEntry> readNodeMapping(std::span<const std::byte> mappingObject,
                                               std::span<const std::byte> namesObject) {
     const PayloadReader mapping(mappingObject);
-    const NameTable names(namesObject);
+    const NodeNameTable names(namesObject);
     const std::uint32_t entryCount = mapping.u32(0);
     std::vector<NodeMappingEntry> entries;
     std::uint64_t at = mappingHeadSize;

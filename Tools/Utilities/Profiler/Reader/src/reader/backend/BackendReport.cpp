@@ -23,9 +23,9 @@ void BackendReport::printConsole(std::ostream& out) {
     printExecutionStats(out);
     if (hasLayers()) {
         addLayerTimes(zebLayers_, layerStats_);
-        OruTable(internalColumns_, layerStats_, layerConfig_.layerCount).print(out);
-        printZebTable(out, zebLayers_, zebNameColumnWidth_);
-        printMappingTable(out, zebLayers_, maxZebLayerNameLength_);
+        OruTable(internalColumns_, layerStats_, layerConfig_.layerCount).printOruLayerStats(out);
+        printZebLayerStats(out, zebLayers_, zebNameColumnWidth_);
+        printLayerMapping(out, zebLayers_, maxZebLayerNameLength_);
     }
 }
 
@@ -33,9 +33,9 @@ void BackendReport::writeCsv(std::ostream& out) const {
     writeCsvPreamble(out, reader_);
     writeExecutionCsv(out);
     if (hasLayers()) {
-        OruTable(internalColumns_, layerStats_, layerConfig_.layerCount).writeCsv(out);
-        writeZebCsv(out, zebLayers_);
-        writeMappingCsv(out, zebLayers_, maxZebLayerNameLength_);
+        OruTable(internalColumns_, layerStats_, layerConfig_.layerCount).writeOruLayerCsv(out);
+        writeZebLayerCsv(out, zebLayers_);
+        writeLayerMappingCsv(out, zebLayers_, maxZebLayerNameLength_);
     }
 }
 

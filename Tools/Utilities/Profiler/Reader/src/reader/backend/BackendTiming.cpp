@@ -126,6 +126,13 @@ void BackendReport::printExecutionStats(std::ostream& out) {
     printSectionHead(out, "Execution Stats (Average):", 21);
     if (store_.executeAverage.empty()) {
         out << '\n';
+        // A log that failed to load has executions without an average; the CSV form names their tensor
+        // copies.
+        for (const std::string_view name : tensorCopyNames) {
+            if (findExecuteEventValue(name)) {
+                tensorCopies_.push_back({name, 0.0});
+            }
+        }
         return;
     }
     std::size_t position = 0;

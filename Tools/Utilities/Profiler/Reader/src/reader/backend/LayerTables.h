@@ -21,8 +21,8 @@ public:
     /// @param layerCount number of layers by the layer configuration; those that have figures become rows
     OruTable(bool internalColumns, const std::vector<LayerStats>& layerStats, std::uint32_t layerCount);
 
-    void print(std::ostream& out) const;
-    void writeCsv(std::ostream& out) const;
+    void printOruLayerStats(std::ostream& out) const;
+    void writeOruLayerCsv(std::ostream& out) const;
 
 private:
     bool internalColumns_;
@@ -31,13 +31,13 @@ private:
 
 /// The framework's table, a row for each ZEB layer and a summary.
 /// @param nameWidth width of the names' column
-void printZebTable(std::ostream& out, const std::vector<ZebLayer>& layers, std::size_t nameWidth);
-void writeZebCsv(std::ostream& out, const std::vector<ZebLayer>& layers);
+void printZebLayerStats(std::ostream& out, const std::vector<ZebLayer>& layers, std::size_t nameWidth);
+void writeZebLayerCsv(std::ostream& out, const std::vector<ZebLayer>& layers);
 
 /// The ORU layers of each ZEB layer.
 /// @param nameWidth length of the longest name
-void printMappingTable(std::ostream& out, const std::vector<ZebLayer>& layers, std::size_t nameWidth);
-void writeMappingCsv(std::ostream& out, const std::vector<ZebLayer>& layers, std::size_t nameWidth);
+void printLayerMapping(std::ostream& out, const std::vector<ZebLayer>& layers, std::size_t nameWidth);
+void writeLayerMappingCsv(std::ostream& out, const std::vector<ZebLayer>& layers, std::size_t nameWidth);
 
 /// @return width of the names' column of a report whose log has no node mapping
 std::size_t defaultNameWidth();

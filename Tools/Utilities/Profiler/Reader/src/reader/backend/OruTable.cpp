@@ -48,7 +48,7 @@ std::string mergedGroup(const LayerStats& stats) {
     return stats.linked ? std::to_string(stats.mergedGroup) : "-";
 }
 
-struct OruColumn {
+struct ReportColumn {
     std::string_view title;
     bool internal;
     Cell offloadedCell;     ///< of a layer that is offloaded, on the console
@@ -56,20 +56,20 @@ struct OruColumn {
     Cell dspCell;           ///< of a layer that runs on the DSP
 };
 
-constexpr OruColumn forAll(std::string_view title, Cell cell) {
+constexpr ReportColumn forAll(std::string_view title, Cell cell) {
     return {title, false, cell, cell, cell};
 }
-constexpr OruColumn forCore(std::string_view title, bool internal, Cell cell) {
+constexpr ReportColumn forCore(std::string_view title, bool internal, Cell cell) {
     return {title, internal, cell, cell, dash};
 }
-constexpr OruColumn forDsp(std::string_view title, Cell cell) {
+constexpr ReportColumn forDsp(std::string_view title, Cell cell) {
     return {title, false, dash, zero, cell};
 }
 
 constexpr bool internal = true;
 constexpr bool shown = false;
 
-constexpr std::array<OruColumn, 18> oruColumns = {{
+constexpr std::array<ReportColumn, 18> oruColumns = {{
     forAll("Layer Id", number<&LayerStats::layerId>),
     forAll("Layer Type", typeName),
     {"HW Offloaded", shown, offloaded, offloaded, notOffloaded},
@@ -120,11 +120,11 @@ std::vector<const LayerStats*> rowsInOrder(const std::vector<LayerStats>& layerS
 OruTable::OruTable(bool internalColumns, const std::vector<LayerStats>& layerStats, std::uint32_t layerCount)
     : internalColumns_(internalColumns), rows_(rowsInOrder(layerStats, layerCount)) {}
 
-void OruTable::print(std::ostream& out) const {
-    const auto isShown = [this](const OruColumn& column) { return internalColumns_ || !column.internal; };
+void OruTable::printOruLayerStats(std::ostream& out) const {
+    const auto isShown = [this](const ReportColumn& column) { return internalColumns_ || !column.internal; };
     out << '\n';
     printSectionHead(out, oruTableTitle, oruTableTitle.size());
-    for (const OruColumn& column : oruColumns) {
+    for (const ReportColumn& column : oruColumns) {
         if (isShown(column)) {
             printField(out, column.title, columnWidth(column.title));
         }
@@ -134,7 +134,7 @@ void OruTable::print(std::ostream& out) const {
         if (!isKnownLayerType(row->layerType)) {
             logMessage(ZEB_LOG_LEVEL_WARN, "This ORU layer type is not supported.");
         }
-        for (const OruColumn& column : oruColumns) {
+        for (const ReportColumn& column : oruColumns) {
             if (isShown(column)) {
                 printField(out, (row->offloaded ? column.offloadedCell : column.dspCell)(*row),
                            columnWidth(column.title));
@@ -144,17 +144,17 @@ void OruTable::print(std::ostream& out) const {
     }
 }
 
-void OruTable::writeCsv(std::ostream& out) const {
-    const auto isShown = [this](const OruColumn& column) { return internalColumns_ || !column.internal; };
+void OruTable::writeOruLayerCsv(std::ostream& out) const {
+    const auto isShown = [this](const ReportColumn& column) { return internalColumns_ || !column.internal; };
     out << '\n' << oruTableTitle << '\n';
-    for (const OruColumn& column : oruColumns) {
+    for (const ReportColumn& column : oruColumns) {
         if (isShown(column)) {
             out << column.title << ',';
         }
     }
     out << '\n';
     for (const LayerStats* const row : rows_) {
-        for (const OruColumn& column : oruColumns) {
+        for (const ReportColumn& column : oruColumns) {
             if (isShown(column)) {
                 out << (row->offloaded ? column.offloadedCsvCell : column.dspCell)(*row) << ',';
             }

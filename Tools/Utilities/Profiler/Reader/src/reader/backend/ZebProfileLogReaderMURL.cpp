@@ -2,21 +2,22 @@
 
 #include <fstream>
 #include <iomanip>
-#include <iostream>
 #include <sstream>
 
 #include "commandline/AppArgManagerImpl.h"
 #include "logging/Logger.h"
 #include "reader/backend/BackendReport.h"
+#include "reports/ReportForms.h"
 
 namespace zeb::profiling {
 
 bool ZebProfileLogReaderMURL::generateReports(const std::string& outputPath) {
+    beginReport();
     BackendReport report(*this, internalColumns_);
     std::ostringstream console;
     console << std::fixed << std::setprecision(0);
     report.printConsole(console);
-    std::cout << console.view();
+    putOnStandardOutput(console);
     if (outputPath.empty()) {
         return true;
     }

@@ -35,7 +35,7 @@ std::size_t defaultNameWidth() {
     return columnWidth(zebColumns[0]);
 }
 
-void printZebTable(std::ostream& out, const std::vector<ZebLayer>& layers, std::size_t nameWidth) {
+void printZebLayerStats(std::ostream& out, const std::vector<ZebLayer>& layers, std::size_t nameWidth) {
     const std::array<std::size_t, 4> widths = {nameWidth, columnWidth(zebColumns[1]),
                                                columnWidth(zebColumns[2]), columnWidth(zebColumns[3])};
     const auto printRow = [&out, &widths](const auto&... cells) {
@@ -54,7 +54,7 @@ void printZebTable(std::ostream& out, const std::vector<ZebLayer>& layers, std::
     printRow("Summary", percentText(share.dspTimePercent), percentText(share.krelTimePercent), " ");
 }
 
-void writeZebCsv(std::ostream& out, const std::vector<ZebLayer>& layers) {
+void writeZebLayerCsv(std::ostream& out, const std::vector<ZebLayer>& layers) {
     out << '\n' << zebTableTitle << '\n';
     for (const std::string_view title : zebColumns) {
         out << title << ',';
@@ -69,7 +69,7 @@ void writeZebCsv(std::ostream& out, const std::vector<ZebLayer>& layers) {
         << '\n';
 }
 
-void printMappingTable(std::ostream& out, const std::vector<ZebLayer>& layers, std::size_t nameWidth) {
+void printLayerMapping(std::ostream& out, const std::vector<ZebLayer>& layers, std::size_t nameWidth) {
     out << '\n';
     printSectionHead(out, mappingTableTitle, mappingTableTitle.size());
     for (const ZebLayer& layer : layers) {
@@ -80,7 +80,7 @@ void printMappingTable(std::ostream& out, const std::vector<ZebLayer>& layers, s
     }
 }
 
-void writeMappingCsv(std::ostream& out, const std::vector<ZebLayer>& layers, std::size_t nameWidth) {
+void writeLayerMappingCsv(std::ostream& out, const std::vector<ZebLayer>& layers, std::size_t nameWidth) {
     out << '\n' << mappingTableTitle << '\n' << "ZEB Layer,ORU Layer(s)\n";
     for (const ZebLayer& layer : layers) {
         printField(out, layer.name, nameWidth);

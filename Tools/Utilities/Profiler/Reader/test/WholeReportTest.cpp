@@ -1,0 +1,166 @@
+// Whole reports of the sample logs, byte for byte. The expected texts stand in expected/, a file each. When
+// one differs, the report is left in the test's build directory for a comparison.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <sstream>
+
+#include "AdapterUpdaterLog.h"
+#include "MethodsLog.h"
+#include "NetworkLog.h"
+#include "reader/backend/ZebProfileLogReaderMURL.h"
+#include "support/CommandLine.h"
+#include "support/TestReader.h"
+
+namespace zeb::profiling {
+namespace {
+
+namespace fs = std::filesystem;
+using samplelog::NetworkOptions;
+using samplelog::ProfileLevel;
+using test::fileText;
+
+// Makes a directory the working directory for as long as it lives, and the local time UTC.
+class Place {
+public:
+    explicit Place(const fs::path& directory) : before_(fs::current_path()) {
+        fs::current_path(directory);
+        ::setenv("TZ", "UTC", 1);
+    }
+    ~Place() { fs::current_path(before_); }
+    Place(const Place&) = delete;
+    Place& operator=(const Place&) = delete;
+
+private:
+    fs::path before_;
+};
+
+// The files of a directory with their bytes, a line each.
+std::string listing(const fs::path& directory) {
+    std::vector<std::string> lines;
+    for (const auto& entry : fs::directory_iterator(directory)) {
+        std::ostringstream line;
+        line << entry.path().filename().string() << ':' << std::hex;
+        for (const char byte : fileText(entry.path().string())) {
+            line << ' ' << static_cast<int>(static_cast<unsigned char>(byte));
+        }
+        lines.push_back(line.str());
+    }
+    std::sort(lines.begin(), lines.end());
+    std::string text;
+    for (const std::string& line : lines) {
+        text += line + '\n';
+    }
+    return text;
+}
+
+void expectText(const std::string& name, const std::string& actual) {
+    const std::string expected = fileText(std::string(ZEB_EXPECTED_REPORTS) + "/" + name);
+    if (actual != expected) {
+        std::ofstream(name, std::ios::binary) << actual;
+        ADD_FAILURE() << name << " is not as expected; compare with " << fs::absolute(name);
+    }
+}
+
+using WriteLog = std::function<void(std::ostream&)>;
+
+class WholeReport : public testing::Test {
+protected:
+    // Loads the log as "run.zlog" of a working directory of its own.
+    template <typename Reader>
+    void report(Reader& reader, const WriteLog& write, bool saveObjects = false) {
+        const Place place(directory.directory());
+        {
+            std::ofstream log("run.zlog", std::ios::binary);
+            write(log);
+        }
+        const test::CaughtOutput output;
+        EXPECT_TRUE(reader.loadLog(saveObjects));
+        EXPECT_TRUE(reader.generateReports("run.csv"));
+        fs::remove("run.zlog");
+        console = output.text();
+    }
+
+    void expectReport(const std::string& name) const {
+        expectText(name + ".console.txt", console);
+        expectText(name + ".csv", fileText(directory.path("run.csv")));
+    }
+
+    void expectNetworkReport(const std::string& name, const NetworkOptions& options,
+                             bool isInternal = false) {
+        ZebProfileLogReaderMURL reader("run.zlog", VisibilityLevel{127});
+        test::CommandLine arguments(isInternal ? test::CommandLine::Given{{"--internal", {}}}
+                                               : test::CommandLine::Given{});
+        ASSERT_TRUE(reader.parseBackendArgs(arguments));
+        report(reader, [&options](std::ostream& out) { writeNetworkLog(out, options); });
+        expectReport(name);
+    }
+
+    test::TempDir directory;
+    std::string console;
+};
+
+TEST_F(WholeReport, OfASynchronousRun) {
+    expectNetworkReport("network", {});
+}
+
+TEST_F(WholeReport, WithInternalColumns) {
+    expectNetworkReport("network-internal-columns", {}, true);
+}
+
+TEST_F(WholeReport, OfAnAsynchronousRun) {
+    expectNetworkReport("network-async", {.async = true});
+}
+
+TEST_F(WholeReport, OfARunProfiledAtTheBasicLevel) {
+    expectNetworkReport("network-basic", {.level = ProfileLevel::basic});
+}
+
+TEST_F(WholeReport, OfARunProfiledAtTheInternalLevel) {
+    expectNetworkReport("network-internal-level", {.level = ProfileLevel::internal, .layers = 8});
+}
+
+TEST_F(WholeReport, OfSeveralGraphs) {
+    expectNetworkReport("network-graphs", {.executions = 4, .layers = 6, .graphs = 3});
+}
+
+TEST_F(WholeReport, OfAllMethods) {
+    ZebProfileLogReader reader("run.zlog", VisibilityLevel{5});
+    report(reader, samplelog::writeMethodsLog, true);
+    const std::string csv = fileText(directory.path("run.csv"));
+    expectReport("methods");
+    fs::remove(directory.path("run.csv"));
+    expectText("methods.objects.txt", listing(directory.directory()));
+
+    // A second report is the same, behind the first in the CSV file, and its objects get the next free names.
+    const std::string first = console;
+    const Place place(directory.directory());
+    const test::CaughtOutput output;
+    EXPECT_TRUE(reader.generateReports("run.csv"));
+    EXPECT_TRUE(reader.generateReports("run.csv"));
+    EXPECT_EQ(output.text(), first + first);
+    EXPECT_EQ(fileText("run.csv"), csv + csv);
+    EXPECT_EQ(fileText("plan_2.bin"), fileText("plan.bin"));
+}
+
+TEST_F(WholeReport, OfAllMethodsThroughTheBackendsReader) {
+    ZebProfileLogReaderMURL reader("run.zlog", VisibilityLevel{127});
+    report(reader, samplelog::writeMethodsLog, true);
+    expectReport("methods-backend");
+}
+
+TEST_F(WholeReport, OfTheAdapterUpdater) {
+    ZebProfileLogReader reader("run.zlog", VisibilityLevel{127});
+    report(reader, samplelog::writeAdapterUpdaterLog, true);
+    expectReport("adapter-updater");
+    fs::remove(directory.path("run.csv"));
+    expectText("adapter-updater.objects.txt", listing(directory.directory()));
+}
+
+}  // namespace
+}  // namespace zeb::profiling

@@ -1,0 +1,318 @@
+// The built plug-ins as a host meets them: loaded at run time, called by position in the virtual table, with
+// nothing of the library's sources. All that is included of the project is its public headers.
+
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <fstream>
+#include <memory>
+#include <new>
+#include <sstream>
+#include <stdexcept>
+
+#include "support/CommandLine.h"
+#include "support/PluginLogs.h"
+#include "support/TestFiles.h"
+#include "zeb/profiling/ReaderExports.h"
+
+namespace zeb::profiling {
+namespace {
+
+using commandline2::ArgLookupResult;
+using commandline2::ParsedArgs;
+using test::CommandLine;
+using test::Strings;
+using testing::internal::CaptureStderr;
+using testing::internal::CaptureStdout;
+using testing::internal::GetCapturedStderr;
+using testing::internal::GetCapturedStdout;
+
+#ifdef __SANITIZE_ADDRESS__
+constexpr bool isSanitized = true;
+#else
+constexpr bool isSanitized = false;
+#endif
+
+// Places in the virtual table of a reader. A virtual destructor takes two: one that destroys, and one that
+// gives the memory back as well.
+enum ReaderSlot : std::size_t {
+    generateReports,
+    completeDestructor,
+    deletingDestructor,
+    printHeader,
+    readNextMessage,
+    loadLog,
+    parseBackendArgs,
+    printEvent,
+    writeEventCsv
+};
+constexpr std::size_t lookupSlot = 2;
+
+// Calls the operation in a place of an object's virtual table, as the Itanium C++ ABI has it.
+template <typename Result, typename... Arguments>
+Result call(void* object, std::size_t slot, Arguments... arguments) {
+    void* const* const table = *static_cast<void***>(object);
+    return reinterpret_cast<Result (*)(void*, Arguments...)>(table[slot])(
+        object, std::forward<Arguments>(arguments)...);
+}
+
+class Library {
+public:
+    explicit Library(const char* path) : handle_(dlopen(path, RTLD_NOW | RTLD_LOCAL)) {
+        if (handle_ == nullptr) {
+            throw std::runtime_error(dlerror());
+        }
+    }
+    ~Library() { dlclose(handle_); }
+    Library(const Library&) = delete;
+    Library& operator=(const Library&) = delete;
+
+    [[nodiscard]] void* create(const std::string& log, int level = 127) const {
+        const auto create = reinterpret_cast<decltype(&createReader)>(dlsym(handle_, "createReader"));
+        return create(log, static_cast<VisibilityLevel>(level));
+    }
+    void destroy(void* reader) const {
+        const auto destroy = reinterpret_cast<decltype(&deleteReader)>(dlsym(handle_, "deleteReader"));
+        destroy(static_cast<IZebPluginLogReader*>(reader));
+    }
+
+private:
+    void* handle_;
+};
+
+struct PluginCase {
+    const char* path;
+    std::string title;   ///< of a section that the other plug-in's report lacks
+    Strings askedNames;  ///< of options, sorted
+};
+
+class PluginTest : public testing::TestWithParam<PluginCase> {
+protected:
+    std::string report(void* reader, const std::string& csvPath = {}) {
+        CaptureStdout();
+        isReported = call<bool, const std::string&>(reader, generateReports, csvPath);
+        return GetCapturedStdout();
+    }
+
+    test::TempDir directory;
+    std::string log = directory.write("log", test::smallLog());
+    Library library{GetParam().path};
+    bool isReported = false;
+};
+
+TEST_P(PluginTest, IsDrivenByPosition) {
+    void* const reader = library.create(log);
+    EXPECT_EQ(call<std::string>(reader, printHeader), "");
+    EXPECT_FALSE(call<bool>(reader, readNextMessage));
+
+    CommandLine options(CommandLine::Given{{"--unknown", {}}});
+    EXPECT_TRUE((call<bool, ParsedArgs&>(reader, parseBackendArgs, options)));
+    std::sort(options.asked.begin(), options.asked.end());
+    EXPECT_EQ(options.asked, GetParam().askedNames);
+
+    EXPECT_TRUE((call<bool, bool>(reader, loadLog, false)));
+    EXPECT_FALSE(call<bool>(reader, readNextMessage)) << "behind the last message";
+    const std::string header = call<std::string>(reader, printHeader);
+    EXPECT_EQ(header.substr(0, header.find('\n')), "Input Log File Location: " + log);
+    EXPECT_NE(header.find("\ntool: 1.2\n"), std::string::npos);
+
+    const std::string console = report(reader);
+    EXPECT_EQ(console.substr(0, header.size() + 1), header + "\n");
+    EXPECT_NE(console.find("\n" + GetParam().title + "\n"), std::string::npos) << console;
+    EXPECT_NE(console.find("Graph 0 (net):\n    Marlix: 1234 us\n"), std::string::npos) << console;
+    EXPECT_TRUE(isReported);
+    EXPECT_EQ(report(reader, directory.path("csv")), console);
+    EXPECT_NE(test::fileText(directory.path("csv")).find("tool version, 1.2\n"), std::string::npos);
+    report(reader, directory.path("missing/csv"));
+    EXPECT_FALSE(isReported);
+
+    call<void>(reader, deletingDestructor);
+}
+
+TEST_P(PluginTest, HasADestructorThatLeavesTheMemoryToTheCaller) {
+    void* const reader = library.create(log);
+    EXPECT_TRUE((call<bool, bool>(reader, loadLog, true)));
+    call<void>(reader, completeDestructor);
+    ::operator delete(reader);
+}
+
+TEST_P(PluginTest, CreatesReadersOfLogsThatAreNotThere) {
+    library.destroy(nullptr);
+    CaptureStdout();
+    CaptureStderr();
+    {
+        std::string path = directory.path("missing");
+        void* const reader = library.create(path);
+        path.assign(path.size(), 'x');  // the reader has a copy
+        EXPECT_FALSE((call<bool, bool>(reader, loadLog, false)));
+        EXPECT_EQ(call<std::string>(reader, printHeader), "");
+        library.destroy(reader);
+    }
+    EXPECT_EQ(GetCapturedStdout() + GetCapturedStderr(), "");
+}
+
+TEST_P(PluginTest, LeavesOutMessagesFromItsLevelOn) {
+    for (const int level : {0, 1}) {
+        void* const reader = library.create(log, level);
+        EXPECT_TRUE((call<bool, bool>(reader, loadLog, false)));
+        EXPECT_EQ(report(reader).find("1234") != std::string::npos, level == 1);
+        library.destroy(reader);
+    }
+}
+
+// What `nm` shows of a file, the names alone.
+Strings definedNames(const std::string& path) {
+    const std::string command = std::string(ZEB_NM) + " -D --defined-only '" + path + "'";
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> output(popen(command.c_str(), "r"), pclose);
+    std::string text;
+    std::array<char, 4096> part{};
+    while (std::fgets(part.data(), part.size(), output.get()) != nullptr) {
+        text += part.data();
+    }
+    Strings names;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        const std::string name = line.substr(line.rfind(' ') + 1);
+        if (!isSanitized || !name.starts_with("__")) {  // a sanitizer may add names of its own
+            names.push_back(name);
+        }
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+TEST_P(PluginTest, ExportsTwoFunctionsAndNothingElse) {
+    EXPECT_EQ(definedNames(GetParam().path), (Strings{"createReader", "deleteReader"}));
+}
+
+std::size_t residentPages() {
+    std::ifstream statistics("/proc/self/statm");
+    std::size_t size = 0;
+    std::size_t resident = 0;
+    statistics >> size >> resident;
+    return resident;
+}
+
+TEST(PluginLoading, LeavesNothingBehind) {
+    const auto loadAndUnload = [](int times) {
+        for (int time = 0; time < times; ++time) {
+            for (const char* const path : {ZEB_MURL_PLUGIN, ZEB_GENERIC_PLUGIN}) {
+                const Library library(path);
+                library.destroy(library.create("no log"));
+            }
+        }
+    };
+    loadAndUnload(10);
+    EXPECT_EQ(dlopen(ZEB_MURL_PLUGIN, RTLD_NOW | RTLD_NOLOAD), nullptr) << "it isn't unloaded";
+    EXPECT_EQ(dlopen(ZEB_GENERIC_PLUGIN, RTLD_NOW | RTLD_NOLOAD), nullptr) << "it isn't unloaded";
+    const std::size_t before = residentPages();
+    loadAndUnload(isSanitized ? 10 : 1000);
+    if (!isSanitized) {  // a sanitizer keeps freed memory for a while
+        EXPECT_LE(residentPages(), before + 64);
+    }
+}
+
+TEST(PluginErrors, ReachTheHostAsStandardExceptions) {
+    const test::TempDir directory;
+    const Library library(ZEB_MURL_PLUGIN);
+    void* const reader = library.create(directory.write("log", test::logWithoutANumber()));
+    EXPECT_TRUE((call<bool, bool>(reader, loadLog, false)));
+    CaptureStdout();
+    try {
+        call<bool, const std::string&>(reader, generateReports, directory.path("csv"));
+        ADD_FAILURE() << "no exception";
+    } catch (const std::invalid_argument& error) {
+        EXPECT_STREQ(error.what(), "invalid stoi argument");
+    }
+    EXPECT_EQ(GetCapturedStdout(), "");
+    EXPECT_EQ(test::fileText(directory.path("csv")), "");
+    library.destroy(reader);
+}
+
+// A reader that tells which of its operations was called.
+class Probe final : public IZebPluginLogReader {
+public:
+    explicit Probe(std::string& called) : called_(called) {}
+    ~Probe() override { called_ = "destructor"; }
+
+    bool generateReports(const std::string& outputPath) override {
+        return note("generateReports " + outputPath);
+    }
+    std::string printHeader() override {
+        note("printHeader");
+        return "header";
+    }
+    bool readNextMessage() override { return note("readNextMessage"); }
+    bool loadLog(bool saveObjects) override { return note(saveObjects ? "loadLog true" : "loadLog false"); }
+    bool parseBackendArgs(ParsedArgs& parsedArgs) override {
+        return note(parsedArgs.lookup("--x").found ? "parseBackendArgs" : "nothing found");
+    }
+    void printEvent(std::ostream& out, const EventList& /*events*/, std::uint64_t level) override {
+        out << level;
+        note("printEvent");
+    }
+    void writeEventCsv(std::ostream& out, const EventList& /*events*/, std::uint64_t timestamp,
+                       const std::string& message) override {
+        out << timestamp << message;
+        note("writeEventCsv");
+    }
+
+private:
+    bool note(const std::string& name) {
+        called_ = name;
+        return true;
+    }
+
+    std::string& called_;
+};
+
+TEST(ReaderInterface, HasItsOperationsInTheirPlaces) {
+    std::string called;
+    std::ostringstream out;
+    const std::string text = "text";
+    CommandLine options(CommandLine::Given{{"--x", {"1"}}});
+    const auto listOfNothing = std::make_unique<char>();
+    const auto& events = reinterpret_cast<const EventList&>(*listOfNothing);
+    auto* const probe = new Probe(called);  // NOLINT: its virtual table destroys it
+    call<bool, const std::string&>(probe, generateReports, text);
+    EXPECT_EQ(called, "generateReports text");
+    EXPECT_EQ(call<std::string>(probe, printHeader), "header");
+    call<bool>(probe, readNextMessage);
+    EXPECT_EQ(called, "readNextMessage");
+    call<bool, bool>(probe, loadLog, true);
+    EXPECT_EQ(called, "loadLog true");
+    call<bool, ParsedArgs&>(probe, parseBackendArgs, options);
+    EXPECT_EQ(called, "parseBackendArgs");
+    call<void, std::ostream&, const EventList&, std::uint64_t>(probe, printEvent, out, events, 7);
+    EXPECT_EQ(called, "printEvent");
+    call<void, std::ostream&, const EventList&, std::uint64_t, const std::string&>(probe, writeEventCsv, out,
+                                                                                   events, 8, text);
+    EXPECT_EQ(called, "writeEventCsv");
+    EXPECT_EQ(out.str(), "78text");
+    call<void>(probe, deletingDestructor);
+    EXPECT_EQ(called, "destructor");
+}
+
+TEST(ParsedArgsInterface, HasLookupBehindItsDestructor) {
+    CommandLine options(CommandLine::Given{{"--x", {"1", "2"}}});
+    const std::string name = "--x";
+    const auto result = call<ArgLookupResult, const std::string&>(&options, lookupSlot, name);
+    EXPECT_TRUE(result.found);
+    ASSERT_EQ(result.values.size(), 2U);
+    EXPECT_EQ(*result.values[1], "2");
+}
+
+INSTANTIATE_TEST_SUITE_P(Built, PluginTest,
+                         testing::Values(PluginCase{ZEB_MURL_PLUGIN,
+                                                    "Execution Stats (Average):",
+                                                    {"--extra_help", "--help", "--internal", "--version"}},
+                                         PluginCase{ZEB_GENERIC_PLUGIN, "Execute Stats (Average):", {}}),
+                         [](const auto& plugin) {
+                             return plugin.param.askedNames.empty() ? "Generic" : "Murl";
+                         });
+
+}  // namespace
+}  // namespace zeb::profiling

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <ostream>
+#include <vector>
+
+#include "LogWriter.h"
+#include "Network.h"
+
+/// The log of a run of the sample network.
+namespace zeb::samplelog {
+
+/// How deep a run is profiled, by the number that the log gives it.
+enum class ProfileLevel : std::uint32_t {
+    basic = 1,       ///< the run as a whole; no layer data
+    detailed = 2,    ///< with the layers
+    internal = 1100  ///< with the layers and what only the accelerator's developers ask for
+};
+
+/// Each count is at least 1.
+struct NetworkOptions {
+    bool async = false;
+    ProfileLevel level = ProfileLevel::detailed;
+    std::uint32_t executions = 20;              ///< of each graph
+    std::uint32_t layers = designedLayerCount;  ///< ZEB layers of each graph
+    std::uint32_t graphs = 1;
+    std::optional<std::uint64_t> seed =
+        std::nullopt;  ///< adds random variation; without it nothing is random
+};
+
+Header networkHeader();
+
+/// Gives the messages of the run one by one, in the order in which a runtime writes them.
+void forEachNetworkMessage(const NetworkOptions& options, const std::function<void(const Message&)>& visit);
+
+/// @return all messages of the run
+std::vector<Message> networkMessages(const NetworkOptions& options);
+
+/// Writes the log in chunks; the state of the stream tells whether that succeeded.
+void writeNetworkLog(std::ostream& out, const NetworkOptions& options);
+
+}  // namespace zeb::samplelog

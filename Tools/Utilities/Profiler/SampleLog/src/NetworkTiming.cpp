@@ -1,0 +1,152 @@
+#include "NetworkTiming.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+
+namespace zeb::samplelog {
+
+namespace {
+
+// Pace of an execution in per mille of the usual time.
+constexpr std::uint64_t usualPace = 1000;
+constexpr std::uint64_t warmUpPace = 1380;
+constexpr std::array<std::uint64_t, 7> paces = {1000, 1006, 996, 1011, 992, 1003, 998};
+constexpr std::uint64_t graphPhase = 3;
+
+// Random variation under a seed, to either side.
+constexpr std::uint64_t layerSpread = 15;
+constexpr std::uint64_t paceSpread = 20;
+
+// What the DSP spends on an offloaded job, and how much of it on writing back its caches.
+constexpr std::uint64_t driverCycles = 3200;
+constexpr std::uint64_t flushCycles = 1700;
+constexpr std::uint64_t halCycles = 1650;
+
+// What comes on top of the layers, from the inside to the outside.
+constexpr std::uint64_t gapBehindLayerNs = 450;
+constexpr std::uint64_t graphStartUs = 47;
+constexpr std::uint64_t ipcUs = 186;
+constexpr std::uint64_t bytesCopiedPerUs = 9800;
+constexpr std::uint64_t copySetupNs = 640;
+constexpr std::uint64_t apiUs = 34;
+constexpr std::uint64_t callUs = 19;
+
+constexpr std::uint64_t queuedUs = 138;
+constexpr std::uint64_t dispatchedUs = 11;
+
+// Time of that many cycles.
+std::uint64_t nanoseconds(std::uint64_t cycles, std::uint32_t clockHz) {
+    return cycles * 1'000'000 / (clockHz / 1000);
+}
+
+std::uint32_t toU32(std::uint64_t value) {
+    return static_cast<std::uint32_t>(
+        std::min<std::uint64_t>(value, std::numeric_limits<std::uint32_t>::max()));
+}
+
+// A step of the SplitMix64 generator: well mixed, and the same on every machine.
+std::uint64_t mixed(std::uint64_t state) {
+    state += 0x9E3779B97F4A7C15U;
+    state = (state ^ (state >> 30U)) * 0xBF58476D1CE4E5B9U;
+    state = (state ^ (state >> 27U)) * 0x94D049BB133111EBU;
+    return state ^ (state >> 31U);
+}
+
+// A number between -spread and +spread, around the usual pace.
+std::uint64_t randomPace(std::uint64_t seed, std::uint64_t which, std::uint64_t spread) {
+    return usualPace - spread + mixed(mixed(seed) ^ which) % (2 * spread + 1);
+}
+
+std::uint64_t atPace(std::uint64_t value, std::uint64_t pace) {
+    return value * pace / usualPace;
+}
+
+}  // namespace
+
+NetworkTiming::NetworkTiming(const Network& network, std::uint32_t graph, std::optional<std::uint64_t> seed)
+    : network_(network), graph_(graph), seed_(seed ? std::optional(mixed(*seed) + graph) : std::nullopt) {
+    layers_.reserve(network.oruLayers.size());
+    for (const OruLayer& layer : network.oruLayers) {
+        const LayerTimes times = timeLayer(layer, layers_.size());
+        sum_.coreCycles += times.coreCycles;
+        sum_.dspCycles += times.dspCycles;
+        sum_.totalNs += times.totalNs;
+        layers_.push_back(times);
+    }
+}
+
+NetworkTiming::LayerTimes NetworkTiming::timeLayer(const OruLayer& layer, std::uint64_t position) const {
+    const std::uint64_t layerPace = seed_ ? randomPace(*seed_, position << 32U, layerSpread) : usualPace;
+    const std::uint64_t cycles = atPace(layer.cycles, layerPace);
+    LayerTimes times;
+    if (!layer.offloaded) {
+        times.dspCycles = cycles;
+        times.totalNs = nanoseconds(cycles, dspClockHz);
+        return times;
+    }
+    // A group is one job, which the DSP starts with its first layer.
+    const bool startsJob = layer.startsGroup;
+    times.coreCycles = cycles;
+    times.dspCycles = startsJob ? driverCycles + halCycles : 0;
+    times.flushNs = startsJob ? nanoseconds(flushCycles, dspClockHz) : 0;
+    times.krelNs = nanoseconds(cycles, krelClockHz);
+    times.driverNs = times.krelNs + (startsJob ? nanoseconds(driverCycles, dspClockHz) : 0);
+    times.halNs = times.driverNs + (startsJob ? nanoseconds(halCycles, dspClockHz) : 0);
+    times.totalNs = times.halNs;
+    return times;
+}
+
+std::uint64_t NetworkTiming::pace(std::uint32_t execution) const {
+    const std::uint64_t own =
+        execution == 0 ? warmUpPace : paces[(std::uint64_t{execution} + graph_ * graphPhase) % paces.size()];
+    return seed_ ? atPace(own, randomPace(*seed_, execution, paceSpread)) : own;
+}
+
+ExecutionTimes NetworkTiming::execution(std::uint32_t position) const {
+    const std::uint64_t paceNow = pace(position);
+    ExecutionTimes times;
+    times.coreCycles = atPace(sum_.coreCycles, paceNow);
+    times.dspCycles = atPace(sum_.dspCycles, paceNow);
+    times.acceleratorUs = atPace((sum_.totalNs + layers_.size() * gapBehindLayerNs) / 1000, paceNow) + 1;
+    times.dspGraphUs = times.acceleratorUs + atPace(graphStartUs, paceNow);
+    times.hlosUs = times.dspGraphUs + atPace(ipcUs, paceNow);
+    times.inputCopyNs = atPace(copySetupNs + network_.inputBytes * 1000 / bytesCopiedPerUs, paceNow);
+    times.outputCopyNs = atPace(copySetupNs + network_.outputBytes * 1000 / bytesCopiedPerUs, paceNow);
+    times.backendUs = times.hlosUs + (times.inputCopyNs + times.outputCopyNs) / 1000 + atPace(apiUs, paceNow);
+    times.roundTripUs = times.backendUs + atPace(callUs, paceNow);
+    // The first execution finds the queue empty.
+    times.graphQueueWaitUs = position == 0 ? 0 : atPace(queuedUs, paceNow) + position % 4;
+    times.dispatcherQueueWaitUs = dispatchedUs + position % 3;
+    return times;
+}
+
+std::vector<LayerRecord> NetworkTiming::layerRecords(std::uint32_t executions) const {
+    std::uint64_t paceSum = 0;
+    for (std::uint32_t position = 0; position < executions; ++position) {
+        paceSum += pace(position);
+    }
+    const auto total = [paceSum](std::uint64_t value) { return atPace(value, paceSum); };
+    const auto totalUs = [paceSum](std::uint64_t ns) { return atPace(ns, paceSum) / 1000; };
+    std::vector<LayerRecord> records;
+    records.reserve(layers_.size());
+    for (std::size_t position = 0; position < layers_.size(); ++position) {
+        const OruLayer& layer = network_.oruLayers[position];
+        const LayerTimes& times = layers_[position];
+        records.push_back({
+            .nodeCount = layer.nodeCount,
+            .execCount = layer.startsGroup ? executions : 0,
+            .orderKey = layer.schedule,
+            .totalTimeUs = totalUs(times.totalNs),
+            .totalDspCycles = total(times.dspCycles),
+            .totalCoreCycles = total(times.coreCycles),
+            .totalHalExecUs = toU32(totalUs(times.halNs)),
+            .totalKrelExecUs = toU32(totalUs(times.krelNs)),
+            .totalDriverExecUs = toU32(totalUs(times.driverNs)),
+            .totalCacheFlushUs = toU32(totalUs(times.flushNs)),
+        });
+    }
+    return records;
+}
+
+}  // namespace zeb::samplelog

@@ -1,0 +1,135 @@
+// The command from end to end: exit codes, messages and files.
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <array>
+#include <cstdio>
+#include <string>
+
+#include "LoadedLog.h"
+#include "NetworkLog.h"
+
+namespace zeb::samplelog {
+namespace {
+
+const std::string seeHelp = "; see write-sample-log --help";
+
+struct Result {
+    int exitCode = -1;
+    std::string text;  // of both streams
+};
+
+class Command : public testing::Test {
+protected:
+    // Runs the command in the test's directory, with arguments as a shell reads them.
+    Result run(const std::string& arguments) const {
+        const std::string line =
+            "cd " + files.directory().string() + " && exec 2>&1 && " ZEB_SAMPLE_WRITER " " + arguments;
+        Result result;
+        std::FILE* const pipe = popen(line.c_str(), "r");
+        std::array<char, 4096> buffer{};
+        while (const std::size_t size = std::fread(buffer.data(), 1, buffer.size(), pipe)) {
+            result.text.append(buffer.data(), size);
+        }
+        const int status = pclose(pipe);
+        result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+        return result;
+    }
+
+    void expectFailure(const std::string& arguments, int exitCode, const std::string& line) const {
+        const Result result = run(arguments);
+        EXPECT_EQ(result.exitCode, exitCode) << arguments;
+        EXPECT_EQ(result.text, "write-sample-log: " + line + "\n");
+    }
+
+    const test::TempDir files;
+};
+
+TEST_F(Command, WritesWhatTheOptionsSay) {
+    const struct {
+        std::string arguments;
+        NetworkOptions options;
+    } cases[] = {
+        {"", {}},
+        {"--async --level internal --executions 3",
+         {true, ProfileLevel::internal, 3, designedLayerCount, 1, {}}},
+        {"--level 1 --layers 40 --graphs 2 --seed 18446744073709551615",
+         {false, ProfileLevel::basic, 20, 40, 2, 18'446'744'073'709'551'615U}},
+        {"--kind network --level 1100", {.level = ProfileLevel::internal}},
+        {"--level basic", {.level = ProfileLevel::basic}},
+        {"--level detailed", {}},
+    };
+    for (const auto& [arguments, options] : cases) {
+        EXPECT_EQ(run(arguments + " run.zlog").text, "");
+        const std::string file = test::fileText(files.path("run.zlog"));
+        EXPECT_EQ(Bytes(file.begin(), file.end()),
+                  test::written([&run = options](std::ostream& out) { writeNetworkLog(out, run); }))
+            << arguments;
+        EXPECT_EQ(run(arguments + " /dev/stdout").text, file);
+    }
+}
+
+TEST_F(Command, WritesEachKindOverWhatWasThere) {
+    files.write("old.zlog", Bytes(100'000, 'x'));
+    for (const std::string kind : {"network", "methods", "adapter-updater", "shared-events"}) {
+        EXPECT_EQ(run("--kind " + kind + " old.zlog").exitCode, 0) << kind;
+        const std::string log = test::fileText(files.path("old.zlog"));
+        EXPECT_TRUE(log.size() > 900 && log.size() < 20'000) << kind << " " << log.size();
+        EXPECT_EQ(log.find("xxxx"), std::string::npos);
+    }
+}
+
+TEST_F(Command, RefusesWrongUsage) {
+    const std::string counted = " is no number from 1 to 1000000" + seeHelp;
+    const struct {
+        std::string arguments;
+        std::string line;
+    } cases[] = {
+        {"", "no FILE given" + seeHelp},
+        {"--async", "no FILE given" + seeHelp},
+        {"a b", "b: no option, and FILE is given" + seeHelp},
+        {"a --layer 5", "--layer: no option, and FILE is given" + seeHelp},
+        {"a --layers 0", "--layers: \"0\"" + counted},
+        {"a --graphs 1000001", "--graphs: \"1000001\"" + counted},
+        {"a --executions 2x", "--executions: \"2x\"" + counted},
+        {"a --seed -1", "--seed: \"-1\" is no number from 0 to 18446744073709551615" + seeHelp},
+        {"a --layers", "--layers: to be given once, with a value" + seeHelp},
+        {"a --layers 3 --layers 4", "--layers: to be given once, with a value" + seeHelp},
+        {"a --level 3", "--level: \"3\" is none of basic, detailed, internal, 1, 2, 1100" + seeHelp},
+        {"a --kind x", "--kind: \"x\" is none of network, methods, adapter-updater, shared-events" + seeHelp},
+        {"a --kind methods --async", "--async: is for a log of the kind network only" + seeHelp},
+        {"a --kind shared-events --seed 1", "--seed: is for a log of the kind network only" + seeHelp},
+    };
+    for (const auto& [arguments, line] : cases) {
+        expectFailure(arguments, 2, line);
+    }
+    EXPECT_TRUE(std::filesystem::is_empty(files.directory()));
+}
+
+TEST_F(Command, NoticesAFileThatCantBeWritten) {
+    expectFailure("none/run.zlog", 3, "none/run.zlog: it can't be written: No such file or directory");
+    expectFailure(".", 3, ".: it can't be written: Is a directory");
+    expectFailure("'a\nb/c'", 3, "a?b/c: it can't be written: No such file or directory");
+    for (const std::string options :
+         {"", "--kind methods ", "--kind adapter-updater ", "--kind shared-events ", "--executions 2000 "}) {
+        expectFailure(options + "/dev/full", 3, "/dev/full: it can't be written: No space left on device");
+    }
+    EXPECT_EQ(run("--layers 5000 /dev/stdout 2>errors | true").text, "");
+    EXPECT_EQ(test::fileText(files.path("errors")),
+              "write-sample-log: /dev/stdout: it can't be written: Broken pipe\n");
+}
+
+TEST_F(Command, ShowsHelpAndVersion) {
+    const Result help = run("--help --kind nonsense");
+    EXPECT_EQ(help.exitCode, 0);
+    for (const std::string text : {"Usage: write-sample-log [options] FILE\n", "--async", "--seed N",
+                                   "shared-events", "3  FILE can't be written"}) {
+        EXPECT_NE(help.text.find(text), std::string::npos) << text;
+    }
+    EXPECT_EQ(run("--version").text, "write-sample-log v2.51.0.260929181845\n");
+    EXPECT_EQ(run("--help > /dev/full").exitCode, 3);
+}
+
+}  // namespace
+}  // namespace zeb::samplelog

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace zeb::viewer {
+
+/// An amount of memory.
+struct MemorySize {
+    std::uint64_t bytes;
+    std::string text;  ///< as a user writes it: a number, with K, M or G behind it for the binary units
+};
+
+/// @return nothing when the text is no size, or one that is 0 or beyond all memory
+std::optional<MemorySize> parseMemorySize(std::string_view text);
+
+/// @return the size with the largest unit that divides it
+MemorySize memorySizeOf(std::uint64_t bytes);
+
+/// @return three quarters of the machine's memory
+MemorySize defaultMemorySize();
+
+/// Limits what the process may have in memory, for good: its heap and everything else that it alone writes
+/// to. Where it asks for more, the allocation throws `std::bad_alloc`.
+class MemoryLimit {
+public:
+    /// Sanitizers reserve more than any machine has; under one the limit is not set.
+    static const bool canBeSet;
+
+    /// The words for a failure while no limit is set.
+    static constexpr const char* withoutLimit = "needs more memory than there is";
+
+    /// A limit that the process already has is kept when it is lower.
+    /// @throws Failure when the system refuses it
+    explicit MemoryLimit(const MemorySize& size);
+
+    /// @return whether an allocation has failed, also when somebody has caught that: text streams do, and
+    /// lose what
+    ///         was to be written
+    [[nodiscard]] static bool wasHit();
+
+    /// Gives back a little memory that was put aside, so that a failure for want of memory can be told.
+    void releaseReserve() { reserve_.reset(); }
+
+    /// @return the cause of such a failure, "needs more than 2G of memory", to follow the name of what needs
+    /// it
+    [[nodiscard]] const std::string& words() const { return words_; }
+
+private:
+    std::string words_;
+    std::unique_ptr<std::byte[]> reserve_;
+};
+
+}  // namespace zeb::viewer
