@@ -22,16 +22,20 @@ std::span<ProfileEvent> EventArena::makeEvents(std::size_t count) {
 }
 
 EventName EventArena::keepName(std::string_view name) {
-    const std::uint32_t hash = hashOf(name);
-    const auto isName = [name](const KeptName* kept) { return kept->text() == name; };
-    const auto keep = [this, name, hash] {
-        void* const memory = memory_.allocate(sizeof(KeptName) + name.size(), alignof(KeptName));
-        auto* const kept = std::construct_at(static_cast<KeptName*>(memory),
-                                             KeptName{static_cast<std::uint32_t>(name.size()), hash});
-        std::copy(name.begin(), name.end(), reinterpret_cast<char*>(kept + 1));
-        return kept;
-    };
-    return EventName(names_.findOrAdd(hash, isName, keep));
+    const auto isName = [this, name](std::uint32_t position) { return names_[position]->text() == name; };
+    const std::uint32_t position = positions_.findOrAdd(hashOf(name), isName, names_.size());
+    if (position == names_.size()) {
+        names_.push_back(makeName(name));
+    }
+    return EventName(names_[position]);
+}
+
+const KeptName* EventArena::makeName(std::string_view name) {
+    auto* const kept =
+        static_cast<KeptName*>(memory_.allocate(sizeof(KeptName) + name.size(), alignof(KeptName)));
+    std::construct_at(kept, KeptName{.length = static_cast<std::uint32_t>(name.size())});
+    std::copy(name.begin(), name.end(), reinterpret_cast<char*>(kept + 1));
+    return kept;
 }
 
 std::string_view EventArena::keepText(std::string_view text) {

@@ -4,6 +4,7 @@
 #include <memory_resource>
 #include <span>
 #include <string_view>
+#include <vector>
 
 #include "store/EventName.h"
 #include "store/HashIndex.h"
@@ -32,8 +33,11 @@ public:
     const EventObject* keepObject(std::span<const std::byte> bytes, std::string_view fileName);
 
 private:
+    const KeptName* makeName(std::string_view name);
+
     std::pmr::monotonic_buffer_resource memory_;
-    HashIndex<const KeptName*> names_;
+    std::vector<const KeptName*> names_;
+    HashIndex positions_;  ///< of the names
 };
 
 }  // namespace zeb::profiling

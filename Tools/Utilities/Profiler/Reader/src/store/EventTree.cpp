@@ -8,6 +8,8 @@ namespace {
 
 using EventVector = flatbuffers::Vector<flatbuffers::Offset<schema::LogEvent>>;
 
+constexpr std::string_view namelessEvent = "null";
+
 EventUnit unitOf(std::uint32_t code) {
     const bool isNamed = code >= static_cast<std::uint32_t>(EventUnit::bytes) &&
                          code <= static_cast<std::uint32_t>(EventUnit::none);
@@ -51,9 +53,7 @@ std::span<ProfileEvent> decodeEventList(const EventVector* vector, EventArena& a
     for (std::uint32_t index = 0; index < events.size(); ++index) {
         const schema::LogEvent& source = *tableAt(vector, index);
         ProfileEvent& event = events[index];
-        if (source.name() != nullptr) {
-            event.name = arena.keepName(visibleText(source.name()));
-        }
+        event.name = arena.keepName(source.name() == nullptr ? namelessEvent : visibleText(source.name()));
         event.value = decodeEventValue(source, arena);
         event.object = decodeEventObject(source, arena);
         event.eventType = source.type();

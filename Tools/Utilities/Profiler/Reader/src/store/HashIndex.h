@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <string_view>
 #include <vector>
 
@@ -30,56 +31,43 @@ inline std::uint32_t hashOf(std::string_view text) {
     return static_cast<std::uint32_t>(hash * factor >> 32U);
 }
 
-/// Finds values by the hash of what they stand for, in constant time. It keeps values that are small and
-/// cheap to copy, a pointer or a position, and leaves the comparison to its user.
-template <typename Value>
+/// Finds the position of an entry in a list by the hash of its name, in constant time. The list and the
+/// comparison of names are its user's.
 class HashIndex {
 public:
-    [[nodiscard]] bool empty() const { return size_ == 0; }
-
-    /// @param matches tells whether a value of the same hash is the one
-    /// @return the value, or null; valid until the next value is added
+    /// @param matches tells whether the entry at a position, which has the same hash, is the one
+    /// @param position of the entry to add when there is none
+    /// @return the position of the entry that was there or has been added
     template <typename Matches>
-    [[nodiscard]] const Value* find(std::uint32_t hash, Matches matches) const {
-        if (slots_.empty()) {
-            return nullptr;
-        }
-        const Slot& slot = slots_[slotOf(hash, matches)];
-        return slot.isUsed ? &slot.value : nullptr;
-    }
-
-    /// @param make gives the value to add; called when none matches
-    /// @return the value that matches, or the new one
-    template <typename Matches, typename Make>
-    Value findOrAdd(std::uint32_t hash, Matches matches, Make make) {
+    std::uint32_t findOrAdd(std::uint32_t hash, Matches matches, std::size_t position) {
         if ((size_ + 1) * 4 > slots_.size() * 3) {
             grow();
         }
         Slot& slot = slots_[slotOf(hash, matches)];
-        if (!slot.isUsed) {
-            slot = {make(), hash, true};
+        if (slot.position == none) {
+            slot = {static_cast<std::uint32_t>(position), hash};
             ++size_;
         }
-        return slot.value;
+        return slot.position;
     }
 
 private:
+    static constexpr std::uint32_t none = std::numeric_limits<std::uint32_t>::max();
+
     struct Slot {
-        Value value{};
+        std::uint32_t position = none;
         std::uint32_t hash = 0;
-        bool isUsed = false;
     };
 
-    // The slot of the value, or the free one where it would be.
+    // The slot of the entry, or the free one where it would be.
     template <typename Matches>
     [[nodiscard]] std::size_t slotOf(std::uint32_t hash, Matches matches) const {
         const std::size_t mask = slots_.size() - 1;
-        std::size_t position = hash & mask;
-        while (slots_[position].isUsed &&
-               (slots_[position].hash != hash || !matches(slots_[position].value))) {
-            position = (position + 1) & mask;
+        std::size_t at = hash & mask;
+        while (slots_[at].position != none && (slots_[at].hash != hash || !matches(slots_[at].position))) {
+            at = (at + 1) & mask;
         }
-        return position;
+        return at;
     }
 
     void grow() {
@@ -87,8 +75,8 @@ private:
         std::vector<Slot> old(std::max(firstSize, slots_.size() * 2));
         old.swap(slots_);
         for (const Slot& slot : old) {
-            if (slot.isUsed) {
-                slots_[slotOf(slot.hash, [](const Value& /*value*/) { return false; })] = slot;
+            if (slot.position != none) {
+                slots_[slotOf(slot.hash, [](std::uint32_t /*position*/) { return false; })] = slot;
             }
         }
     }

@@ -22,11 +22,11 @@ public:
         const auto isNamed = [this, name](std::uint32_t position) {
             return entries_[position].*Name == name;
         };
-        const auto add = [this, name, &arena] {
+        const std::uint32_t position = positions_.findOrAdd(hashOf(name), isNamed, entries_.size());
+        if (position == entries_.size()) {
             entries_.emplace_back().*Name = arena.keepText(name);
-            return static_cast<std::uint32_t>(entries_.size() - 1);
-        };
-        return entries_[positions_.findOrAdd(hashOf(name), isNamed, add)];
+        }
+        return entries_[position];
     }
 
     [[nodiscard]] bool empty() const { return entries_.empty(); }
@@ -37,7 +37,7 @@ public:
 
 private:
     std::vector<Entry> entries_;
-    HashIndex<std::uint32_t> positions_;
+    HashIndex positions_;
 };
 
 }  // namespace zeb::profiling

@@ -1,14 +1,13 @@
-#include "store/EventMerger.h"
+#include "store/EventAverage.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <memory>
+#include <unordered_map>
 #include <vector>
 
 #include "store/EventName.h"
-#include "store/HashIndex.h"
 
 namespace zeb::profiling {
 
@@ -66,12 +65,26 @@ private:
     std::uint64_t count_ = 1;
 };
 
-}  // namespace
+constexpr std::uint32_t noPosition = KeptName::unmarked;
 
-class EventMerger::MergedList {
+// Lists merged into one. Where the first entry of a name stands is written into the mark of that name, which
+// takes neither memory nor search but serves one list at a time: the outermost. The lists below it have
+// tables.
+class MergedList {
 public:
-    /// Starts with all events of a list, objects included.
-    explicit MergedList(EventList events) {
+    explicit MergedList(bool isOutermost) : isOutermost_(isOutermost) {}
+    MergedList(const MergedList&) = delete;
+    MergedList& operator=(const MergedList&) = delete;
+    ~MergedList() {
+        for (const Entry& entry : entries_) {
+            if (isOutermost_ && entry.event->name.kept() != nullptr) {
+                entry.event->name.kept()->mark = noPosition;
+            }
+        }
+    }
+
+    /// Begins with all events of a list, objects included.
+    void begin(EventList events) {
         entries_.reserve(events.size());
         for (const ProfileEvent& event : events) {
             append(event);
@@ -82,7 +95,7 @@ public:
         const std::size_t searched = entries_.size();
         std::size_t expected = 0;
         for (const ProfileEvent& event : incoming) {
-            const std::size_t position = findFirst(event.name, expected);
+            const std::size_t position = find(event.name.kept(), expected);
             if (position < searched) {
                 addTo(entries_[position], event);
                 expected = position + 1;
@@ -97,7 +110,7 @@ public:
         const std::span<ProfileEvent> events = arena.makeEvents(entries_.size());
         std::transform(entries_.begin(), entries_.end(), events.begin(), [this, &arena](const Entry& entry) {
             ProfileEvent event = *entry.event;
-            if (entry.sum != noSum) {
+            if (entry.sum != noPosition) {
                 const Sum& sum = sums_[entry.sum];
                 event.value = sum.value.mean();
                 event.occurrences = std::min(sum.occurrences, most) & most;  // masked: it is a bit field
@@ -111,11 +124,9 @@ public:
     }
 
 private:
-    static constexpr std::uint32_t noSum = std::numeric_limits<std::uint32_t>::max();
-
     struct Entry {
         const ProfileEvent* event;  ///< the first one
-        std::uint32_t sum = noSum;  ///< position of what it has grown to
+        std::uint32_t sum = noPosition;
         bool isFirstOfName;
     };
 
@@ -126,10 +137,8 @@ private:
         std::unique_ptr<MergedList> subEvents;  ///< made when the first sub-events come in addition
     };
 
-    static constexpr std::size_t indexedFrom = 16;  // shorter lists are searched faster than a table
-
     void addTo(Entry& entry, const ProfileEvent& incoming) {
-        if (entry.sum == noSum) {
+        if (entry.sum == noPosition) {
             entry.sum = static_cast<std::uint32_t>(sums_.size());
             sums_.push_back({ValueSum(entry.event->value), entry.event->occurrences, nullptr});
         }
@@ -140,87 +149,55 @@ private:
             return;
         }
         if (!sum.subEvents) {
-            sum.subEvents = std::make_unique<MergedList>(entry.event->subEvents);
+            sum.subEvents = std::make_unique<MergedList>(false);
+            sum.subEvents->begin(entry.event->subEvents);
         }
         sum.subEvents->merge(incoming.subEvents);
     }
 
     void append(const ProfileEvent& event) {
-        const auto position = static_cast<std::uint32_t>(entries_.size());
-        const bool isFirst = findFirst(event.name, position) == position;
+        std::uint32_t& first = firstOfName(event.name.kept());
+        const bool isFirst = first == noPosition;
+        if (isFirst) {
+            first = static_cast<std::uint32_t>(entries_.size());
+        }
         entries_.push_back({.event = &event, .isFirstOfName = isFirst});
-        if (entries_.size() == indexedFrom) {
-            for (std::uint32_t earlier = 0; earlier < indexedFrom; ++earlier) {
-                addToIndex(earlier);
-            }
-        } else if (entries_.size() > indexedFrom) {
-            addToIndex(position);
-        }
     }
 
-    void addToIndex(std::uint32_t position) {
-        if (entries_[position].isFirstOfName) {
-            firstOfName_.findOrAdd(
-                entries_[position].event->name.hash(), [](std::uint32_t) { return false; },
-                [position] { return position; });
-        }
-    }
-
-    // The position of the first entry of that name, the number of entries if there is none. Lists of one
-    // method mostly have the same events in the same order: `expected` is looked at before all others.
-    [[nodiscard]] std::size_t findFirst(EventName name, std::size_t expected) const {
+    // Lists of one method mostly have the same events in the same order: `expected` is looked at first.
+    std::size_t find(const KeptName* name, std::size_t expected) {
         if (expected < entries_.size() && entries_[expected].isFirstOfName &&
-            entries_[expected].event->name == name) {
+            entries_[expected].event->name.kept() == name) {
             return expected;
         }
-        const auto isNamed = [this, name](std::uint32_t position) {
-            return entries_[position].event->name == name;
-        };
-        if (!firstOfName_.empty()) {
-            const std::uint32_t* const found = firstOfName_.find(name.hash(), isNamed);
-            return found == nullptr ? entries_.size() : *found;
-        }
-        std::uint32_t position = 0;
-        while (position < entries_.size() && !isNamed(position)) {
-            ++position;
-        }
-        return position;
+        return firstOfName(name);
     }
 
+    std::uint32_t& firstOfName(const KeptName* name) {
+        if (isOutermost_ && name != nullptr) {
+            return name->mark;
+        }
+        return table_.try_emplace(name, noPosition).first->second;
+    }
+
+    bool isOutermost_;
     std::vector<Entry> entries_;
     std::vector<Sum> sums_;
-    HashIndex<std::uint32_t> firstOfName_;
+    std::unordered_map<const KeptName*, std::uint32_t> table_;
 };
 
-EventMerger::EventMerger() = default;
-EventMerger::~EventMerger() = default;
+}  // namespace
 
-void EventMerger::mergeEvents(EventList incoming) {
-    if (incoming.empty()) {
-        return;
+EventList averageEvents(std::span<const EventList> lists, EventArena& arena) {
+    const auto isObject = [](const ProfileEvent& event) { return event.isObject(); };
+    if (lists.size() == 1 && std::none_of(lists[0].begin(), lists[0].end(), isObject)) {
+        return lists[0];
     }
-    if (first_.empty()) {
-        first_ = incoming;
-        return;
+    MergedList merged(true);
+    for (const EventList& list : lists) {
+        merged.merge(list);
     }
-    if (!merged_) {
-        merged_ = std::make_unique<MergedList>(EventList{});
-        merged_->merge(first_);
-    }
-    merged_->merge(incoming);
-}
-
-EventList EventMerger::divideEvents(EventArena& arena) const {
-    if (merged_) {
-        return merged_->divide(arena);
-    }
-    if (std::none_of(first_.begin(), first_.end(),
-                     [](const ProfileEvent& event) { return event.isObject(); })) {
-        return first_;
-    }
-    MergedList withoutObjects{EventList{}};
-    withoutObjects.merge(first_);
-    return withoutObjects.divide(arena);
+    return merged.divide(arena);
 }
 
 }  // namespace zeb::profiling
