@@ -29,12 +29,18 @@ number() {
     sed -n "s/.*$1.*/\1/p" "$2" | tail -n 1
 }
 
+row() {
+    printf '%-10s %12s %10s %10s %10s' "$@"
+}
+
 packages+=(clang libclang-rt-14-dev)
 install_packages
 build fuzz "${targets[@]/#/fuzz-}" write-fuzz-seeds
 "$bin/write-fuzz-seeds" build/fuzz-seeds
 
-summary=$(printf '%-10s %12s %10s %10s %9s' TARGET EXECUTIONS EDGES FEATURES FINDINGS)
+limits=(-max_total_time="$seconds" -timeout=20 -rss_limit_mb=2048 -max_len=8192)
+export ASAN_OPTIONS=quarantine_size_mb=64
+summary=$(row TARGET EXECUTIONS EDGES FEATURES FINDINGS)
 any_findings=0
 for name in "${targets[@]}"; do
     corpus=build/fuzz-corpus/$name
@@ -43,12 +49,12 @@ for name in "${targets[@]}"; do
     mkdir -p "$corpus" "$findings"
     echo "$name: $seconds s, see $log" >&2
     before=$(find "$findings" -type f | wc -l)
-    ASAN_OPTIONS=quarantine_size_mb=64 "$bin/fuzz-$name" -max_total_time="$seconds" -timeout=20 -rss_limit_mb=2048 -max_len=8192 -use_value_profile=1 \
-        -dict="$source_dir/fuzz.dict" -artifact_prefix="$findings/" -print_final_stats=1 \
-        "$corpus" "build/fuzz-seeds/$name" "$source_dir/findings/$name" >"$log" 2>&1 || any_findings=1
+    "$bin/fuzz-$name" "${limits[@]}" -use_value_profile=1 -print_final_stats=1 -dict="$source_dir/fuzz.dict" \
+        -artifact_prefix="$findings/" "$corpus" "build/fuzz-seeds/$name" "$source_dir/findings/$name" \
+        >"$log" 2>&1 || any_findings=1
     found=$(($(find "$findings" -type f | wc -l) - before))
-    summary+=$(printf '\n%-10s %12s %10s %10s %9s' "$name" "$(number 'stat::number_of_executed_units: *\([0-9]*\)' "$log")" \
+    summary+=$'\n'$(row "$name" "$(number 'executed_units: *\([0-9]*\)' "$log")" \
         "$(number ' cov: \([0-9]*\)' "$log")" "$(number ' ft: \([0-9]*\)' "$log")" "$found")
 done
 echo "$summary"
-exit $any_findings
+exit "$any_findings"

@@ -19,7 +19,7 @@ std::unique_ptr<profiling::IZebPluginLogReader> makeReader(const std::string& pa
     }
     auto reader = std::make_unique<profiling::ZebProfileLogReaderMURL>(path, options.level);
     if (options.internalColumns) {
-        test::CommandLine args({{"--internal", {}}});
+        test::CommandLine args(test::CommandLine::Given{{"--internal", {}}});
         reader->parseBackendArgs(args);
     }
     return reader;

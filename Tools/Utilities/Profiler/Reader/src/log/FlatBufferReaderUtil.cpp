@@ -20,6 +20,12 @@ bool FlatBufferReaderUtil::openChunk(const LogChunkBuffer& buffer) {
     return true;
 }
 
+void FlatBufferReaderUtil::closeChunk() {
+    rootTable_ = nullptr;
+    headerTable_ = nullptr;
+    messageVector_ = nullptr;
+}
+
 const schema::LogMessage* FlatBufferReaderUtil::nextMessage() {
     if (messageVector_ != nullptr && messageIndex_ < lengthOf(messageVector_)) {
         return tableAt(messageVector_, messageIndex_++);

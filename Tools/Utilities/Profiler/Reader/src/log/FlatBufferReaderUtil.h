@@ -20,7 +20,10 @@ public:
     /// @return false for a damaged chunk, which has been logged; the walker stays as it was
     bool openChunk(const LogChunkBuffer& buffer);
 
-    /// @return the next message of the open chunk, null at its end
+    /// Lets go of the open chunk, whose buffer may then go: there are no more messages and no header.
+    void closeChunk();
+
+    /// @return the next message of the open chunk, null at its end and when no chunk is open
     const schema::LogMessage* nextMessage();
 
     /// @return the first header of the log, null before one was met. It may be read only while the chunk is

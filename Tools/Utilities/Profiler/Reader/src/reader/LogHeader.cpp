@@ -2,11 +2,11 @@
 
 #include <array>
 #include <ctime>
-#include <sstream>
 #include <string_view>
 
 #include "log/LogAccess.h"
 #include "logging/Logger.h"
+#include "reader/TextStream.h"
 #include "reader/ZebProfileLogReader.h"
 #include "zeb/profiling/Version.h"
 
@@ -65,7 +65,7 @@ std::string ZebProfileLogReader::printHeader() {
         logMessage(ZEB_LOG_LEVEL_DEBUG, "Header details unavailable.");
         return {};
     }
-    std::ostringstream out;
+    TextStream out;
     out << "Input Log File Location: " << logFilePath_ << '\n';
     if (!printCreationTime(out, header_.epochTimestamp)) {
         return {};

@@ -3,7 +3,9 @@
 #include <cerrno>
 #include <cstdio>
 #include <memory>
+#include <span>
 #include <string_view>
+#include <utility>
 
 #include "logging/Logger.h"
 
@@ -27,6 +29,17 @@ std::string candidateName(const std::string& fileName, std::uint64_t number) {
     return point == std::string::npos ? candidate : candidate + fileName.substr(point);
 }
 
+bool writeAll(File file, std::span<const std::byte> bytes) {
+    const bool isWritten = std::fwrite(bytes.data(), 1, bytes.size(), file.get()) == bytes.size();
+    return std::fclose(file.release()) == 0 && isWritten;
+}
+
+void logFailure(const std::string& fileName) {
+    if (const auto logger = loggerFor(ZEB_LOG_LEVEL_ERROR)) {
+        logMessage(*logger, ZEB_LOG_LEVEL_ERROR, "Invalid output fileName: [%s]", fileName.c_str());
+    }
+}
+
 }  // namespace
 
 void ObjectFiles::write(const ProfileEvent& event) {
@@ -37,16 +50,15 @@ void ObjectFiles::write(const ProfileEvent& event) {
     std::uint64_t& number = nextNumbers_[fileName];
     for (;;) {
         const std::string candidate = candidateName(fileName, number);
-        if (const File file{std::fopen(candidate.c_str(), "wx")}) {
+        if (File file{std::fopen(candidate.c_str(), "wx")}) {
             ++number;
-            const auto bytes = event.objectBytes();
-            static_cast<void>(std::fwrite(bytes.data(), 1, bytes.size(), file.get()));
+            if (!writeAll(std::move(file), event.objectBytes())) {
+                logFailure(candidate);
+            }
             return;
         }
         if (errno != EEXIST) {
-            if (const auto logger = loggerFor(ZEB_LOG_LEVEL_ERROR)) {
-                logMessage(*logger, ZEB_LOG_LEVEL_ERROR, "Invalid output fileName: [%s]", candidate.c_str());
-            }
+            logFailure(candidate);
             return;
         }
         ++number;

@@ -4,12 +4,12 @@
 #include <iostream>
 #include <memory>
 #include <new>
-#include <sstream>
 #include <stdexcept>
 #include <utility>
 
 #include "log/ChunkReader.h"
 #include "logging/Logger.h"
+#include "reader/TextStream.h"
 
 namespace zeb::profiling {
 
@@ -35,6 +35,12 @@ std::unique_ptr<const LogChunkBuffer> readChunk(ChunkReader& chunks) {
     return nullptr;
 }
 
+// Closes the walker's chunk before its buffer goes, also when decoding throws.
+struct ChunkCloser {
+    ~ChunkCloser() { walker.closeChunk(); }
+    FlatBufferReaderUtil& walker;
+};
+
 }  // namespace
 
 ZebProfileLogReader::ZebProfileLogReader(std::string logFilePath, VisibilityLevel visibilityLevel)
@@ -53,6 +59,7 @@ bool ZebProfileLogReader::loadLog(bool saveObjects) {
         if (!buffer || !logWalker_.openChunk(*buffer)) {
             return false;
         }
+        const ChunkCloser closer{logWalker_};
         if (!headerSaved_) {
             captureHeader();
         }
@@ -61,7 +68,7 @@ bool ZebProfileLogReader::loadLog(bool saveObjects) {
             readNextMessage();
         }
     }
-    std::ostringstream notes;
+    TextStream notes;
     notes << std::fixed << std::setprecision(0);
     saveObjects_ = saveObjects;
     store_.aggregateStatistics(notes);

@@ -2,9 +2,9 @@
 
 #include <fstream>
 #include <iomanip>
-#include <sstream>
 
 #include "logging/Logger.h"
+#include "reader/TextStream.h"
 #include "reader/ZebProfileLogReader.h"
 #include "reports/ConsoleReport.h"
 #include "reports/CsvReport.h"
@@ -36,7 +36,7 @@ bool ZebProfileLogReader::generateReports(const std::string& outputPath) {
             return false;
         }
     }
-    std::ostringstream console;
+    TextStream console;
     console << std::fixed << std::setprecision(0);
     printReportHeader(console, *this);
     // Which of the two comes first shows when both go to one stream.

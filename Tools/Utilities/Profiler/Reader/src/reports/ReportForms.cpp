@@ -59,7 +59,7 @@ void writeCsvPreamble(std::ostream& out, const ZebProfileLogReader& reader) {
         << "Backend version, " << header.backendInfo << '\n';
 }
 
-void putOnStandardOutput(const std::ostringstream& report) {
+void putOnStandardOutput(const TextStream& report) {
     std::cout << report.view() << std::flush;
 }
 

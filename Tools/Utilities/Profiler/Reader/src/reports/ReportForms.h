@@ -3,9 +3,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <ostream>
-#include <sstream>
 #include <string_view>
 
+#include "reader/TextStream.h"
 #include "reader/ZebProfileLogReader.h"
 
 /// The lines and sections that the reports of all readers share. Every line ends in a newline.
@@ -38,7 +38,7 @@ void printDeInitStats(std::ostream& out, ZebProfileLogReader& reader);
 void writeCsvPreamble(std::ostream& out, const ZebProfileLogReader& reader);
 
 /// Puts a console report on standard output in one piece, and through the buffers of the stream.
-void putOnStandardOutput(const std::ostringstream& report);
+void putOnStandardOutput(const TextStream& report);
 
 /// The events of the Init section: those that came with other messages, else those of the Init message.
 EventList initSectionEvents(const EventStore& store);

@@ -177,6 +177,18 @@ TEST(Walker, LogsADamagedChunkAndStaysAsItWas) {
     EXPECT_EQ(visibleText(walker.nextMessage()->text()), "a");
 }
 
+TEST(Walker, LetsGoOfAChunk) {
+    FlatBufferReaderUtil walker;
+    {
+        const LogChunkBuffer buffer = bufferOf(chunkOf({message(MethodType::Execute, "net", 5)}));
+        ASSERT_TRUE(walker.openChunk(buffer));
+        ASSERT_NE(walker.header(), nullptr);
+        walker.closeChunk();
+    }
+    EXPECT_EQ(walker.header(), nullptr);
+    EXPECT_EQ(walker.nextMessage(), nullptr);
+}
+
 TEST(ChunkReader, TellsWhereEachChunkStandsAndWhatIsMissing) {
     const test::TempDir dir;
     const Bytes log = {3, 0, 0, 0, 'a', 'b', 'c', 0, 0, 0, 0, 9, 0, 0, 0, 'x', 'y'};

@@ -108,6 +108,17 @@ TEST(LoadLog, TellsOfItsStepsToATalkativeLogger) {
                                   "5 profiling::ZebProfileLogReader reached EOF!"}));
 }
 
+TEST(LoadLog, LeavesNoMessageToReadWhetherItSucceedsOrFails) {
+    const Bytes good = test::logOf({{execution("a"), execution("b")}});
+    for (const Bytes& bytes : {good, good + withoutRoot(chunk({execution("c")}))}) {
+        Loaded loaded(bytes);
+        const CaughtLog log;
+        EXPECT_FALSE(loaded.reader.readNextMessage());
+        EXPECT_TRUE(log.has("5 profiling::FlatBufferReaderUtil no more messages! (Message Counter: 2)"));
+        EXPECT_EQ(loaded.reader.store().executeRecords.size(), 2U);
+    }
+}
+
 TEST(LoadLog, WritesTheNotesOfTheAggregationAndNothingElse) {
     const std::string note =
         "Multiple queue-wait time events found per execution. Cannot calculate Host Round-Trip excluding "

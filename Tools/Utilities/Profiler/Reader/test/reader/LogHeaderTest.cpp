@@ -5,6 +5,7 @@
 
 #include <ctime>
 #include <limits>
+#include <optional>
 
 #include "support/TestReader.h"
 
@@ -19,13 +20,25 @@ constexpr std::uint64_t second = 1'000'000;
 
 // Runs in a time zone of its own.
 class LogHeaderTest : public testing::Test {
-protected:
-    LogHeaderTest() : zone_(getenv("TZ") == nullptr ? "" : getenv("TZ")) { setZone("UTC0"); }
-    ~LogHeaderTest() override {
-        zone_.empty() ? static_cast<void>(unsetenv("TZ")) : setZone(zone_);
-        tzset();
+public:
+    LogHeaderTest() {
+        if (const char* const zone = getenv("TZ")) {
+            zone_ = zone;
+        }
+        setZone("UTC0");
     }
+    ~LogHeaderTest() override {
+        if (zone_) {
+            setZone(*zone_);
+        } else {
+            unsetenv("TZ");
+            tzset();
+        }
+    }
+    LogHeaderTest(const LogHeaderTest&) = delete;
+    LogHeaderTest& operator=(const LogHeaderTest&) = delete;
 
+protected:
     static void setZone(const std::string& zone) {
         setenv("TZ", zone.c_str(), 1);
         tzset();
@@ -41,7 +54,7 @@ protected:
     }
 
 private:
-    std::string zone_;
+    std::optional<std::string> zone_;
 };
 
 const std::string created1970 = "Log File Created: Thu Jan  1 00:00:00 1970\n";
@@ -64,12 +77,15 @@ TEST_F(LogHeaderTest, ShowsTheNamesThatAreThere) {
         {"tool", "1.2", "murl 3", "tool: 1.2\nBackend: murl 3\n"},
         {std::string("to\0l", 4), "1\n2", "%s", std::string("to\0l", 4) + ": 1\n2\nBackend: %s\n"},
     };
+    const std::string always = created1970 + noTimes + viewer;
     for (const auto& [name, version, backend, lines] : cases) {
         Header header;
         header.generatorName = name;
         header.generatorVersion = version;
         header.backendInfo = backend;
-        EXPECT_EQ(textOf(header), created1970 + noTimes + viewer + lines);
+        const std::string text = textOf(header);
+        EXPECT_EQ(text.substr(0, always.size()), always);
+        EXPECT_EQ(text.substr(always.size()), lines);
     }
 }
 

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
+#include <csignal>
 #include <filesystem>
 
 #include "reader/ObjectFiles.h"
@@ -117,6 +119,20 @@ TEST_F(ObjectFilesTest, LogsTheNumberedNameThatCannotBeMade) {
     saveHere("out.d/data", "content");
     EXPECT_EQ(log.lines(), Lines{"1 Invalid output fileName: [" + directory.path("out_1.d/data") + "]"});
     EXPECT_EQ(fileCount(), 2U);
+}
+
+TEST_F(ObjectFilesTest, TellsOfAFileThatIsNotWrittenWhole) {
+    const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit old{};
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &old), 0);
+    const rlimit limit{100, old.rlim_max};
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
+    const CaughtLog log;
+    saveHere("whole.bin", std::string(100, 'x'));
+    saveHere("cut.bin", std::string(101, 'x'));
+    EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &old), 0);
+    static_cast<void>(std::signal(SIGXFSZ, oldHandler));
+    EXPECT_EQ(log.lines(), Lines{"1 Invalid output fileName: [" + directory.path("cut.bin") + "]"});
 }
 
 }  // namespace

@@ -2,10 +2,10 @@
 
 #include <fstream>
 #include <iomanip>
-#include <sstream>
 
 #include "commandline/AppArgManagerImpl.h"
 #include "logging/Logger.h"
+#include "reader/TextStream.h"
 #include "reader/backend/BackendReport.h"
 #include "reports/ReportForms.h"
 
@@ -14,7 +14,7 @@ namespace zeb::profiling {
 bool ZebProfileLogReaderMURL::generateReports(const std::string& outputPath) {
     beginReport();
     BackendReport report(*this, internalColumns_);
-    std::ostringstream console;
+    TextStream console;
     console << std::fixed << std::setprecision(0);
     report.printConsole(console);
     putOnStandardOutput(console);

@@ -1,9 +1,9 @@
 #include <array>
 #include <iomanip>
 #include <numeric>
-#include <sstream>
 #include <string>
 
+#include "reader/TextStream.h"
 #include "reader/backend/LayerTables.h"
 #include "reader/backend/TableForms.h"
 #include "reader/backend/TableText.h"
@@ -19,7 +19,7 @@ constexpr std::array<std::string_view, 4> zebColumns = {"Layer Name", "aDSP Time
 constexpr std::size_t zebFieldRoom = 2;  // a field of the console table is that much wider than its column
 
 std::string percentText(double percent) {
-    std::ostringstream text;
+    TextStream text;
     text << std::fixed << std::setprecision(0) << percent << '%';
     return text.str();
 }

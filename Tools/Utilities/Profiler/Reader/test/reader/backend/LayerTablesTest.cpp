@@ -169,6 +169,7 @@ TEST(OruTable, OrdersItsRowsByKeyAndStaysInsideItsLayers) {
     };
     for (const auto& [rule, idsAndKeys, layerCount, order] : cases) {
         std::vector<LayerStats> layers;
+        layers.reserve(idsAndKeys.size());
         for (const auto& [id, key] : idsAndKeys) {
             layers.push_back({.layerId = id, .orderKey = key});
         }
