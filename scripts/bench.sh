@@ -30,5 +30,6 @@ case " $* " in
     *" --quick "*) rounds=(--rounds 3) ;;
     *) rounds=() ;;
 esac
-"$bin/profile-log-bench" --directory "$directory/logs" --flatc "$(command -v flatc)" --schema "$schema" \
-    --python /usr/bin/python3 Tools/Utilities/Profiler/Benchmark/src/walk_log.py -- "${rounds[@]}" "$@"
+"$bin/profile-log-bench" "${rounds[@]}" "$@" --directory "$directory/logs" \
+    --flatc "$(command -v flatc)" --schema "$schema" \
+    --python /usr/bin/python3 Tools/Utilities/Profiler/Benchmark/src/walk_log.py
