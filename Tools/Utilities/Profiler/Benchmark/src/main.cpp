@@ -79,7 +79,7 @@ ShapeResult measureShape(const Shape& shape, const Options& options) {
     std::cerr << shape.title << " ..." << std::flush;
     // In a process of its own too: the measured ones inherit the memory of this one.
     const auto make = [&](std::size_t size) {
-        const MeasuredLog log = logOf(shape, size, options);
+        MeasuredLog log = logOf(shape, size, options);
         Figures none;
         runApart([&](Figures& /*measured*/) { makeLog(shape, log); }, none);
         return log;

@@ -9,6 +9,7 @@ namespace zeb::profiling {
 MethodRecord averageRecords(std::span<const MethodRecord> records, EventArena& arena) {
     MethodRecord average;
     std::vector<EventList> lists;
+    lists.reserve(records.size());
     std::uint64_t sum = 0;
     std::uint64_t count = 0;
     for (const MethodRecord& record : records) {
