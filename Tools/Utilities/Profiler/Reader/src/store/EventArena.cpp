@@ -23,7 +23,7 @@ std::span<ProfileEvent> EventArena::makeEvents(std::size_t count) {
 
 EventName EventArena::keepName(std::string_view name) {
     const auto isName = [this, name](std::uint32_t position) { return names_[position]->text() == name; };
-    const std::uint32_t position = positions_.findOrAdd(hashOf(name), isName, names_.size());
+    const std::uint32_t position = positions_.findOrAdd(name, isName, names_.size());
     if (position == names_.size()) {
         names_.push_back(makeName(name));
     }

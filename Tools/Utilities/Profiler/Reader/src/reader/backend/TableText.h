@@ -20,8 +20,8 @@ std::string_view decimalText(Number number, Digits& digits) {
     return {digits.data(), static_cast<std::size_t>(end - digits.data())};
 }
 
-/// Composes the rows of a table and passes them to a stream in large pieces: a table may have a million
-/// cells, and a stream takes its time for each that it is given.
+/// Composes the rows of a table and passes each to a stream as a whole: a table may have a million cells, and
+/// a stream takes its time for each that it is given.
 class TableText {
 public:
     /// @param out has to outlive the text; fields are aligned as it is when it is given, and filled with
@@ -30,7 +30,6 @@ public:
         : out_(out), alignsLeft_((out.flags() & std::ios::adjustfield) == std::ios::left) {}
     TableText(const TableText&) = delete;
     TableText& operator=(const TableText&) = delete;
-    ~TableText() { pass(); }
 
     TableText& text(std::string_view content) {
         text_ += content;
@@ -56,22 +55,14 @@ public:
 
     void endRow() {
         text_ += '\n';
-        if (text_.size() >= pieceSize) {
-            pass();
-        }
-    }
-
-private:
-    static constexpr std::size_t pieceSize = 1U << 15U;
-
-    void pass() {
         out_.write(text_.data(), static_cast<std::streamsize>(text_.size()));
         text_.clear();
     }
 
+private:
     std::ostream& out_;
     bool alignsLeft_;
-    std::string text_;
+    std::string text_;  ///< of the row so far
 };
 
 }  // namespace zeb::profiling
