@@ -13,7 +13,7 @@
 
 #include "CsvFile.h"
 #include "Failure.h"
-#include "support/TestFiles.h"
+#include "support/TestChunks.h"
 
 namespace zeb::viewer {
 namespace {

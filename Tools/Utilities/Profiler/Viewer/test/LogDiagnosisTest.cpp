@@ -4,7 +4,7 @@
 #include <sys/stat.h>
 
 #include "LogDiagnosis.h"
-#include "support/TestFiles.h"
+#include "support/TestChunks.h"
 
 namespace zeb::viewer {
 namespace {

@@ -11,7 +11,7 @@
 #include "LogWriter.h"
 #include "ObjectDirectory.h"
 #include "ObjectNames.h"
-#include "support/TestFiles.h"
+#include "support/TestChunks.h"
 
 namespace zeb::viewer {
 namespace {

@@ -11,7 +11,7 @@
 #include "LogWriter.h"
 #include "MemoryLimit.h"
 #include "support/Command.h"
-#include "support/TestFiles.h"
+#include "support/TestChunks.h"
 
 namespace zeb::viewer::test {
 namespace {

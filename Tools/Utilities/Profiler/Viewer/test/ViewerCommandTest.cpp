@@ -9,7 +9,7 @@
 
 #include "MemoryLimit.h"
 #include "support/Command.h"
-#include "support/TestFiles.h"
+#include "support/TestChunks.h"
 
 namespace zeb::viewer::test {
 namespace {

@@ -7,6 +7,7 @@ namespace zeb::profiling {
 namespace {
 
 constexpr std::size_t prefixSize = 4;
+constexpr std::size_t fileBufferSize = 1U << 16U;  // small chunks are many to a read
 
 std::uint32_t littleEndian32(const std::array<unsigned char, prefixSize>& bytes) {
     return static_cast<std::uint32_t>(bytes[0]) | static_cast<std::uint32_t>(bytes[1]) << 8U |
@@ -15,7 +16,11 @@ std::uint32_t littleEndian32(const std::array<unsigned char, prefixSize>& bytes)
 
 }  // namespace
 
-ChunkReader::ChunkReader(const std::string& path) : file_(path, std::ios::binary) {}
+ChunkReader::ChunkReader(const std::string& path)
+    : fileBuffer_(std::make_unique_for_overwrite<char[]>(fileBufferSize)) {
+    file_.rdbuf()->pubsetbuf(fileBuffer_.get(), fileBufferSize);
+    file_.open(path, std::ios::binary);
+}
 
 bool ChunkReader::nextLength() {
     std::array<unsigned char, prefixSize> prefix{};

@@ -39,6 +39,7 @@ public:
     [[nodiscard]] std::uint64_t bytesRead() const { return bytesRead_; }
 
 private:
+    std::unique_ptr<char[]> fileBuffer_;  // outlives the file that uses it
     std::ifstream file_;
     std::uint32_t length_ = 0;
     std::uint64_t offset_ = 0;

@@ -4,8 +4,10 @@
 #include <memory_resource>
 #include <span>
 #include <string_view>
-#include <unordered_set>
+#include <vector>
 
+#include "store/EventName.h"
+#include "store/HashIndex.h"
 #include "store/ProfileEvent.h"
 
 namespace zeb::profiling {
@@ -21,8 +23,8 @@ public:
     /// @return that many fresh events, to be filled before a list is made of them
     std::span<ProfileEvent> makeEvents(std::size_t count);
 
-    /// Keeps a text that comes again and again, once.
-    std::string_view keepName(std::string_view name);
+    /// Keeps a name, which comes again and again, once.
+    EventName keepName(std::string_view name);
 
     /// Keeps a copy of a text, with a NUL behind it.
     std::string_view keepText(std::string_view text);
@@ -31,8 +33,11 @@ public:
     const EventObject* keepObject(std::span<const std::byte> bytes, std::string_view fileName);
 
 private:
+    const KeptName* makeName(std::string_view name);
+
     std::pmr::monotonic_buffer_resource memory_;
-    std::pmr::unordered_set<std::string_view> names_{&memory_};
+    std::vector<const KeptName*> names_;
+    HashIndex positions_;  ///< of the names
 };
 
 }  // namespace zeb::profiling

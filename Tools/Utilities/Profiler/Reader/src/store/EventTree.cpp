@@ -10,6 +10,12 @@ using EventVector = flatbuffers::Vector<flatbuffers::Offset<schema::LogEvent>>;
 
 constexpr std::string_view namelessEvent = "null";
 
+EventUnit unitOf(std::uint32_t code) {
+    const bool isNamed = code >= static_cast<std::uint32_t>(EventUnit::bytes) &&
+                         code <= static_cast<std::uint32_t>(EventUnit::none);
+    return isNamed ? static_cast<EventUnit>(code) : EventUnit::microseconds;
+}
+
 EventValue decodeEventValue(const schema::LogEvent& event, EventArena& arena) {
     switch (event.valueSelector()) {
         case schema::ValueSelector::Int:
@@ -51,7 +57,7 @@ std::span<ProfileEvent> decodeEventList(const EventVector* vector, EventArena& a
         event.value = decodeEventValue(source, arena);
         event.object = decodeEventObject(source, arena);
         event.eventType = source.type();
-        event.unit = static_cast<EventUnit>(source.unit());
+        event.unit = unitOf(source.unit());
         event.subEvents = decodeEventList(source.subEvents(), arena);
     }
     return events;

@@ -26,8 +26,11 @@ enum class ValueKind : std::int32_t {
 
 /// The measured value of an event: 64 bits, read according to the kind. Narrow kinds stand in the low bytes.
 struct EventValue {
-    ValueKind kind = ValueKind::unset;
     std::uint64_t payload = 0;
+    ValueKind kind = ValueKind::unset;
+
+    EventValue() = default;
+    EventValue(ValueKind valueKind, std::uint64_t bits) : payload(bits), kind(valueKind) {}
 
     static EventValue ofInt(std::int64_t value) {
         return {ValueKind::int64, std::bit_cast<std::uint64_t>(value)};

@@ -55,7 +55,7 @@ void EventStore::fileInitEvents(EventList events) {
 void EventStore::fileFinalizeEvents(std::string_view graphName, EventList events) {
     hasFinalizeEvents = hasFinalizeEvents || !events.empty();
     if (hasFinalizeEvents) {
-        finalizeRecords.findOrAdd(graphName).record.events = events;
+        finalizeRecords.findOrAdd(graphName, arena_).record.events = events;
     }
 }
 
@@ -64,7 +64,7 @@ void EventStore::fileExecuteEvents(std::string_view graphName, EventList events)
     if (events.empty()) {
         return;
     }
-    GraphMethodRecords& graph = executeRecords.findOrAdd(graphName);
+    GraphMethodRecords& graph = executeRecords.findOrAdd(graphName, arena_);
     while (graph.firstUnfilled < graph.records.size() && !graph.records[graph.firstUnfilled].events.empty()) {
         ++graph.firstUnfilled;
     }
@@ -83,7 +83,7 @@ bool EventStore::decodeExecute(const schema::LogMessage& message) {
     const auto [initOnes, others] = splitByType(decodeEvents(message, arena_), EVENT_TYPE_INIT);
     record.events = others;
     fileInitEvents(initOnes);
-    executeRecords.findOrAdd(arena_.keepName(*text)).records.push_back(record);
+    executeRecords.findOrAdd(*text, arena_).records.push_back(record);
     return true;
 }
 
@@ -92,8 +92,8 @@ bool EventStore::decodeFinalize(const schema::LogMessage& message) {
     if (!isVisible(message) || !text) {
         return false;
     }
-    const std::string_view graphName = arena_.keepName(*text);
-    MethodRecord& record = finalizeRecords.findOrAdd(graphName).record;
+    const std::string_view graphName = *text;
+    MethodRecord& record = finalizeRecords.findOrAdd(graphName, arena_).record;
     record.durationUs = durationOf(message);
     record.timestamp = timestampOf(message);
     hasFinalize = true;
@@ -108,7 +108,7 @@ bool EventStore::decodeGraphEvents(const schema::LogMessage& message) {
     if (!isVisible(message) || !text) {
         return false;
     }
-    const std::string_view graphName = arena_.keepName(*text);
+    const std::string_view graphName = *text;
     const auto [initOnes, afterInit] = splitByType(decodeEvents(message, arena_), EVENT_TYPE_INIT);
     const auto [finalizeOnes, executeOnes] = splitByType(afterInit, EVENT_TYPE_FINALIZE);
     fileInitEvents(initOnes);
@@ -124,7 +124,7 @@ bool EventStore::decodeApplyBinarySection(const schema::LogMessage& message) {
     }
     MethodRecord record = timedRecord(message);
     record.events = decodeEvents(message, arena_);
-    applyBinarySectionRecords.findOrAdd(arena_.keepName(*text)).records.push_back(record);
+    applyBinarySectionRecords.findOrAdd(*text, arena_).records.push_back(record);
     hasApplyBinarySection = true;
     return true;
 }
@@ -137,8 +137,7 @@ bool EventStore::decodeFinalizeAfterTensorUpdates(const schema::LogMessage& mess
     MethodRecord record = timedRecord(message);
     record.message = arena_.keepText(*text);
     record.events = decodeEvents(message, arena_);
-    const std::string_view graphName = arena_.keepName(graphNameIn(*text));
-    finalizeAfterTensorUpdatesRecords.findOrAdd(graphName).records.push_back(record);
+    finalizeAfterTensorUpdatesRecords.findOrAdd(graphNameIn(*text), arena_).records.push_back(record);
     hasFinalizeAfterTensorUpdates = true;
     return true;
 }
@@ -161,7 +160,7 @@ bool EventStore::decodeContextGetBinary(const schema::LogMessage& message) {
     const bool isSize = message.methodType() == schema::MethodType::ContextGetBinarySize;
     MethodRecord record = timedRecord(message);
     record.message = arena_.keepText(textOf(message).value_or(""));
-    contextRetrieval.findOrAdd(isSize ? binarySizeKey : binaryKey).record = record;
+    contextRetrieval.findOrAdd(isSize ? binarySizeKey : binaryKey, arena_).record = record;
     hasContextRetrieval = true;
     return true;
 }
@@ -172,7 +171,7 @@ bool EventStore::decodeContextGetBinarySectionSize(const schema::LogMessage& mes
     }
     MethodRecord record = timedRecord(message);
     record.message = arena_.keepText(textOf(message).value_or(""));
-    contextSectionRetrieval.findOrAdd(binarySectionSizeKey).records.push_back(record);
+    contextSectionRetrieval.findOrAdd(binarySectionSizeKey, arena_).records.push_back(record);
     hasContextSectionRetrieval = true;
     return true;
 }

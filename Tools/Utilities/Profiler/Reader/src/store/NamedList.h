@@ -1,26 +1,32 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
-#include <unordered_map>
-#include <utility>
 #include <vector>
+
+#include "store/EventArena.h"
+#include "store/HashIndex.h"
 
 namespace zeb::profiling {
 
 /// A list of entries in order of first appearance, each name once, that is searched by name in constant time.
-/// @tparam Name the entry's member that holds its name; the text has to outlive the list
+/// @tparam Name the entry's member that holds its name
 template <typename Entry, std::string_view Entry::*Name>
 class NamedList {
 public:
+    /// @param arena keeps the name of a new entry, and has to outlive the list
     /// @return the entry under `name`; a new one at the end of the list if there is none. Valid until the
     /// next call.
-    Entry& findOrAdd(std::string_view name) {
-        const auto [position, added] = positions_.try_emplace(name, entries_.size());
-        if (added) {
-            entries_.emplace_back().*Name = name;
+    Entry& findOrAdd(std::string_view name, EventArena& arena) {
+        const auto isNamed = [this, name](std::uint32_t position) {
+            return entries_[position].*Name == name;
+        };
+        const std::uint32_t position = positions_.findOrAdd(name, isNamed, entries_.size());
+        if (position == entries_.size()) {
+            entries_.emplace_back().*Name = arena.keepText(name);
         }
-        return entries_[position->second];
+        return entries_[position];
     }
 
     [[nodiscard]] bool empty() const { return entries_.empty(); }
@@ -31,7 +37,7 @@ public:
 
 private:
     std::vector<Entry> entries_;
-    std::unordered_map<std::string_view, std::size_t> positions_;
+    HashIndex positions_;
 };
 
 }  // namespace zeb::profiling

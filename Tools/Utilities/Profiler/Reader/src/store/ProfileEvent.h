@@ -5,13 +5,14 @@
 #include <span>
 #include <string_view>
 
+#include "store/EventName.h"
 #include "store/EventValue.h"
 
 namespace zeb::profiling {
 
-/// Unit of an event's value, straight from `LogEvent.unit`. Every number that is not named here means
+/// Unit of an event's value, from `LogEvent.unit`, where every number that is not named here means
 /// microseconds.
-enum class EventUnit : std::uint32_t {
+enum class EventUnit : std::uint8_t {
     microseconds = 0,
     bytes = 2,
     cycles = 3,
@@ -43,7 +44,7 @@ public:
 
 private:
     const ProfileEvent* first_ = nullptr;
-    std::size_t size_ = 0;
+    std::uint32_t size_ = 0;  // a chunk is too small for more events
 };
 
 /// What an event of `unit` object carries.
@@ -54,14 +55,19 @@ struct EventObject {
 
 /// One event of a message, with its sub-events. Texts, bytes and sub-events belong to the `EventArena` that
 /// the event was made with and live as long as it.
+///
+/// Most of a store's memory are events, so they are packed: the list and the value end in four free bytes,
+/// which the member behind each fills.
 struct ProfileEvent {
-    std::string_view name = "null";  ///< `LogEvent.name`
-    EventList subEvents;
-    EventValue value;
-    std::uint64_t occurrences = 1;        ///< how many events were merged into this one
+    static constexpr std::uint32_t maxOccurrences = (1U << 24U) - 1;
+
+    EventName name;                       ///< `LogEvent.name`
     const EventObject* object = nullptr;  ///< null when the log has neither bytes nor a file name
-    std::uint32_t eventType = 0;          ///< `LogEvent.type`
+    [[no_unique_address]] EventList subEvents;
     EventUnit unit = EventUnit::microseconds;
+    std::uint32_t occurrences : 24 = 1;  ///< how many events were merged into this one; so many at most
+    [[no_unique_address]] EventValue value;
+    std::uint32_t eventType = 0;  ///< `LogEvent.type`
 
     [[nodiscard]] bool isObject() const { return unit == EventUnit::object; }
     [[nodiscard]] std::span<const std::byte> objectBytes() const {
@@ -73,7 +79,10 @@ struct ProfileEvent {
     }
 };
 
-inline EventList::EventList(std::span<ProfileEvent> events) : first_(events.data()), size_(events.size()) {}
+static_assert(sizeof(ProfileEvent) == 48);
+
+inline EventList::EventList(std::span<ProfileEvent> events)
+    : first_(events.data()), size_(static_cast<std::uint32_t>(events.size())) {}
 inline const ProfileEvent* EventList::end() const {
     return first_ + size_;
 }

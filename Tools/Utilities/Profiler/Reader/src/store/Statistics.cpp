@@ -1,22 +1,27 @@
 #include "store/Statistics.h"
 
-#include "store/EventMerger.h"
+#include <vector>
+
+#include "store/EventAverage.h"
 
 namespace zeb::profiling {
 
 MethodRecord averageRecords(std::span<const MethodRecord> records, EventArena& arena) {
     MethodRecord average;
-    EventMerger merger;
+    std::vector<EventList> lists;
+    lists.reserve(records.size());
     std::uint64_t sum = 0;
     std::uint64_t count = 0;
     for (const MethodRecord& record : records) {
         sum += record.durationUs;
         count += record.durationUs != 0 ? 1 : 0;
         average.timestamp = record.timestamp;
-        merger.mergeEvents(record.events);
+        if (!record.events.empty()) {
+            lists.push_back(record.events);
+        }
     }
     average.durationUs = count == 0 ? 0 : sum / count;
-    average.events = merger.divideEvents(arena);
+    average.events = averageEvents(lists, arena);
     return average;
 }
 

@@ -11,7 +11,7 @@ namespace zeb::profiling {
 
 /// The mean duration of the records whose duration is not 0, cut to whole us; the timestamp of the last
 /// record; and the events of all records, merged by name, each with the mean of its values.
-/// @param arena takes the merged events
+/// @param arena holds the events of the records, and takes the merged ones
 MethodRecord averageRecords(std::span<const MethodRecord> records, EventArena& arena);
 
 /// The longest record, the last one of equals.

@@ -65,7 +65,7 @@ struct Run {
 class LogPlace {
 public:
     explicit LogPlace(const std::string& log) : previous_(std::filesystem::current_path()) {
-        directory_.write("log", {log.begin(), log.end()});
+        directory_.write("log", log);
         std::filesystem::current_path(directory_.directory());
         setLogger(loggerHandle, std::make_shared<Logger>(Logger{noteNoMemory, ZEB_LOG_LEVEL_DEBUG, 0}));
     }

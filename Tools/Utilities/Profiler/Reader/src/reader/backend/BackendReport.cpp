@@ -2,7 +2,6 @@
 
 #include "logging/Logger.h"
 #include "reader/backend/CheckedNumbers.h"
-#include "reader/backend/LayerTables.h"
 #include "reports/EventText.h"
 #include "reports/ReportForms.h"
 
@@ -23,7 +22,8 @@ void BackendReport::printConsole(std::ostream& out) {
     printExecutionStats(out);
     if (hasLayers()) {
         addLayerTimes(zebLayers_, layerStats_);
-        OruTable(internalColumns_, layerStats_, layerConfig_.layerCount).printOruLayerStats(out);
+        oruTable_.emplace(internalColumns_, layerStats_, layerConfig_.layerCount);
+        oruTable_->printOruLayerStats(out);
         printZebLayerStats(out, zebLayers_, zebNameColumnWidth_);
         printLayerMapping(out, zebLayers_, maxZebLayerNameLength_);
     }
@@ -32,8 +32,8 @@ void BackendReport::printConsole(std::ostream& out) {
 void BackendReport::writeCsv(std::ostream& out) const {
     writeCsvPreamble(out, reader_);
     writeExecutionCsv(out);
-    if (hasLayers()) {
-        OruTable(internalColumns_, layerStats_, layerConfig_.layerCount).writeOruLayerCsv(out);
+    if (oruTable_) {
+        oruTable_->writeOruLayerCsv(out);
         writeZebLayerCsv(out, zebLayers_);
         writeLayerMappingCsv(out, zebLayers_, maxZebLayerNameLength_);
     }

@@ -10,6 +10,7 @@
 #include "reader/ZebProfileLogReader.h"
 #include "reader/backend/BackendObjects.h"
 #include "reader/backend/LayerStats.h"
+#include "reader/backend/LayerTables.h"
 #include "reader/backend/ZebLayers.h"
 
 namespace zeb::profiling {
@@ -73,8 +74,9 @@ private:
     LayerConfig layerConfig_;
     GraphProfile graphProfile_;
     std::vector<LayerStats> layerStats_;
-    std::vector<ZebLayer> zebLayers_;  ///< in report order
-    std::size_t zebNameColumnWidth_;   ///< of the ZEB table
+    std::optional<OruTable> oruTable_;  ///< made by the console form
+    std::vector<ZebLayer> zebLayers_;   ///< in report order
+    std::size_t zebNameColumnWidth_;    ///< of the ZEB table
     std::size_t maxZebLayerNameLength_ = 0;
 
     // Of one execution

@@ -196,9 +196,11 @@ void BackendReport::loadGraphProfiles() {
 void BackendReport::loadGraphProfile(const ProfileEvent& event, std::optional<std::uint64_t> hlosTimeUs) {
     std::vector<LayerRecord> layerRecords = std::move(graphProfile_.layerRecords);
     graphProfile_ = readGraphProfile(event.objectBytes(), hasLayers());
-    layerRecords.insert(layerRecords.end(), graphProfile_.layerRecords.begin(),
-                        graphProfile_.layerRecords.end());
-    graphProfile_.layerRecords = std::move(layerRecords);
+    if (!layerRecords.empty()) {
+        layerRecords.insert(layerRecords.end(), graphProfile_.layerRecords.begin(),
+                            graphProfile_.layerRecords.end());
+        graphProfile_.layerRecords = std::move(layerRecords);
+    }
     if (hlosTimeUs) {
         ipcTimeUs_ =
             cutToWhole(averagePerExecution(differenceOrZero(*hlosTimeUs, graphProfile_.dspGraphTimeUs)));

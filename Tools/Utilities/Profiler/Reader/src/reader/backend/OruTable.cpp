@@ -1,51 +1,52 @@
 #include <algorithm>
 #include <array>
-#include <iomanip>
-#include <string>
-#include <tuple>
+#include <cstdint>
+#include <string_view>
 
 #include "logging/Logger.h"
 #include "reader/backend/LayerTables.h"
 #include "reader/backend/TableForms.h"
+#include "reader/backend/TableText.h"
 #include "reports/ReportForms.h"
 
 namespace zeb::profiling {
 
 namespace {
 
-using Cell = std::string (*)(const LayerStats&);
+// Gives the text of a cell, which may lie in `digits`.
+using Cell = std::string_view (*)(const LayerStats&, Digits& digits);
 
 template <auto Member>
-std::string number(const LayerStats& stats) {
-    return std::to_string(stats.*Member);
+std::string_view number(const LayerStats& stats, Digits& digits) {
+    return decimalText(stats.*Member, digits);
 }
 
-std::string dash(const LayerStats& /*stats*/) {
+std::string_view dash(const LayerStats& /*stats*/, Digits& /*digits*/) {
     return "-";
 }
-std::string zero(const LayerStats& /*stats*/) {
+std::string_view zero(const LayerStats& /*stats*/, Digits& /*digits*/) {
     return "0";
 }
-std::string offloaded(const LayerStats& /*stats*/) {
+std::string_view offloaded(const LayerStats& /*stats*/, Digits& /*digits*/) {
     return "Offloaded";
 }
-std::string notOffloaded(const LayerStats& /*stats*/) {
+std::string_view notOffloaded(const LayerStats& /*stats*/, Digits& /*digits*/) {
     return "No";
 }
-std::string linkedOrNo(const LayerStats& stats) {
+std::string_view linkedOrNo(const LayerStats& stats, Digits& /*digits*/) {
     return stats.linked ? "Yes" : "No";
 }
-std::string linkedOrDash(const LayerStats& stats) {
+std::string_view linkedOrDash(const LayerStats& stats, Digits& /*digits*/) {
     return stats.linked ? "Yes" : "-";
 }
-std::string loopback(const LayerStats& stats) {
+std::string_view loopback(const LayerStats& stats, Digits& /*digits*/) {
     return stats.loopbackEnabled ? "Yes" : "No";
 }
-std::string typeName(const LayerStats& stats) {
-    return std::string(layerTypeName(stats.layerType));
+std::string_view typeName(const LayerStats& stats, Digits& /*digits*/) {
+    return layerTypeName(stats.layerType);
 }
-std::string mergedGroup(const LayerStats& stats) {
-    return stats.linked ? std::to_string(stats.mergedGroup) : "-";
+std::string_view mergedGroup(const LayerStats& stats, Digits& digits) {
+    return stats.linked ? decimalText(stats.mergedGroup, digits) : "-";
 }
 
 struct ReportColumn {
@@ -90,26 +91,31 @@ constexpr std::array<ReportColumn, 18> oruColumns = {{
     forCore("Avg Krel Core Time (us)", shown, number<&LayerStats::avgCoreTimeUs>),
 }};
 
+std::vector<const ReportColumn*> shownColumns(bool internalColumns) {
+    std::vector<const ReportColumn*> columns;
+    for (const ReportColumn& column : oruColumns) {
+        if (internalColumns || !column.internal) {
+            columns.push_back(&column);
+        }
+    }
+    return columns;
+}
+
 // Rows come by order key, then by layer id. A layer's id is also its position among the figures.
 std::vector<const LayerStats*> rowsInOrder(const std::vector<LayerStats>& layerStats,
                                            std::size_t layerCount) {
-    struct OruRowKey {
-        std::uint32_t orderKey;
-        std::uint32_t layerId;
-    };
-    std::vector<OruRowKey> oruRowOrder;
+    std::vector<std::uint64_t> oruRowOrder;  // order key in the high half, layer id in the low one
     oruRowOrder.reserve(std::min(layerCount, layerStats.size()));
     for (std::size_t position = 0; position < std::min(layerCount, layerStats.size()); ++position) {
-        oruRowOrder.push_back({layerStats[position].orderKey, layerStats[position].layerId});
+        oruRowOrder.push_back(std::uint64_t{layerStats[position].orderKey} << 32U |
+                              layerStats[position].layerId);
     }
-    std::sort(oruRowOrder.begin(), oruRowOrder.end(), [](const OruRowKey& left, const OruRowKey& right) {
-        return std::tie(left.orderKey, left.layerId) < std::tie(right.orderKey, right.layerId);
-    });
+    std::sort(oruRowOrder.begin(), oruRowOrder.end());
     std::vector<const LayerStats*> rows;
     rows.reserve(oruRowOrder.size());
-    for (const OruRowKey& key : oruRowOrder) {
-        if (key.layerId < layerStats.size()) {
-            rows.push_back(&layerStats[key.layerId]);
+    for (const std::uint64_t key : oruRowOrder) {
+        if (const auto layerId = static_cast<std::uint32_t>(key); layerId < layerStats.size()) {
+            rows.push_back(&layerStats[layerId]);
         }
     }
     return rows;
@@ -121,45 +127,41 @@ OruTable::OruTable(bool internalColumns, const std::vector<LayerStats>& layerSta
     : internalColumns_(internalColumns), rows_(rowsInOrder(layerStats, layerCount)) {}
 
 void OruTable::printOruLayerStats(std::ostream& out) const {
-    const auto isShown = [this](const ReportColumn& column) { return internalColumns_ || !column.internal; };
     out << '\n';
     printSectionHead(out, oruTableTitle, oruTableTitle.size());
-    for (const ReportColumn& column : oruColumns) {
-        if (isShown(column)) {
-            printField(out, column.title, columnWidth(column.title));
-        }
+    const auto columns = shownColumns(internalColumns_);
+    TableText table(out);
+    Digits digits{};
+    for (const ReportColumn* const column : columns) {
+        table.field(column->title, columnWidth(column->title));
     }
-    out << '\n';
+    table.endRow();
     for (const LayerStats* const row : rows_) {
         if (!isKnownLayerType(row->layerType)) {
             logMessage(ZEB_LOG_LEVEL_WARN, "This ORU layer type is not supported.");
         }
-        for (const ReportColumn& column : oruColumns) {
-            if (isShown(column)) {
-                printField(out, (row->offloaded ? column.offloadedCell : column.dspCell)(*row),
-                           columnWidth(column.title));
-            }
+        for (const ReportColumn* const column : columns) {
+            table.field((row->offloaded ? column->offloadedCell : column->dspCell)(*row, digits),
+                        columnWidth(column->title));
         }
-        out << '\n';
+        table.endRow();
     }
 }
 
 void OruTable::writeOruLayerCsv(std::ostream& out) const {
-    const auto isShown = [this](const ReportColumn& column) { return internalColumns_ || !column.internal; };
     out << '\n' << oruTableTitle << '\n';
-    for (const ReportColumn& column : oruColumns) {
-        if (isShown(column)) {
-            out << column.title << ',';
-        }
+    const auto columns = shownColumns(internalColumns_);
+    TableText table(out);
+    Digits digits{};
+    for (const ReportColumn* const column : columns) {
+        table.text(column->title).text(",");
     }
-    out << '\n';
+    table.endRow();
     for (const LayerStats* const row : rows_) {
-        for (const ReportColumn& column : oruColumns) {
-            if (isShown(column)) {
-                out << (row->offloaded ? column.offloadedCsvCell : column.dspCell)(*row) << ',';
-            }
+        for (const ReportColumn* const column : columns) {
+            table.text((row->offloaded ? column->offloadedCsvCell : column->dspCell)(*row, digits)).text(",");
         }
-        out << '\n';
+        table.endRow();
     }
 }
 

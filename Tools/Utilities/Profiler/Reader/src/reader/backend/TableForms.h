@@ -1,8 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <iomanip>
-#include <ostream>
 #include <string_view>
 
 /// What the per-layer tables have in common.
@@ -17,12 +15,6 @@ inline constexpr std::size_t columnSpacing = 4;
 
 constexpr std::size_t columnWidth(std::string_view title) {
     return title.size() + columnSpacing;
-}
-
-/// Writes a value in a field of that width, in the stream's alignment.
-template <typename Value>
-void printField(std::ostream& out, const Value& value, std::size_t width) {
-    out << std::setw(static_cast<int>(width)) << value;
 }
 
 }  // namespace zeb::profiling

@@ -6,6 +6,7 @@
 #include "reader/TextStream.h"
 #include "reader/backend/LayerTables.h"
 #include "reader/backend/TableForms.h"
+#include "reader/backend/TableText.h"
 #include "reports/ReportForms.h"
 
 namespace zeb::profiling {
@@ -23,9 +24,9 @@ std::string percentText(double percent) {
     return text.str();
 }
 
-void writeIds(std::ostream& out, const ZebLayer& layer) {
+void writeIds(TableText& table, const ZebLayer& layer) {
     for (const std::uint32_t id : layer.oruLayerIds) {
-        out << static_cast<std::int32_t>(id) << ',';
+        table.number(static_cast<std::int32_t>(id)).text(",");
     }
 }
 
@@ -38,55 +39,57 @@ std::size_t defaultNameWidth() {
 void printZebLayerStats(std::ostream& out, const std::vector<ZebLayer>& layers, std::size_t nameWidth) {
     const std::array<std::size_t, 4> widths = {nameWidth, columnWidth(zebColumns[1]),
                                                columnWidth(zebColumns[2]), columnWidth(zebColumns[3])};
-    const auto printRow = [&out, &widths](const auto&... cells) {
-        std::size_t column = 0;
-        (printField(out, cells, widths[column++] + zebFieldRoom), ...);
-        out << '\n';
-    };
     out << '\n';
     printSectionHead(out, zebTableTitle, zebTableTitle.size());
+    TableText table(out);
+    const auto printRow = [&table, &widths](const auto&... cells) {
+        std::size_t column = 0;
+        (table.field(cells, widths[column++] + zebFieldRoom), ...);
+        table.endRow();
+    };
     printRow(zebColumns[0], zebColumns[1], zebColumns[2], zebColumns[3]);
     for (const ZebLayer& layer : layers) {
         printRow(layer.name, layer.dspTimeUs, layer.krelTimeUs, layer.totalTimeUs());
     }
-    out << std::string(std::accumulate(widths.begin(), widths.end(), std::size_t{0}), '-') << '\n';
+    table.text(std::string(std::accumulate(widths.begin(), widths.end(), std::size_t{0}), '-')).endRow();
     const TimeShare share = shareOfTime(layers);
     printRow("Summary", percentText(share.dspTimePercent), percentText(share.krelTimePercent), " ");
 }
 
 void writeZebLayerCsv(std::ostream& out, const std::vector<ZebLayer>& layers) {
     out << '\n' << zebTableTitle << '\n';
+    TableText table(out);
     for (const std::string_view title : zebColumns) {
-        out << title << ',';
+        table.text(title).text(",");
     }
-    out << '\n';
+    table.endRow();
     for (const ZebLayer& layer : layers) {
-        out << layer.name << ',' << layer.dspTimeUs << ',' << layer.krelTimeUs << ',' << layer.totalTimeUs()
-            << ",\n";
+        table.text(layer.name).text(",").number(layer.dspTimeUs).text(",").number(layer.krelTimeUs).text(",");
+        table.number(layer.totalTimeUs()).text(",").endRow();
     }
     const TimeShare share = shareOfTime(layers);
-    out << "Summary," << percentText(share.dspTimePercent) << ',' << percentText(share.krelTimePercent)
-        << '\n';
+    table.text("Summary,").text(percentText(share.dspTimePercent)).text(",");
+    table.text(percentText(share.krelTimePercent)).endRow();
 }
 
 void printLayerMapping(std::ostream& out, const std::vector<ZebLayer>& layers, std::size_t nameWidth) {
     out << '\n';
     printSectionHead(out, mappingTableTitle, mappingTableTitle.size());
+    TableText table(out);
     for (const ZebLayer& layer : layers) {
-        printField(out, layer.name, nameWidth);
-        out << ":  ";
-        writeIds(out, layer);
-        out << '\n';
+        table.field(layer.name, nameWidth).text(":  ");
+        writeIds(table, layer);
+        table.endRow();
     }
 }
 
 void writeLayerMappingCsv(std::ostream& out, const std::vector<ZebLayer>& layers, std::size_t nameWidth) {
     out << '\n' << mappingTableTitle << '\n' << "ZEB Layer,ORU Layer(s)\n";
+    TableText table(out);
     for (const ZebLayer& layer : layers) {
-        printField(out, layer.name, nameWidth);
-        out << ",\"";
-        writeIds(out, layer);
-        out << "\"\n";
+        table.field(layer.name, nameWidth).text(",\"");
+        writeIds(table, layer);
+        table.text("\"").endRow();
     }
 }
 

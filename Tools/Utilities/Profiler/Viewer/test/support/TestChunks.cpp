@@ -1,11 +1,5 @@
-#include "support/TestFiles.h"
+#include "support/TestChunks.h"
 
-#include <stdlib.h>
-#include <unistd.h>
-
-#include <fstream>
-#include <sstream>
-#include <system_error>
 #include <vector>
 
 #include "flatbuffers/flatbuffers.h"
@@ -13,46 +7,7 @@
 
 namespace zeb::viewer::test {
 
-namespace fs = std::filesystem;
 namespace schema = profiling::schema;
-
-TempDir::TempDir() {
-    std::string name = (fs::temp_directory_path() / "viewer-test-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) {
-        throw std::system_error(errno, std::generic_category(), name);
-    }
-    directory_ = name;
-}
-
-TempDir::~TempDir() {
-    std::error_code ignored;
-    fs::remove_all(directory_, ignored);
-}
-
-std::string TempDir::write(std::string_view name, std::string_view bytes) const {
-    std::ofstream(path(name), std::ios::binary) << bytes;
-    return path(name);
-}
-
-OrdinaryUser::OrdinaryUser() {
-    if (::getuid() == 0 && ::seteuid(65534) != 0) {
-        throw std::system_error(errno, std::generic_category(), "seteuid");
-    }
-}
-
-OrdinaryUser::~OrdinaryUser() {
-    static_cast<void>(::seteuid(::getuid()));
-}
-
-std::string fileText(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    if (!file.is_open()) {
-        return "(no such file)";
-    }
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
 
 std::string soundChunk() {
     flatbuffers::FlatBufferBuilder builder;

@@ -1,0 +1,336 @@
+#include "Shapes.h"
+
+#include <array>
+#include <limits>
+#include <utility>
+#include <vector>
+
+#include "LogWriter.h"
+
+namespace zeb::bench {
+
+using samplelog::Bytes;
+using samplelog::Event;
+using samplelog::Message;
+using samplelog::MethodType;
+using samplelog::Value;
+
+/// Writes messages, and ends a chunk when it is large enough.
+class ChunkedLog {
+public:
+    ChunkedLog(std::ostream& out, std::size_t chunkLimit) : writer_(out), chunkLimit_(chunkLimit) {
+        writer_.setHeader({.timeScale = 1.0F,
+                           .epochTimestamp = 1'700'000'000'000'000,
+                           .steadyClockTimestamp = 1000,
+                           .generatorName = "profiling-runtime",
+                           .generatorVersion = "1.0",
+                           .backendInfo = "murl"});
+    }
+
+    void add(const Message& message) {
+        writer_.add(message);
+        isOpen_ = writer_.openChunkSize() <= chunkLimit_;
+        if (!isOpen_) {
+            writer_.finishChunk();
+        }
+    }
+
+    void finish() {
+        if (isOpen_) {
+            writer_.finishChunk();
+        }
+    }
+
+private:
+    samplelog::LogWriter writer_;
+    std::size_t chunkLimit_;
+    bool isOpen_ = true;
+};
+
+namespace {
+
+constexpr std::size_t usualChunk = 1U << 20U;
+constexpr std::size_t messageAChunk = 0;
+constexpr std::size_t allInOneChunk = std::numeric_limits<std::size_t>::max();
+
+constexpr std::array<const char*, 12> eventNames = {
+    "ZebGraph_execute",
+    "Input Tensor Copy Time",
+    "Output Tensor Copy Time",
+    "graphQueueWaitUs",
+    "HLOS Graph Execution Time",
+    "RPC",
+    "Accelerator Time",
+    "DSP Time (cycles)",
+    "cache flush",
+    "Krel Core Time (cycles)",
+    "wait for core",
+    "Execution Count",
+};
+
+Event event(std::string name, Value value, std::vector<Event> subEvents = {}) {
+    constexpr std::uint32_t plainType = 400;
+    return {.name = std::move(name),
+            .value = std::move(value),
+            .unit = samplelog::cycles,
+            .type = plainType,
+            .fileName = std::nullopt,
+            .subEvents = std::move(subEvents)};
+}
+
+Event object(std::string name, Bytes bytes) {
+    return {.name = std::move(name),
+            .value = std::move(bytes),
+            .unit = samplelog::object,
+            .fileName = std::nullopt,
+            .subEvents = {}};
+}
+
+Message message(MethodType type, std::string graph, std::uint64_t durationUs, std::vector<Event> events) {
+    return {.methodType = type,
+            .text = std::move(graph),
+            .timing = {.startTime = 1000, .endTime = 1000 + durationUs},
+            .timestamp = 5000,
+            .events = std::move(events)};
+}
+
+// An event with `width` events below it, and so on for `levels` levels.
+Event tree(std::size_t number, std::size_t width, std::size_t levels) {
+    Event root = event(eventNames[number % eventNames.size()], std::uint64_t{number * 37 % 100'000});
+    for (std::size_t position = 0; levels > 0 && position < width; ++position) {
+        root.subEvents.push_back(tree(number + position + 1, width, levels - 1));
+    }
+    return root;
+}
+
+std::vector<Event> usualEvents(std::size_t execution) {
+    std::vector<Event> events;
+    for (std::size_t position = 0; position < eventNames.size(); ++position) {
+        events.push_back(tree(position, 2, 1));
+        events.back().value = std::uint64_t{execution % 1000 + position};
+        for (Event& below : events.back().subEvents) {
+            below.subEvents.push_back(event("dispatch", std::uint64_t{execution % 50}));
+        }
+    }
+    return events;
+}
+
+void writeSteady(ChunkedLog& log, std::size_t executions) {
+    for (std::size_t execution = 0; execution < executions; ++execution) {
+        log.add(message(MethodType::Execute, "main graph", 2000 + execution * 7919 % 501,
+                        usualEvents(execution)));
+    }
+}
+
+void writeManyGraphs(ChunkedLog& log, std::size_t graphs) {
+    for (std::size_t graph = 0; graph < graphs; ++graph) {
+        log.add(message(MethodType::Execute, "graph of the model, number " + std::to_string(graph),
+                        1000 + graph % 100, {tree(graph, 2, 1)}));
+    }
+}
+
+void writeWide(ChunkedLog& log, std::size_t names) {
+    constexpr std::size_t records = 20;
+    for (std::size_t record = 0; record < records; ++record) {
+        std::vector<Event> events;
+        for (std::size_t name = 0; name < names; ++name) {
+            events.push_back(event("node number " + std::to_string(name), std::uint64_t{name + record}));
+        }
+        log.add(message(MethodType::Execute, "wide graph", 1000 + record, std::move(events)));
+    }
+}
+
+void writeLateEvents(ChunkedLog& log, std::size_t executions) {
+    for (std::size_t execution = 0; execution < executions; ++execution) {
+        log.add(message(MethodType::Execute, "main graph", 1000 + execution % 100, {}));
+    }
+    for (std::size_t execution = 0; execution < executions; ++execution) {
+        log.add(message(MethodType::GraphEvents, "main graph", 0, {tree(execution, 1, 1)}));
+    }
+}
+
+void writeRising(ChunkedLog& log, std::size_t executions) {
+    for (std::size_t execution = 0; execution < executions; ++execution) {
+        std::vector<Event> events;
+        for (std::size_t position = 0; position < eventNames.size(); ++position) {
+            events.push_back(tree(position, 6, 2));
+        }
+        log.add(message(MethodType::Execute, "slowing graph", 1000 + execution, std::move(events)));
+    }
+}
+
+void writeObjects(ChunkedLog& log, std::size_t payloads) {
+    constexpr std::size_t payloadSize = 16U << 20U;
+    for (std::size_t payload = 0; payload < payloads; ++payload) {
+        log.add(message(MethodType::Execute, "main graph", 1000 + payload,
+                        {object("dump", Bytes(payloadSize, static_cast<std::uint8_t>(payload)))}));
+    }
+}
+
+void writeStrings(ChunkedLog& log, std::size_t executions) {
+    for (std::size_t execution = 0; execution < executions; ++execution) {
+        std::vector<Event> events;
+        for (std::size_t position = 0; position < eventNames.size(); ++position) {
+            const std::string number = std::to_string(execution * eventNames.size() + position);
+            events.push_back(
+                event("state of a stage", "state of the pipeline at that moment: " + number,
+                      {event("comment", "as the driver tells it, in some more words, " + number)}));
+        }
+        log.add(message(MethodType::Execute, "main graph", 1000 + execution % 100, std::move(events)));
+    }
+}
+
+void writeDeep(ChunkedLog& log, std::size_t executions) {
+    constexpr std::size_t depth = 60;
+    for (std::size_t execution = 0; execution < executions; ++execution) {
+        log.add(message(MethodType::Execute, "deep graph", 1000 + execution % 100,
+                        {tree(execution, 1, depth - 1)}));
+    }
+}
+
+void writeNewNames(ChunkedLog& log, std::size_t executions) {
+    constexpr std::size_t eventsEach = 20;
+    for (std::size_t execution = 0; execution < executions; ++execution) {
+        std::vector<Event> events;
+        for (std::size_t position = 0; position < eventsEach; ++position) {
+            events.push_back(
+                event("node of this one record, number " + std::to_string(execution * eventsEach + position),
+                      std::uint64_t{position}));
+        }
+        log.add(message(MethodType::Execute, "main graph", 1000 + execution % 100, std::move(events)));
+    }
+}
+
+void put(Bytes& bytes, std::uint64_t number, std::size_t width) {
+    for (std::size_t index = 0; index < width; ++index) {
+        bytes.push_back(static_cast<std::uint8_t>(number >> (8U * index)));
+    }
+}
+
+Bytes nodeMapping(std::size_t layers) {
+    Bytes bytes;
+    put(bytes, layers, 4);
+    for (std::size_t layer = 0; layer < layers; ++layer) {
+        put(bytes, layer, 4);
+        put(bytes, 1, 4);  // number of values; the one value is the name's index
+        put(bytes, layer / oruLayersPerZebLayer, 4);
+    }
+    return bytes;
+}
+
+Bytes nodeNames(std::size_t names) {
+    Bytes bytes;
+    Bytes texts;
+    put(bytes, names, 4);
+    const std::size_t textsAt = 4 + 8 * names;
+    for (std::size_t index = 0; index < names; ++index) {
+        put(bytes, 0, 4);
+        put(bytes, textsAt + texts.size(), 4);
+        const std::string name = zebLayerName(index);
+        texts.insert(texts.end(), name.begin(), name.end());
+        texts.push_back(0);
+    }
+    bytes.insert(bytes.end(), texts.begin(), texts.end());
+    return bytes;
+}
+
+Bytes layerConfiguration(std::size_t layers) {
+    Bytes bytes;
+    put(bytes, 1'000'000'000, 4);  // clock of the core
+    put(bytes, 800'000'000, 4);    // clock of the DSP
+    put(bytes, layers, 4);
+    put(bytes, 0, 4);
+    for (std::size_t layer = 0; layer < layers; ++layer) {
+        const LayerFigures figures = layerFigures(layer);
+        put(bytes, figures.id, 4);
+        put(bytes, figures.type, 4);
+        put(bytes, figures.offloaded ? 1 : 0, 4);
+        put(bytes, 0, 4);
+    }
+    return bytes;
+}
+
+Bytes graphProfile(std::size_t layers) {
+    Bytes bytes;
+    put(bytes, 0, 16);
+    put(bytes, 500'000, 8);  // accelerator time
+    put(bytes, 0, 32);
+    put(bytes, 10, 4);  // executions
+    put(bytes, 0, 4);
+    put(bytes, layers, 4);
+    put(bytes, 0, 4);
+    put(bytes, 400'000, 8);  // DSP time
+    for (std::size_t layer = 0; layer < layers; ++layer) {
+        const LayerFigures figures = layerFigures(layer);
+        put(bytes, 0, 4);
+        put(bytes, 3, 4);
+        put(bytes, figures.executions, 4);
+        put(bytes, figures.orderKey, 4);
+        put(bytes, 0, 16);
+        put(bytes, figures.timeUs, 8);
+        put(bytes, 0, 16);
+        put(bytes, figures.dspCycles, 8);
+        put(bytes, figures.coreCycles, 8);
+        put(bytes, 0, 16);
+    }
+    return bytes;
+}
+
+void writeLayers(ChunkedLog& log, std::size_t layers) {
+    log.add(message(MethodType::Init, "", 3000,
+                    {object("node mapping", nodeMapping(layers)),
+                     object("node names", nodeNames(layers / oruLayersPerZebLayer))}));
+    log.add(message(MethodType::Finalize, "main graph", 4000,
+                    {object("layer configuration", layerConfiguration(layers))}));
+    log.add(message(MethodType::Execute, "main graph", 50'000,
+                    {event("Execute Profiling Level", std::uint64_t{2}),
+                     event("ZebGraph_execute", std::uint64_t{480'000},
+                           {event("Input Tensor Copy Time", std::uint64_t{900}),
+                            event("HLOS Graph Execution Time", std::uint64_t{450'000}),
+                            object("Graph Execute Profile Data", graphProfile(layers))})}));
+}
+
+constexpr std::array<Shape, 12> shapes = {{
+    {"steady", "steady", 4'000, 12'000, 24'000, usualChunk, writeSteady},
+    {"tiny-chunks", "tiny chunks", 4'000, 12'000, 24'000, messageAChunk, writeSteady},
+    {oneChunkShape, "one chunk", 4'000, 12'000, 80'000, allInOneChunk, writeSteady},
+    {"many-graphs", "many graphs", 50'000, 200'000, 200'000, usualChunk, writeManyGraphs},
+    {"wide", "wide", 8'000, 20'000, 40'000, usualChunk, writeWide},
+    {"late-events", "late events", 60'000, 200'000, 200'000, usualChunk, writeLateEvents},
+    {"rising", "rising", 400, 1'200, 2'400, usualChunk, writeRising},
+    {"objects", "objects", 4, 4, 8, usualChunk, writeObjects},
+    {layersShape, "layers", 100'000, 200'000, 400'000, usualChunk, writeLayers},
+    {"strings", "strings", 4'000, 16'000, 32'000, usualChunk, writeStrings},
+    {"deep", "deep", 4'000, 12'000, 24'000, usualChunk, writeDeep},
+    {"new-names", "new names", 8'000, 24'000, 48'000, usualChunk, writeNewNames},
+}};
+
+}  // namespace
+
+std::span<const Shape> allShapes() {
+    return shapes;
+}
+
+void writeLog(std::ostream& out, const Shape& shape, std::size_t size) {
+    ChunkedLog log(out, shape.chunkLimit);
+    shape.write(log, size);
+    log.finish();
+}
+
+LayerFigures layerFigures(std::size_t index) {
+    const auto number = static_cast<std::uint32_t>(index);
+    return {.id = number,
+            .type = number % 90,
+            .offloaded = number % 3 != 0,
+            .orderKey = number * 2654435761U % 1'000'003U,
+            .executions = 10,
+            .timeUs = 1000 + index * 7919 % 100'000,
+            .dspCycles = 100'000 + index * 104'729 % 10'000'000,
+            .coreCycles = 100'000 + index * 15'485'863 % 10'000'000};
+}
+
+std::string zebLayerName(std::size_t index) {
+    return "model/block_" + std::to_string(index / 12) + "/conv_" + std::to_string(index);
+}
+
+}  // namespace zeb::bench

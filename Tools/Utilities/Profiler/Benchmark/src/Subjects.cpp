@@ -1,0 +1,134 @@
+#include "Subjects.h"
+
+#include <array>
+#include <iostream>
+#include <optional>
+#include <sstream>
+#include <stdexcept>
+#include <streambuf>
+
+#include "Floors.h"
+#include "Processes.h"
+#include "log/ChunkReader.h"
+#include "reader/backend/ZebProfileLogReaderMURL.h"
+
+namespace zeb::bench {
+
+namespace {
+
+using profiling::VisibilityLevel;
+using profiling::ZebProfileLogReader;
+using profiling::ZebProfileLogReaderMURL;
+
+constexpr auto allMessages = static_cast<VisibilityLevel>(127);
+constexpr const char* nowhere = "/dev/null";
+
+template <typename Work>
+double timeOf(Work work) {
+    const double start = processorTime();
+    work();
+    return processorTime() - start;
+}
+
+// Takes text and drops it.
+class Sink final : public std::streambuf {
+protected:
+    std::streamsize xsputn(const char* /*text*/, std::streamsize length) override { return length; }
+    int_type overflow(int_type character) override { return traits_type::not_eof(character); }
+};
+
+void require(bool isGood, const char* what) {
+    if (!isGood) {
+        throw std::runtime_error(what);
+    }
+}
+
+void measureRead(const MeasuredLog& log, Figures& figures) {
+    figures[Figure::read] = timeOf([&log] { readChunks(log.path); });
+}
+
+void measureVerify(const MeasuredLog& log, Figures& figures) {
+    figures[Figure::verify] = timeOf([&log] { verifyChunks(log.path); });
+}
+
+void measureCopy(const MeasuredLog& log, Figures& figures) {
+    const double idleMemory = peakMemory();
+    std::optional<PlainLog> copied;
+    figures[Figure::copy] = timeOf([&] { copied = copyLog(log.path); });
+    figures[Figure::copyMemory] = peakMemory() - idleMemory;
+    figures[Figure::copyDestruction] = timeOf([&copied] { copied.reset(); });
+}
+
+void measureLoad(const MeasuredLog& log, Figures& figures) {
+    const double idleMemory = peakMemory();
+    std::optional<ZebProfileLogReaderMURL> reader(std::in_place, log.path, allMessages);
+    figures[Figure::load] = timeOf([&] { require(reader->loadLog(false), "cannot load the log"); });
+    figures[Figure::loadMemory] = peakMemory() - idleMemory;
+    figures[Figure::loadDestruction] = timeOf([&reader] { reader.reset(); });
+}
+
+// What `loadLog` does, taken apart.
+void measureParts(const MeasuredLog& log, Figures& figures) {
+    profiling::EventStore store(static_cast<std::int8_t>(allMessages));
+    figures[Figure::decode] = timeOf([&] {
+        profiling::ChunkReader chunks(log.path);
+        profiling::FlatBufferReaderUtil walker;
+        while (chunks.nextLength()) {
+            const auto buffer = chunks.readBody();
+            require(buffer && walker.openChunk(*buffer), "cannot decode the log");
+            while (const auto* const message = walker.nextMessage()) {
+                store.dispatchMethod(*message);
+            }
+        }
+    });
+    std::ostringstream notes;
+    figures[Figure::aggregate] = timeOf([&] { store.aggregateStatistics(notes); });
+}
+
+// The reports of the generic reader are those that show events, the backend's show layers.
+void measureReports(const MeasuredLog& log, Figures& figures, const char* csvPath, Figure backend,
+                    Figure generic) {
+    Sink sink;
+    std::cout.rdbuf(&sink);
+    ZebProfileLogReaderMURL reader(log.path, allMessages);
+    require(reader.loadLog(false), "cannot load the log");
+    figures[backend] = timeOf([&] { require(reader.generateReports(csvPath), "cannot report"); });
+    figures[generic] =
+        timeOf([&] { require(reader.ZebProfileLogReader::generateReports(csvPath), "cannot report"); });
+    std::cout.rdbuf(nullptr);
+}
+
+void measureConsole(const MeasuredLog& log, Figures& figures) {
+    measureReports(log, figures, "", Figure::backendReport, Figure::genericReport);
+}
+
+void measureConsoleAndCsv(const MeasuredLog& log, Figures& figures) {
+    measureReports(log, figures, nowhere, Figure::backendBoth, Figure::genericBoth);
+}
+
+void measureFormatting(const MeasuredLog& log, Figures& figures) {
+    std::string report;
+    figures[Figure::reportFloor] = timeOf([&] { formatLayerReport(report, log.size); });
+    std::string csv;
+    figures[Figure::csvFloor] = timeOf([&] { formatLayerCsv(csv, log.size); });
+    require(!report.empty() && !csv.empty(), "nothing formatted");
+}
+
+constexpr std::array<Subject, 8> subjects = {{
+    {measureRead},
+    {measureVerify},
+    {measureCopy},
+    {measureLoad},
+    {measureParts},
+    {measureFormatting, true},
+    {measureConsole},
+    {measureConsoleAndCsv},
+}};
+
+}  // namespace
+
+std::span<const Subject> allSubjects() {
+    return subjects;
+}
+
+}  // namespace zeb::bench
