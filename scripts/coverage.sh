@@ -10,22 +10,35 @@ source "$(dirname "$0")/setup.sh"
 
 packages+=(gcovr)
 install_packages
-build coverage
 
 reader_dir=Tools/Utilities/Profiler/Reader
-rooms='(log|store|reports|reader)'
+rooms=(log store reports reader)
 bin=$PWD/build/coverage/bin
 
-# report OPTION...: gcovr over the rooms that take a log in.
-report() {
-    gcovr --root . --object-directory build/coverage --filter "$reader_dir/src/$rooms/" --exclude-unreachable-branches \
-        --exclude-throw-branches "$@" build/coverage/$reader_dir/CMakeFiles
+# collect TRACE: puts what the counters say into a file.
+collect() {
+    gcovr --root . --object-directory build/coverage --filter "$reader_dir/src/" --exclude-throw-branches \
+        --json "$1" "build/coverage/$reader_dir/CMakeFiles" 2>/dev/null
 }
 
+# summary TITLE TRACE: the lines reached, room by room.
+summary() {
+    local room
+    echo "$1:"
+    for room in "${rooms[@]}"; do
+        printf '    %-10s' "$room/"
+        gcovr --root . --add-tracefile "$2" --filter "$reader_dir/src/$room/" --print-summary 2>/dev/null |
+            sed -n 's/^lines: //p'
+    done
+}
+
+# Counters of earlier runs, and of the programs that a build asks for their tests.
 forget() {
-    find build/coverage -name '*.gcda' -delete
+    find build -path 'build/coverage/*.gcda' -delete
 }
 
+forget
+build coverage
 forget
 "$bin/write-fuzz-seeds" build/fuzz-seeds
 for target in log messages payloads options; do
@@ -33,11 +46,16 @@ for target in log messages payloads options; do
     [ -d "build/fuzz-corpus/$target" ] && inputs+=("build/fuzz-corpus/$target")
     "$bin/replay-$target" "${inputs[@]}" 2>/dev/null | sed "s/^/Fuzz target $target: /"
 done
-report --print-summary 2>/dev/null | sed -n 's/^lines: /Lines by fuzzing alone: /p'
+collect build/coverage/fuzz.json
 # Where a test limits the size of files, the counters can't be written either.
 ctest --preset coverage -j "$(nproc)" --exclude-regex LeavesTheCsvFileAsItWasWhenItCannotBeWritten \
     --output-log build/coverage/tests.log >/dev/null || {
     tail -n 40 build/coverage/tests.log
     exit 1
 }
-report --sort-percentage
+collect build/coverage/all.json
+summary "Lines reached by fuzzing alone" build/coverage/fuzz.json
+summary "Lines reached by tests and fuzzing" build/coverage/all.json
+echo "Lines that nothing reaches:"
+gcovr --root . --add-tracefile build/coverage/all.json --filter "$reader_dir/src/($(IFS='|' && echo "${rooms[*]}"))/" 2>/dev/null |
+    awk '/^Tools/ { file = $1; $1 = "" } $NF ~ /^[0-9,-]+$/ && $(NF - 1) ~ /%$/ { print "    " file ": " $NF }'
