@@ -34,7 +34,9 @@ for target in log messages payloads options; do
     "$bin/replay-$target" "${inputs[@]}" 2>/dev/null | sed "s/^/Fuzz target $target: /"
 done
 report --print-summary 2>/dev/null | sed -n 's/^lines: /Lines by fuzzing alone: /p'
-ctest --preset coverage -j "$(nproc)" --output-log build/coverage/tests.log >/dev/null || {
+# Where a test limits the size of files, the counters can't be written either.
+ctest --preset coverage -j "$(nproc)" --exclude-regex LeavesTheCsvFileAsItWasWhenItCannotBeWritten \
+    --output-log build/coverage/tests.log >/dev/null || {
     tail -n 40 build/coverage/tests.log
     exit 1
 }

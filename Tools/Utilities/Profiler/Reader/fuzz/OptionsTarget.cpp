@@ -108,7 +108,7 @@ void checkReaderOptions(const Arguments& arguments) {
     require(parseAsReader(again) == std::tuple(goesOn, errors), "the same options give the same texts");
     const auto leftover = args.firstLeftover();
     const Arguments asked(args.askedNames().begin(), args.askedNames().end());
-    if (leftover && leftover->isOption) {
+    if (goesOn && leftover && leftover->isOption) {
         viewer::nearestName(leftover->name, asked);
         require(!viewer::ViewerArgs({leftover->name}).lookup("--internal").found,
                 "an asked option is not left over");

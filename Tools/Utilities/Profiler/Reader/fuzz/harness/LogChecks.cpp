@@ -124,7 +124,7 @@ void checkChunks(LogView log, const LogShape& shape, const Outcome& outcome, con
 }
 
 Outcome checkRun(LogView log, const LogShape& shape, const RunOptions& options) {
-    const Outcome outcome = readLog(log, options);
+    Outcome outcome = readLog(log, options);
     checkOutcome(outcome);
     require(outcome == readLog(log, options), "the same log gives the same texts");
     checkChunks(log, shape, outcome, options);

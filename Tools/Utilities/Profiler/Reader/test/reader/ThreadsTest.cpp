@@ -84,6 +84,7 @@ TEST(Threads, HaveAReaderEach) {
         }
     };
     std::vector<std::thread> threads;
+    threads.reserve(threadCount);
     for (int thread = 0; thread < threadCount; ++thread) {
         threads.emplace_back(readAgainAndAgain, thread);
     }

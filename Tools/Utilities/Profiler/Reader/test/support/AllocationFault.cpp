@@ -42,7 +42,7 @@ struct Allocator {
 
     void free(void* memory) noexcept {
         outstanding -= memory == nullptr ? 0 : 1;
-        std::free(memory);
+        std::free(memory);  // NOLINT(cppcoreguidelines-no-malloc): what `delete` itself does
     }
 };
 
