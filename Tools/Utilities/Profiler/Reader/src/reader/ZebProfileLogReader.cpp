@@ -72,7 +72,7 @@ bool ZebProfileLogReader::loadLog(bool saveObjects) {
     notes << std::fixed << std::setprecision(0);
     saveObjects_ = saveObjects;
     store_.aggregateStatistics(notes);
-    std::cout << notes.view();
+    notes.writeTo(std::cout);
     return true;
 }
 

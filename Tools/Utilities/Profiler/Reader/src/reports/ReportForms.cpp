@@ -60,7 +60,8 @@ void writeCsvPreamble(std::ostream& out, const ZebProfileLogReader& reader) {
 }
 
 void putOnStandardOutput(const TextStream& report) {
-    std::cout << report.view() << std::flush;
+    report.writeTo(std::cout);
+    std::cout.flush();
 }
 
 EventList initSectionEvents(const EventStore& store) {

@@ -16,14 +16,14 @@ std::span<ProfileEvent> EventArena::makeEvents(std::size_t count) {
         return {};
     }
     auto* const events =
-        static_cast<ProfileEvent*>(memory_.allocate(count * sizeof(ProfileEvent), alignof(ProfileEvent)));
+        reinterpret_cast<ProfileEvent*>(allocate(count * sizeof(ProfileEvent), alignof(ProfileEvent)));
     std::uninitialized_value_construct_n(events, count);
     return {events, count};
 }
 
 EventName EventArena::keepName(std::string_view name) {
     const auto isName = [this, name](std::uint32_t position) { return names_[position]->text() == name; };
-    const std::uint32_t position = positions_.findOrAdd(name, isName, names_.size());
+    const std::uint32_t position = positions_.findOrAdd(name, isName);
     if (position == names_.size()) {
         names_.push_back(makeName(name));
     }
@@ -32,24 +32,48 @@ EventName EventArena::keepName(std::string_view name) {
 
 const KeptName* EventArena::makeName(std::string_view name) {
     auto* const kept =
-        static_cast<KeptName*>(memory_.allocate(sizeof(KeptName) + name.size(), alignof(KeptName)));
+        reinterpret_cast<KeptName*>(allocate(sizeof(KeptName) + name.size(), alignof(KeptName)));
     std::construct_at(kept, KeptName{.length = static_cast<std::uint32_t>(name.size())});
     std::copy(name.begin(), name.end(), reinterpret_cast<char*>(kept + 1));
     return kept;
 }
 
 std::string_view EventArena::keepText(std::string_view text) {
-    auto* const copy = static_cast<char*>(memory_.allocate(text.size() + 1, 1));
+    auto* const copy = reinterpret_cast<char*>(allocate(text.size() + 1, 1));
     *std::copy(text.begin(), text.end(), copy) = '\0';
     return {copy, text.size()};
 }
 
 const EventObject* EventArena::keepObject(std::span<const std::byte> bytes, std::string_view fileName) {
-    auto* const object =
-        static_cast<EventObject*>(memory_.allocate(sizeof(EventObject), alignof(EventObject)));
-    auto* const copy = static_cast<std::byte*>(memory_.allocate(bytes.size(), 1));
+    auto* const object = reinterpret_cast<EventObject*>(allocate(sizeof(EventObject), alignof(EventObject)));
+    std::byte* const copy = allocate(bytes.size(), 1);
     std::copy(bytes.begin(), bytes.end(), copy);
     return std::construct_at(object, EventObject{{copy, bytes.size()}, keepText(fileName)});
+}
+
+std::byte* EventArena::allocate(std::size_t size, std::size_t alignment) {
+    constexpr std::size_t largeSize = 1U << 18U;
+    if (size >= largeSize) {  // gets a block of its own, so that no block is left half empty
+        return addBlock(size).data();
+    }
+    void* place = free_.data();
+    std::size_t room = free_.size();
+    if (free_.empty() || std::align(alignment, size, place, room) == nullptr) {
+        constexpr std::size_t firstBlockSize = 1U << 12U;
+        constexpr std::size_t lastBlockSize = 1U << 20U;
+        blockSize_ = std::clamp(std::max(blockSize_ * 2, size), firstBlockSize, lastBlockSize);
+        free_ = addBlock(blockSize_);
+        place = free_.data();
+    }
+    auto* const start = static_cast<std::byte*>(place);
+    free_ = {start + size, free_.data() + free_.size()};
+    return start;
+}
+
+// A block begins where everything may stand.
+std::span<std::byte> EventArena::addBlock(std::size_t size) {
+    blocks_.push_back(makeMemoryBlock(size));
+    return {blocks_.back().get(), size};
 }
 
 }  // namespace zeb::profiling

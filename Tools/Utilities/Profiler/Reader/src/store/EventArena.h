@@ -1,13 +1,13 @@
 #pragma once
 
 #include <cstddef>
-#include <memory_resource>
 #include <span>
 #include <string_view>
 #include <vector>
 
 #include "store/EventName.h"
 #include "store/HashIndex.h"
+#include "store/MemoryBlock.h"
 #include "store/ProfileEvent.h"
 
 namespace zeb::profiling {
@@ -32,12 +32,21 @@ public:
     /// Keeps a copy of an object's bytes and its file name.
     const EventObject* keepObject(std::span<const std::byte> bytes, std::string_view fileName);
 
+    /// @return a number for the marks on names, which no other operation has
+    std::uint32_t newMarkOwner() { return ++markOwners_; }
+
 private:
     const KeptName* makeName(std::string_view name);
 
-    std::pmr::monotonic_buffer_resource memory_;
+    std::byte* allocate(std::size_t size, std::size_t alignment);
+    std::span<std::byte> addBlock(std::size_t size);
+
+    std::vector<MemoryBlock> blocks_;
+    std::span<std::byte> free_;  ///< of the block that is being filled
+    std::size_t blockSize_ = 0;
     std::vector<const KeptName*> names_;
     HashIndex positions_;  ///< of the names
+    std::uint32_t markOwners_ = 0;
 };
 
 }  // namespace zeb::profiling

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <unordered_map>
 #include <vector>
@@ -65,23 +66,15 @@ private:
     std::uint64_t count_ = 1;
 };
 
-constexpr std::uint32_t noPosition = KeptName::unmarked;
+constexpr std::uint32_t noPosition = std::numeric_limits<std::uint32_t>::max();
 
 // Lists merged into one. Where the first entry of a name stands is written into the mark of that name, which
 // takes neither memory nor search but serves one list at a time: the outermost. The lists below it have
 // tables.
 class MergedList {
 public:
-    explicit MergedList(bool isOutermost) : isOutermost_(isOutermost) {}
-    MergedList(const MergedList&) = delete;
-    MergedList& operator=(const MergedList&) = delete;
-    ~MergedList() {
-        for (const Entry& entry : entries_) {
-            if (isOutermost_ && entry.event->name.kept() != nullptr) {
-                entry.event->name.kept()->mark = noPosition;
-            }
-        }
-    }
+    /// @param markOwner for the marks of the outermost list, 0 for a list below it
+    explicit MergedList(std::uint32_t markOwner) : markOwner_(markOwner) {}
 
     /// Begins with all events of a list, objects included.
     void begin(EventList events) {
@@ -149,7 +142,7 @@ private:
             return;
         }
         if (!sum.subEvents) {
-            sum.subEvents = std::make_unique<MergedList>(false);
+            sum.subEvents = std::make_unique<MergedList>(0);
             sum.subEvents->begin(entry.event->subEvents);
         }
         sum.subEvents->merge(incoming.subEvents);
@@ -174,13 +167,17 @@ private:
     }
 
     std::uint32_t& firstOfName(const KeptName* name) {
-        if (isOutermost_ && name != nullptr) {
+        if (markOwner_ != 0 && name != nullptr) {
+            if (name->markOwner != markOwner_) {
+                name->markOwner = markOwner_;
+                name->mark = noPosition;
+            }
             return name->mark;
         }
         return table_.try_emplace(name, noPosition).first->second;
     }
 
-    bool isOutermost_;
+    std::uint32_t markOwner_;
     std::vector<Entry> entries_;
     std::vector<Sum> sums_;
     std::unordered_map<const KeptName*, std::uint32_t> table_;
@@ -193,7 +190,7 @@ EventList averageEvents(std::span<const EventList> lists, EventArena& arena) {
     if (lists.size() == 1 && std::none_of(lists[0].begin(), lists[0].end(), isObject)) {
         return lists[0];
     }
-    MergedList merged(true);
+    MergedList merged(arena.newMarkOwner());
     for (const EventList& list : lists) {
         merged.merge(list);
     }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <limits>
 #include <ostream>
 #include <string_view>
 
@@ -9,11 +8,10 @@ namespace zeb::profiling {
 
 /// A name that an `EventArena` keeps for all events that have it. Its characters stand right behind it.
 struct KeptName {
-    static constexpr std::uint32_t unmarked = std::numeric_limits<std::uint32_t>::max();
-
     std::uint32_t length;
-    mutable std::uint32_t mark =
-        unmarked;  ///< for the use of an operation over many events, which clears it again
+    // An operation over many events may mark their names. A mark counts only for the owner that has set it.
+    mutable std::uint32_t markOwner = 0;
+    mutable std::uint32_t mark = 0;
 
     [[nodiscard]] std::string_view text() const { return {reinterpret_cast<const char*>(this + 1), length}; }
 };

@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <limits>
 #include <random>
 #include <string_view>
 #include <vector>
@@ -60,55 +59,62 @@ private:
 class HashIndex {
 public:
     /// @param matches tells whether the entry at a position, which most likely has the name, is the one
-    /// @param position of the entry to add when there is none
-    /// @return the position of the entry that was there or has been added
+    /// @return the position of the entry; when there is none, that of the one to add at the end of the list
     template <typename Matches>
-    std::uint32_t findOrAdd(std::string_view name, Matches matches, std::size_t position) {
+    std::uint32_t findOrAdd(std::string_view name, Matches matches) {
         const std::uint32_t hash = hash_(name);
-        if ((size_ + 1) * 4 > slots_.size() * 3) {
+        if ((hashes_.size() + 1) * 8 > tags_.size() * 5) {
             grow();
         }
-        Slot& slot = slots_[slotOf(hash, matches)];
-        if (slot.position == none) {
-            slot = {static_cast<std::uint32_t>(position), hash};
-            ++size_;
+        const std::size_t slot = slotOf(hash, matches);
+        if (tags_[slot] == freeTag) {
+            hashes_.push_back(hash);
+            occupy(slot, hash, static_cast<std::uint32_t>(hashes_.size() - 1));
         }
-        return slot.position;
+        return positions_[slot];
     }
 
 private:
-    static constexpr std::uint32_t none = std::numeric_limits<std::uint32_t>::max();
+    static constexpr std::uint8_t freeTag = 0;
 
-    struct Slot {
-        std::uint32_t position = none;
-        std::uint32_t hash = 0;
-    };
+    static std::uint8_t tagOf(std::uint32_t hash) { return static_cast<std::uint8_t>(1 + (hash >> 25U)); }
 
     // The slot of the entry, or the free one where it would be.
     template <typename Matches>
     [[nodiscard]] std::size_t slotOf(std::uint32_t hash, Matches matches) const {
-        const std::size_t mask = slots_.size() - 1;
+        const std::size_t mask = tags_.size() - 1;
+        const std::uint8_t tag = tagOf(hash);
         std::size_t at = hash & mask;
-        while (slots_[at].position != none && (slots_[at].hash != hash || !matches(slots_[at].position))) {
+        while (tags_[at] != freeTag && (tags_[at] != tag || !matches(positions_[at]))) {
             at = (at + 1) & mask;
         }
         return at;
     }
 
+    void occupy(std::size_t slot, std::uint32_t hash, std::uint32_t position) {
+        tags_[slot] = tagOf(hash);
+        positions_[slot] = position;
+    }
+
     void grow() {
         constexpr std::size_t firstSize = 16;
-        std::vector<Slot> old(std::max(firstSize, slots_.size() * 2));
-        old.swap(slots_);
-        for (const Slot& slot : old) {
-            if (slot.position != none) {
-                slots_[slotOf(slot.hash, [](std::uint32_t /*position*/) { return false; })] = slot;
-            }
+        const std::size_t size = std::max(firstSize, tags_.size() * 2);
+        std::vector<std::uint32_t> positions(size);
+        tags_.assign(size, freeTag);
+        positions_.swap(positions);
+        for (std::size_t position = 0; position < hashes_.size(); ++position) {
+            const std::uint32_t hash = hashes_[position];
+            occupy(slotOf(hash, [](std::uint32_t /*position*/) { return false; }), hash,
+                   static_cast<std::uint32_t>(position));
         }
     }
 
     NameHash hash_;
-    std::vector<Slot> slots_;  ///< a power of two of them, a quarter of them free
-    std::size_t size_ = 0;
+    std::vector<std::uint32_t> hashes_;  ///< by position
+    // Slots, a power of two of them. A look-up mostly takes the tags alone, which are small enough for
+    // caches.
+    std::vector<std::uint8_t> tags_;
+    std::vector<std::uint32_t> positions_;
 };
 
 }  // namespace zeb::profiling

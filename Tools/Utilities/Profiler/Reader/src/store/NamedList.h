@@ -22,7 +22,7 @@ public:
         const auto isNamed = [this, name](std::uint32_t position) {
             return entries_[position].*Name == name;
         };
-        const std::uint32_t position = positions_.findOrAdd(name, isNamed, entries_.size());
+        const std::uint32_t position = positions_.findOrAdd(name, isNamed);
         if (position == entries_.size()) {
             entries_.emplace_back().*Name = arena.keepText(name);
         }
