@@ -150,11 +150,13 @@ TEST_F(RealReader, IsEndedAtOnceByAnInterrupt) {
     ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
     files.write("runs.csv", "old\n");
     for (const int signal : {SIGINT, SIGTERM}) {
-        RunningCommand viewer({ZEB_VIEWER, pipe, "--csv", csv});
-        std::ofstream writer(pipe);  // waits until the viewer has it open
-        writer << chunk << std::flush;
-        viewer.sendSignal(signal);
-        const CommandResult result = viewer.wait();
+        const auto interrupt = [&](pid_t viewer) {
+            std::ofstream writer(pipe);  // waits until the viewer has it open
+            writer << chunk << std::flush;
+            EXPECT_EQ(::kill(viewer, signal), 0);
+        };
+        const CommandResult result =
+            runCommand({ZEB_VIEWER, pipe, "--csv", csv}, output::captured, interrupt);
         EXPECT_EQ(result.exitCode, 128 + signal);
         EXPECT_EQ(result.out + result.err, "");
         EXPECT_EQ(fileText(csv), "old\n");

@@ -5,37 +5,30 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <csignal>
-
 namespace zeb::viewer::test {
 
-RunningCommand::RunningCommand(const Strings& arguments, const std::string& output) {
+CommandResult runCommand(const Strings& arguments, const std::string& output,
+                         const std::function<void(pid_t)>& meanwhile) {
+    const TempDir captures;
     // The shell sets the streams up, and becomes the program in the directory that it was started in.
     const std::string script =
         "here=$PWD; cd \"$0\"; mkfifo pipe; exec </dev/null 2>err " + output + "; cd \"$here\"; exec \"$@\"";
-    std::vector<const char*> argv = {"/bin/sh", "-c", script.c_str(), captures_.directory().c_str()};
+    std::vector<const char*> argv = {"/bin/sh", "-c", script.c_str(), captures.directory().c_str()};
     for (const std::string& argument : arguments) {
         argv.push_back(argument.c_str());
     }
     argv.push_back(nullptr);
-    EXPECT_EQ(
-        posix_spawn(&process_, argv.front(), nullptr, nullptr, const_cast<char**>(argv.data()), environ), 0);
-}
-
-void RunningCommand::sendSignal(int signal) const {
-    EXPECT_EQ(::kill(process_, signal), 0);
-}
-
-CommandResult RunningCommand::wait() {
+    auto* const argvOfShell = const_cast<char**>(argv.data());
+    pid_t process = -1;
+    EXPECT_EQ(posix_spawn(&process, argv.front(), nullptr, nullptr, argvOfShell, environ), 0);
+    if (meanwhile) {
+        meanwhile(process);
+    }
     int status = 0;
-    EXPECT_EQ(::waitpid(process_, &status, 0), process_);
+    EXPECT_EQ(::waitpid(process, &status, 0), process);
     return {.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status),
-            .out = fileText(captures_.path("out")),
-            .err = fileText(captures_.path("err"))};
-}
-
-CommandResult runCommand(const Strings& arguments, const std::string& output) {
-    return RunningCommand(arguments, output).wait();
+            .out = fileText(captures.path("out")),
+            .err = fileText(captures.path("err"))};
 }
 
 void expectFailure(const CommandResult& result, int exitCode, const std::string& line) {

@@ -2,6 +2,7 @@
 
 #include <sys/types.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -26,24 +27,11 @@ struct CommandResult {
     std::string err;
 };
 
-/// A program that runs.
-class RunningCommand {
-public:
-    /// @param arguments the program's path first
-    explicit RunningCommand(const Strings& arguments, const std::string& output = output::captured);
-
-    void sendSignal(int signal) const;
-    /// Waits for the end. To be called once.
-    CommandResult wait();
-
-private:
-    TempDir captures_;
-    pid_t process_ = -1;
-};
-
 /// Runs a program to its end.
 /// @param arguments the program's path first
-CommandResult runCommand(const Strings& arguments, const std::string& output = output::captured);
+/// @param meanwhile is called once the program runs
+CommandResult runCommand(const Strings& arguments, const std::string& output = output::captured,
+                         const std::function<void(pid_t)>& meanwhile = {});
 
 /// Expects the exit code, and the line alone on standard error.
 void expectFailure(const CommandResult& result, int exitCode, const std::string& line);

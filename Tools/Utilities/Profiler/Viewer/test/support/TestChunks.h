@@ -33,7 +33,8 @@ inline std::string withPrefix(const std::string& chunk) {
 
 /// @return a log of one chunk, which holds a header with a name in it
 inline std::string soundLog() {
-    return textOf(samplelog::encodeLog(samplelog::Header{.generatorName = "generator", .generatorVersion = {}, .backendInfo = {}}, {}));
+    return textOf(samplelog::encodeLog(
+        samplelog::Header{.generatorName = "generator", .generatorVersion = {}, .backendInfo = {}}, {}));
 }
 
 /// @return a log of few bytes that stands for more than two million events, with an object at the bottom
