@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <filesystem>
+#include <functional>
 #include <iostream>
 #include <memory>
 #include <new>
@@ -11,6 +12,7 @@
 
 #include "MethodsLog.h"
 #include "NetworkLog.h"
+#include "log/ChunkReader.h"
 #include "reader/backend/ZebProfileLogReaderMURL.h"
 #include "support/AllocationFault.h"
 #include "support/TestLog.h"
@@ -122,25 +124,21 @@ private:
     std::filesystem::path previous_;
 };
 
-constexpr std::size_t noAllocation = 0;
-
-std::string networkLog() {
+std::string written(const std::function<void(std::ostream&)>& write) {
     std::ostringstream out;
+    write(out);
+    return out.str();
+}
+
+const std::string networkLog = written([](std::ostream& out) {
     samplelog::writeNetworkLog(out, {.async = true, .executions = 2, .layers = 3});
-    return out.str();
-}
-
-std::string methodsLog() {
-    std::ostringstream out;
-    samplelog::writeMethodsLog(out);
-    return out.str();
-}
+});
+const std::string methodsLog = written(samplelog::writeMethodsLog);
 
 std::size_t chunksIn(const std::string& log) {
     std::size_t chunks = 0;
-    for (std::uint32_t length = 0, at = 0; at < log.size(); at += length + 4) {
-        std::memcpy(&length, log.data() + at, sizeof(length));
-        ++chunks;
+    for (ChunkReader reader(log); reader.nextLength(); ++chunks) {
+        static_cast<void>(reader.readBody());
     }
     return chunks;
 }
@@ -149,8 +147,8 @@ std::size_t chunksIn(const std::string& log) {
 template <typename Reader>
 void failEach(const std::string& log, FaultKind kind) {
     LogPlace place(log);
-    place.read<Reader>(noAllocation, kind);  // what is made once for the process is made here
-    const Run good = place.read<Reader>(noAllocation, kind);
+    place.read<Reader>(0, kind);  // what is made once for the process is made here
+    const Run good = place.read<Reader>(0, kind);
     ASSERT_EQ(good.ending, Ending::good);
     std::size_t falseLoads = 0;
     for (std::size_t number = 1;; ++number) {
@@ -171,19 +169,19 @@ void failEach(const std::string& log, FaultKind kind) {
         }
     }
     if (kind == FaultKind::single) {  // the buffer of a chunk is two allocations
-        EXPECT_EQ(falseLoads, 2 * chunksIn(log)) << "only a chunk without memory is a false load";
+        EXPECT_EQ(falseLoads, 2 * chunksIn("log")) << "only a chunk without memory is a false load";
     }
 }
 
 TEST(Allocation, FailsOnceWithoutALossOrALeak) {
-    failEach<ZebProfileLogReaderMURL>(networkLog(), FaultKind::single);
-    failEach<ZebProfileLogReader>(networkLog(), FaultKind::single);
-    failEach<ZebProfileLogReader>(methodsLog(), FaultKind::single);
+    failEach<ZebProfileLogReaderMURL>(networkLog, FaultKind::single);
+    failEach<ZebProfileLogReader>(networkLog, FaultKind::single);
+    failEach<ZebProfileLogReader>(methodsLog, FaultKind::single);
 }
 
 TEST(Allocation, FailsForGoodWithoutALossOrALeak) {
-    failEach<ZebProfileLogReaderMURL>(networkLog(), FaultKind::lasting);
-    failEach<ZebProfileLogReader>(methodsLog(), FaultKind::lasting);
+    failEach<ZebProfileLogReaderMURL>(networkLog, FaultKind::lasting);
+    failEach<ZebProfileLogReader>(methodsLog, FaultKind::lasting);
 }
 
 }  // namespace
