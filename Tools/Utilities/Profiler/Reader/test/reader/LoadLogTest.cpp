@@ -1,7 +1,6 @@
 // Loading: what is read, what is refused, and what a refused log leaves behind.
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
 #include <filesystem>
 
@@ -114,22 +113,6 @@ TEST(LoadLog, SurvivesAPrefixOfNearlyFourGigabytes) {
                 log.lines()[0] == "1 Unable to allocate memory: std::bad_alloc")
         << log.lines()[0];
 }
-
-#ifndef __SANITIZE_ADDRESS__  // the sanitizer itself needs more memory than the limit allows
-TEST(LoadLog, ReportsThatThereIsNoMemoryForAChunk) {
-    const auto loadWithLittleMemory = [] {
-        const test::TempDir directory;
-        const CaughtLog log(ZEB_LOG_LEVEL_ERROR);
-        ZebProfileLogReader reader(directory.write("log", {0xFE, 0xFF, 0xFF, 0xFF, 1, 2, 3}),
-                                   VisibilityLevel{127});
-        const rlimit limit{1U << 30U, 1U << 30U};
-        const bool isLimited = setrlimit(RLIMIT_AS, &limit) == 0;
-        const bool isLoaded = reader.loadLog(false);
-        return isLimited && !isLoaded && log.has("1 Unable to allocate memory: std::bad_alloc");
-    };
-    EXPECT_EXIT(std::_Exit(loadWithLittleMemory() ? 0 : 1), testing::ExitedWithCode(0), "");
-}
-#endif
 
 TEST(LoadLog, DecodesMessagesBelowItsLevel) {
     const struct {

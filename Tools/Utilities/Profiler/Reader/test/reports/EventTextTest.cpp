@@ -6,7 +6,6 @@
 
 #include "reports/EventText.h"
 #include "support/TestReader.h"
-#include "support/TestStore.h"
 
 namespace zeb::profiling {
 namespace {
@@ -51,31 +50,9 @@ TEST(EventText, FollowsKindAndUnit) {
 }
 
 test::Event objectAbove(test::Event below) {
-    test::Event made = test::object("wanted", {1});
+    test::Event made = test::object("object", {1});
     made.subEvents = {std::move(below)};
     return made;
-}
-
-TEST(FindEventValue, GoesDepthFirstAndPassesOverObjects) {
-    const struct {
-        const char* rule;
-        std::vector<test::Event> events;
-        std::optional<std::string> value;
-    } cases[] = {
-        {"the whole name counts", {event("wante", number(1)), event("wanted2"), event("Wanted")}, {}},
-        {"an event without a value is found", {event("wanted")}, ""},
-        {"parents come first", {event("wanted", number(1), {event("wanted", number(2))})}, "1"},
-        {"children come before the next event",
-         {event("a", {}, {event("b", {}, {event("wanted", number(3))})}), event("wanted", number(1))},
-         "3"},
-        {"an object is no match", {test::object("wanted", {1})}, {}},
-        {"what is below an object is", {objectAbove(event("wanted", std::string("below")))}, "below"},
-    };
-    for (const auto& [rule, events, value] : cases) {
-        test::TestStore store;
-        store.take(message(MethodType::Init, "", 1, events));
-        EXPECT_EQ(findEventValue("wanted", store.initRecord.events), value) << rule;
-    }
 }
 
 // Asks for every level of the tree, like an adapter of a reader.

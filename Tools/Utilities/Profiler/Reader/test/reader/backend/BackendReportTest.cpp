@@ -46,6 +46,13 @@ Events profiled(const Bytes& profile, Events more = {}) {
     return more;
 }
 
+Bytes totals(std::uint32_t executions, std::uint64_t dspUs = 100) {
+    return encodeGraphProfile({.acceleratorTimeUs = 805,
+                               .executionCount = executions,
+                               .dspGraphTimeUs = dspUs,
+                               .layerRecords = {}});
+}
+
 // The text from the title on.
 std::string from(const std::string& title, const std::string& text) {
     const std::size_t at = text.find(title);
@@ -77,9 +84,11 @@ TEST(BackendReport, ReadsTheProfileLevel) {
         {{event(levelName, std::int64_t{1100}), event(levelName, number(1))}, "Internal", {}},
         {{event(levelName, std::string(" 2nd"))}, "Detailed", {}},
         {{event(levelName, 2.0F)}, "Detailed", {}},
-        {{event("a", {}, {event("b", {}, {event(levelName, number(2))})})}, "Detailed", {}},
+        {{event("a", {}, {event("b", {}, {event(levelName, number(2))})}), event(levelName)}, "Detailed", {}},
+        {{event(levelName, number(2), {event(levelName)})}, "Detailed", {}},
+        {{event(std::string(levelName, 22), number(2))}, "Basic", {}},  // it is that of the other execution
         {{withBelow(object(levelName, {9}), {event(levelName, number(2))})}, "Detailed", {}},
-        {{object(levelName, {2})}, "Basic", {}},  // it is that of the other execution
+        {{object(levelName, {2})}, "Basic", {}},
         {{event(levelName)}, "Basic", notFound},
         {{event(levelName, std::string())}, "Basic", notFound},
         {{event(levelName, std::int64_t{-2})}, "Basic", {"2 Profile Level Value -2 not supported."}},
@@ -115,10 +124,8 @@ TEST(BackendReport, HasInitAndFinalizeSectionsWithoutLinesForObjects) {
 }
 
 TEST(BackendReport, HasAnExecutionSection) {
-    const Bytes profile = encodeGraphProfile(
-        {.acceleratorTimeUs = 805, .executionCount = 4, .dspGraphTimeUs = 100, .layerRecords = {}});
-    const Bytes neverRun =
-        encodeGraphProfile({.acceleratorTimeUs = 805, .dspGraphTimeUs = 100, .layerRecords = {}});
+    const Bytes profile = totals(4);
+    const Bytes neverRun = totals(0);
     const std::string figures =
         "            Accelerator Time:        201 us\n            Execution Count:         4\n";
     const Events all = {event("ZebGraph_execute", number(4003)), event("Input Tensor Copy Time", number(9)),
@@ -162,14 +169,15 @@ TEST(BackendReport, HasAnExecutionSection) {
          {async({event("ZebGraph_execute", number(9)), event("graphQueueWaitUs", number(40))})},
          "Graph 0 (net):\n" + figures,
          "Marlix, 990 us\nBackend (ZebGraph_executeAsync), 0 us\n"},
-        {"profiles at other depths, and what is no object, which are not looked at",
-         {execution({object(profileName, profile), event("a", {},
-                                                         {event("b", {}, {object(profileName, profile)}),
-                                                          object("other", profile), event(profileName)})})},
+        {"profiles at other depths, which are not looked at",
+         {execution(
+             {object(profileName, profile),
+              event("a", {}, {event("b", {}, {object(profileName, profile)}), object("other", profile)})})},
          "Graph 0 (net):\n    Marlix: 1000 us\n            Accelerator Time:        0 us\n",
          "Execution Count,0\n"},
-        {"several profiles, of which the last one counts",
-         {execution(profiled(neverRun, all)), execution(profiled(profile))},
+        {"several profiles, of which the last one that is an object counts",
+         {execution(profiled(neverRun, all)), execution(profiled(profile)),
+          execution({event("a", {}, {event(profileName)})})},
          "        Backend (ZebGraph_execute): 1000 us\n",
          "IPC Time,101 us\nAccelerator Time,201 us\nExecution Count,4\n"},
     };
@@ -194,9 +202,7 @@ TEST(BackendReport, OfALogThatFailedToLoadHasNoAveragesButNamesItsTensorCopies) 
 TEST(BackendReport, LogsTheDspTimeOfEachProfileWhenTheHostTimeIsKnown) {
     for (const bool isKnown : {false, true}) {
         const Events host = isKnown ? Events{event(hostName, number(9))} : Events{};
-        Loaded loaded(
-            {execution(profiled(encodeGraphProfile({.dspGraphTimeUs = 100, .layerRecords = {}}), host)),
-             execution(profiled(encodeGraphProfile({.dspGraphTimeUs = 4294967297U, .layerRecords = {}})))});
+        Loaded loaded({execution(profiled(totals(1), host)), execution(profiled(totals(1, 4294967297U)))});
         const CaughtLog log(ZEB_LOG_LEVEL_INFO);
         loaded.console();
         EXPECT_EQ(log.has("3 dsp graph exec time is 100"), isKnown);
@@ -208,8 +214,8 @@ TEST(BackendReport, AlignsItsTablesToTheLeftBehindADetailLine) {
     const std::pair<const char*, bool> cases[] = {
         {"Input Tensor Copy Time", true}, {hostName, true}, {"ZebGraph_execute", false}};
     for (const auto& [name, isLeft] : cases) {
-        const Bytes profile = encodeGraphProfile({.executionCount = 1, .layerRecords = {}});
-        Loaded loaded({execution(profiled(profile, {event(name, number(5)), event(levelName, number(2))}))});
+        Loaded loaded(
+            {execution(profiled(totals(1), {event(name, number(500)), event(levelName, number(2))}))});
         const std::string console = loaded.console();
         EXPECT_PRED2(holds, console, isLeft ? "--\nLayer Id    Layer T" : "--\n    Layer Id    Layer T");
         EXPECT_PRED2(holds, console, isLeft ? "--\nLayer Name      aDSP" : "--\n      Layer Name");
@@ -272,9 +278,7 @@ TEST(BackendReport, LetsConversionsOfValuesThatAreNoNumbersPass) {
         {"Output Tensor Copy Time", Bytes{1}, "invalid stoull argument"},
     };
     for (const auto& [name, value, what] : cases) {
-        Loaded loaded({execution(
-            profiled(encodeGraphProfile({.executionCount = 1, .layerRecords = {}}), {event(name, value)}),
-            MethodType::ExecuteAsync)});
+        Loaded loaded({execution(profiled(totals(1), {event(name, value)}), MethodType::ExecuteAsync)});
         const std::string path = loaded.directory.path("csv");
         const test::CaughtOutput output;
         try {

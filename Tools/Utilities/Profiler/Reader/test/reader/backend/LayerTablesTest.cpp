@@ -30,12 +30,6 @@ TEST(OruTable, HasTheSameCellsOnBothFormsButForTheDspCyclesOfOffloadedLayers) {
               ",-,-,-,-,-,-,-,\n");
     EXPECT_EQ(log.lines(), std::vector<std::string>{"2 This ORU layer type is not supported."})
         << "on the console alone";
-    std::istringstream words(test::behindLines(console.str(), 4));
-    std::string cells;
-    for (std::string word; words >> word;) {
-        cells += word + ",";
-    }
-    EXPECT_PRED2(test::holds, cells, "0,MEM_OP,Offloaded,No,-,Yes,0,0,0,-,-,0,0,0,0,0,0,0,1Oru,Layer,Type");
     EXPECT_PRED2(test::holds, console.str(),
                  "  4294967295                018446744073709551615                 0");
 }
@@ -69,33 +63,14 @@ TEST(OruTable, OrdersItsRowsByKeyAndStaysInsideItsLayers) {
     }
 }
 
-TEST(ZebTables, PadNamesAndSplitTheTimeInPerCent) {
-    const std::vector<ZebLayer> layers = {
-        {.name = "conv", .oruLayerIds = {3, 0, huge}, .dspTimeUs = 20, .krelTimeUs = 1},
-        {.name = "a, pool", .oruLayerIds = {1}, .krelTimeUs = 9}};
-    std::ostringstream console;
-    printZebLayerStats(console, layers, 7);
-    EXPECT_EQ(test::behindLines(console.str(), 4),
-              "     conv                  20                   1                       21\n"
-              "  a, pool                   0                   9                        9\n"
-              "------------------------------------------------------------------\n"
-              "  Summary                 67%                 33%                         \n");
-    std::ostringstream csv;
-    writeZebLayerCsv(csv, layers);
-    EXPECT_EQ(test::behindLines(csv.str(), 3), "conv,20,1,21,\na, pool,0,9,9,\nSummary,67%,33%\n");
-    std::ostringstream mapping;
-    printLayerMapping(mapping, layers, 7);
-    EXPECT_EQ(test::behindLines(mapping.str(), 3), "   conv:  3,0,-1,\na, pool:  1,\n");
-    std::ostringstream left;
-    left << std::left;
-    printLayerMapping(left, layers, 7);
-    writeLayerMappingCsv(left, {}, 7);
-    writeZebLayerCsv(left, {{.name = "", .oruLayerIds = {0}, .dspTimeUs = 1, .krelTimeUs = 999}});
-    EXPECT_EQ(test::behindLines(left.str(), 3),
-              "conv   :  3,0,-1,\na, pool:  1,\n"
-              "\nZEB Layer - ORU Layer(s) mapping:\nZEB Layer,ORU Layer(s)\n"
-              "\nZEB Per-layer Stats:\nLayer Name,aDSP Time (us),Krel Time "
-              "(us),Avg Total Time (us),\n,1,999,1000,\nSummary,0%,100%\n");
+TEST(ZebTables, AlignNamesLikeTheirStreamAndRoundShares) {
+    const std::vector<ZebLayer> layers = {{.name = "conv", .oruLayerIds = {3, 0}, .krelTimeUs = 1},
+                                          {.name = "a, pool", .oruLayerIds = {1}, .dspTimeUs = 999}};
+    std::ostringstream out;
+    printLayerMapping(out, layers, 7);
+    EXPECT_EQ(test::behindLines(out.str(), 3), "   conv:  3,0,\na, pool:  1,\n");
+    writeZebLayerCsv(out, layers);
+    EXPECT_PRED2(test::holds, out.str(), "\nconv,0,1,1,\na, pool,999,0,999,\nSummary,100%,0%\n");
 }
 
 }  // namespace
