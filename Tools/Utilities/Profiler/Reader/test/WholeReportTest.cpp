@@ -3,11 +3,11 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <map>
 #include <sstream>
 
 #include "AdapterUpdaterLog.h"
@@ -42,21 +42,19 @@ private:
 
 // The files of a directory with their bytes, a line each.
 std::string listing(const fs::path& directory) {
-    std::vector<std::string> lines;
+    std::map<std::string, std::string> files;
     for (const auto& entry : fs::directory_iterator(directory)) {
-        std::ostringstream line;
-        line << entry.path().filename().string() << ':' << std::hex;
-        for (const char byte : fileText(entry.path().string())) {
-            line << ' ' << static_cast<int>(static_cast<unsigned char>(byte));
+        files[entry.path().filename().string()] = fileText(entry.path().string());
+    }
+    std::ostringstream text;
+    for (const auto& [name, bytes] : files) {
+        text << name << ':' << std::hex;
+        for (const char byte : bytes) {
+            text << ' ' << static_cast<int>(static_cast<unsigned char>(byte));
         }
-        lines.push_back(line.str());
+        text << '\n';
     }
-    std::sort(lines.begin(), lines.end());
-    std::string text;
-    for (const std::string& line : lines) {
-        text += line + '\n';
-    }
-    return text;
+    return text.str();
 }
 
 void expectText(const std::string& name, const std::string& actual) {
@@ -89,44 +87,36 @@ protected:
     void expectReport(const std::string& name) const {
         expectText(name + ".console.txt", console);
         expectText(name + ".csv", fileText(directory.path("run.csv")));
-    }
-
-    void expectNetworkReport(const std::string& name, const NetworkOptions& options,
-                             bool isInternal = false) {
-        ZebProfileLogReaderMURL reader("run.zlog", VisibilityLevel{127});
-        test::CommandLine arguments(isInternal ? test::CommandLine::Given{{"--internal", {}}}
-                                               : test::CommandLine::Given{});
-        ASSERT_TRUE(reader.parseBackendArgs(arguments));
-        report(reader, [&options](std::ostream& out) { writeNetworkLog(out, options); });
-        expectReport(name);
+        fs::remove(directory.path("run.csv"));
     }
 
     test::TempDir directory;
     std::string console;
 };
 
-TEST_F(WholeReport, OfASynchronousRun) {
-    expectNetworkReport("network", {});
-}
-
-TEST_F(WholeReport, WithInternalColumns) {
-    expectNetworkReport("network-internal-columns", {}, true);
-}
-
-TEST_F(WholeReport, OfAnAsynchronousRun) {
-    expectNetworkReport("network-async", {.async = true});
-}
-
-TEST_F(WholeReport, OfARunProfiledAtTheBasicLevel) {
-    expectNetworkReport("network-basic", {.level = ProfileLevel::basic});
-}
-
-TEST_F(WholeReport, OfARunProfiledAtTheInternalLevel) {
-    expectNetworkReport("network-internal-level", {.level = ProfileLevel::internal, .layers = 8});
-}
-
-TEST_F(WholeReport, OfSeveralGraphs) {
-    expectNetworkReport("network-graphs", {.executions = 4, .layers = 6, .graphs = 3});
+TEST_F(WholeReport, OfNetworks) {
+    const struct {
+        const char* name;
+        NetworkOptions options;
+    } cases[] = {
+        {"network", {}},
+        {"network-internal-columns", {}},
+        {"network-async", {.async = true}},
+        {"network-basic", {.level = ProfileLevel::basic}},
+        {"network-internal-level", {.level = ProfileLevel::internal, .layers = 8}},
+        {"network-graphs", {.executions = 4, .layers = 6, .graphs = 3}},
+    };
+    for (const auto& network : cases) {
+        ZebProfileLogReaderMURL reader("run.zlog", VisibilityLevel{127});
+        test::CommandLine::Given given;
+        if (network.name == std::string("network-internal-columns")) {
+            given["--internal"] = {};
+        }
+        test::CommandLine arguments(given);
+        EXPECT_TRUE(reader.parseBackendArgs(arguments));
+        report(reader, [&network](std::ostream& out) { writeNetworkLog(out, network.options); });
+        expectReport(network.name);
+    }
 }
 
 TEST_F(WholeReport, OfAllMethods) {
@@ -134,7 +124,6 @@ TEST_F(WholeReport, OfAllMethods) {
     report(reader, samplelog::writeMethodsLog, true);
     const std::string csv = fileText(directory.path("run.csv"));
     expectReport("methods");
-    fs::remove(directory.path("run.csv"));
     expectText("methods.objects.txt", listing(directory.directory()));
 
     // A second report is the same, behind the first in the CSV file, and its objects get the next free names.
@@ -158,7 +147,6 @@ TEST_F(WholeReport, OfTheAdapterUpdater) {
     ZebProfileLogReader reader("run.zlog", VisibilityLevel{127});
     report(reader, samplelog::writeAdapterUpdaterLog, true);
     expectReport("adapter-updater");
-    fs::remove(directory.path("run.csv"));
     expectText("adapter-updater.objects.txt", listing(directory.directory()));
 }
 

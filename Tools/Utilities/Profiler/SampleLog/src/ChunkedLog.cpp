@@ -1,15 +1,23 @@
 #include "ChunkedLog.h"
 
+#include <cstddef>
+
 namespace zeb::samplelog {
 
-ChunkedLog::ChunkedLog(std::ostream& out, const Header& header, std::size_t chunkSize)
-    : writer_(out), chunkSize_(chunkSize) {
+namespace {
+
+// Bytes from which on a chunk is full.
+constexpr std::size_t fullChunkSize = 65536;
+
+}  // namespace
+
+ChunkedLog::ChunkedLog(std::ostream& out, const Header& header) : writer_(out) {
     writer_.setHeader(header);
 }
 
 void ChunkedLog::add(const Message& message) {
     writer_.add(message);
-    chunkOpen_ = writer_.openChunkSize() < chunkSize_;
+    chunkOpen_ = writer_.openChunkSize() < fullChunkSize;
     if (!chunkOpen_) {
         writer_.finishChunk();
     }
@@ -22,7 +30,7 @@ void ChunkedLog::finish() {
     }
 }
 
-void writeChunks(std::ostream& out, const Header& header, std::span<const std::vector<Message>> chunks) {
+void writeChunks(std::ostream& out, const Header& header, const std::vector<std::vector<Message>>& chunks) {
     LogWriter writer(out);
     writer.setHeader(header);
     for (const std::vector<Message>& chunk : chunks) {

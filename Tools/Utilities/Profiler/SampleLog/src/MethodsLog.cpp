@@ -3,6 +3,7 @@
 #include <string>
 #include <utility>
 
+#include "ChunkedLog.h"
 #include "EventMakers.h"
 
 namespace zeb::samplelog {
@@ -139,21 +140,14 @@ std::vector<Message> closingMessages() {
 
 }  // namespace
 
-Header methodsHeader() {
-    return {.timeScale = 0.5F,
-            .epochTimestamp = 1'790'845'200'000'000,
-            .steadyClockTimestamp = 900,
-            .generatorName = "sorel-graph-runner",
-            .generatorVersion = "v2.51.0",
-            .backendInfo = "v2.51.0.260929181845"};
-}
-
-Chunks methodsChunks() {
-    return {startMessages(), binaryMessages(), {}, executionMessages(), closingMessages()};
-}
-
 void writeMethodsLog(std::ostream& out) {
-    writeChunks(out, methodsHeader(), methodsChunks());
+    const Header header{.timeScale = 0.5F,
+                        .epochTimestamp = 1'790'845'200'000'000,
+                        .steadyClockTimestamp = 900,
+                        .generatorName = "sorel-graph-runner",
+                        .generatorVersion = "v2.51.0",
+                        .backendInfo = "v2.51.0.260929181845"};
+    writeChunks(out, header, {startMessages(), binaryMessages(), {}, executionMessages(), closingMessages()});
 }
 
 }  // namespace zeb::samplelog

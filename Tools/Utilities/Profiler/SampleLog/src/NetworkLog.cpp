@@ -1,7 +1,9 @@
 #include "NetworkLog.h"
 
+#include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "BackendObjectWriter.h"
 #include "ChunkedLog.h"
@@ -103,10 +105,19 @@ std::vector<Event> partsOf(std::uint64_t us,
     return events;
 }
 
+Header networkHeader() {
+    return {.timeScale = 1.0F,
+            .epochTimestamp = logCreatedUs,
+            .steadyClockTimestamp = steadyClockUs,
+            .generatorName = "sorel-graph-runner",
+            .generatorVersion = "v2.51.0.260929181845",
+            .backendInfo = "v2.51.0.260929181845"};
+}
+
 class NetworkRun {
 public:
-    NetworkRun(const NetworkOptions& options, const std::function<void(const Message&)>& visit)
-        : options_(options), visit_(visit), network_(makeNetwork(options.layers)) {}
+    NetworkRun(const NetworkOptions& options, std::ostream& out)
+        : options_(options), log_(out, networkHeader()), network_(makeNetwork(options.layers)) {}
 
     void run() {
         initialize();
@@ -115,6 +126,7 @@ public:
             executeGraph(graph);
         }
         finish(firstStartUs);
+        log_.finish();
     }
 
 private:
@@ -129,7 +141,7 @@ private:
         message.timing = {nowUs_, nowUs_ + durationUs};
         message.timestamp = nowUs_ + durationUs;
         message.events = std::move(events);
-        visit_(message);
+        log_.add(message);
         nowUs_ += durationUs + pauseUs;
     }
 
@@ -271,36 +283,15 @@ private:
     }
 
     const NetworkOptions& options_;
-    const std::function<void(const Message&)>& visit_;
+    ChunkedLog log_;
     Network network_;
     std::uint64_t nowUs_ = steadyClockUs + 1'250;
 };
 
 }  // namespace
 
-Header networkHeader() {
-    return {.timeScale = 1.0F,
-            .epochTimestamp = logCreatedUs,
-            .steadyClockTimestamp = steadyClockUs,
-            .generatorName = "sorel-graph-runner",
-            .generatorVersion = "v2.51.0.260929181845",
-            .backendInfo = "v2.51.0.260929181845"};
-}
-
-void forEachNetworkMessage(const NetworkOptions& options, const std::function<void(const Message&)>& visit) {
-    NetworkRun(options, visit).run();
-}
-
-std::vector<Message> networkMessages(const NetworkOptions& options) {
-    std::vector<Message> messages;
-    forEachNetworkMessage(options, [&messages](const Message& message) { messages.push_back(message); });
-    return messages;
-}
-
 void writeNetworkLog(std::ostream& out, const NetworkOptions& options) {
-    ChunkedLog log(out, networkHeader());
-    forEachNetworkMessage(options, [&log](const Message& message) { log.add(message); });
-    log.finish();
+    NetworkRun(options, out).run();
 }
 
 }  // namespace zeb::samplelog

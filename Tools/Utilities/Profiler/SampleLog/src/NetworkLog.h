@@ -1,12 +1,9 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <optional>
 #include <ostream>
-#include <vector>
 
-#include "LogWriter.h"
 #include "Network.h"
 
 /// The log of a run of the sample network.
@@ -30,15 +27,8 @@ struct NetworkOptions {
         std::nullopt;  ///< adds random variation; without it nothing is random
 };
 
-Header networkHeader();
-
-/// Gives the messages of the run one by one, in the order in which a runtime writes them.
-void forEachNetworkMessage(const NetworkOptions& options, const std::function<void(const Message&)>& visit);
-
-/// @return all messages of the run
-std::vector<Message> networkMessages(const NetworkOptions& options);
-
-/// Writes the log in chunks; the state of the stream tells whether that succeeded.
+/// Writes the log in chunks, with the messages in the order in which a runtime writes them; the state of the
+/// stream tells whether that succeeded.
 void writeNetworkLog(std::ostream& out, const NetworkOptions& options);
 
 }  // namespace zeb::samplelog

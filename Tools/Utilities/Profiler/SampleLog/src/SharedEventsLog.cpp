@@ -9,12 +9,21 @@ namespace {
 namespace schema = profiling::schema;
 using Builder = flatbuffers::FlatBufferBuilder;
 using EventOffset = flatbuffers::Offset<schema::LogEvent>;
+using TextOffset = flatbuffers::Offset<flatbuffers::String>;
 
-EventOffset encodeEvent(Builder& builder, flatbuffers::Offset<flatbuffers::String> name, EventOffset below,
-                        std::uint32_t copiesBelow) {
-    const auto subEvents = copiesBelow == 0
-                               ? flatbuffers::Offset<flatbuffers::Vector<EventOffset>>()
-                               : builder.CreateVector(std::vector<EventOffset>(copiesBelow, below));
+EventOffset encodeLowestEvent(Builder& builder, TextOffset name, const std::string& objectName) {
+    const auto fileName = objectName.empty() ? TextOffset() : builder.CreateString(objectName);
+    schema::LogEventBuilder table(builder);
+    table.add_name(name);
+    if (!objectName.empty()) {
+        table.add_unit(object);
+        table.add_fileName(fileName);
+    }
+    return table.Finish();
+}
+
+EventOffset encodeEvent(Builder& builder, TextOffset name, EventOffset below, std::uint32_t copiesBelow) {
+    const auto subEvents = builder.CreateVector(std::vector<EventOffset>(copiesBelow, below));
     schema::LogEventBuilder table(builder);
     table.add_name(name);
     table.add_subEvents(subEvents);
@@ -23,7 +32,7 @@ EventOffset encodeEvent(Builder& builder, flatbuffers::Offset<flatbuffers::Strin
 
 EventOffset encodeTree(Builder& builder, const SharedEventsShape& shape) {
     const auto name = builder.CreateString("event");
-    EventOffset event = encodeEvent(builder, name, {}, 0);
+    EventOffset event = encodeLowestEvent(builder, name, shape.objectName);
     for (std::uint32_t level = 1; level < shape.levels; ++level) {
         event = encodeEvent(builder, name, event, level <= shape.sharedLevels ? shape.fanOut : 1);
     }

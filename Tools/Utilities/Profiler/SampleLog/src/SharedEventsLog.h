@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <ostream>
+#include <string>
 
 #include "LogWriter.h"
 
@@ -15,6 +16,7 @@ struct SharedEventsShape {
     std::uint32_t levels = 62;  ///< at most what a reader takes, which is 62
     std::uint32_t sharedLevels = 4;
     std::uint32_t fanOut = 216;
+    std::string objectName = {};  ///< makes the lowest event an object for a file of that name
 
     /// @return events of the whole tree
     [[nodiscard]] std::uint64_t eventCount() const;

@@ -12,168 +12,132 @@
 #include <thread>
 
 #include "CsvFile.h"
-#include "Failure.h"
+#include "support/FailureOf.h"
 #include "support/TestChunks.h"
 
 namespace zeb::viewer {
 namespace {
 
+namespace fs = std::filesystem;
+using test::failureOf;
 using test::fileText;
-using test::TempDir;
 
-// Lets no file grow beyond a size, for as long as it lives.
-class FileSizeLimit {
-public:
-    explicit FileSizeLimit(rlim_t bytes) : oldHandler_(std::signal(SIGXFSZ, SIG_IGN)) {
-        ::getrlimit(RLIMIT_FSIZE, &old_);
-        const rlimit limit{bytes, old_.rlim_max};
-        ::setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-    ~FileSizeLimit() {
-        ::setrlimit(RLIMIT_FSIZE, &old_);
-        static_cast<void>(std::signal(SIGXFSZ, oldHandler_));
-    }
-
-private:
-    rlimit old_{};
-    void (*oldHandler_)(int);
-};
+// Makes the call while no file may grow beyond a size.
+std::string failureUnderLimit(rlim_t bytes, const std::function<void()>& call) {
+    auto* const handler = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit old{};
+    ::getrlimit(RLIMIT_FSIZE, &old);
+    const rlimit limit{bytes, old.rlim_max};
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+    std::string failure = failureOf(call);
+    ::setrlimit(RLIMIT_FSIZE, &old);
+    static_cast<void>(std::signal(SIGXFSZ, handler));
+    return failure;
+}
 
 class CsvFile : public testing::Test {
 protected:
-    // The failure's text behind the path, with its exit code in front; empty when there is none.
-    template <typename Call>
-    static std::string failureOf(const std::string& path, Call call) {
-        try {
-            call();
-        } catch (const Failure& failure) {
-            const std::string text = failure.what();
-            return std::to_string(static_cast<int>(failure.exitCode())) + " " +
-                   (text.starts_with(path + ": ") ? text.substr(path.size() + 2) : text);
-        }
-        return "";
+    static std::string appending(const std::string& csv, const std::string& bytes) {
+        return failureOf([&] { appendToFile(csv, bytes); });
     }
-    static std::string appending(const std::string& path, const std::string& bytes) {
-        return failureOf(path, [&] { appendToFile(path, bytes); });
+    std::string checking(const std::string& csv) const {
+        return failureOf([&] { checkCsvPath(csv, files.path("run.log")); });
     }
-    std::string checking(const std::string& path) const {
-        return failureOf(path, [&] { checkCsvPath(path, files.path("run.log")); });
+    static std::string failed(const std::string& csv, const std::string& cause) {
+        return "3 " + csv + ": the CSV file can't be written: " + cause;
     }
 
-    TempDir files;
+    test::TempDir files;
+    std::string path = files.path("runs.csv");
+    std::string missing = files.path("no/runs.csv");
 };
 
-TEST_F(CsvFile, IsCreatedAndAppendedTo) {
-    const std::string path = files.path("runs.csv");
+TEST_F(CsvFile, IsCreatedWhereALinkLeadsAndAppendedTo) {
+    fs::create_symlink("target.csv", path);
     EXPECT_EQ(appending(path, "first\n"), "");
-    EXPECT_EQ(appending(path, "second\n"), "");
+    EXPECT_EQ(appending(files.path("target.csv"), "second\n"), "");
     EXPECT_EQ(fileText(path), "first\nsecond\n");
 }
 
-TEST_F(CsvFile, IsCreatedWhereALinkLeads) {
-    std::filesystem::create_symlink("target.csv", files.path("link.csv"));
-    EXPECT_EQ(appending(files.path("link.csv"), "row\n"), "");
-    EXPECT_EQ(fileText(files.path("target.csv")), "row\n");
-}
-
-TEST_F(CsvFile, KeepsItsBytesWhenTheDiskFillsUp) {
+TEST_F(CsvFile, IsAsBeforeWhenTheDiskFillsUp) {
     const std::string old(1000, 'o');
-    const std::string path = files.write("runs.csv", old);
-    {
-        const FileSizeLimit limit(1500);
-        EXPECT_EQ(appending(path, std::string(1000, 'n')), "3 the CSV file can't be written: File too large");
-    }
+    const auto append = [this] { appendToFile(path, std::string(2000, 'n')); };
+    EXPECT_EQ(failureUnderLimit(1500, append), failed(path, "File too large"));
+    EXPECT_FALSE(fs::exists(path));
+    files.write("runs.csv", old);
+    EXPECT_EQ(failureUnderLimit(1500, append), failed(path, "File too large"));
     EXPECT_EQ(fileText(path), old);
 }
 
-TEST_F(CsvFile, IsRemovedWhenItIsNewAndCannotBeWritten) {
-    const std::string path = files.path("runs.csv");
-    {
-        const FileSizeLimit limit(500);
-        EXPECT_EQ(appending(path, std::string(1000, 'n')), "3 the CSV file can't be written: File too large");
-    }
-    EXPECT_FALSE(std::filesystem::exists(path));
-}
-
-TEST_F(CsvFile, TellsWhyItCannotBeWritten) {
-    EXPECT_EQ(appending("/dev/full", "row\n"), "3 the CSV file can't be written: No space left on device");
-    EXPECT_EQ(appending(files.path(""), "row\n"), "3 the CSV file can't be written: Is a directory");
-    EXPECT_EQ(appending(files.path("no/runs.csv"), "row\n"),
-              "3 the CSV file can't be written: No such file or directory");
-}
-
+// The other one, who holds the lock, appends a row, or removes the file that it has created.
 TEST_F(CsvFile, WaitsForTheOneWhoIsWriting) {
-    const std::string path = files.write("runs.csv", "first\n");
-    const FileDescriptor other(::open(path.c_str(), O_WRONLY | O_APPEND));
-    ASSERT_EQ(::flock(other.get(), LOCK_EX), 0);
-    std::thread waiting([&path] { appendToFile(path, "third\n"); });
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    EXPECT_EQ(::write(other.get(), "second\n", 7), 7);
-    EXPECT_EQ(::flock(other.get(), LOCK_UN), 0);
-    waiting.join();
-    EXPECT_EQ(fileText(path), "first\nsecond\nthird\n");
-}
-
-TEST_F(CsvFile, IsMadeAnewWhenTheOneWhoWasWritingHasRemovedIt) {
-    const std::string path = files.write("runs.csv", "");
-    const FileDescriptor other(::open(path.c_str(), O_WRONLY | O_APPEND));
-    ASSERT_EQ(::flock(other.get(), LOCK_EX), 0);
-    std::thread waiting([&path] { appendToFile(path, "row\n"); });
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    std::filesystem::remove(path);
-    EXPECT_EQ(::flock(other.get(), LOCK_UN), 0);
-    waiting.join();
-    EXPECT_EQ(fileText(path), "row\n");
+    for (const bool isRemoved : {false, true}) {
+        files.write("runs.csv", "first\n");
+        const FileDescriptor other(::open(path.c_str(), O_WRONLY | O_APPEND));
+        ASSERT_EQ(::flock(other.get(), LOCK_EX), 0);
+        std::thread waiting([this] { appendToFile(path, "third\n"); });
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        EXPECT_EQ(::write(other.get(), "second\n", 7), 7);
+        EXPECT_EQ(isRemoved, isRemoved && fs::remove(path));
+        EXPECT_EQ(::flock(other.get(), LOCK_UN), 0);
+        waiting.join();
+        EXPECT_EQ(fileText(path), isRemoved ? "third\n" : "first\nsecond\nthird\n");
+    }
 }
 
 TEST_F(CsvFile, HasAllOrNothingOfAReportWhoseWriterIsInterrupted) {
     constexpr std::size_t reportSize = 64 << 20U;
-    const std::string path = files.write("runs.csv", "old\n");
+    files.write("runs.csv", "old\n");
     const std::string report(reportSize, 'n');
     const pid_t writer = ::fork();
     if (writer == 0) {
         appendToFile(path, report);
         ::_exit(0);
     }
-    while (std::filesystem::file_size(path) == 4) {
+    while (fs::file_size(path) == 4) {
     }
     ASSERT_EQ(::kill(writer, SIGTERM), 0);
     int status = 0;
     ASSERT_EQ(::waitpid(writer, &status, 0), writer);
-    EXPECT_EQ(std::filesystem::file_size(path), 4 + reportSize);
+    EXPECT_EQ(fs::file_size(path), 4 + reportSize);
+}
+
+TEST_F(CsvFile, TellsWhyItCannotBeWritten) {
+    EXPECT_EQ(appending("/dev/full", "row\n"), failed("/dev/full", "No space left on device"));
+    EXPECT_EQ(appending(files.path(""), "row\n"), failed(files.path(""), "Is a directory"));
+    EXPECT_EQ(appending(missing, "row\n"), failed(missing, "No such file or directory"));
 }
 
 TEST_F(CsvFile, IsCheckedWithoutBeingTouched) {
     const std::string log = files.write("run.log", "log");
-    std::filesystem::create_symlink(log, files.path("link.csv"));
-    EXPECT_EQ(checking(files.path("new.csv")), "");
-    EXPECT_FALSE(std::filesystem::exists(files.path("new.csv")));
+    fs::create_symlink(log, files.path("link.csv"));
+    EXPECT_EQ(checking(path), "");
+    EXPECT_FALSE(fs::exists(path));
     EXPECT_EQ(checking(files.write("old.csv", "row\n")), "");
     EXPECT_EQ(fileText(files.path("old.csv")), "row\n");
     EXPECT_EQ(checking("/dev/full"), "");
-    EXPECT_EQ(checking(files.path("")), "3 the CSV file can't be written: Is a directory");
-    EXPECT_EQ(checking(files.path("no/new.csv")),
-              "3 the CSV file can't be created in " + files.path("no") + ": No such file or directory");
-    EXPECT_EQ(checking(log + "/new.csv"), "3 the CSV file can't be written: Not a directory");
-    EXPECT_EQ(checking(files.path("link.csv")), "2 the CSV file is the log itself");
+    EXPECT_EQ(checking(files.path("")), failed(files.path(""), "Is a directory"));
+    EXPECT_EQ(checking(missing), "3 " + missing + ": the CSV file can't be created in " + files.path("no") +
+                                     ": No such file or directory");
+    EXPECT_EQ(checking(log + "/new.csv"), failed(log + "/new.csv", "Not a directory"));
+    EXPECT_EQ(checking(files.path("link.csv")),
+              "2 " + files.path("link.csv") + ": the CSV file is the log itself");
 }
 
-TEST_F(CsvFile, IsWrittenInMemoryFirst) {
-    const CsvBuffer buffer("runs.csv");
-    EXPECT_EQ(buffer.content(), "");
-    std::ofstream(buffer.memoryPath(), std::ios::app) << "row 1\n";
-    std::ofstream(buffer.memoryPath(), std::ios::app) << "row 2\n";
+TEST_F(CsvFile, IsWrittenInMemoryFirstAndNotTakenWhenItIsCutOffThere) {
+    const CsvBuffer buffer(path);
+    const auto write = [&buffer](const std::string& bytes) {
+        std::ofstream(buffer.memoryPath(), std::ios::app) << bytes;
+    };
+    write("row 1\n");
+    write("row 2\n");
     EXPECT_EQ(buffer.content(), "row 1\nrow 2\n");
-}
-
-TEST_F(CsvFile, IsNotTakenFromMemoryWhenItIsCutOffThere) {
-    const FileSizeLimit limit(500);
-    const CsvBuffer buffer("runs.csv");
-    std::ofstream(buffer.memoryPath(), std::ios::app) << std::string(1000, 'x');
-    EXPECT_EQ(failureOf("runs.csv", [&] { static_cast<void>(buffer.content()); }),
-              "3 the CSV file can't be written: File too large");
+    EXPECT_EQ(failureUnderLimit(500,
+                                [&] {
+                                    write(std::string(1000, 'x'));
+                                    static_cast<void>(buffer.content());
+                                }),
+              failed(path, "File too large"));
 }
 
 }  // namespace

@@ -1,12 +1,14 @@
 // A reader plug-in that reads nothing and does what its options tell it:
-//   --args=refuse|throw   --load=refuse|throw|memory|grow|odd|note|shrink
-//   --report=number|range|memory|grow|swallow|odd|refuse|text|object
+//   --args=complain|throw   --load=refuse|throw|memory|grow|odd|note|shrink
+//   --report=throw|memory|grow|swallow|odd|refuse|text|object
 //   --trace               tells each call on standard error
 // Its report is the values of --say, one a line, on standard output, and "csv" as its CSV report.
 
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iostream>
+#include <map>
 #include <memory>
 #include <new>
 #include <sstream>
@@ -19,43 +21,41 @@
 namespace zeb::profiling {
 namespace {
 
-struct OddException {};
-
-// Asks for memory until there is none left, and keeps it.
-void grow() {
+void askForMemory() {
     static std::vector<std::string> kept;
     for (;;) {
         kept.emplace_back(1000, 'x');
     }
 }
 
+// Text streams catch what is thrown while they ask for memory.
+void askForMemoryByText() {
+    std::ostringstream text;
+    while (text << std::string(1000, 'x')) {
+    }
+}
+
+const std::map<std::string, std::function<void()>> acts = {
+    {"throw", [] { throw std::runtime_error("the cat sat on it"); }},
+    {"odd", [] { throw 'o'; }},
+    {"note", [] { std::cout << "note\n"; }},
+    {"complain", [] { std::cerr << "the fake reader's own words\n"; }},
+    {"object", [] { std::ofstream("object.bin") << "bytes"; }},
+    {"memory", [] { throw std::bad_alloc(); }},
+    {"grow", askForMemory},
+    {"swallow", askForMemoryByText},
+};
+
 void actOn(const std::string& what) {
-    if (what == "throw") {
-        throw std::runtime_error("the cat sat on it");
-    }
-    if (what == "memory") {
-        throw std::bad_alloc();
-    }
-    if (what == "grow") {
-        grow();
-    }
-    if (what == "odd") {
-        throw OddException();
-    }
-    if (what == "number") {
-        throw std::invalid_argument("invalid stoull argument");
-    }
-    if (what == "range") {
-        throw std::out_of_range("stoull argument out of range");
+    if (const auto act = acts.find(what); act != acts.end()) {
+        act->second();
     }
 }
 
 class FakeReader final : public IZebPluginLogReader {
 public:
     FakeReader(const std::string& logFilePath, VisibilityLevel level)
-        : log_(logFilePath),
-          created_(logFilePath.substr(logFilePath.rfind('/') + 1) + " " +
-                   std::to_string(static_cast<int>(level))) {}
+        : log_(logFilePath), level_(static_cast<int>(level)) {}
     ~FakeReader() override { trace("deleteReader"); }
 
     bool parseBackendArgs(commandline2::ParsedArgs& args) override {
@@ -64,24 +64,18 @@ public:
             return false;
         }
         trace_ = args.lookup("--trace").found;
-        trace("createReader " + created_);
+        trace("createReader " + log_ + " " + std::to_string(level_));
         trace("parseBackendArgs");
         load_ = valueOf(args, "--load");
         report_ = valueOf(args, "--report");
         said_ = args.lookup("--say");
         const std::string act = valueOf(args, "--args");
         actOn(act);
-        if (act == "refuse") {
-            std::cerr << "the fake reader's own words\n";
-        }
-        return act != "refuse";
+        return act != "complain";
     }
 
     bool loadLog(bool saveObjects) override {
         trace(saveObjects ? "loadLog saving" : "loadLog");
-        if (load_ == "note") {
-            std::cout << "note\n";
-        }
         actOn(load_);
         if (load_ == "shrink") {
             std::filesystem::resize_file(log_, std::filesystem::file_size(log_) - 1);
@@ -97,14 +91,6 @@ public:
         if (!outputPath.empty()) {
             std::ofstream csv(outputPath, std::ios::app);
             csv << "csv " << (report_ == "text" ? std::string(2000, 'x') : "") << '\n';
-        }
-        if (report_ == "object") {
-            std::ofstream("object.bin") << "bytes";
-        }
-        if (report_ == "swallow") {
-            std::ostringstream text;
-            while (text << std::string(1000, 'x')) {
-            }
         }
         actOn(report_);
         return report_ != "refuse";
@@ -128,7 +114,7 @@ private:
     }
 
     std::string log_;
-    std::string created_;
+    int level_;
     bool trace_ = false;
     std::string load_;
     std::string report_;

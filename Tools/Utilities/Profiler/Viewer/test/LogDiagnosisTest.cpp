@@ -11,7 +11,7 @@ namespace {
 
 using test::OrdinaryUser;
 using test::prefixOf;
-using test::soundChunk;
+using test::soundLog;
 using test::TempDir;
 using test::withPrefix;
 
@@ -33,13 +33,10 @@ TEST_F(LogDiagnosis, HasOwnWordsForPlainTroubles) {
     EXPECT_EQ(trouble(files.path(std::string(300, 'n'))), "the log can't be read: File name too long");
     EXPECT_EQ(trouble(files.write("one-byte.log", "x")), "");
     EXPECT_EQ(trouble("/dev/null"), "");
-}
-
-TEST_F(LogDiagnosis, NamesMissingPermission) {
-    const std::string path = files.write("secret.log", "x");
-    ASSERT_EQ(::chmod(files.path("").c_str(), 0755) + ::chmod(path.c_str(), 0), 0);
+    const std::string secret = files.write("secret.log", "x");
+    ASSERT_EQ(::chmod(files.path("").c_str(), 0755) + ::chmod(secret.c_str(), 0), 0);
     const OrdinaryUser user;
-    EXPECT_EQ(trouble(path), "the log can't be read: Permission denied");
+    EXPECT_EQ(trouble(secret), "the log can't be read: Permission denied");
 }
 
 TEST_F(LogDiagnosis, LeavesAPipeUnread) {
@@ -51,43 +48,36 @@ TEST_F(LogDiagnosis, LeavesAPipeUnread) {
 }
 
 TEST_F(LogDiagnosis, NamesTheChunkAndTheCheck) {
-    const std::string chunk = soundChunk();
-    const std::string start = withPrefix(chunk) + withPrefix(chunk);
+    const std::string chunk = soundLog().substr(4);
+    const std::string start = soundLog() + soundLog();
     const auto bent = [&chunk](std::size_t position, char byte) {
         std::string bytes = chunk;
         bytes.at(position) = byte;
         return withPrefix(bytes);
     };
     const std::size_t nameEnd = chunk.find("generator") + 9;
+    const std::string cutOff = "is cut off at the end of the file: only ";
+    const std::string there = " bytes of it are there";
     const struct {
-        const char* damage;
         std::string tail;
         std::size_t length;
         std::string words;
     } cases[] = {
-        {"no bytes", prefixOf(0), 0, "is too short to be a chunk"},
-        {"11 bytes", withPrefix(chunk.substr(0, 11)), 11, "is too short to be a chunk"},
-        {"cut in its body", withPrefix(chunk).substr(0, 10), chunk.size(),
-         "is cut off at the end of the file: only 6 bytes of it are there"},
-        {"cut behind its length", prefixOf(20), 20,
-         "is cut off at the end of the file: only 0 bytes of it are there"},
-        {"length of 4 GiB", prefixOf(0xFFFFFFFFU) + chunk, 0xFFFFFFFFU,
-         "is cut off at the end of the file: only " + std::to_string(chunk.size()) +
-             " bytes of it are there"},
-        {"root offset", bent(3, '\x7F'), chunk.size(), "has a root offset that leads out of it"},
-        {"string without end", bent(nameEnd, 'x'), chunk.size(),
+        {prefixOf(0), 0, "is too short to be a chunk"},
+        {withPrefix(chunk.substr(0, 11)), 11, "is too short to be a chunk"},
+        {soundLog().substr(0, 10), chunk.size(), cutOff + "6" + there},
+        {prefixOf(20), 20, cutOff + "0" + there},
+        {prefixOf(0xFFFFFFFFU) + chunk, 0xFFFFFFFFU, cutOff + std::to_string(chunk.size()) + there},
+        {bent(3, '\x7F'), chunk.size(), "has a root offset that leads out of it"},
+        {bent(nameEnd, 'x'), chunk.size(),
          "fails verification: a table, vector or string in it is malformed"},
     };
-    for (const auto& [damage, tail, length, words] : cases) {
+    for (const auto& [tail, length, words] : cases) {
         EXPECT_EQ(whyRejected(files.write("run.log", start + tail)),
                   "the log can't be read: chunk 3 at byte " + std::to_string(start.size()) + ", " +
-                      std::to_string(length) + " bytes long, " + words)
-            << damage;
+                      std::to_string(length) + " bytes long, " + words);
     }
-}
-
-TEST_F(LogDiagnosis, SaysSoWhenAllChunksAreSound) {
-    EXPECT_EQ(whyRejected(files.write("run.log", withPrefix(soundChunk()) + "xx")),
+    EXPECT_EQ(whyRejected(files.write("run.log", start + "xx")),
               "the log can't be read, though all of its chunks are sound");
     EXPECT_EQ(whyRejected(files.path("gone.log")), "the log can't be read: No such file or directory");
 }
@@ -100,8 +90,7 @@ TEST_F(LogDiagnosis, DoesNotTakeAReadErrorForTheEnd) {
     EXPECT_EQ(whyRejected(failing), "the log can't be read beyond byte 0: Input/output error");
     EXPECT_EQ(whyEndedEarly(files.path("gone.log")), std::nullopt);
     for (const char* const tail : {"", "xx"}) {
-        EXPECT_EQ(whyEndedEarly(files.write("run.log", withPrefix(soundChunk()) + prefixOf(0) + tail)),
-                  std::nullopt);
+        EXPECT_EQ(whyEndedEarly(files.write("run.log", soundLog() + prefixOf(0) + tail)), std::nullopt);
     }
 }
 

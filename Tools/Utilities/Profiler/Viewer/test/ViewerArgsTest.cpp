@@ -49,19 +49,19 @@ TEST(ViewerArgs, FindsOptionsAndTheirValues) {
 
 TEST(ViewerArgs, KnowsWhatNobodyHasAskedFor) {
     ViewerArgs args({"--a", "1", "--b=2", "word", "--", "--c"});
-    const auto expectLeftover = [&args](const std::string& name, bool isOption) {
+    const struct {
+        std::string asked;
+        std::string leftover;
+        bool isOption;
+    } cases[] = {{"--d", "--a", true}, {"--a", "--b", true}, {"--b", "word", false}, {"--c", "word", false}};
+    for (const auto& [asked, name, isOption] : cases) {
+        args.lookup(asked);
         const auto leftover = args.firstLeftover();
         ASSERT_TRUE(leftover.has_value());
         EXPECT_EQ(leftover->name, name);
         EXPECT_EQ(leftover->isOption, isOption);
-    };
-    expectLeftover("--a", true);
-    args.lookup("--a");
-    expectLeftover("--b", true);
-    args.lookup("--b");
-    args.lookup("--c");
-    expectLeftover("word", false);
-    EXPECT_EQ(args.askedNames(), (std::set<std::string>{"--a", "--b", "--c"}));
+    }
+    EXPECT_EQ(args.askedNames(), (std::set<std::string>{"--a", "--b", "--c", "--d"}));
 
     ViewerArgs allFound({"--a", "1"});
     allFound.lookup("--a");

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <map>
 #include <sstream>
 
 #include "commandline/AppArgManagerImpl.h"
@@ -15,8 +14,6 @@ namespace {
 using commandline::ApplicationInfo;
 using test::CommandLine;
 using test::Strings;
-using testing::internal::CaptureStderr;
-using testing::internal::GetCapturedStderr;
 
 const std::string usageHead =
     "\n"
@@ -24,17 +21,9 @@ const std::string usageHead =
     "  [ --help ]            Displays this help message.\n"
     "  [ --version ]         Displays version information.\n";
 
-// The usage text behind the part that is always the same.
-std::string usageRows(const AppArgManagerImpl& manager) {
-    std::ostringstream out;
-    manager.printUsage(out);
-    EXPECT_EQ(out.str().substr(0, usageHead.size()), usageHead);
-    return out.str().substr(usageHead.size());
-}
-
 class AppArgManagerTest : public testing::Test {
 protected:
-    void value(const std::string& name, bool required = false, const std::string& description = "Text.") {
+    void value(const std::string& name, bool required, const std::string& description = "Text.") {
         const auto keep = [this](const OptionValues& values) {
             for (const auto& given : values) {
                 handled.push_back(*given);
@@ -48,11 +37,11 @@ protected:
         manager.addFlagOption(name, &flagGiven, "Text.", false, hidden);
     }
 
-    std::int32_t parse(std::map<std::string, Strings> given) {
+    std::int32_t parse(CommandLine::Given given) {
         CommandLine line(std::move(given));
-        CaptureStderr();
+        testing::internal::CaptureStderr();
         const std::int32_t code = manager.parse(line);
-        said = GetCapturedStderr();
+        said = testing::internal::GetCapturedStderr();
         asked = line.asked;
         return code;
     }
@@ -66,22 +55,20 @@ protected:
 };
 
 TEST_F(AppArgManagerTest, SetsWhatWasGivenAndNothingElse) {
-    value("--clock");
+    value("--clock", false);
     flag("--internal");
+    manager.addValidator([this] { return flagGiven ? "seen" : ""; });
     EXPECT_EQ(parse({{"--clock", {"12", "13"}}, {"--unknown", {}}}), parseGood);
     EXPECT_EQ(handled, (Strings{"12", "13"}));
     EXPECT_FALSE(flagGiven);
     EXPECT_EQ(said, "");
     EXPECT_TRUE(manager.isOptionSet("--clock"));
-    EXPECT_FALSE(manager.isOptionSet("--internal"));
-    EXPECT_FALSE(manager.isOptionSet("--unknown"));
-
-    EXPECT_EQ(parse({{"--internal", {}}}), parseGood);
-    EXPECT_TRUE(flagGiven);
-    EXPECT_TRUE(manager.isOptionSet("--internal"));
+    EXPECT_FALSE(manager.isOptionSet("--internal") || manager.isOptionSet("--unknown"));
+    EXPECT_EQ(parse({{"--internal", {}}}), parseInvalid) << "the checks run after the handlers";
+    EXPECT_TRUE(flagGiven && manager.isOptionSet("--internal"));
 }
 
-TEST_F(AppArgManagerTest, HelpWinsOverVersionAndBothOverEveryError) {
+TEST_F(AppArgManagerTest, HelpWinsOverVersionAndBothOverEveryErrorUnlessTheyAreLeftToTheCaller) {
     value("--needed", true);
     manager.addValidator([] { return "never seen"; });
     EXPECT_EQ(parse({{"--version", {}}, {"--help", {}}, {"--needed", {"1"}}}), parseHelpShown);
@@ -89,89 +76,74 @@ TEST_F(AppArgManagerTest, HelpWinsOverVersionAndBothOverEveryError) {
     EXPECT_EQ(parse({{"--version", {}}}), parseHelpShown);
     EXPECT_EQ(said, "ZEB SDK v2.51.0.260929181845\n");
     EXPECT_EQ(handled, Strings{});
-}
-
-TEST_F(AppArgManagerTest, LeavesHelpAndVersionToTheCallerWhenToldTo) {
     AppArgManagerImpl plain(false);
-    CommandLine line({{"--help", {}}, {"--version", {}}});
+    CommandLine line(CommandLine::Given{{"--help", {}}, {"--version", {}}});
     EXPECT_EQ(plain.parse(line), parseGood);
     EXPECT_EQ(line.asked, Strings{});
-    EXPECT_EQ(parse({}), parseGood);
-    EXPECT_EQ(asked, (Strings{"--help", "--version"}));
 }
 
-TEST_F(AppArgManagerTest, TellsAllThatIsWrongAtOnce) {
+TEST_F(AppArgManagerTest, TellsAllThatIsWrongAtOnceAndCountsARefusedOptionAsMissing) {
     value("--needed", true);
+    value("--optional", false);
+    const std::string usage = usageHead +
+                              "  --needed=<val>        Text.\n"
+                              "  [ --optional=<val> ]  Text.\n"
+                              "\nArguments Invalid:\n";
+    const std::string missing = "ERROR:\tMissing required argument: --needed\n";
+    accept = false;
+    EXPECT_EQ(parse({{"--needed", {"1"}}, {"--optional", {"2"}}}), parseInvalid);
+    EXPECT_EQ(said, usage + missing);
+    EXPECT_EQ(handled.size(), 2U);
     manager.addValidator([] { return "first"; });
     manager.addValidator([] { return ""; });
     manager.addValidator([] { return "last"; });
-    const std::string usage = usageHead + "  --needed=<val>        Text.\n\nArguments Invalid:\n";
     EXPECT_EQ(parse({}), parseInvalid);
-    EXPECT_EQ(said, usage + "ERROR:\tMissing required argument: --needed\nERROR:\tfirst\nERROR:\tlast\n");
-
+    EXPECT_EQ(said, usage + missing + "ERROR:\tfirst\nERROR:\tlast\n");
+    accept = true;
     EXPECT_EQ(parse({{"--needed", {"1"}}}), parseInvalid);
     EXPECT_EQ(said, usage + "ERROR:\tfirst\nERROR:\tlast\n");
 }
 
-TEST_F(AppArgManagerTest, CountsARefusedRequiredOptionAsMissing) {
-    value("--needed", true);
-    value("--optional");
-    accept = false;
-    EXPECT_EQ(parse({{"--needed", {"1"}}, {"--optional", {"2"}}}), parseInvalid);
-    EXPECT_EQ(said, usageHead +
-                        "  --needed=<val>        Text.\n"
-                        "  [ --optional=<val> ]  Text.\n"
-                        "\nArguments Invalid:\nERROR:\tMissing required argument: --needed\n");
-    EXPECT_EQ(handled.size(), 2U);
-}
-
-TEST_F(AppArgManagerTest, ChecksRunAfterTheHandlers) {
-    flag("--extra");
-    manager.addValidator([this] { return flagGiven ? "seen" : ""; });
-    EXPECT_EQ(parse({}), parseGood);
-    EXPECT_EQ(parse({{"--extra", {}}}), parseInvalid);
+// The usage text behind the part that is always the same.
+std::string usageRows(const AppArgManagerImpl& manager) {
+    std::ostringstream out;
+    manager.printUsage(out);
+    EXPECT_EQ(out.str().substr(0, usageHead.size()), usageHead);
+    return out.str().substr(usageHead.size());
 }
 
 TEST_F(AppArgManagerTest, LaysTheUsageRowsOut) {
-    const std::string blanks(24, ' ');
+    const std::string nextRow = "\n" + std::string(24, ' ');
     const struct {
-        const char* rule;
-        std::string name;
+        std::size_t nameSize;
         std::string description;
-        std::string rows;
+        std::string row;
     } cases[] = {
-        {"label of 22", "--" + std::string(14, 'a'), "Text.", "  [ --aaaaaaaaaaaaaa ]  Text.\n"},
-        {"label of 23", "--" + std::string(15, 'a'), "Text.",
-         "  [ --aaaaaaaaaaaaaaa ] \n" + blanks + "Text.\n"},
-        {"label of 24", "--" + std::string(16, 'a'), "Text.",
-         "  [ --aaaaaaaaaaaaaaaa ]\n" + blanks + "Text.\n"},
-        {"label of 25", "--" + std::string(17, 'a'), "Text.",
-         "  [ --aaaaaaaaaaaaaaaaa ]\n" + blanks + "Text.\n"},
-        {"long label, no text", "--" + std::string(17, 'a'), "", "  [ --aaaaaaaaaaaaaaaaa ]\n"},
-        {"no text", "--a", "", "  [ --a ]               \n"},
-        {"three lines", "--a", "1\n2\n3", "  [ --a ]               1\n" + blanks + "2\n" + blanks + "3\n"},
-        {"line feed at the end", "--a", "1\n", "  [ --a ]               1\n"},
-        {"only a line feed", "--a", "\n", "  [ --a ]               \n"},
-        {"blank last line", "--a", "1\n\n", "  [ --a ]               1\n" + blanks + "\n"},
+        {14, "Text.", "  [ --aaaaaaaaaaaaaa ]  Text."},
+        {15, "Text.", "  [ --aaaaaaaaaaaaaaa ] " + nextRow + "Text."},
+        {16, "Text.", "  [ --aaaaaaaaaaaaaaaa ]" + nextRow + "Text."},
+        {17, "Text.", "  [ --aaaaaaaaaaaaaaaaa ]" + nextRow + "Text."},
+        {17, "", "  [ --aaaaaaaaaaaaaaaaa ]"},
+        {1, "", "  [ --a ]               "},
+        {1, "1\n2\n3", "  [ --a ]               1" + nextRow + "2" + nextRow + "3"},
+        {1, "\n", "  [ --a ]               "},
+        {1, "1\n\n", "  [ --a ]               1" + nextRow},
     };
-    for (const auto& [rule, name, description, rows] : cases) {
+    for (const auto& [nameSize, description, row] : cases) {
         AppArgManagerImpl ofOne(true);
-        ofOne.addFlagOption(name, &flagGiven, description, false, false);
-        EXPECT_EQ(usageRows(ofOne), rows) << rule;
+        ofOne.addFlagOption("--" + std::string(nameSize, 'a'), &flagGiven, description, false, false);
+        EXPECT_EQ(usageRows(ofOne), row + "\n");
     }
 }
 
 TEST_F(AppArgManagerTest, ListsInOrderOfRegistrationWithoutHiddenOptions) {
-    for (const char* name : {"--zeta", "--alpha", "--mid"}) {
-        flag(name);
-    }
+    flag("--zeta");
+    flag("--alpha");
     flag("--secret", true);
     value("--alpha", true, "Never seen.");  // the first one stands, and has its row twice
-    EXPECT_EQ(usageRows(manager),
-              "  [ --zeta ]            Text.\n"
-              "  [ --alpha ]           Text.\n"
-              "  [ --mid ]             Text.\n"
-              "  [ --alpha ]           Text.\n");
+    EXPECT_EQ(
+        usageRows(manager),
+        "  [ --zeta ]            Text.\n  [ --alpha ]           Text.\n  [ --alpha ]           Text.\n");
     EXPECT_EQ(parse({{"--secret", {}}}), parseGood);
     EXPECT_TRUE(manager.isOptionSet("--secret"));
     EXPECT_EQ(std::count(asked.begin(), asked.end(), "--alpha"), 1);
@@ -179,14 +151,10 @@ TEST_F(AppArgManagerTest, ListsInOrderOfRegistrationWithoutHiddenOptions) {
 
 TEST(ApplicationInfoTest, FallsBackToTheSdk) {
     const ApplicationInfo sdk("", "", "");
-    EXPECT_EQ(sdk.applicationName(), "Halvorne Neural Network SDK");
+    EXPECT_EQ(sdk.applicationName() + sdk.description(), "Halvorne Neural Network SDK");
     EXPECT_EQ(sdk.version(), "ZEB SDK v2.51.0.260929181845");
-    EXPECT_EQ(sdk.description(), "");
     const ApplicationInfo own("Tool", "1.0", "About.");
     EXPECT_EQ(own.applicationName() + own.version() + own.description(), "Tool1.0About.");
-    CaptureStderr();
-    own.printMessage("hello");
-    EXPECT_EQ(GetCapturedStderr(), "hello\n");
 }
 
 }  // namespace

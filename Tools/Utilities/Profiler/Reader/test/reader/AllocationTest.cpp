@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <filesystem>
+#include <functional>
 #include <iostream>
 #include <memory>
 #include <new>
@@ -51,96 +52,63 @@ void noteNoMemory(const char* format, std::int32_t /*level*/, std::uint64_t /*ti
     toldNoMemory = toldNoMemory || std::strcmp(format, "Unable to allocate memory: %s") == 0;
 }
 
-enum class Ending : std::uint8_t { good, falseLoad, falseReport, badAlloc };
-
 struct Run {
-    Ending ending;
-    bool struck;
-    std::uint64_t console;
+    std::string ending;
+    bool struck = false;
+    std::uint64_t console = 0;
     std::string csv;
-    std::size_t leaked;
+    std::size_t leaked = 0;
 };
 
-/// A log in a directory of its own, which is the working directory meanwhile: objects are saved there.
-class LogPlace {
-public:
-    explicit LogPlace(const std::string& log) : previous_(std::filesystem::current_path()) {
-        directory_.write("log", log);
-        std::filesystem::current_path(directory_.directory());
-        setLogger(loggerHandle, std::make_shared<Logger>(Logger{noteNoMemory, ZEB_LOG_LEVEL_DEBUG, 0}));
-    }
-    ~LogPlace() {
-        setLogger(loggerHandle, nullptr);
-        std::filesystem::current_path(previous_);
-    }
-    LogPlace(const LogPlace&) = delete;
-    LogPlace& operator=(const LogPlace&) = delete;
-
-    template <typename Reader>
-    Run read(std::size_t failingAllocation, FaultKind kind) {
-        const std::string log = "log";
-        const std::string csv = "csv";
-        Run run{};
-        toldNoMemory = false;
-        const std::size_t before = test::outstandingAllocations();
-        {
-            const SummedOutput output;
-            const AllocationFault fault(failingAllocation, kind);
-            run.ending = readTo<Reader>(log, csv);
-            run.struck = fault.hasStruck();
-            run.console = output.sum();
+template <typename Reader>
+const char* endingOf() {
+    try {
+        Reader reader("log", VisibilityLevel{127});
+        if (!reader.loadLog(true)) {
+            return "false load";
         }
-        run.leaked = test::outstandingAllocations() - before;
-        run.csv = test::fileText(csv);
-        removeFilesBut(log);
-        return run;
+        return reader.generateReports("csv") ? "good" : "false report";
+    } catch (const std::bad_alloc&) {
+        return "bad_alloc";
     }
+}
 
-private:
-    template <typename Reader>
-    static Ending readTo(const std::string& log, const std::string& csv) {
-        try {
-            Reader reader(log, VisibilityLevel{127});
-            if (!reader.loadLog(true)) {
-                return Ending::falseLoad;
-            }
-            return reader.generateReports(csv) ? Ending::good : Ending::falseReport;
-        } catch (const std::bad_alloc&) {
-            return Ending::badAlloc;
-        }
+template <typename Reader>
+Run read(const std::string& log, std::size_t failingAllocation, FaultKind kind) {
+    const test::TempDir directory;
+    directory.write("log", log);
+    std::filesystem::current_path(directory.directory());  // objects are saved there
+    Run run;
+    toldNoMemory = false;
+    const std::size_t before = test::outstandingAllocations();
+    {
+        const SummedOutput output;
+        const AllocationFault fault(failingAllocation, kind);
+        run.ending = endingOf<Reader>();
+        run.struck = fault.hasStruck();
+        run.console = output.sum();
     }
+    run.leaked = test::outstandingAllocations() - before;
+    run.csv = test::fileText("csv");
+    return run;
+}
 
-    void removeFilesBut(const std::string& kept) const {
-        for (const auto& entry : std::filesystem::directory_iterator(directory_.directory())) {
-            if (entry.path().filename() != kept) {
-                std::filesystem::remove(entry.path());
-            }
-        }
-    }
-
-    test::TempDir directory_;
-    std::filesystem::path previous_;
-};
-
-constexpr std::size_t noAllocation = 0;
-
-std::string networkLog() {
+std::string written(const std::function<void(std::ostream&)>& write) {
     std::ostringstream out;
+    write(out);
+    return out.str();
+}
+
+const std::string networkLog = written([](std::ostream& out) {
     samplelog::writeNetworkLog(out, {.async = true, .executions = 2, .layers = 3});
-    return out.str();
-}
-
-std::string methodsLog() {
-    std::ostringstream out;
-    samplelog::writeMethodsLog(out);
-    return out.str();
-}
+});
+const std::string methodsLog = written(samplelog::writeMethodsLog);
 
 std::size_t chunksIn(const std::string& log) {
     std::size_t chunks = 0;
-    for (std::uint32_t length = 0, at = 0; at < log.size(); at += length + 4) {
+    std::uint32_t length = 0;
+    for (std::size_t at = 0; at < log.size(); at += length + 4, ++chunks) {
         std::memcpy(&length, log.data() + at, sizeof(length));
-        ++chunks;
     }
     return chunks;
 }
@@ -148,42 +116,43 @@ std::size_t chunksIn(const std::string& log) {
 // Fails each allocation of a run in turn.
 template <typename Reader>
 void failEach(const std::string& log, FaultKind kind) {
-    LogPlace place(log);
-    place.read<Reader>(noAllocation, kind);  // what is made once for the process is made here
-    const Run good = place.read<Reader>(noAllocation, kind);
-    ASSERT_EQ(good.ending, Ending::good);
+    setLogger(loggerHandle, std::make_shared<Logger>(Logger{noteNoMemory, ZEB_LOG_LEVEL_DEBUG, 0}));
+    read<Reader>(log, 0, kind);  // what is made once for the process is made here
+    const Run good = read<Reader>(log, 0, kind);
+    ASSERT_EQ(good.ending, "good");
     std::size_t falseLoads = 0;
     for (std::size_t number = 1;; ++number) {
         SCOPED_TRACE("allocation " + std::to_string(number));
-        const Run run = place.read<Reader>(number, kind);
+        const Run run = read<Reader>(log, number, kind);
         EXPECT_EQ(run.leaked, 0U);
-        if (run.ending == Ending::good) {
+        if (run.ending == "good") {
             EXPECT_EQ(run.console, good.console) << "nothing is left out without a word";
             EXPECT_EQ(run.csv, good.csv);
-        } else if (run.ending == Ending::falseLoad) {
+        } else if (run.ending == "false load") {
             EXPECT_TRUE(toldNoMemory);
             ++falseLoads;
         } else {
-            EXPECT_EQ(run.ending, Ending::badAlloc);
+            EXPECT_EQ(run.ending, "bad_alloc");
         }
         if (!run.struck || testing::Test::HasFailure()) {
             break;
         }
     }
+    setLogger(loggerHandle, nullptr);
     if (kind == FaultKind::single) {  // the buffer of a chunk is two allocations
         EXPECT_EQ(falseLoads, 2 * chunksIn(log)) << "only a chunk without memory is a false load";
     }
 }
 
 TEST(Allocation, FailsOnceWithoutALossOrALeak) {
-    failEach<ZebProfileLogReaderMURL>(networkLog(), FaultKind::single);
-    failEach<ZebProfileLogReader>(networkLog(), FaultKind::single);
-    failEach<ZebProfileLogReader>(methodsLog(), FaultKind::single);
+    failEach<ZebProfileLogReaderMURL>(networkLog, FaultKind::single);
+    failEach<ZebProfileLogReader>(networkLog, FaultKind::single);
+    failEach<ZebProfileLogReader>(methodsLog, FaultKind::single);
 }
 
 TEST(Allocation, FailsForGoodWithoutALossOrALeak) {
-    failEach<ZebProfileLogReaderMURL>(networkLog(), FaultKind::lasting);
-    failEach<ZebProfileLogReader>(methodsLog(), FaultKind::lasting);
+    failEach<ZebProfileLogReaderMURL>(networkLog, FaultKind::lasting);
+    failEach<ZebProfileLogReader>(methodsLog, FaultKind::lasting);
 }
 
 }  // namespace

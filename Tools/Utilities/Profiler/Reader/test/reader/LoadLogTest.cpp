@@ -1,7 +1,6 @@
 // Loading: what is read, what is refused, and what a refused log leaves behind.
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
 #include <filesystem>
 
@@ -15,10 +14,6 @@ using test::CaughtLog;
 using test::event;
 using test::message;
 using test::MethodType;
-using testing::internal::CaptureStderr;
-using testing::internal::CaptureStdout;
-using testing::internal::GetCapturedStderr;
-using testing::internal::GetCapturedStdout;
 using Lines = std::vector<std::string>;
 using Loaded = test::Loaded<ZebProfileLogReader>;
 
@@ -44,11 +39,6 @@ Bytes withoutRoot(Bytes chunk) {
     return chunk;
 }
 
-Bytes cutOff(Bytes chunk) {
-    chunk.pop_back();
-    return chunk;
-}
-
 TEST(LoadLog, TakesWholeLogsOnlyAndKeepsWhatItHasStored) {
     const Bytes first = chunk({execution("a")});
     const Bytes second = chunk({execution("b")});
@@ -59,17 +49,14 @@ TEST(LoadLog, TakesWholeLogsOnlyAndKeepsWhatItHasStored) {
         std::size_t graphs;
     } cases[] = {
         {"empty", {}, true, 0},
-        {"1 byte", {7}, true, 0},
         {"3 bytes", {7, 0, 0}, true, 0},
-        {"two chunks", first + second, true, 2},
         {"stray bytes behind a chunk", first + Bytes{7, 0}, true, 1},
         {"a chunk without messages", first + chunk({}) + second, true, 2},
         {"an unknown method", chunk({message(MethodType::Unknown, "x", 1), execution("a")}), true, 1},
         {"a prefix of 0", first + Bytes{0, 0, 0, 0} + second, false, 1},
-        {"a prefix of 0 alone", {0, 0, 0, 0}, false, 0},
         {"a damaged first chunk", withoutRoot(first) + second, false, 0},
         {"a damaged second chunk", first + withoutRoot(second), false, 1},
-        {"a chunk that the end cuts off", first + cutOff(second), false, 1},
+        {"a chunk that the end cuts off", first + Bytes(second.begin(), second.end() - 1), false, 1},
         {"a prefix and nothing else", first + Bytes{12, 0, 0, 0}, false, 1},
     };
     for (const auto& [name, bytes, isLoaded, graphs] : cases) {
@@ -87,12 +74,11 @@ TEST(LoadLog, TakesWholeLogsOnlyAndKeepsWhatItHasStored) {
 TEST(LoadLog, OfAMissingFileIsSilentAndMakesNone) {
     const test::TempDir directory;
     const std::string path = directory.path("missing");
-    CaptureStdout();
-    CaptureStderr();
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
     EXPECT_FALSE(ZebProfileLogReader(path, VisibilityLevel{127}).loadLog(true));
-    EXPECT_EQ(GetCapturedStdout() + GetCapturedStderr(), "");
+    EXPECT_EQ(testing::internal::GetCapturedStdout() + testing::internal::GetCapturedStderr(), "");
     EXPECT_FALSE(std::filesystem::exists(path));
-
     const CaughtLog log;
     EXPECT_FALSE(ZebProfileLogReader(path, VisibilityLevel{127}).loadLog(false));
     EXPECT_EQ(log.lines(), Lines{"1 Invalid or nonexistent file: " + path});
@@ -119,14 +105,6 @@ TEST(LoadLog, LeavesNoMessageToReadWhetherItSucceedsOrFails) {
     }
 }
 
-TEST(LoadLog, WritesTheNotesOfTheAggregationAndNothingElse) {
-    const std::string note =
-        "Multiple queue-wait time events found per execution. Cannot calculate Host Round-Trip excluding "
-        "queue wait\n";
-    EXPECT_EQ(Loaded(chunk({execution("a")})).notes, note + note + note);
-    EXPECT_EQ(Loaded(chunk({message(MethodType::Execute, "a", 1)})).notes, "");
-}
-
 TEST(LoadLog, SurvivesAPrefixOfNearlyFourGigabytes) {
     const CaughtLog log(ZEB_LOG_LEVEL_ERROR);
     EXPECT_FALSE(Loaded(Bytes{0xFE, 0xFF, 0xFF, 0xFF, 1, 2, 3}).isLoaded);
@@ -136,30 +114,12 @@ TEST(LoadLog, SurvivesAPrefixOfNearlyFourGigabytes) {
         << log.lines()[0];
 }
 
-#ifndef __SANITIZE_ADDRESS__  // the sanitizer itself needs more memory than the limit allows
-TEST(LoadLog, ReportsThatThereIsNoMemoryForAChunk) {
-    const auto loadWithLittleMemory = [] {
-        const test::TempDir directory;
-        const CaughtLog log(ZEB_LOG_LEVEL_ERROR);
-        ZebProfileLogReader reader(directory.write("log", {0xFE, 0xFF, 0xFF, 0xFF, 1, 2, 3}),
-                                   VisibilityLevel{127});
-        const rlimit limit{1U << 30U, 1U << 30U};
-        const bool isLimited = setrlimit(RLIMIT_AS, &limit) == 0;
-        const bool isLoaded = reader.loadLog(false);
-        return isLimited && !isLoaded && log.has("1 Unable to allocate memory: std::bad_alloc");
-    };
-    EXPECT_EXIT(std::_Exit(loadWithLittleMemory() ? 0 : 1), testing::ExitedWithCode(0), "");
-}
-#endif
-
 TEST(LoadLog, DecodesMessagesBelowItsLevel) {
     const struct {
         int readerLevel;
         std::int8_t messageLevel;
         bool isDecoded;
-    } cases[] = {{1, 0, true},   {0, 0, false},       {0, -1, true},    {1, -1, true},
-                 {1, 1, false},  {-128, -128, false}, {127, 126, true}, {127, 127, false},
-                 {-1, 0, false}, {-127, -128, true}};
+    } cases[] = {{1, 0, true}, {0, 0, false}, {0, -1, true}, {-128, -128, false}, {127, 127, false}};
     for (const auto& [readerLevel, messageLevel, isDecoded] : cases) {
         test::Message execute = message(MethodType::Execute, "a", 1);
         execute.level = messageLevel;

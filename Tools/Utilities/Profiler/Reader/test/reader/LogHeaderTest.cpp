@@ -5,7 +5,6 @@
 
 #include <ctime>
 #include <limits>
-#include <optional>
 
 #include "support/TestReader.h"
 
@@ -17,51 +16,21 @@ using test::Header;
 using Loaded = test::Loaded<ZebProfileLogReader>;
 
 constexpr std::uint64_t second = 1'000'000;
-
-// Runs in a time zone of its own.
-class LogHeaderTest : public testing::Test {
-public:
-    LogHeaderTest() {
-        if (const char* const zone = getenv("TZ")) {
-            zone_ = zone;
-        }
-        setZone("UTC0");
-    }
-    ~LogHeaderTest() override {
-        if (zone_) {
-            setZone(*zone_);
-        } else {
-            unsetenv("TZ");
-            tzset();
-        }
-    }
-    LogHeaderTest(const LogHeaderTest&) = delete;
-    LogHeaderTest& operator=(const LogHeaderTest&) = delete;
-
-protected:
-    static void setZone(const std::string& zone) {
-        setenv("TZ", zone.c_str(), 1);
-        tzset();
-    }
-
-    // The header's text behind the line of the log's path.
-    static std::string textOf(const Header& header) {
-        Loaded loaded(samplelog::encodeLog(header, {}));
-        const std::string text = loaded.reader.printHeader();
-        const std::string first = "Input Log File Location: " + loaded.reader.logFilePath() + "\n";
-        EXPECT_EQ(text.substr(0, first.size()), text.empty() ? "" : first);
-        return text.empty() ? text : text.substr(first.size());
-    }
-
-private:
-    std::optional<std::string> zone_;
-};
-
-const std::string created1970 = "Log File Created: Thu Jan  1 00:00:00 1970\n";
 const std::string noTimes = "Time Scale: 0\nEpoch Timestamp: 0 Steady Clock Timestamp: 0\n";
 const std::string viewer = "Generated using: \nzeb-profile-viewer: v2.51.0.260929181845\n";
 
-TEST_F(LogHeaderTest, ShowsTheNamesThatAreThere) {
+// The header's text behind the line of the log's path.
+std::string textOf(const Header& header, const char* zone = "UTC0") {
+    ::setenv("TZ", zone, 1);
+    ::tzset();
+    Loaded loaded(samplelog::encodeLog(header, {}));
+    const std::string text = loaded.reader.printHeader();
+    const std::string first = "Input Log File Location: " + loaded.reader.logFilePath() + "\n";
+    EXPECT_EQ(text.substr(0, first.size()), text.empty() ? "" : first);
+    return text.empty() ? text : text.substr(first.size());
+}
+
+TEST(LogHeader, ShowsTheNamesThatAreThere) {
     const struct {
         std::optional<std::string> name;
         std::optional<std::string> version;
@@ -69,47 +38,40 @@ TEST_F(LogHeaderTest, ShowsTheNamesThatAreThere) {
         std::string lines;
     } cases[] = {
         {{}, {}, {}, ""},
-        {"", "", "", ""},
-        {"tool", "1.2", {}, "tool: 1.2\n"},
+        {"", "1.2", "", ""},
         {"tool", {}, {}, ""},
         {"tool", "", "murl 3", "Backend: murl 3\n"},
-        {{}, "1.2", {}, ""},
-        {"tool", "1.2", "murl 3", "tool: 1.2\nBackend: murl 3\n"},
         {std::string("to\0l", 4), "1\n2", "%s", std::string("to\0l", 4) + ": 1\n2\nBackend: %s\n"},
     };
-    const std::string always = created1970 + noTimes + viewer;
     for (const auto& [name, version, backend, lines] : cases) {
-        Header header;
-        header.generatorName = name;
-        header.generatorVersion = version;
-        header.backendInfo = backend;
-        const std::string text = textOf(header);
-        EXPECT_EQ(text.substr(0, always.size()), always);
-        EXPECT_EQ(text.substr(always.size()), lines);
+        const Header header{.generatorName = name, .generatorVersion = version, .backendInfo = backend};
+        EXPECT_EQ(textOf(header), "Log File Created: Thu Jan  1 00:00:00 1970\n" + noTimes + viewer + lines);
     }
 }
 
-TEST_F(LogHeaderTest, ShowsTheTimes) {
+TEST(LogHeader, ShowsLocalTimesUpToTheYear9999AndFloatsLikeStreams) {
     const struct {
         std::uint64_t epoch;
-        const char* created;
+        const char* zone;
+        std::string created;
+        float scale;
+        std::string scaleText;
     } cases[] = {
-        {1, "Thu Jan  1 00:00:00 1970"},
-        {1'699'999'999'999'999, "Tue Nov 14 22:13:19 2023"},
-        {1'700'000'000'000'000, "Tue Nov 14 22:13:20 2023"},
-        {253'402'300'799 * second, "Fri Dec 31 23:59:59 9999"},
+        {0, "XYZ-3:30", "Thu Jan  1 03:30:00 1970", 1234567.0F, "1.23457e+06"},
+        {1'699'999'999'999'999, "UTC0", "Tue Nov 14 22:13:19 2023", -0.5F, "-0.5"},
+        {253'402'300'799 * second, "UTC0", "Fri Dec 31 23:59:59 9999", 52.0833333F, "52.0833"},
     };
-    for (const auto& [epoch, created] : cases) {
-        Header header;
-        header.epochTimestamp = epoch;
-        header.steadyClockTimestamp = std::numeric_limits<std::uint64_t>::max();
-        EXPECT_EQ(textOf(header), "Log File Created: " + std::string(created) +
-                                      "\nTime Scale: 0\nEpoch Timestamp: " + std::to_string(epoch) +
-                                      " Steady Clock Timestamp: 18446744073709551615\n" + viewer);
+    for (const auto& [epoch, zone, created, scale, scaleText] : cases) {
+        const Header header{.timeScale = scale,
+                            .epochTimestamp = epoch,
+                            .steadyClockTimestamp = std::numeric_limits<std::uint64_t>::max(),
+                            .generatorName = {},
+                            .generatorVersion = {},
+                            .backendInfo = {}};
+        EXPECT_EQ(textOf(header, zone), "Log File Created: " + created + "\nTime Scale: " + scaleText +
+                                            "\nEpoch Timestamp: " + std::to_string(epoch) +
+                                            " Steady Clock Timestamp: 18446744073709551615\n" + viewer);
     }
-}
-
-TEST_F(LogHeaderTest, HasNoTextForAYearOfFiveDigits) {
     for (const std::uint64_t epoch : {253'402'300'800 * second, std::numeric_limits<std::uint64_t>::max()}) {
         Header header;
         header.epochTimestamp = epoch;
@@ -117,55 +79,31 @@ TEST_F(LogHeaderTest, HasNoTextForAYearOfFiveDigits) {
     }
 }
 
-TEST_F(LogHeaderTest, ShowsLocalTime) {
-    setZone("XYZ-3:30");
-    EXPECT_EQ(textOf({}).substr(0, created1970.size()), "Log File Created: Thu Jan  1 03:30:00 1970\n");
-}
-
-TEST_F(LogHeaderTest, ShowsTheTimeScaleAsStreamsShowFloats) {
-    const struct {
-        float scale;
-        const char* text;
-    } cases[] = {
-        {1.0F, "1"}, {0.1F, "0.1"}, {52.0833333F, "52.0833"}, {1234567.0F, "1.23457e+06"}, {-0.5F, "-0.5"}};
-    for (const auto& [scale, text] : cases) {
-        Header header;
-        header.timeScale = scale;
-        EXPECT_EQ(
-            test::behindLines(textOf(header), 1),
-            "Time Scale: " + std::string(text) + "\nEpoch Timestamp: 0 Steady Clock Timestamp: 0\n" + viewer);
-    }
-}
-
 Bytes chunkOf(std::optional<std::string> name) {
-    if (!name) {
-        return samplelog::encodeLog(std::nullopt, {});
-    }
     Header header;
-    header.generatorName = std::move(name);
-    header.generatorVersion = "1";
-    return samplelog::encodeLog(header, {});
+    header.generatorName = name;
+    return samplelog::encodeLog(name ? std::optional(header) : std::nullopt, {});
 }
 
-TEST_F(LogHeaderTest, IsTheFirstOneOfTheLog) {
+TEST(LogHeader, IsTheFirstOneOfTheLogThatIsWhole) {
+    Bytes damaged = chunkOf("tool");
+    damaged.pop_back();
     const struct {
-        std::vector<std::optional<std::string>> chunks;
+        std::vector<Bytes> chunks;
         std::optional<std::string> captured;
     } cases[] = {
         {{}, {}},
-        {{std::nullopt, std::nullopt}, {}},
-        {{std::nullopt, "second"}, "second"},
-        {{"first", "second"}, "first"},
-        {{"first", std::nullopt}, "first"},
+        {{chunkOf({}), chunkOf({})}, {}},
+        {{chunkOf({}), chunkOf("second")}, "second"},
+        {{chunkOf("first"), chunkOf("second"), chunkOf({})}, "first"},
+        {{damaged}, {}},
     };
     for (const auto& [chunks, captured] : cases) {
         Bytes bytes;
-        for (const auto& name : chunks) {
-            const Bytes chunk = chunkOf(name);
+        for (const Bytes& chunk : chunks) {
             bytes.insert(bytes.end(), chunk.begin(), chunk.end());
         }
         Loaded loaded(bytes);
-        EXPECT_TRUE(loaded.isLoaded);
         const test::CaughtLog log;
         EXPECT_EQ(loaded.reader.printHeader().empty(), !captured);
         EXPECT_EQ(log.has("5 Header details unavailable."), !captured);
@@ -173,29 +111,10 @@ TEST_F(LogHeaderTest, IsTheFirstOneOfTheLog) {
     }
 }
 
-TEST_F(LogHeaderTest, IsNotTakenFromADamagedChunk) {
-    Bytes bytes = chunkOf("tool");
-    bytes.pop_back();
-    Loaded loaded(bytes);
-    EXPECT_FALSE(loaded.isLoaded);
-    EXPECT_EQ(loaded.reader.printHeader(), "");
-    EXPECT_EQ(ZebProfileLogReader("nothing", VisibilityLevel{1}).printHeader(), "");
-}
-
-TEST_F(LogHeaderTest, KnowsTheAdapterUpdaterByItsExactName) {
-    const struct {
-        std::string name;
-        bool isAdapterUpdater;
-    } cases[] = {
-        {"sorel-lora-adapter-bin-updater", true},
-        {"sorel-lora-adapter-bin-updater2", false},
-        {"sorel-lora-adapter-bin-update", false},
-        {"Sorel-lora-adapter-bin-updater", false},
-        {std::string("sorel-lora-adapter-bin-updater\0", 31), false},
-        {"", false},
-    };
-    for (const auto& [name, isAdapterUpdater] : cases) {
-        EXPECT_EQ(Loaded(chunkOf(name)).reader.header().isAdapterUpdaterLog, isAdapterUpdater) << name;
+TEST(LogHeader, KnowsTheAdapterUpdaterByItsExactName) {
+    const std::string exact = "sorel-lora-adapter-bin-updater";
+    for (const std::string& name : {exact, exact + "2", exact.substr(1), exact + '\0', std::string()}) {
+        EXPECT_EQ(Loaded(chunkOf(name)).reader.header().isAdapterUpdaterLog, name == exact) << name;
     }
 }
 

@@ -1,9 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <fstream>
+#include <functional>
 #include <iostream>
 #include <memory>
-#include <sstream>
 #include <streambuf>
 #include <string>
 #include <thread>
@@ -42,11 +43,10 @@ void countLine(const char* /*format*/, std::int32_t /*level*/, std::uint64_t /*t
     ++linesLogged;
 }
 
-samplelog::Bytes sampleLog(void (*write)(std::ostream&)) {
-    std::ostringstream out;
+std::string writtenTo(const std::string& path, const std::function<void(std::ostream&)>& write) {
+    std::ofstream out(path, std::ios::binary);
     write(out);
-    const std::string text = out.str();
-    return {text.begin(), text.end()};
+    return path;
 }
 
 std::string csvOf(IZebPluginLogReader& reader, const std::string& csvPath) {
@@ -60,11 +60,10 @@ TEST(Threads, HaveAReaderEach) {
     constexpr int threadCount = 8;
     constexpr int runsEach = 10;
     const test::TempDir directory;
-    const std::string network =
-        directory.write("network", sampleLog([](std::ostream& out) {
-                            samplelog::writeNetworkLog(out, {.async = true, .executions = 3, .layers = 5});
-                        }));
-    const std::string methods = directory.write("methods", sampleLog(samplelog::writeMethodsLog));
+    const std::string network = writtenTo(directory.path("network"), [](std::ostream& out) {
+        samplelog::writeNetworkLog(out, {.async = true, .executions = 3, .layers = 5});
+    });
+    const std::string methods = writtenTo(directory.path("methods"), samplelog::writeMethodsLog);
     const DroppedOutput output;
     const auto logger = std::make_shared<const Logger>(Logger{countLine, ZEB_LOG_LEVEL_DEBUG, 0});
     setLogger(loggerHandle, logger);
@@ -100,7 +99,7 @@ TEST(Threads, HaveAReaderEach) {
 TEST(Threads, MayExchangeTheLoggerMeanwhile) {
     const auto logger = std::make_shared<const Logger>(Logger{countLine, ZEB_LOG_LEVEL_DEBUG, 0});
     const test::TempDir directory;
-    const std::string methods = directory.write("methods", sampleLog(samplelog::writeMethodsLog));
+    const std::string methods = writtenTo(directory.path("methods"), samplelog::writeMethodsLog);
     const DroppedOutput output;
     std::atomic<bool> done{false};
     std::thread exchanging([&] {

@@ -1,6 +1,5 @@
 #include "support/AllocationFault.h"
 
-#include <algorithm>
 #include <cstdlib>
 #include <new>
 
@@ -23,18 +22,14 @@ struct Allocator {
         return strikes;
     }
 
-    void* allocate(std::size_t size, std::size_t alignment) noexcept {
-        if (fails()) {
-            return nullptr;
-        }
-        const std::size_t rounded = (std::max<std::size_t>(size, 1) + alignment - 1) / alignment * alignment;
-        void* const memory = std::aligned_alloc(alignment, rounded);
+    void* allocate(std::size_t size) noexcept {
+        void* const memory = fails() ? nullptr : std::aligned_alloc(16, (size / 16 + 1) * 16);
         outstanding += memory == nullptr ? 0 : 1;
         return memory;
     }
 
-    void* allocateOrThrow(std::size_t size, std::size_t alignment) {
-        if (void* const memory = allocate(size, alignment)) {
+    void* allocateOrThrow(std::size_t size) {
+        if (void* const memory = allocate(size)) {
             return memory;
         }
         throw std::bad_alloc();
@@ -47,7 +42,6 @@ struct Allocator {
 };
 
 constinit Allocator allocator;
-constexpr std::size_t usual = __STDCPP_DEFAULT_NEW_ALIGNMENT__;
 
 }  // namespace
 
@@ -72,30 +66,17 @@ bool AllocationFault::hasStruck() const {
 
 }  // namespace zeb::test
 
-// All forms: a sanitizer has its own in place of those that are left out.
+// All forms that are called: a sanitizer has its own in place of those that are left out.
 using zeb::test::allocator;
-using zeb::test::usual;
-using Size = std::size_t;
-using Alignment = std::align_val_t;
-using NoThrow = std::nothrow_t;
 
-void* operator new(Size size) {
-    return allocator.allocateOrThrow(size, usual);
+void* operator new(std::size_t size) {
+    return allocator.allocateOrThrow(size);
 }
-void* operator new[](Size size) {
-    return allocator.allocateOrThrow(size, usual);
+void* operator new[](std::size_t size) {
+    return allocator.allocateOrThrow(size);
 }
-void* operator new(Size size, Alignment alignment) {
-    return allocator.allocateOrThrow(size, static_cast<Size>(alignment));
-}
-void* operator new[](Size size, Alignment alignment) {
-    return allocator.allocateOrThrow(size, static_cast<Size>(alignment));
-}
-void* operator new(Size size, const NoThrow& /*tag*/) noexcept {
-    return allocator.allocate(size, usual);
-}
-void* operator new[](Size size, const NoThrow& /*tag*/) noexcept {
-    return allocator.allocate(size, usual);
+void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
+    return allocator.allocate(size);
 }
 void operator delete(void* memory) noexcept {
     allocator.free(memory);
@@ -103,27 +84,9 @@ void operator delete(void* memory) noexcept {
 void operator delete[](void* memory) noexcept {
     allocator.free(memory);
 }
-void operator delete(void* memory, Size /*size*/) noexcept {
+void operator delete(void* memory, std::size_t /*size*/) noexcept {
     allocator.free(memory);
 }
-void operator delete[](void* memory, Size /*size*/) noexcept {
-    allocator.free(memory);
-}
-void operator delete(void* memory, Alignment /*alignment*/) noexcept {
-    allocator.free(memory);
-}
-void operator delete[](void* memory, Alignment /*alignment*/) noexcept {
-    allocator.free(memory);
-}
-void operator delete(void* memory, Size /*size*/, Alignment /*alignment*/) noexcept {
-    allocator.free(memory);
-}
-void operator delete[](void* memory, Size /*size*/, Alignment /*alignment*/) noexcept {
-    allocator.free(memory);
-}
-void operator delete(void* memory, const NoThrow& /*tag*/) noexcept {
-    allocator.free(memory);
-}
-void operator delete[](void* memory, const NoThrow& /*tag*/) noexcept {
+void operator delete[](void* memory, std::size_t /*size*/) noexcept {
     allocator.free(memory);
 }

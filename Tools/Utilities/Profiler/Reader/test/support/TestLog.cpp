@@ -20,32 +20,6 @@ void catchLine(const char* format, std::int32_t level, std::uint64_t /*timestamp
 
 }  // namespace
 
-Event event(std::string name, Value value, std::vector<Event> subEvents) {
-    Event made;
-    made.name = std::move(name);
-    made.value = std::move(value);
-    made.subEvents = std::move(subEvents);
-    return made;
-}
-
-Event ofType(std::uint32_t type, Event event) {
-    event.type = type;
-    return event;
-}
-
-Event inUnit(std::uint32_t unit, Event event) {
-    event.unit = unit;
-    return event;
-}
-
-Event object(std::string name, samplelog::Bytes bytes, std::string fileName) {
-    Event made = inUnit(samplelog::Unit::object, event(std::move(name), std::move(bytes)));
-    if (!fileName.empty()) {
-        made.fileName = std::move(fileName);
-    }
-    return made;
-}
-
 Message message(MethodType type, std::string text, std::uint64_t durationUs, std::vector<Event> events,
                 std::uint64_t timestamp) {
     Message made;

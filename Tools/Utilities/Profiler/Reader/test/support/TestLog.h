@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "EventMakers.h"
 #include "LogWriter.h"
 #include "logging/Logger.h"
 #include "support/TestFiles.h"
@@ -17,14 +18,21 @@ using samplelog::Event;
 using samplelog::Header;
 using samplelog::Message;
 using samplelog::MethodType;
+using samplelog::ofType;
 using samplelog::Value;
 
 /// An event with a name, a value and what is below it.
-Event event(std::string name, Value value = {}, std::vector<Event> subEvents = {});
-Event ofType(std::uint32_t type, Event event);
-Event inUnit(std::uint32_t unit, Event event);
+inline Event event(std::string name, Value value = {}, std::vector<Event> subEvents = {}) {
+    return samplelog::event(std::move(name), std::move(value), samplelog::microseconds, std::move(subEvents));
+}
+inline Event inUnit(std::uint32_t unit, Event event) {
+    event.unit = unit;
+    return event;
+}
 /// An event of unit object with bytes and a file name.
-Event object(std::string name, samplelog::Bytes bytes, std::string fileName = {});
+inline Event object(std::string name, samplelog::Bytes bytes, std::string fileName = {}) {
+    return samplelog::objectEvent(std::move(name), std::move(bytes), std::move(fileName));
+}
 inline Value number(std::uint64_t value) {
     return value;
 }

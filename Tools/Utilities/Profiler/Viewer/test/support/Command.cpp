@@ -1,102 +1,39 @@
 #include "support/Command.h"
 
-#include <fcntl.h>
+#include <gtest/gtest.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <array>
-#include <csignal>
-#include <system_error>
-
 namespace zeb::viewer::test {
 
-namespace {
-
-constexpr int writeNew = O_WRONLY | O_CREAT | O_TRUNC;
-
-void require(int error, const char* what) {
-    if (error != 0) {
-        throw std::system_error(error, std::generic_category(), what);
-    }
-}
-
-class FileActions {
-public:
-    FileActions() { require(posix_spawn_file_actions_init(&actions_), "file actions"); }
-    FileActions(const FileActions&) = delete;
-    FileActions& operator=(const FileActions&) = delete;
-    ~FileActions() { posix_spawn_file_actions_destroy(&actions_); }
-
-    void open(int descriptor, const std::string& path, int flags) {
-        require(posix_spawn_file_actions_addopen(&actions_, descriptor, path.c_str(), flags, 0666), "open");
-    }
-    void close(int descriptor) { require(posix_spawn_file_actions_addclose(&actions_, descriptor), "close"); }
-    void copy(int from, int to) { require(posix_spawn_file_actions_adddup2(&actions_, from, to), "dup2"); }
-
-    [[nodiscard]] const posix_spawn_file_actions_t* get() const { return &actions_; }
-
-private:
-    posix_spawn_file_actions_t actions_{};
-};
-
-pid_t spawn(const std::vector<std::string>& arguments, const FileActions& actions) {
-    std::vector<char*> argv;
-    argv.reserve(arguments.size() + 1);
+CommandResult runCommand(const Strings& arguments, const std::string& output,
+                         const std::function<void(pid_t)>& meanwhile) {
+    const TempDir captures;
+    // The shell sets the streams up, and becomes the program in the directory that it was started in.
+    const std::string script =
+        "here=$PWD; cd \"$0\"; mkfifo pipe; exec </dev/null 2>err " + output + "; cd \"$here\"; exec \"$@\"";
+    std::vector<const char*> argv = {"/bin/sh", "-c", script.c_str(), captures.directory().c_str()};
     for (const std::string& argument : arguments) {
-        argv.push_back(const_cast<char*>(argument.c_str()));
+        argv.push_back(argument.c_str());
     }
     argv.push_back(nullptr);
-    pid_t child = 0;
-    require(posix_spawn(&child, argv.front(), actions.get(), nullptr, argv.data(), environ), argv.front());
-    return child;
-}
-
-}  // namespace
-
-RunningCommand::RunningCommand(const std::vector<std::string>& arguments, Output output) {
-    std::array<int, 2> pipe{};
-    require(pipe2(pipe.data(), O_CLOEXEC) == 0 ? 0 : errno, "pipe");
-    ::close(pipe[0]);
-    FileActions actions;
-    actions.open(STDIN_FILENO, "/dev/null", O_RDONLY);
-    actions.open(STDERR_FILENO, captures_.path("err"), writeNew);
-    switch (output) {
-        case Output::captured:
-            actions.open(STDOUT_FILENO, captures_.path("out"), writeNew);
-            break;
-        case Output::full:
-            actions.open(STDOUT_FILENO, "/dev/full", O_WRONLY);
-            break;
-        case Output::brokenPipe:
-            actions.copy(pipe[1], STDOUT_FILENO);
-            break;
-        case Output::closed:
-            actions.close(STDOUT_FILENO);
-            break;
+    auto* const argvOfShell = const_cast<char**>(argv.data());
+    pid_t process = -1;
+    EXPECT_EQ(posix_spawn(&process, argv.front(), nullptr, nullptr, argvOfShell, environ), 0);
+    if (meanwhile) {
+        meanwhile(process);
     }
-    process_ = spawn(arguments, actions);
-    ::close(pipe[1]);
-}
-
-void RunningCommand::sendSignal(int signal) const {
-    require(::kill(process_, signal) == 0 ? 0 : errno, "kill");
-}
-
-CommandResult RunningCommand::wait() {
     int status = 0;
-    if (waitpid(process_, &status, 0) != process_) {
-        require(errno, "waitpid");
-    }
-    CommandResult result;
-    result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-    result.out = fileText(captures_.path("out"));
-    result.err = fileText(captures_.path("err"));
-    return result;
+    EXPECT_EQ(::waitpid(process, &status, 0), process);
+    return {.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status),
+            .out = fileText(captures.path("out")),
+            .err = fileText(captures.path("err"))};
 }
 
-CommandResult runCommand(const std::vector<std::string>& arguments, Output output) {
-    return RunningCommand(arguments, output).wait();
+void expectFailure(const CommandResult& result, int exitCode, const std::string& line) {
+    EXPECT_EQ(result.exitCode, exitCode) << line;
+    EXPECT_EQ(result.err, "zeb-profile-viewer: " + line + "\n");
 }
 
 }  // namespace zeb::viewer::test

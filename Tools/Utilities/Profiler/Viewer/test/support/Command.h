@@ -2,7 +2,7 @@
 
 #include <sys/types.h>
 
-#include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -10,13 +10,16 @@
 
 namespace zeb::viewer::test {
 
-/// Where a command's standard output goes.
-enum class Output : std::uint8_t {
-    captured,
-    full,        ///< a device without room
-    brokenPipe,  ///< a pipe that nobody reads any more
-    closed,      ///< no file at all
-};
+using Strings = std::vector<std::string>;
+
+/// Where a command's standard output goes, as a shell's redirection.
+namespace output {
+inline const std::string captured = ">out";
+inline const std::string full = ">/dev/full";
+inline const std::string closed = ">&-";
+/// A pipe that nobody reads any more.
+inline const std::string brokenPipe = "3<>pipe >pipe 3<&-";
+}  // namespace output
 
 struct CommandResult {
     int exitCode = -1;  ///< above 128: ended by that signal
@@ -24,23 +27,13 @@ struct CommandResult {
     std::string err;
 };
 
-/// A program that runs.
-class RunningCommand {
-public:
-    /// @param arguments the program's path first
-    explicit RunningCommand(const std::vector<std::string>& arguments, Output output = Output::captured);
-
-    void sendSignal(int signal) const;
-    /// Waits for the end. To be called once.
-    CommandResult wait();
-
-private:
-    TempDir captures_;
-    pid_t process_ = -1;
-};
-
 /// Runs a program to its end.
 /// @param arguments the program's path first
-CommandResult runCommand(const std::vector<std::string>& arguments, Output output = Output::captured);
+/// @param meanwhile is called once the program runs
+CommandResult runCommand(const Strings& arguments, const std::string& output = output::captured,
+                         const std::function<void(pid_t)>& meanwhile = {});
+
+/// Expects the exit code, and the line alone on standard error.
+void expectFailure(const CommandResult& result, int exitCode, const std::string& line);
 
 }  // namespace zeb::viewer::test

@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <string>
 
+#include "LogWriter.h"
+#include "SharedEventsLog.h"
 #include "support/TestFiles.h"
 
 namespace zeb::viewer::test {
@@ -11,17 +13,34 @@ using zeb::test::fileText;
 using zeb::test::OrdinaryUser;
 using zeb::test::TempDir;
 
-/// @return a chunk of a log, a header with a name in it, without its length prefix
-std::string soundChunk();
-
-/// @return a log of few bytes that stands for more than two million events: eight children each, seven levels
-///         deep, the same ones for all parents. The innermost is an object.
-std::string sharedEventsLog(const std::string& objectName);
+inline std::string textOf(const samplelog::Bytes& log) {
+    return {log.begin(), log.end()};
+}
 
 /// @return the length prefix of a chunk
-std::string prefixOf(std::uint32_t length);
+inline std::string prefixOf(std::uint32_t length) {
+    std::string prefix;
+    for (unsigned shift = 0; shift < 32; shift += 8) {
+        prefix += static_cast<char>(length >> shift & 0xFFU);
+    }
+    return prefix;
+}
 
 /// @return the chunk with its length prefix
-std::string withPrefix(const std::string& chunk);
+inline std::string withPrefix(const std::string& chunk) {
+    return prefixOf(static_cast<std::uint32_t>(chunk.size())) + chunk;
+}
+
+/// @return a log of one chunk, which holds a header with a name in it
+inline std::string soundLog() {
+    return textOf(samplelog::encodeLog(
+        samplelog::Header{.generatorName = "generator", .generatorVersion = {}, .backendInfo = {}}, {}));
+}
+
+/// @return a log of few bytes that stands for more than two million events, with an object at the bottom
+inline std::string sharedEventsLog(const std::string& objectName) {
+    return textOf(samplelog::encodeSharedEventsLog(
+        {.levels = 8, .sharedLevels = 7, .fanOut = 8, .objectName = objectName}));
+}
 
 }  // namespace zeb::viewer::test

@@ -10,11 +10,6 @@ namespace zeb::profiling {
 namespace {
 
 using test::CommandLine;
-using test::Strings;
-using testing::internal::CaptureStderr;
-using testing::internal::CaptureStdout;
-using testing::internal::GetCapturedStderr;
-using testing::internal::GetCapturedStdout;
 
 const std::string usage =
     "\n"
@@ -25,25 +20,18 @@ const std::string usage =
     "  [ --extra_help ]      Display extra help message on MURL backend specific options.\n";
 
 TEST(BackendOptions, AreTakenOrAnsweredOnStandardError) {
+    const std::string extra =
+        usage +
+        "\nArguments Invalid:\nERROR:\tDisregard error, displaying MURL profiler viewer help message\n";
     const struct {
-        std::map<std::string, Strings> given;
+        CommandLine::Given given;
         bool goesOn;
         std::string said;
         bool isInternal;
     } cases[] = {
-        {{}, true, "", false},
         {{{"--internal", {}}}, true, "", true},
         {{{"--unknown", {"x"}}}, true, "", false},
-        {{{"--extra_help", {}}},
-         false,
-         usage +
-             "\nArguments Invalid:\nERROR:\tDisregard error, displaying MURL profiler viewer help message\n",
-         false},
-        {{{"--extra_help", {}}, {"--internal", {}}},
-         false,
-         usage +
-             "\nArguments Invalid:\nERROR:\tDisregard error, displaying MURL profiler viewer help message\n",
-         true},
+        {{{"--extra_help", {}}, {"--internal", {}}}, false, extra, true},
         {{{"--help", {}}, {"--version", {}}, {"--internal", {}}}, false, usage, false},
         {{{"--version", {}}, {"--extra_help", {}}}, false, "ZEB SDK v2.51.0.260929181845\n", false},
     };
@@ -51,21 +39,13 @@ TEST(BackendOptions, AreTakenOrAnsweredOnStandardError) {
         test::Loaded<ZebProfileLogReaderMURL> loaded({test::message(
             test::MethodType::Execute, "g", 1, {test::event("Execute Profiling Level", test::number(2))})});
         CommandLine line(given);
-        CaptureStdout();
-        CaptureStderr();
+        testing::internal::CaptureStdout();
+        testing::internal::CaptureStderr();
         EXPECT_EQ(loaded.reader.parseBackendArgs(line), goesOn);
-        EXPECT_EQ(GetCapturedStderr(), said);
-        EXPECT_EQ(GetCapturedStdout(), "");
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), said);
+        EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
         EXPECT_EQ(test::holds(loaded.console(), "Loopback Enabled"), isInternal);
     }
-}
-
-TEST(BackendOptions, AreUnknownToTheGenericReader) {
-    CommandLine line({{"--help", {}}, {"--extra_help", {}}});
-    CaptureStderr();
-    EXPECT_TRUE(ZebProfileLogReader("log", VisibilityLevel{1}).parseBackendArgs(line));
-    EXPECT_EQ(GetCapturedStderr(), "");
-    EXPECT_EQ(line.asked, Strings{});
 }
 
 }  // namespace

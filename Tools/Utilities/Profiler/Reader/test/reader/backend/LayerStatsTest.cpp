@@ -2,13 +2,13 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
-
 #include "reader/backend/LayerStats.h"
 #include "reader/backend/ZebLayers.h"
 
 namespace zeb::profiling {
 namespace {
+
+using Numbers = std::vector<std::uint64_t>;
 
 constexpr std::uint32_t offloaded = 1;
 constexpr std::uint32_t linked = 2;
@@ -21,27 +21,23 @@ TEST(LayerStats, LinkedLayersTakeTheCountOfTheirGroup) {
         std::vector<std::uint32_t> given;
         std::vector<std::uint32_t> counts;
     } cases[] = {
-        {"from the nearest one before", {3, 3, 3, 3}, {8, 0, 5, 0}, {8, 8, 5, 5}},
+        {"from the nearest one before", {3, 3, 7, 3}, {8, 0, 5, 0}, {8, 8, 5, 5}},
         {"over layers in between", {3, 1, 0, 2, 3}, {8, 0, 4, 9, 0}, {8, 0, 4, 9, 8}},
         {"before any there is none", {3, 3, 3}, {0, 2, 0}, {huge, 2, 2}},
-        {"an offloaded layer alone keeps 0", {1}, {0}, {0}},
         {"a layer on the DSP keeps 0, linked or not", {3, 2, 0}, {8, 0, 0}, {8, 0, 0}},
-        {"a loopback layer is like others", {7, 7}, {8, 0}, {8, 8}},
     };
     for (const auto& [rule, flags, given, counts] : cases) {
         LayerConfig config;
-        GraphProfile profile;
+        GraphProfile profile{.layerCount = static_cast<std::uint32_t>(flags.size()), .layerRecords = {}};
         for (std::size_t layer = 0; layer < flags.size(); ++layer) {
             config.entries.push_back({.flags = flags[layer]});
             profile.layerRecords.push_back({.execCount = given[layer], .totalTimeUs = 80});
         }
-        profile.layerCount = static_cast<std::uint32_t>(flags.size());
         const auto stats = computeLayerStats(profile, config);
         ASSERT_EQ(stats.size(), counts.size());
         for (std::size_t layer = 0; layer < counts.size(); ++layer) {
             EXPECT_EQ(stats[layer].execCount, counts[layer]) << rule << ", layer " << layer;
             EXPECT_EQ(stats[layer].avgTimeUs, counts[layer] == 0 ? 0 : 80 / counts[layer]);
-            EXPECT_EQ(stats[layer].totalTimeUs, 80U);
         }
     }
 }
@@ -52,40 +48,29 @@ LayerStats statsOf(std::uint32_t flags, const LayerRecord& record, std::uint32_t
         .at(0);
 }
 
+Numbers figuresOf(const LayerStats& stats) {
+    return {stats.avgTimeUs,       stats.avgDspCycles,    stats.avgHalExecUs,  stats.avgKrelExecUs,
+            stats.avgDriverExecUs, stats.avgCacheFlushUs, stats.avgCoreCycles, stats.avgCoreTimeUs,
+            stats.totalTimeUs,     stats.totalDspCycles,  stats.nodeCount};
+}
+
 TEST(LayerStats, DivideByTheCount) {
-    const LayerRecord record{.nodeCount = 3,
-                             .execCount = 4,
-                             .orderKey = 9,
-                             .totalTimeUs = 403,
-                             .totalDspCycles = (1ULL << 40U) + 3,
-                             .totalCoreCycles = 4003,
-                             .totalHalExecUs = 43,
-                             .totalKrelExecUs = 47,
-                             .totalDriverExecUs = 51,
-                             .totalCacheFlushUs = 55};
-    const LayerStats core = statsOf(offloaded, record);
-    EXPECT_EQ(core.orderKey, 9U);
-    EXPECT_EQ(core.avgTimeUs, 100U);
-    EXPECT_EQ(core.avgDspCycles, 1ULL << 38U);
-    EXPECT_EQ(core.totalDspCycles, (1ULL << 40U) + 3);
-    EXPECT_EQ(core.avgHalExecUs, 10U);
-    EXPECT_EQ(core.avgKrelExecUs, 11U);
-    EXPECT_EQ(core.avgDriverExecUs, 12U);
-    EXPECT_EQ(core.avgCacheFlushUs, 13U);
-    EXPECT_EQ(core.nodeCount, 3U);
-    EXPECT_EQ(core.avgCoreCycles, 1000U);
-    EXPECT_EQ(core.avgCoreTimeUs, 1000U);
-    const LayerStats dsp = statsOf(linked, record);
-    EXPECT_EQ(dsp.avgTimeUs, 100U);
-    EXPECT_EQ(dsp.avgDspCycles, 1ULL << 38U);
-    EXPECT_EQ(dsp.avgCoreCycles + dsp.avgCoreTimeUs + dsp.nodeCount + dsp.avgHalExecUs, 0U);
-    LayerRecord neverRun = record;
-    neverRun.execCount = 0;
-    const LayerStats idle = statsOf(offloaded, neverRun);
-    EXPECT_EQ(idle.avgTimeUs + idle.avgDspCycles + idle.avgCoreCycles + idle.avgCoreTimeUs, 0U);
-    EXPECT_EQ(idle.avgHalExecUs + idle.avgDriverExecUs + idle.avgCacheFlushUs + idle.avgKrelExecUs, 0U);
-    EXPECT_EQ(idle.totalTimeUs, 403U);
-    EXPECT_EQ(idle.nodeCount, 3U);
+    LayerRecord record{.nodeCount = 3,
+                       .execCount = 4,
+                       .totalTimeUs = 403,
+                       .totalDspCycles = (1ULL << 40U) + 3,
+                       .totalCoreCycles = 4003,
+                       .totalHalExecUs = 43,
+                       .totalKrelExecUs = 47,
+                       .totalDriverExecUs = 51,
+                       .totalCacheFlushUs = 55};
+    const std::uint64_t cycles = record.totalDspCycles;
+    EXPECT_EQ(figuresOf(statsOf(offloaded, record)),
+              (Numbers{100, cycles / 4, 10, 11, 12, 13, 1000, 1000, 403, cycles, 3}));
+    EXPECT_EQ(figuresOf(statsOf(linked, record)),
+              (Numbers{100, cycles / 4, 0, 0, 0, 0, 0, 0, 403, cycles, 0}));
+    record.execCount = 0;
+    EXPECT_EQ(figuresOf(statsOf(offloaded, record)), (Numbers{0, 0, 0, 0, 0, 0, 0, 0, 403, cycles, 3}));
 }
 
 TEST(LayerStats, TellTheCoreTimeByTheClock) {
@@ -99,7 +84,6 @@ TEST(LayerStats, TellTheCoreTimeByTheClock) {
         {1999, 1'000'000'000, 1999, 1},
         {(1ULL << 32U) + 5, 1'000'000, 5, 5},  // cut to 32 bits before the time is worked out
         {huge, 1'000'000, huge, huge},
-        {0, 1, 0, 0},
     };
     for (const auto& [cycles, clockHz, avgCycles, timeUs] : cases) {
         const LayerStats stats = statsOf(offloaded, {.execCount = 1, .totalCoreCycles = cycles}, clockHz);
@@ -114,8 +98,7 @@ TEST(LayerStats, LeaveOutLayersThatLackAnEntryOrARecord) {
         std::size_t entries;
         std::size_t records;
         std::size_t layers;
-    } cases[] = {{3, 3, 3, 3},    {3, 2, 3, 2}, {3, 3, 2, 2}, {1, 3, 3, 1},
-                 {huge, 2, 3, 2}, {0, 3, 3, 0}, {3, 0, 3, 0}};
+    } cases[] = {{3, 2, 3, 2}, {3, 3, 2, 2}, {1, 3, 3, 1}, {huge, 2, 3, 2}, {3, 0, 3, 0}};
     for (const auto& [announced, entries, records, layers] : cases) {
         const GraphProfile profile{.layerCount = announced,
                                    .layerRecords = std::vector<LayerRecord>(records)};
@@ -125,12 +108,9 @@ TEST(LayerStats, LeaveOutLayersThatLackAnEntryOrARecord) {
 }
 
 TEST(LayerTypes, HaveNamesUpToTheLast) {
-    const struct {
-        std::uint32_t type;
-        const char* name;
-    } cases[] = {{0, "CONVOLUTION"},          {1, "INNER_PRODUCT"},        {20, "NO_OP"},     {47, "EXP"},
-                 {52, "GLOBAL AVERAGE POOL"}, {61, "SUPERCONVOLUTION_v4"}, {75, "SUPERCONV"}, {93, "MEM_OP"},
-                 {94, "Oru Layer Type NA"},   {huge, "Oru Layer Type NA"}};
+    const std::pair<std::uint32_t, const char*> cases[] = {
+        {0, "CONVOLUTION"}, {20, "NO_OP"},  {52, "GLOBAL AVERAGE POOL"}, {61, "SUPERCONVOLUTION_v4"},
+        {75, "SUPERCONV"},  {93, "MEM_OP"}, {94, "Oru Layer Type NA"},   {huge, "Oru Layer Type NA"}};
     for (const auto& [type, name] : cases) {
         EXPECT_EQ(layerTypeName(type), name);
         EXPECT_EQ(isKnownLayerType(type), type < 94);
@@ -145,15 +125,13 @@ TEST(ZebLayers, ComeByTheirLastOruLayer) {
             for (const std::uint32_t id : layer.oruLayerIds) {
                 text += std::to_string(id) + ",";
             }
-            text += " ";
         }
         return text;
     };
-    EXPECT_EQ(gathered({}), "");
-    EXPECT_EQ(gathered({{4, "b"}, {2, "a"}, {3, "b"}, {9, "a"}}), "b:4,3, a:2,9, ");
-    EXPECT_EQ(gathered({{0, "z"}, {huge, "y"}, {0x7FFF'FFFF, "x"}}), "y:4294967295, z:0, x:2147483647, ")
+    EXPECT_EQ(gathered({{4, "b"}, {2, "a"}, {3, "b"}, {9, "a"}}), "b:4,3,a:2,9,");
+    EXPECT_EQ(gathered({{0, "z"}, {huge, "y"}, {0x7FFF'FFFF, "x"}}), "y:4294967295,z:0,x:2147483647,")
         << "as signed numbers";
-    EXPECT_EQ(gathered({{1, "b"}, {1, "a"}, {1, ""}}), ":1, a:1, b:1, ") << "by name when they are equal";
+    EXPECT_EQ(gathered({{1, "b"}, {1, "a"}, {1, ""}}), ":1,a:1,b:1,") << "by name when they are equal";
 }
 
 TEST(ZebLayers, AddUpTheTimesOfTheirOruLayers) {
@@ -163,11 +141,8 @@ TEST(ZebLayers, AddUpTheTimesOfTheirOruLayers) {
     std::vector<ZebLayer> layers =
         gatherZebLayers({{0, "a"}, {1, "a"}, {2, "a"}, {1, "b"}, {3, "b"}, {huge, "a"}});
     addLayerTimes(layers, stats);
-    ASSERT_EQ(layers.size(), 2U);
-    EXPECT_EQ(layers[0].name, "a");
-    EXPECT_EQ(layers[0].dspTimeUs, 40U);
-    EXPECT_EQ(layers[0].krelTimeUs, 5U);
-    EXPECT_EQ(layers[0].totalTimeUs(), 45U);
+    EXPECT_EQ((Numbers{layers[0].dspTimeUs, layers[0].krelTimeUs, layers[0].totalTimeUs()}),
+              (Numbers{40, 5, 45}));
     EXPECT_EQ(layers[1].totalTimeUs(), 5U);
 }
 
