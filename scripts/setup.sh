@@ -33,5 +33,5 @@ build() {
     local preset=$1
     shift
     [ -f "build/$preset/build.ninja" ] || cmake --preset "$preset" >&2
-    cmake --build --preset "$preset" ${1:+--target "$@"} | sed '/no work to do/d' >&2
+    cmake --build --preset "$preset" ${1:+--target "$@"} | sed '/no work to do/d; /Re-checking globbed/d' >&2
 }
