@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstdarg>
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <functional>
@@ -48,8 +51,10 @@ private:
 bool toldNoMemory = false;
 
 void noteNoMemory(const char* format, std::int32_t /*level*/, std::uint64_t /*timestamp*/,
-                  va_list /*arguments*/) {
-    toldNoMemory = toldNoMemory || std::strcmp(format, "Unable to allocate memory: %s") == 0;
+                  va_list arguments) {
+    std::array<char, 200> text{};
+    std::vsnprintf(text.data(), text.size(), format, arguments);
+    toldNoMemory = toldNoMemory || std::strcmp(text.data(), "Unable to allocate memory: std::bad_alloc") == 0;
 }
 
 struct Run {
