@@ -62,7 +62,7 @@ struct LoadedRun {
     NetworkOptions options;
     test::Loaded<profiling::ZebProfileLogReader> loaded;
     const profiling::EventStore& store = loaded.reader.store();
-    const std::vector<MethodRecord>& records = store.executeRecords[0].records;
+    const profiling::RecordList& records = store.executeRecords[0].records;
     profiling::LayerConfig config;
     profiling::GraphProfile profile;
     std::vector<profiling::NodeMappingEntry> mapping;
@@ -97,7 +97,7 @@ void expectTimesThatHoldOneAnother(const LoadedRun& run) {
     }
 }
 
-void expectASlowStartAndLittleVariation(const std::vector<MethodRecord>& records) {
+void expectASlowStartAndLittleVariation(const profiling::RecordList& records) {
     std::vector<std::uint64_t> durations;
     std::uint64_t timestamp = 0;
     for (const MethodRecord& record : records) {

@@ -85,7 +85,7 @@ void printContextSectionRetrievalStats(std::ostream& out, ZebProfileLogReader& r
     if (!store.hasContextSectionRetrieval) {
         return;
     }
-    const std::vector<MethodRecord>& records = store.contextSectionRetrieval[0].records;
+    const RecordList& records = store.contextSectionRetrieval[0].records;
     EventArena arena;
     const auto printBlock = [&out](std::string_view title, std::size_t underline,
                                    const MethodRecord& record) {
@@ -128,7 +128,7 @@ std::uint64_t queueWaitUs(const GraphQueueWait& wait) {
 // The queue-wait list is empty, or it has the entries of the statistics list.
 template <typename Waits>
 void printExecuteStats(std::ostream& out, ZebProfileLogReader& reader, std::string_view title,
-                       const std::vector<NamedMethodRecord>& entries, const std::vector<Waits>& waits) {
+                       const BlockList<NamedMethodRecord>& entries, const std::vector<Waits>& waits) {
     printSectionHead(out, title, 24);
     printSectionHead(out, "Total Inference Time: ", 21);
     if (entries.empty()) {
@@ -181,7 +181,7 @@ void printLibLoadStats(std::ostream& out, ZebProfileLogReader& reader) {
     }
     printSectionHead(out, "Dynamic Lib Load Stats:", 24);
     indent(out, 1);
-    out << "Backend Latency: " << store.libLoadRecord.events[0].value.asNumber() << " us\n\n";
+    out << "Backend Latency: " << store.libLoadRecord.events[0].value().asNumber() << " us\n\n";
 }
 
 // A section that shows one statistics list, graph by graph.
@@ -189,7 +189,7 @@ struct StatisticsSection {
     std::string_view title;
     std::size_t underline;
     bool EventStore::*isPrinted;
-    std::vector<NamedMethodRecord> EventStore::*entries;
+    BlockList<NamedMethodRecord> EventStore::*entries;
 };
 
 constexpr std::array<StatisticsSection, 6> statisticsSections = {{

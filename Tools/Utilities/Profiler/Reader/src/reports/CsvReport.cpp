@@ -96,7 +96,7 @@ void writeExecuteIpsCsv(std::ostream& out, const EventStore& store) {
 void writeLibLoadCsv(std::ostream& out, const EventStore& store) {
     const MethodRecord& record = store.libLoadRecord;
     if (store.hasLibLoad && !record.events.empty()) {
-        writeMethodRow(out, record.timestamp, "DLOPEN LATENCY", record.events[0].value.asNumber(), "null");
+        writeMethodRow(out, record.timestamp, "DLOPEN LATENCY", record.events[0].value().asNumber(), "null");
     }
 }
 

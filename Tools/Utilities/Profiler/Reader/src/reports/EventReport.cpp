@@ -24,8 +24,8 @@ namespace {
 void writeEventRow(std::ostream& out, const ProfileEvent& event, std::string_view level,
                    std::uint64_t timestamp, const std::string& message) {
     if (!event.isObject()) {
-        out << timestamp << ',' << message << ',' << formatEventValue(event.value) << ','
-            << unitCsvText(event.unit) << ",BACKEND" << level << event.name << '\n';
+        out << timestamp << ',' << message << ',' << formatEventValue(event.value()) << ','
+            << unitCsvText(event.unit()) << ",BACKEND" << level << event.name << '\n';
     }
 }
 

@@ -89,7 +89,7 @@ std::string_view unitCsvText(EventUnit unit) {
 std::optional<std::string> findEventValue(std::string_view name, const EventList& events) {
     for (const ProfileEvent& event : events) {
         if (!event.isObject() && event.name == name) {
-            return formatEventValue(event.value);
+            return formatEventValue(event.value());
         }
         if (auto below = findEventValue(name, event.subEvents)) {
             return below;

@@ -35,7 +35,7 @@ void printEventLine(std::ostream& out, const ProfileEvent& event, std::uint64_t 
     } else {
         out << event.name << ": ";
     }
-    out << std::fixed << std::setprecision(0) << formatEventValue(event.value) << unitSuffix(event.unit)
+    out << std::fixed << std::setprecision(0) << formatEventValue(event.value()) << unitSuffix(event.unit())
         << '\n';
 }
 

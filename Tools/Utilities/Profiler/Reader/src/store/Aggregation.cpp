@@ -16,10 +16,9 @@ constexpr std::string_view multipleQueueWaits =
     "wait\n";
 
 template <typename Statistic>
-void aggregate(const GraphRecordList& graphs, std::vector<NamedMethodRecord>& results, Statistic statistic) {
-    results.reserve(results.size() + graphs.size());
+void aggregate(const GraphRecordList& graphs, BlockList<NamedMethodRecord>& results, Statistic statistic) {
     for (const GraphMethodRecords& graph : graphs) {
-        results.push_back({graph.graphName, statistic(graph.records)});
+        results.add({graph.graphName, statistic(graph.records)});
     }
 }
 
@@ -34,7 +33,7 @@ QueueWait queueWaitOf(EventList events, int levels = 2) {
     for (const ProfileEvent& event : events) {
         if (event.eventType == EVENT_TYPE_QUEUE_WAIT) {
             ++wait.count;
-            wait.lastUs = event.value.asNumber();
+            wait.lastUs = event.value().asNumber();
         }
         if (levels > 1) {
             const QueueWait below = queueWaitOf(event.subEvents, levels - 1);
@@ -71,8 +70,8 @@ std::vector<GraphQueueWaits> queueWaitsOfAll(const GraphRecordList& graphs, std:
     return all;
 }
 
-std::vector<GraphQueueWait> queueWaitsOfEach(const std::vector<NamedMethodRecord>& records,
-                                             std::ostream& notes, const char* noneFound) {
+std::vector<GraphQueueWait> queueWaitsOfEach(const BlockList<NamedMethodRecord>& records, std::ostream& notes,
+                                             const char* noneFound) {
     std::vector<GraphQueueWait> waits;
     for (const NamedMethodRecord& entry : records) {
         const QueueWait wait = queueWaitOf(entry.record.events);
@@ -88,9 +87,7 @@ std::vector<GraphQueueWait> queueWaitsOfEach(const std::vector<NamedMethodRecord
 }  // namespace
 
 void EventStore::aggregateStatistics(std::ostream& notes) {
-    const auto average = [this](const std::vector<MethodRecord>& records) {
-        return averageRecords(records, arena_);
-    };
+    const auto average = [this](const RecordList& records) { return averageRecords(records, arena_); };
     aggregate(executeRecords, executeAverage, average);
     aggregate(executeRecords, executeMax, maxRecord);
     aggregate(executeRecords, executeMin, minRecord);

@@ -1,54 +1,46 @@
 #include "store/EventArena.h"
 
 #include <algorithm>
-#include <cstring>
-#include <memory>
-#include <type_traits>
 
 namespace zeb::profiling {
 
-// The arena never runs a destructor.
-static_assert(std::is_trivially_destructible_v<ProfileEvent> &&
-              std::is_trivially_destructible_v<EventObject> && std::is_trivially_destructible_v<KeptName>);
+static_assert(std::is_trivially_destructible_v<ProfileEvent>, "the arena runs no destructor");
 
 std::span<ProfileEvent> EventArena::makeEvents(std::size_t count) {
     if (count == 0) {
         return {};
     }
-    auto* const events =
-        reinterpret_cast<ProfileEvent*>(allocate(count * sizeof(ProfileEvent), alignof(ProfileEvent)));
-    std::uninitialized_value_construct_n(events, count);
-    return {events, count};
+    std::byte* const room = allocate(count * sizeof(ProfileEvent), alignof(ProfileEvent));
+    return {reinterpret_cast<ProfileEvent*>(room), count};
 }
 
-EventName EventArena::keepName(std::string_view name) {
+StoredText EventArena::keepName(std::string_view name) {
     const auto isName = [this, name](std::uint32_t position) { return names_[position]->text() == name; };
     const std::uint32_t position = positions_.findOrAdd(name, isName);
     if (position == names_.size()) {
-        names_.push_back(makeName(name));
+        names_.add(keepText(name).kept());
     }
-    return EventName(names_[position]);
+    return StoredText(names_[position]);
 }
 
-const KeptName* EventArena::makeName(std::string_view name) {
+StoredText EventArena::keepText(std::string_view text) {
     auto* const kept =
-        reinterpret_cast<KeptName*>(allocate(sizeof(KeptName) + name.size(), alignof(KeptName)));
-    std::construct_at(kept, KeptName{.length = static_cast<std::uint32_t>(name.size())});
-    std::copy(name.begin(), name.end(), reinterpret_cast<char*>(kept + 1));
-    return kept;
+        reinterpret_cast<KeptText*>(allocate(sizeof(KeptText) + text.size(), alignof(KeptText)));
+    std::construct_at(kept, KeptText{.length = static_cast<std::uint32_t>(text.size())});
+    std::copy(text.begin(), text.end(), reinterpret_cast<char*>(kept + 1));
+    return StoredText(kept);
 }
 
-std::string_view EventArena::keepText(std::string_view text) {
+std::string_view EventArena::keepTerminated(std::string_view text) {
     auto* const copy = reinterpret_cast<char*>(allocate(text.size() + 1, 1));
     *std::copy(text.begin(), text.end(), copy) = '\0';
     return {copy, text.size()};
 }
 
-const EventObject* EventArena::keepObject(std::span<const std::byte> bytes, std::string_view fileName) {
-    auto* const object = reinterpret_cast<EventObject*>(allocate(sizeof(EventObject), alignof(EventObject)));
+std::span<const std::byte> EventArena::keepBytes(std::span<const std::byte> bytes) {
     std::byte* const copy = allocate(bytes.size(), 1);
     std::copy(bytes.begin(), bytes.end(), copy);
-    return std::construct_at(object, EventObject{{copy, bytes.size()}, keepText(fileName)});
+    return {copy, bytes.size()};
 }
 
 std::byte* EventArena::allocate(std::size_t size, std::size_t alignment) {

@@ -1,14 +1,17 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <span>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
-#include "store/EventName.h"
+#include "store/BlockList.h"
 #include "store/HashIndex.h"
 #include "store/MemoryBlock.h"
 #include "store/ProfileEvent.h"
+#include "store/StoredText.h"
 
 namespace zeb::profiling {
 
@@ -20,31 +23,39 @@ public:
     EventArena(const EventArena&) = delete;
     EventArena& operator=(const EventArena&) = delete;
 
-    /// @return that many fresh events, to be filled before a list is made of them
+    /// Keeps a copy of a value that needs no destruction.
+    template <typename Value>
+    Value* make(const Value& value) {
+        static_assert(std::is_trivially_destructible_v<Value>, "the arena runs no destructor");
+        return std::construct_at(reinterpret_cast<Value*>(allocate(sizeof(Value), alignof(Value))), value);
+    }
+
+    /// @return room for that many events, each to be written before a list is made of them
     std::span<ProfileEvent> makeEvents(std::size_t count);
 
     /// Keeps a name, which comes again and again, once.
-    EventName keepName(std::string_view name);
+    StoredText keepName(std::string_view name);
 
-    /// Keeps a copy of a text, with a NUL behind it.
-    std::string_view keepText(std::string_view text);
+    /// Keeps a copy of a text.
+    StoredText keepText(std::string_view text);
 
-    /// Keeps a copy of an object's bytes and its file name.
-    const EventObject* keepObject(std::span<const std::byte> bytes, std::string_view fileName);
+    /// Keeps a copy of a text with a NUL behind it.
+    std::string_view keepTerminated(std::string_view text);
+
+    /// Keeps a copy of bytes.
+    std::span<const std::byte> keepBytes(std::span<const std::byte> bytes);
 
     /// @return a number for the marks on names, which no other operation has
     std::uint32_t newMarkOwner() { return ++markOwners_; }
 
 private:
-    const KeptName* makeName(std::string_view name);
-
     std::byte* allocate(std::size_t size, std::size_t alignment);
     std::span<std::byte> addBlock(std::size_t size);
 
     std::vector<MemoryBlock> blocks_;
     std::span<std::byte> free_;  ///< of the block that is being filled
     std::size_t blockSize_ = 0;
-    std::vector<const KeptName*> names_;
+    BlockList<const KeptText*> names_;
     HashIndex positions_;  ///< of the names
     std::uint32_t markOwners_ = 0;
 };

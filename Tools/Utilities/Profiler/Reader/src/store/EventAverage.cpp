@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <limits>
+#include <iterator>
 #include <memory>
 #include <unordered_map>
 #include <vector>
 
-#include "store/EventName.h"
+#include "store/EventListBuilder.h"
 
 namespace zeb::profiling {
 
@@ -66,135 +66,142 @@ private:
     std::uint64_t count_ = 1;
 };
 
-constexpr std::uint32_t noPosition = std::numeric_limits<std::uint32_t>::max();
+void putValue(ProfileEvent& event, const EventValue& value, const EventObject* object, EventArena& arena) {
+    if (object == nullptr) {
+        event.setValue(value);
+    } else {
+        event.setObject(arena.make(EventObject{object->bytes, object->fileName, value}));
+    }
+}
 
-// Lists merged into one. Where the first entry of a name stands is written into the mark of that name, which
-// takes neither memory nor search but serves one list at a time: the outermost. The lists below it have
-// tables.
+// Lists merged into one, which grows in place. The first event of each name is written into the mark of that
+// name, which takes neither memory nor search but serves one list at a time: the outermost. The lists below
+// it have tables.
 class MergedList {
 public:
     /// @param markOwner for the marks of the outermost list, 0 for a list below it
-    explicit MergedList(std::uint32_t markOwner) : markOwner_(markOwner) {}
+    MergedList(EventArena& arena, std::uint32_t markOwner, std::size_t expectedSize)
+        : arena_(arena), markOwner_(markOwner), events_(arena, expectedSize) {}
 
     /// Begins with all events of a list, objects included.
     void begin(EventList events) {
-        entries_.reserve(events.size());
         for (const ProfileEvent& event : events) {
-            append(event);
+            events_.add(event);
         }
     }
 
     void merge(EventList incoming) {
-        const std::size_t searched = entries_.size();
-        std::size_t expected = 0;
+        rememberAll();
+        const ProfileEvent* const lastSearched = events_.last();
+        ProfileEvent* expected = events_.first();
         for (const ProfileEvent& event : incoming) {
-            const std::size_t position = find(event.name.kept(), expected);
-            if (position < searched) {
-                addTo(entries_[position], event);
-                expected = position + 1;
+            if (ProfileEvent* const found = find(event.name.kept(), expected)) {
+                addTo(*found, event);
+                expected = found == lastSearched ? nullptr : EventListBuilder::next(*found);
             } else if (!event.isObject()) {
-                append(event);
+                events_.add(event);
             }
         }
     }
 
-    [[nodiscard]] EventList divide(EventArena& arena) const {
-        static constexpr std::uint32_t most = ProfileEvent::maxOccurrences;
-        const std::span<ProfileEvent> events = arena.makeEvents(entries_.size());
-        std::transform(entries_.begin(), entries_.end(), events.begin(), [this, &arena](const Entry& entry) {
-            ProfileEvent event = *entry.event;
-            if (entry.sum != noPosition) {
-                const Sum& sum = sums_[entry.sum];
-                event.value = sum.value.mean();
-                event.occurrences = std::min(sum.occurrences, most) & most;  // masked: it is a bit field
-                if (sum.subEvents) {
-                    event.subEvents = sum.subEvents->divide(arena);
-                }
+    EventList divide() {
+        for (const Sum& sum : sums_) {
+            putValue(*sum.event, sum.value.mean(), sum.object, arena_);
+            sum.event->setOccurrences(sum.occurrences);
+            if (sum.subEvents) {
+                sum.event->subEvents = sum.subEvents->divide();
             }
-            return event;
-        });
-        return events;
+        }
+        return events_.finish();
     }
 
 private:
-    struct Entry {
-        const ProfileEvent* event;  ///< the first one
-        std::uint32_t sum = noPosition;
-        bool isFirstOfName;
-    };
-
-    // What an event has grown to since a second one came. Few have one where most names are new.
+    // What an event has grown to since a second one came. Few have one where most names are new. Meanwhile
+    // the event's value is the position of its sum.
     struct Sum {
+        ProfileEvent* event;
         ValueSum value;
+        const EventObject* object;
         std::uint32_t occurrences;
         std::unique_ptr<MergedList> subEvents;  ///< made when the first sub-events come in addition
     };
 
-    void addTo(Entry& entry, const ProfileEvent& incoming) {
-        if (entry.sum == noPosition) {
-            entry.sum = static_cast<std::uint32_t>(sums_.size());
-            sums_.push_back({ValueSum(entry.event->value), entry.event->occurrences, nullptr});
+    Sum& sumOf(ProfileEvent& event) {
+        if (event.occurrences() == 1) {
+            sums_.push_back({&event, ValueSum(event.value()), event.object(), 1, nullptr});
+            event.setValue(EventValue::ofUint(sums_.size() - 1));
+            event.setOccurrences(2);
         }
-        Sum& sum = sums_[entry.sum];
-        sum.value.add(incoming.value);
+        return sums_[event.value().payload];
+    }
+
+    void addTo(ProfileEvent& event, const ProfileEvent& incoming) {
+        Sum& sum = sumOf(event);
+        sum.value.add(incoming.value());
         ++sum.occurrences;
         if (incoming.subEvents.empty()) {
             return;
         }
         if (!sum.subEvents) {
-            sum.subEvents = std::make_unique<MergedList>(0);
-            sum.subEvents->begin(entry.event->subEvents);
+            sum.subEvents = std::make_unique<MergedList>(arena_, 0, event.subEvents.size());
+            sum.subEvents->begin(event.subEvents);
         }
         sum.subEvents->merge(incoming.subEvents);
     }
 
-    void append(const ProfileEvent& event) {
-        std::uint32_t& first = firstOfName(event.name.kept());
-        const bool isFirst = first == noPosition;
-        if (isFirst) {
-            first = static_cast<std::uint32_t>(entries_.size());
+    // So far, all events can be found by their names.
+    void rememberAll() {
+        while (remembered_ != events_.last()) {
+            remembered_ = remembered_ == nullptr ? events_.first() : EventListBuilder::next(*remembered_);
+            ProfileEvent*& first = firstOfName(remembered_->name.kept());
+            hasNamesTwice_ = hasNamesTwice_ || first != nullptr;
+            first = first == nullptr ? remembered_ : first;
         }
-        entries_.push_back({.event = &event, .isFirstOfName = isFirst});
     }
 
     // Lists of one method mostly have the same events in the same order: `expected` is looked at first.
-    std::size_t find(const KeptName* name, std::size_t expected) {
-        if (expected < entries_.size() && entries_[expected].isFirstOfName &&
-            entries_[expected].event->name.kept() == name) {
-            return expected;
-        }
-        return firstOfName(name);
+    ProfileEvent* find(const KeptText* name, ProfileEvent* expected) {
+        const bool isExpected = expected != nullptr && !hasNamesTwice_ && expected->name.kept() == name;
+        return isExpected ? expected : firstOfName(name);
     }
 
-    std::uint32_t& firstOfName(const KeptName* name) {
-        if (markOwner_ != 0 && name != nullptr) {
-            if (name->markOwner != markOwner_) {
-                name->markOwner = markOwner_;
-                name->mark = noPosition;
-            }
-            return name->mark;
+    ProfileEvent*& firstOfName(const KeptText* name) {
+        if (markOwner_ == 0) {
+            return table_[name];
         }
-        return table_.try_emplace(name, noPosition).first->second;
+        if (name->markOwner != markOwner_) {
+            name->markOwner = markOwner_;
+            name->mark = nullptr;
+        }
+        return name->mark;
     }
 
+    EventArena& arena_;
     std::uint32_t markOwner_;
-    std::vector<Entry> entries_;
+    EventListBuilder events_;
     std::vector<Sum> sums_;
-    std::unordered_map<const KeptName*, std::uint32_t> table_;
+    std::unordered_map<const KeptText*, ProfileEvent*> table_;
+    ProfileEvent* remembered_ = nullptr;  ///< the last event that is
+    bool hasNamesTwice_ = false;
 };
 
 }  // namespace
 
-EventList averageEvents(std::span<const EventList> lists, EventArena& arena) {
+EventList averageEvents(const RecordList& records, EventArena& arena) {
+    const auto hasEvents = [](const MethodRecord& record) { return !record.events.empty(); };
     const auto isObject = [](const ProfileEvent& event) { return event.isObject(); };
-    if (lists.size() == 1 && std::none_of(lists[0].begin(), lists[0].end(), isObject)) {
-        return lists[0];
+    const auto first = std::find_if(records.begin(), records.end(), hasEvents);
+    if (first == records.end()) {
+        return {};
     }
-    MergedList merged(arena.newMarkOwner());
-    for (const EventList& list : lists) {
-        merged.merge(list);
+    const bool isOnlyOne = std::none_of(std::next(first), records.end(), hasEvents);
+    if (isOnlyOne && std::none_of(first->events.begin(), first->events.end(), isObject)) {
+        return first->events;
     }
-    return merged.divide(arena);
+    MergedList merged(arena, arena.newMarkOwner(), first->events.size());
+    std::for_each(first, records.end(),
+                  [&merged](const MethodRecord& record) { merged.merge(record.events); });
+    return merged.divide();
 }
 
 }  // namespace zeb::profiling

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "log/ProfileLog_generated.h"
+#include "store/BlockList.h"
 #include "store/EventArena.h"
 #include "store/MethodRecord.h"
 #include "store/NamedList.h"
@@ -68,16 +69,16 @@ public:
     bool asyncExecute = false;  ///< an ExecuteAsync message was met, dropped or not
 
     // Statistics, by aggregation; each list has the entries of its source list in the same order
-    std::vector<NamedMethodRecord> executeAverage;
-    std::vector<NamedMethodRecord> applyBinarySectionAverage;
-    std::vector<NamedMethodRecord> applyBinarySectionMax;
-    std::vector<NamedMethodRecord> applyBinarySectionMin;
+    BlockList<NamedMethodRecord> executeAverage;
+    BlockList<NamedMethodRecord> applyBinarySectionAverage;
+    BlockList<NamedMethodRecord> applyBinarySectionMax;
+    BlockList<NamedMethodRecord> applyBinarySectionMin;
     std::vector<NamedMethodRecord> updateBinarySectionRecords;  ///< the latest message, under an empty name
-    std::vector<NamedMethodRecord> finalizeAfterTensorUpdatesAverage;
-    std::vector<NamedMethodRecord> finalizeAfterTensorUpdatesMax;
-    std::vector<NamedMethodRecord> finalizeAfterTensorUpdatesMin;
-    std::vector<NamedMethodRecord> executeMax;
-    std::vector<NamedMethodRecord> executeMin;
+    BlockList<NamedMethodRecord> finalizeAfterTensorUpdatesAverage;
+    BlockList<NamedMethodRecord> finalizeAfterTensorUpdatesMax;
+    BlockList<NamedMethodRecord> finalizeAfterTensorUpdatesMin;
+    BlockList<NamedMethodRecord> executeMax;
+    BlockList<NamedMethodRecord> executeMin;
     std::vector<GraphQueueWaits> executeQueueWaits;  ///< empty unless every execution has exactly one wait
     std::vector<GraphQueueWait> executeMaxQueueWaits;
     std::vector<GraphQueueWait> executeMinQueueWaits;

@@ -28,7 +28,7 @@ EventValue decodeEventValue(const schema::LogEvent& event, EventArena& arena) {
             return EventValue::ofDouble(event.doubleValue());
         case schema::ValueSelector::Text:
             if (const auto* text = event.stringValue()) {
-                return EventValue::ofText(arena.keepText(storedText(text)).data());
+                return EventValue::ofText(arena.keepTerminated(storedText(text)).data());
             }
             break;
         default:
@@ -37,11 +37,20 @@ EventValue decodeEventValue(const schema::LogEvent& event, EventArena& arena) {
     return {};
 }
 
+// Few events have one.
+bool hasObject(const schema::LogEvent& event) {
+    return event.fileName() != nullptr || event.valueSelector() == schema::ValueSelector::Bytes;
+}
+
 const EventObject* decodeEventObject(const schema::LogEvent& event, EventArena& arena) {
-    const bool hasBytes = event.valueSelector() == schema::ValueSelector::Bytes && event.bytes() != nullptr;
-    const auto bytes = hasBytes ? bytesOf(event.bytes()) : std::span<const std::byte>{};
-    const auto fileName = event.fileName() == nullptr ? std::string_view{} : visibleText(event.fileName());
-    return bytes.empty() && fileName.empty() ? nullptr : arena.keepObject(bytes, fileName);
+    EventObject object{{}, {}, decodeEventValue(event, arena)};
+    if (event.valueSelector() == schema::ValueSelector::Bytes && event.bytes() != nullptr) {
+        object.bytes = arena.keepBytes(bytesOf(event.bytes()));
+    }
+    if (event.fileName() != nullptr) {
+        object.fileName = arena.keepTerminated(visibleText(event.fileName()));
+    }
+    return arena.make(object);
 }
 
 // The verifier bounds the depth of the tree, and so this recursion.
@@ -52,13 +61,14 @@ std::span<ProfileEvent> decodeEventList(const EventVector* vector, EventArena& a
     const std::span<ProfileEvent> events = arena.makeEvents(lengthOf(vector));
     for (std::uint32_t index = 0; index < events.size(); ++index) {
         const schema::LogEvent& source = *tableAt(vector, index);
-        ProfileEvent& event = events[index];
-        event.name = arena.keepName(source.name() == nullptr ? namelessEvent : visibleText(source.name()));
-        event.value = decodeEventValue(source, arena);
-        event.object = decodeEventObject(source, arena);
-        event.eventType = source.type();
-        event.unit = unitOf(source.unit());
-        event.subEvents = decodeEventList(source.subEvents(), arena);
+        const EventList subEvents(decodeEventList(source.subEvents(), arena));
+        const StoredText name =
+            arena.keepName(source.name() == nullptr ? namelessEvent : visibleText(source.name()));
+        const EventUnit unit = unitOf(source.unit());
+        events[index] =
+            hasObject(source)
+                ? ProfileEvent(name, source.type(), unit, decodeEventObject(source, arena), subEvents)
+                : ProfileEvent(name, source.type(), unit, decodeEventValue(source, arena), subEvents);
     }
     return events;
 }

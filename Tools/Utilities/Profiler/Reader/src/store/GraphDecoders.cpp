@@ -64,14 +64,7 @@ void EventStore::fileExecuteEvents(std::string_view graphName, EventList events)
     if (events.empty()) {
         return;
     }
-    GraphMethodRecords& graph = executeRecords.findOrAdd(graphName, arena_);
-    while (graph.firstUnfilled < graph.records.size() && !graph.records[graph.firstUnfilled].events.empty()) {
-        ++graph.firstUnfilled;
-    }
-    if (graph.firstUnfilled == graph.records.size()) {
-        graph.records.emplace_back();
-    }
-    graph.records[graph.firstUnfilled].events = events;
+    executeRecords.findOrAdd(graphName, arena_).records.fill(events, arena_);
 }
 
 bool EventStore::decodeExecute(const schema::LogMessage& message) {
@@ -81,9 +74,9 @@ bool EventStore::decodeExecute(const schema::LogMessage& message) {
     }
     MethodRecord record = timedRecord(message);
     const auto [initOnes, others] = splitByType(decodeEvents(message, arena_), EVENT_TYPE_INIT);
-    record.events = others;
-    fileInitEvents(initOnes);
-    executeRecords.findOrAdd(*text, arena_).records.push_back(record);
+    record.events = EventList(others);
+    fileInitEvents(EventList(initOnes));
+    executeRecords.findOrAdd(*text, arena_).records.add(record, arena_);
     return true;
 }
 
@@ -98,8 +91,8 @@ bool EventStore::decodeFinalize(const schema::LogMessage& message) {
     record.timestamp = timestampOf(message);
     hasFinalize = true;
     const auto [initOnes, others] = splitByType(decodeEvents(message, arena_), EVENT_TYPE_INIT);
-    fileInitEvents(initOnes);
-    fileFinalizeEvents(graphName, others);
+    fileInitEvents(EventList(initOnes));
+    fileFinalizeEvents(graphName, EventList(others));
     return true;
 }
 
@@ -111,9 +104,9 @@ bool EventStore::decodeGraphEvents(const schema::LogMessage& message) {
     const std::string_view graphName = *text;
     const auto [initOnes, afterInit] = splitByType(decodeEvents(message, arena_), EVENT_TYPE_INIT);
     const auto [finalizeOnes, executeOnes] = splitByType(afterInit, EVENT_TYPE_FINALIZE);
-    fileInitEvents(initOnes);
-    fileFinalizeEvents(graphName, finalizeOnes);
-    fileExecuteEvents(graphName, executeOnes);
+    fileInitEvents(EventList(initOnes));
+    fileFinalizeEvents(graphName, EventList(finalizeOnes));
+    fileExecuteEvents(graphName, EventList(executeOnes));
     return true;
 }
 
@@ -123,8 +116,8 @@ bool EventStore::decodeApplyBinarySection(const schema::LogMessage& message) {
         return false;
     }
     MethodRecord record = timedRecord(message);
-    record.events = decodeEvents(message, arena_);
-    applyBinarySectionRecords.findOrAdd(*text, arena_).records.push_back(record);
+    record.events = EventList(decodeEvents(message, arena_));
+    applyBinarySectionRecords.findOrAdd(*text, arena_).records.add(record, arena_);
     hasApplyBinarySection = true;
     return true;
 }
@@ -136,8 +129,8 @@ bool EventStore::decodeFinalizeAfterTensorUpdates(const schema::LogMessage& mess
     }
     MethodRecord record = timedRecord(message);
     record.message = arena_.keepText(*text);
-    record.events = decodeEvents(message, arena_);
-    finalizeAfterTensorUpdatesRecords.findOrAdd(graphNameIn(*text), arena_).records.push_back(record);
+    record.events = EventList(decodeEvents(message, arena_));
+    finalizeAfterTensorUpdatesRecords.findOrAdd(graphNameIn(*text), arena_).records.add(record, arena_);
     hasFinalizeAfterTensorUpdates = true;
     return true;
 }
@@ -147,7 +140,7 @@ bool EventStore::decodeUpdateBinarySection(const schema::LogMessage& message) {
         return false;
     }
     MethodRecord record = timedRecord(message);
-    record.events = decodeEvents(message, arena_);
+    record.events = EventList(decodeEvents(message, arena_));
     updateBinarySectionRecords.assign(1, {{}, record});
     hasUpdateBinarySection = true;
     return true;
@@ -171,7 +164,7 @@ bool EventStore::decodeContextGetBinarySectionSize(const schema::LogMessage& mes
     }
     MethodRecord record = timedRecord(message);
     record.message = arena_.keepText(textOf(message).value_or(""));
-    contextSectionRetrieval.findOrAdd(binarySectionSizeKey, arena_).records.push_back(record);
+    contextSectionRetrieval.findOrAdd(binarySectionSizeKey, arena_).records.add(record, arena_);
     hasContextSectionRetrieval = true;
     return true;
 }

@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "store/BlockList.h"
+
 namespace zeb::profiling {
 
 /// Spreads names over numbers. A log chooses its names, so it must not know how: each spreading has a secret
@@ -17,21 +19,25 @@ public:
     /// @return the same number for equal texts
     [[nodiscard]] std::uint32_t operator()(std::string_view text) const {
         std::uint64_t hash = secret_ ^ text.size();
+        for (std::size_t at = 0; text.size() > at + pairSize; at += pairSize) {
+            hash = folded(wordAt(text, at) ^ otherSecret_, wordAt(text, at + wordSize) ^ hash);
+        }
+        // The last pair may overlap the one before, and within itself.
+        std::uint64_t first = 0;
         std::uint64_t last = 0;
         if (text.size() < wordSize) {
             std::copy(text.begin(), text.end(), reinterpret_cast<char*>(&last));
         } else {
-            for (std::size_t at = 0; at < text.size() - wordSize; at += wordSize) {
-                hash = folded(hash ^ wordAt(text, at), otherSecret_);
-            }
+            first = wordAt(text, std::max(text.size(), pairSize) - pairSize);
             last = wordAt(text, text.size() - wordSize);
         }
-        return static_cast<std::uint32_t>(folded(hash ^ last, otherSecret_));
+        return static_cast<std::uint32_t>(folded(first ^ otherSecret_, last ^ hash));
     }
 
 private:
     __extension__ using Product = unsigned __int128;
     static constexpr std::size_t wordSize = sizeof(std::uint64_t);
+    static constexpr std::size_t pairSize = 2 * wordSize;
 
     static std::uint64_t secret() {
         std::random_device random;
@@ -68,7 +74,7 @@ public:
         }
         const std::size_t slot = slotOf(hash, matches);
         if (tags_[slot] == freeTag) {
-            hashes_.push_back(hash);
+            hashes_.add(hash);
             occupy(slot, hash, static_cast<std::uint32_t>(hashes_.size() - 1));
         }
         return positions_[slot];
@@ -98,7 +104,7 @@ private:
 
     void grow() {
         constexpr std::size_t firstSize = 16;
-        const std::size_t size = std::max(firstSize, tags_.size() * 2);
+        const std::size_t size = std::max(firstSize, tags_.size() * 4);
         std::vector<std::uint32_t> positions(size);
         tags_.assign(size, freeTag);
         positions_.swap(positions);
@@ -110,7 +116,7 @@ private:
     }
 
     NameHash hash_;
-    std::vector<std::uint32_t> hashes_;  ///< by position
+    BlockList<std::uint32_t> hashes_;  ///< by position
     // Slots, a power of two of them. A look-up mostly takes the tags alone, which are small enough for
     // caches.
     std::vector<std::uint8_t> tags_;

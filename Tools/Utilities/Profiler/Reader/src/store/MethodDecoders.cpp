@@ -53,7 +53,7 @@ bool EventStore::decodeWholeRecord(const schema::LogMessage& message, MethodReco
     }
     record.durationUs = durationOf(message);
     record.timestamp = timestampOf(message);
-    record.events = decodeEvents(message, arena_);
+    record.events = EventList(decodeEvents(message, arena_));
     hasRecord = true;
     return true;
 }

@@ -2,10 +2,12 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <string_view>
+#include <iterator>
 #include <vector>
 
+#include "store/EventArena.h"
 #include "store/ProfileEvent.h"
+#include "store/StoredText.h"
 
 namespace zeb::profiling {
 
@@ -13,32 +15,92 @@ namespace zeb::profiling {
 struct MethodRecord {
     std::uint64_t durationUs = 0;
     std::uint64_t timestamp = 0;  ///< `MessageTime.timestamp`, in the log's own scale
-    std::string_view message;     ///< `LogMessage.text`, where the method keeps it
+    StoredText message;           ///< `LogMessage.text`, where the method keeps it
     EventList events;
+};
+
+/// Records in the order in which they were added. They stand in an `EventArena`, each beside its events, so
+/// that a graph of a single record costs no memory of its own. A copy of a list shows the same records.
+class RecordList {
+    struct Node {
+        MethodRecord record;
+        Node* next = nullptr;
+    };
+
+public:
+    class Iterator {
+    public:
+        using iterator_category = std::forward_iterator_tag;
+        using value_type = MethodRecord;
+        using difference_type = std::ptrdiff_t;
+        using pointer = const MethodRecord*;
+        using reference = const MethodRecord&;
+
+        Iterator() = default;
+        explicit Iterator(const Node* node) : node_(node) {}
+
+        reference operator*() const { return node_->record; }
+        pointer operator->() const { return &node_->record; }
+        Iterator& operator++() {
+            node_ = node_->next;
+            return *this;
+        }
+        Iterator operator++(int) {
+            const Iterator before = *this;
+            ++*this;
+            return before;
+        }
+        friend bool operator==(Iterator left, Iterator right) { return left.node_ == right.node_; }
+
+    private:
+        const Node* node_ = nullptr;
+    };
+
+    /// @param arena has to outlive the list and all copies of it
+    void add(const MethodRecord& record, EventArena& arena);
+
+    /// Gives events to the first record without any; when there is none, to a new one at the end. All calls
+    /// together walk the list once.
+    void fill(EventList events, EventArena& arena);
+
+    [[nodiscard]] bool empty() const { return first_ == nullptr; }
+    [[nodiscard]] Iterator begin() const { return Iterator(first_); }
+    [[nodiscard]] Iterator end() const { return {}; }
+    [[nodiscard]] const MethodRecord& back() const { return last_->record; }
+    /// Counts the records.
+    [[nodiscard]] std::size_t size() const { return static_cast<std::size_t>(std::distance(begin(), end())); }
+    /// Walks to the record.
+    [[nodiscard]] const MethodRecord& operator[](std::size_t index) const {
+        return *std::next(begin(), static_cast<std::ptrdiff_t>(index));
+    }
+
+private:
+    Node* first_ = nullptr;
+    Node* last_ = nullptr;
+    Node* lastFilled_ = nullptr;  ///< all records up to this one have events
 };
 
 /// A record under a graph's name, or under the name of a method.
 struct NamedMethodRecord {
-    std::string_view name;
+    StoredText name;
     MethodRecord record;
 };
 
 /// All occurrences of a method under one name, in log order; never empty in the store.
 struct GraphMethodRecords {
-    std::string_view graphName;
-    std::vector<MethodRecord> records;
-    std::size_t firstUnfilled = 0;  ///< all records before this one have events
+    StoredText graphName;
+    RecordList records;
 };
 
 /// The queue wait of each execution of a graph, in us.
 struct GraphQueueWaits {
-    std::string_view graphName;
+    StoredText graphName;
     std::vector<std::uint64_t> queueWaits;
 };
 
 /// The queue wait of one execution of a graph.
 struct GraphQueueWait {
-    std::string_view graphName;
+    StoredText graphName;
     std::uint64_t queueWaitUs = 0;
 };
 

@@ -3,16 +3,17 @@
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
-#include <vector>
 
+#include "store/BlockList.h"
 #include "store/EventArena.h"
 #include "store/HashIndex.h"
+#include "store/StoredText.h"
 
 namespace zeb::profiling {
 
 /// A list of entries in order of first appearance, each name once, that is searched by name in constant time.
 /// @tparam Name the entry's member that holds its name
-template <typename Entry, std::string_view Entry::*Name>
+template <typename Entry, StoredText Entry::*Name>
 class NamedList {
 public:
     /// @param arena keeps the name of a new entry, and has to outlive the list
@@ -24,7 +25,7 @@ public:
         };
         const std::uint32_t position = positions_.findOrAdd(name, isNamed);
         if (position == entries_.size()) {
-            entries_.emplace_back().*Name = arena.keepText(name);
+            entries_.add({}).*Name = arena.keepText(name);
         }
         return entries_[position];
     }
@@ -36,7 +37,7 @@ public:
     [[nodiscard]] auto end() const { return entries_.end(); }
 
 private:
-    std::vector<Entry> entries_;
+    BlockList<Entry> entries_;
     HashIndex positions_;
 };
 

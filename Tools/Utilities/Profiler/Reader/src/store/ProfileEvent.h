@@ -1,12 +1,15 @@
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <span>
 #include <string_view>
 
-#include "store/EventName.h"
 #include "store/EventValue.h"
+#include "store/StoredText.h"
 
 namespace zeb::profiling {
 
@@ -26,68 +29,193 @@ inline constexpr std::uint32_t EVENT_TYPE_INIT = 100;
 inline constexpr std::uint32_t EVENT_TYPE_FINALIZE = 300;
 inline constexpr std::uint32_t EVENT_TYPE_QUEUE_WAIT = 405;
 
-struct ProfileEvent;
+class ProfileEvent;
 
 /// A list of events in log order. The events are never changed once the list is made, so a copy of a list,
 /// and of an event with its sub-events, stands for a tree of its own though it shares the memory. The events
 /// live as long as the `EventArena` that holds them, which is as long as the store.
+///
+/// Nearly every event has a list below it, so a list is no more than a pointer: its last event knows that it
+/// is the last. Events stand side by side, or in several rows of which each leads to the next.
 class EventList {
 public:
-    EventList() = default;
-    EventList(std::span<ProfileEvent> events);  // NOLINT(google-explicit-constructor): the same, finished
+    class Iterator;
 
-    [[nodiscard]] std::size_t size() const { return size_; }
-    [[nodiscard]] bool empty() const { return size_ == 0; }
-    [[nodiscard]] const ProfileEvent* begin() const { return first_; }
-    [[nodiscard]] const ProfileEvent* end() const;
+    EventList() = default;
+
+    /// Makes a list of a row of events that are in no other list yet.
+    explicit EventList(std::span<ProfileEvent> events);
+    /// Makes a list of several rows, from the first event of the first to the last of the last.
+    EventList(const ProfileEvent& first, ProfileEvent& last);
+
+    [[nodiscard]] bool empty() const { return first_ == nullptr; }
+    [[nodiscard]] Iterator begin() const;
+    [[nodiscard]] Iterator end() const;
+
+    /// Counts the events.
+    [[nodiscard]] std::size_t size() const;
+    /// Walks to the event.
     [[nodiscard]] const ProfileEvent& operator[](std::size_t index) const;
 
 private:
     const ProfileEvent* first_ = nullptr;
-    std::uint32_t size_ = 0;  // a chunk is too small for more events
 };
 
-/// What an event of `unit` object carries.
+/// What an event of `unit` object carries, and its value, which has its place here.
 struct EventObject {
     std::span<const std::byte> bytes;  ///< `LogEvent.bytes`
     std::string_view fileName;         ///< `LogEvent.fileName`
+    EventValue value;
 };
 
 /// One event of a message, with its sub-events. Texts, bytes and sub-events belong to the `EventArena` that
-/// the event was made with and live as long as it.
-///
-/// Most of a store's memory are events, so they are packed: the list and the value end in four free bytes,
-/// which the member behind each fills.
-struct ProfileEvent {
-    static constexpr std::uint32_t maxOccurrences = (1U << 24U) - 1;
+/// the event was made with and live as long as it. Most of a store's memory are events, so they are packed.
+class ProfileEvent {
+public:
+    static constexpr std::uint32_t maxOccurrences = (1U << 25U) - 1;
 
-    EventName name;                       ///< `LogEvent.name`
-    const EventObject* object = nullptr;  ///< null when the log has neither bytes nor a file name
-    [[no_unique_address]] EventList subEvents;
-    EventUnit unit = EventUnit::microseconds;
-    std::uint32_t occurrences : 24 = 1;  ///< how many events were merged into this one; so many at most
-    [[no_unique_address]] EventValue value;
+    ProfileEvent() = default;
+    ProfileEvent(StoredText eventName, std::uint32_t type, EventUnit unit, EventValue value, EventList below)
+        : name(eventName), subEvents(below), eventType(type), unit_(static_cast<std::uint32_t>(unit) & 7U) {
+        setValue(value);
+    }
+    /// @param object has the event's value
+    ProfileEvent(StoredText eventName, std::uint32_t type, EventUnit unit, const EventObject* object,
+                 EventList below)
+        : ProfileEvent(eventName, type, unit, EventValue(), below) {
+        setObject(object);
+    }
+
+    StoredText name;              ///< `LogEvent.name`
+    EventList subEvents;          ///< `LogEvent.subEvents`
     std::uint32_t eventType = 0;  ///< `LogEvent.type`
 
-    [[nodiscard]] bool isObject() const { return unit == EventUnit::object; }
+    [[nodiscard]] EventUnit unit() const { return static_cast<EventUnit>(unit_); }
+    [[nodiscard]] bool isObject() const { return unit() == EventUnit::object; }
+
+    /// How many events were merged into this one, `maxOccurrences` at most.
+    [[nodiscard]] std::uint32_t occurrences() const { return occurrences_; }
+    void setOccurrences(std::uint32_t count) {
+        occurrences_ = std::min(count, maxOccurrences) & maxOccurrences;  // masked: it is a bit field
+    }
+
+    [[nodiscard]] EventValue value() const {
+        return content_ == objectContent ? object()->value : EventValue(contentKinds[content_], payload_);
+    }
+    /// Of an event without an object. A value of a kind that decoding does not make counts as none.
+    void setValue(EventValue value) {
+        const auto* const kind = std::find(contentKinds.begin(), contentKinds.end(), value.kind);
+        const bool isKept = kind != contentKinds.end();
+        content_ = isKept ? static_cast<std::uint32_t>(kind - contentKinds.begin()) & 7U : 0;
+        payload_ = isKept ? value.payload : 0;
+    }
+
+    /// @return null when the log has neither bytes nor a file name
+    [[nodiscard]] const EventObject* object() const {
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): `setObject` has put it there
+        return content_ == objectContent ? reinterpret_cast<const EventObject*>(payload_) : nullptr;
+    }
+    void setObject(const EventObject* object) {
+        content_ = objectContent;
+        payload_ = reinterpret_cast<std::uintptr_t>(object);
+    }
     [[nodiscard]] std::span<const std::byte> objectBytes() const {
-        return object == nullptr ? std::span<const std::byte>{} : object->bytes;
+        return object() == nullptr ? std::span<const std::byte>{} : object()->bytes;
     }
     /// File name for the bytes of an object event, empty when the log has none.
     [[nodiscard]] std::string_view objectFileName() const {
-        return object == nullptr ? std::string_view{} : object->fileName;
+        return object() == nullptr ? std::string_view{} : object()->fileName;
     }
+
+    /// @return the event behind this one in its list, null for the last
+    [[nodiscard]] const ProfileEvent* next() const {
+        if (isLast_ != 0) {
+            return nullptr;
+        }
+        const ProfileEvent* const behind = this + 1;
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): `leadingTo` has put it there
+        return behind->content_ == rowContent ? reinterpret_cast<const ProfileEvent*>(behind->payload_)
+                                              : behind;
+    }
+
+    /// @return no event, but what stands behind the last event of a row and leads to the next row
+    [[nodiscard]] static ProfileEvent leadingTo(const ProfileEvent* nextRow) {
+        ProfileEvent leader;
+        leader.content_ = rowContent;
+        leader.payload_ = reinterpret_cast<std::uintptr_t>(nextRow);
+        return leader;
+    }
+
+    /// @return a copy to go into another list
+    [[nodiscard]] ProfileEvent unlisted() const {
+        ProfileEvent copy = *this;
+        copy.isLast_ = 0;
+        return copy;
+    }
+
+private:
+    friend class EventList;
+
+    // What the payload is: a value of a kind that decoding makes, or the address of an object or of a row.
+    static constexpr std::array<ValueKind, 6> contentKinds = {ValueKind::unset,   ValueKind::int64,
+                                                              ValueKind::uint64,  ValueKind::float32,
+                                                              ValueKind::float64, ValueKind::text};
+    static constexpr std::uint32_t objectContent = contentKinds.size();
+    static constexpr std::uint32_t rowContent = objectContent + 1;
+
+    std::uint32_t unit_ : 3 = 0;
+    std::uint32_t content_ : 3 = 0;
+    std::uint32_t isLast_ : 1 = 0;
+    std::uint32_t occurrences_ : 25 = 1;
+    std::uint64_t payload_ = 0;
 };
 
-static_assert(sizeof(ProfileEvent) == 48);
+static_assert(sizeof(ProfileEvent) == 32);
 
+class EventList::Iterator {
+public:
+    using iterator_category = std::forward_iterator_tag;
+    using value_type = ProfileEvent;
+    using difference_type = std::ptrdiff_t;
+    using pointer = const ProfileEvent*;
+    using reference = const ProfileEvent&;
+
+    Iterator() = default;
+    explicit Iterator(const ProfileEvent* event) : event_(event) {}
+
+    reference operator*() const { return *event_; }
+    pointer operator->() const { return event_; }
+    Iterator& operator++() {
+        event_ = event_->next();
+        return *this;
+    }
+    Iterator operator++(int) {
+        const Iterator before = *this;
+        ++*this;
+        return before;
+    }
+    friend bool operator==(Iterator left, Iterator right) { return left.event_ == right.event_; }
+
+private:
+    const ProfileEvent* event_ = nullptr;
+};
+
+inline EventList::EventList(const ProfileEvent& first, ProfileEvent& last) : first_(&first) {
+    last.isLast_ = 1;
+}
 inline EventList::EventList(std::span<ProfileEvent> events)
-    : first_(events.data()), size_(static_cast<std::uint32_t>(events.size())) {}
-inline const ProfileEvent* EventList::end() const {
-    return first_ + size_;
+    : EventList(events.empty() ? EventList() : EventList(events.front(), events.back())) {}
+inline EventList::Iterator EventList::begin() const {
+    return Iterator(first_);
+}
+inline EventList::Iterator EventList::end() const {
+    return {};
+}
+inline std::size_t EventList::size() const {
+    return static_cast<std::size_t>(std::distance(begin(), end()));
 }
 inline const ProfileEvent& EventList::operator[](std::size_t index) const {
-    return first_[index];
+    return *std::next(begin(), static_cast<std::ptrdiff_t>(index));
 }
 
 }  // namespace zeb::profiling

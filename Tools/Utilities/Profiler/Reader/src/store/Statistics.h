@@ -1,7 +1,5 @@
 #pragma once
 
-#include <span>
-
 #include "store/EventArena.h"
 #include "store/MethodRecord.h"
 
@@ -12,12 +10,12 @@ namespace zeb::profiling {
 /// The mean duration of the records whose duration is not 0, cut to whole us; the timestamp of the last
 /// record; and the events of all records, merged by name, each with the mean of its values.
 /// @param arena holds the events of the records, and takes the merged ones
-MethodRecord averageRecords(std::span<const MethodRecord> records, EventArena& arena);
+MethodRecord averageRecords(const RecordList& records, EventArena& arena);
 
 /// The longest record, the last one of equals.
-MethodRecord maxRecord(std::span<const MethodRecord> records);
+MethodRecord maxRecord(const RecordList& records);
 
 /// The shortest record whose duration is not 0, the last one of equals. When all are 0 it is all zero.
-MethodRecord minRecord(std::span<const MethodRecord> records);
+MethodRecord minRecord(const RecordList& records);
 
 }  // namespace zeb::profiling

@@ -17,11 +17,8 @@ using Lines = std::vector<std::string>;
 class ObjectFilesTest : public testing::Test {
 protected:
     void save(const std::string& path, const std::string& content) {
-        const EventObject object{std::as_bytes(std::span(content)), path};
-        ProfileEvent event;
-        event.unit = EventUnit::object;
-        event.object = &object;
-        files.write(event);
+        const EventObject object{std::as_bytes(std::span(content)), path, {}};
+        files.write({{}, 0, EventUnit::object, &object, {}});
     }
     void saveHere(std::string_view fileName, const std::string& content) {
         save(directory.path(fileName), content);

@@ -200,7 +200,7 @@ TEST(Decoding, TheSelectorDecidesOnTheValue) {
         made.valueSelector = selector == own ? std::nullopt : std::optional(selector);
         TestStore store;
         store.take(message(MethodType::Init, "", 0, {made}));
-        const EventValue value = store.initRecord.events[0].value;
+        const EventValue value = store.initRecord.events[0].value();
         EXPECT_EQ(value.kind, kind);
         EXPECT_EQ(formatEventValue(value), text);
     }
@@ -215,7 +215,7 @@ TEST(Decoding, AnEventTreeComesOutInTheOrderOfTheLog) {
                        {nameless, test::object("o", {7, 8, 9}, "o.bin"), event(std::string("cut\0off", 7))}));
     const EventList events = store.initRecord.events;
     EXPECT_EQ(inLine(events), "null=(b=1(c=2 d=3) e=) o= cut=");
-    EXPECT_EQ(events[0].unit, EventUnit::cycles);
+    EXPECT_EQ(events[0].unit(), EventUnit::cycles);
     EXPECT_TRUE(events[0].objectBytes().empty());
     ASSERT_EQ(events[1].objectBytes().size(), 3U);
     EXPECT_EQ(std::to_integer<int>(events[1].objectBytes()[2]), 9);

@@ -29,7 +29,7 @@ std::vector<Message> executions(const std::vector<Events>& eventLists,
 std::string averageOf(const std::vector<Events>& eventLists) {
     TestStore store;
     store.takeAll(executions(eventLists));
-    return inLine(store.executeAverage.at(0).record.events);
+    return inLine(store.executeAverage[0].record.events);
 }
 
 TEST(Statistics, PickDurationsTimestampsAndEvents) {
@@ -46,16 +46,17 @@ TEST(Statistics, PickDurationsTimestampsAndEvents) {
     };
     for (const auto& expected : cases) {
         EventArena arena;
-        std::vector<MethodRecord> records;
+        RecordList records;
         for (const std::uint64_t durationUs : expected.durations) {
+            const std::uint64_t position = records.size();
             const std::span<ProfileEvent> events = arena.makeEvents(1);
-            events[0].value = EventValue::ofUint(records.size());
-            records.push_back({durationUs, 50 + records.size(), "text", events});
+            events[0] = {arena.keepName("e"), 0, {}, EventValue::ofUint(position), {}};
+            records.add({durationUs, 50 + position, arena.keepText("text"), EventList(events)}, arena);
         }
         const auto expectRecord = [](const MethodRecord& record, std::uint64_t durationUs, int position) {
             EXPECT_EQ(record.durationUs, durationUs);
             EXPECT_EQ(record.timestamp, position < 0 ? 0U : 50U + static_cast<unsigned>(position));
-            EXPECT_EQ(inLine(record.events), position < 0 ? "" : "null=" + std::to_string(position));
+            EXPECT_EQ(inLine(record.events), position < 0 ? "" : "e=" + std::to_string(position));
             EXPECT_TRUE(record.message.empty());
         };
         expectRecord(maxRecord(records), expected.max, expected.maxRecord);

@@ -41,9 +41,9 @@ inline std::string inLine(const profiling::EventList& events) {
     std::string line;
     for (const profiling::ProfileEvent& event : events) {
         line += (line.empty() ? "" : " ") + std::string(event.name) + "=" +
-                profiling::formatEventValue(event.value);
-        if (event.occurrences > 1) {
-            line += "x" + std::to_string(event.occurrences);
+                profiling::formatEventValue(event.value());
+        if (event.occurrences() > 1) {
+            line += "x" + std::to_string(event.occurrences());
         }
         if (!event.subEvents.empty()) {
             line += "(" + inLine(event.subEvents) + ")";

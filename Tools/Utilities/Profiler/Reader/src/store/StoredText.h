@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstdint>
+#include <ostream>
+#include <string_view>
+
+namespace zeb::profiling {
+
+class ProfileEvent;
+
+/// A text as an `EventArena` keeps it. Its characters stand right behind it.
+struct KeptText {
+    std::uint32_t length;
+    // An operation over many events may mark their names with an event each. A mark counts only for the owner
+    // that has set it.
+    mutable std::uint32_t markOwner = 0;
+    mutable ProfileEvent* mark = nullptr;
+
+    [[nodiscard]] std::string_view text() const { return {reinterpret_cast<const char*>(this + 1), length}; }
+};
+
+/// A text of the store, or none, which is empty. It is as small as a pointer, never changes, and lives as
+/// long as the arena that it was made with.
+class StoredText {
+public:
+    StoredText() = default;
+    explicit StoredText(const KeptText* kept) : kept_(kept) {}
+
+    /// Of names that an arena keeps once, equal ones have the same.
+    [[nodiscard]] const KeptText* kept() const { return kept_; }
+    [[nodiscard]] std::string_view text() const {
+        return kept_ == nullptr ? std::string_view{} : kept_->text();
+    }
+    [[nodiscard]] bool empty() const { return text().empty(); }
+    operator std::string_view() const { return text(); }  // NOLINT(google-explicit-constructor): it is one
+
+    friend bool operator==(StoredText left, std::string_view right) { return left.text() == right; }
+    friend std::ostream& operator<<(std::ostream& out, StoredText text) { return out << text.text(); }
+
+private:
+    const KeptText* kept_ = nullptr;
+};
+
+}  // namespace zeb::profiling
