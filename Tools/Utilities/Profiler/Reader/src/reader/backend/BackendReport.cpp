@@ -21,11 +21,11 @@ void BackendReport::printConsole(std::ostream& out) {
     printDeInitStats(out, reader_);
     printExecutionStats(out);
     if (hasLayers()) {
-        addLayerTimes(zebLayers_, layerStats_);
+        addLayerTimes(zebLayers_.layers, layerStats_);
         oruTable_.emplace(internalColumns_, layerStats_, layerConfig_.layerCount);
         oruTable_->printOruLayerStats(out);
-        printZebLayerStats(out, zebLayers_, zebNameColumnWidth_);
-        printLayerMapping(out, zebLayers_, maxZebLayerNameLength_);
+        printZebLayerStats(out, zebLayers_.layers, zebNameColumnWidth_);
+        printLayerMapping(out, zebLayers_.layers, maxZebLayerNameLength_);
     }
 }
 
@@ -34,8 +34,8 @@ void BackendReport::writeCsv(std::ostream& out) const {
     writeExecutionCsv(out);
     if (oruTable_) {
         oruTable_->writeOruLayerCsv(out);
-        writeZebLayerCsv(out, zebLayers_);
-        writeLayerMappingCsv(out, zebLayers_, maxZebLayerNameLength_);
+        writeZebLayerCsv(out, zebLayers_.layers);
+        writeLayerMappingCsv(out, zebLayers_.layers, maxZebLayerNameLength_);
     }
 }
 

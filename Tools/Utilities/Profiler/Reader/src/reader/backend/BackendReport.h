@@ -73,10 +73,10 @@ private:
     ProfileLevel profileLevel_ = ProfileLevel::basic;
     LayerConfig layerConfig_;
     GraphProfile graphProfile_;
-    std::vector<LayerStats> layerStats_;
+    LayerStatsList layerStats_;         ///< over the two before
     std::optional<OruTable> oruTable_;  ///< made by the console form
-    std::vector<ZebLayer> zebLayers_;   ///< in report order
-    std::size_t zebNameColumnWidth_;    ///< of the ZEB table
+    ZebLayers zebLayers_;
+    std::size_t zebNameColumnWidth_;  ///< of the ZEB table
     std::size_t maxZebLayerNameLength_ = 0;
 
     // Of one execution

@@ -91,7 +91,7 @@ void BackendReport::printBackendInitStats(std::ostream& out) {
 
 void BackendReport::loadNodeMapping(const ProfileEvent& mappingEvent, const ProfileEvent& namesEvent) {
     zebLayers_ = gatherZebLayers(readNodeMapping(mappingEvent.objectBytes(), namesEvent.objectBytes()));
-    for (const ZebLayer& layer : zebLayers_) {
+    for (const ZebLayer& layer : zebLayers_.layers) {
         maxZebLayerNameLength_ = std::max(maxZebLayerNameLength_, layer.name.size());
     }
     zebNameColumnWidth_ = maxZebLayerNameLength_;

@@ -34,36 +34,47 @@ void addCoreFigures(LayerStats& stats, const LayerRecord& record, std::uint32_t 
 
 }  // namespace
 
-std::vector<LayerStats> computeLayerStats(const GraphProfile& profile, const LayerConfig& config) {
+LayerStatsList computeLayerStats(const GraphProfile& profile, const LayerConfig& config) {
     const std::size_t layers =
         std::min({std::size_t{profile.layerCount}, config.entries.size(), profile.layerRecords.size()});
-    std::vector<LayerStats> all(layers);
+    LayerStatsList list;
+    list.records_ = profile.layerRecords;
+    list.entries_ = config.entries;
+    list.krelClockHz_ = config.krelClockHz;
+    list.execCounts_.resize(layers);
     std::uint32_t groupCount = std::numeric_limits<std::uint32_t>::max();
     for (std::size_t position = 0; position < layers; ++position) {
         const LayerConfigEntry& entry = config.entries[position];
-        const LayerRecord& record = profile.layerRecords[position];
-        LayerStats& stats = all[position];
-        stats.layerId = entry.layerId;
-        stats.layerType = entry.layerType;
-        stats.offloaded = entry.offloaded();
-        stats.linked = entry.linked();
-        stats.mergedGroup = entry.mergedGroup;
-        stats.loopbackEnabled = entry.loopbackEnabled();
-        stats.orderKey = record.orderKey;
-        stats.execCount = record.execCount;
-        if (stats.offloaded && stats.linked) {
-            groupCount = stats.execCount != 0 ? stats.execCount : groupCount;
-            stats.execCount = groupCount;
+        std::uint32_t count = profile.layerRecords[position].execCount;
+        if (entry.offloaded() && entry.linked()) {
+            groupCount = count != 0 ? count : groupCount;
+            count = groupCount;
         }
-        stats.totalTimeUs = record.totalTimeUs;
-        stats.avgTimeUs = quotient(record.totalTimeUs, stats.execCount);
-        stats.totalDspCycles = record.totalDspCycles;
-        stats.avgDspCycles = quotient(record.totalDspCycles, stats.execCount);
-        if (stats.offloaded) {
-            addCoreFigures(stats, record, config.krelClockHz);
-        }
+        list.execCounts_[position] = count;
     }
-    return all;
+    return list;
+}
+
+LayerStats LayerStatsList::operator[](std::size_t position) const {
+    const LayerConfigEntry& entry = entries_[position];
+    const LayerRecord& record = records_[position];
+    const std::uint32_t count = execCounts_[position];
+    LayerStats stats{.layerId = entry.layerId,
+                     .layerType = entry.layerType,
+                     .offloaded = entry.offloaded(),
+                     .linked = entry.linked(),
+                     .mergedGroup = entry.mergedGroup,
+                     .loopbackEnabled = entry.loopbackEnabled(),
+                     .execCount = count,
+                     .orderKey = record.orderKey,
+                     .avgTimeUs = quotient(record.totalTimeUs, count),
+                     .totalTimeUs = record.totalTimeUs,
+                     .avgDspCycles = quotient(record.totalDspCycles, count),
+                     .totalDspCycles = record.totalDspCycles};
+    if (stats.offloaded) {
+        addCoreFigures(stats, record, krelClockHz_);
+    }
+    return stats;
 }
 
 }  // namespace zeb::profiling

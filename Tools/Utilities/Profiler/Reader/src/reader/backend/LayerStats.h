@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -32,12 +34,40 @@ struct LayerStats {
     std::uint32_t avgCoreTimeUs = 0;
 };
 
+/// The figures of the ORU layers by position, each worked out when it is asked for: a model may have many
+/// layers, and a report goes over them but a few times.
+class LayerStatsList {
+public:
+    LayerStatsList() = default;
+
+    [[nodiscard]] std::size_t size() const { return execCounts_.size(); }
+    [[nodiscard]] LayerStats operator[](std::size_t position) const;
+    [[nodiscard]] std::uint32_t layerId(std::size_t position) const { return entries_[position].layerId; }
+    [[nodiscard]] std::uint32_t orderKey(std::size_t position) const { return records_[position].orderKey; }
+
+    /// Lets the memory of a layer that is soon to be asked for be fetched.
+    void expect(std::size_t position) const {
+        __builtin_prefetch(&records_[position]);
+        __builtin_prefetch(&entries_[position]);
+    }
+
+private:
+    friend LayerStatsList computeLayerStats(const GraphProfile& profile, const LayerConfig& config);
+
+    std::span<const LayerRecord> records_;
+    std::span<const LayerConfigEntry> entries_;
+    std::uint32_t krelClockHz_ = 0;
+    std::vector<std::uint32_t> execCounts_;  ///< of the layers, those of linked ones resolved
+};
+
 /// Works out the figures of the layers from their configuration and their raw counters.
-/// @return one entry for each layer that the profile announces and that has both an entry and a record, by
-/// position
-std::vector<LayerStats> computeLayerStats(const GraphProfile& profile, const LayerConfig& config);
+/// @param profile, config have to outlive the list and to stay as they are
+/// @return one entry for each layer that the profile announces and that has both an entry and a record
+LayerStatsList computeLayerStats(const GraphProfile& profile, const LayerConfig& config);
 
 bool isKnownLayerType(std::uint32_t layerType);
+
+inline constexpr std::size_t maxLayerTypeNameLength = 22;
 
 /// @return the layer type's name, or a text that says that it is not known
 std::string_view layerTypeName(std::uint32_t layerType);

@@ -19,14 +19,18 @@ public:
     /// @param internalColumns whether the columns for the backend's own people are shown too
     /// @param layerStats has to outlive the table
     /// @param layerCount number of layers by the layer configuration; those that have figures become rows
-    OruTable(bool internalColumns, const std::vector<LayerStats>& layerStats, std::uint32_t layerCount);
+    OruTable(bool internalColumns, const LayerStatsList& layerStats, std::uint32_t layerCount);
 
     void printOruLayerStats(std::ostream& out) const;
     void writeOruLayerCsv(std::ostream& out) const;
 
 private:
+    template <typename PrintRow>
+    void forEachRow(PrintRow printRow) const;
+
     bool internalColumns_;
-    std::vector<const LayerStats*> rows_;  ///< in report order
+    const LayerStatsList& layerStats_;
+    std::vector<std::uint32_t> oruRowOrder_;  ///< the rows' positions among the layers, in report order
 };
 
 /// The framework's table, a row for each ZEB layer and a summary.

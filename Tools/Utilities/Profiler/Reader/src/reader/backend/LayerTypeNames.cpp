@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 
 #include "reader/backend/LayerStats.h"
@@ -104,6 +105,13 @@ constexpr std::array<std::string_view, 94> layerTypeNames = {
     "MEM_OP",
 };
 
+constexpr std::string_view unknownLayerType = "Oru Layer Type NA";
+
+constexpr bool fits(std::string_view name) {
+    return name.size() <= maxLayerTypeNameLength;
+}
+static_assert(std::all_of(layerTypeNames.begin(), layerTypeNames.end(), fits) && fits(unknownLayerType));
+
 }  // namespace
 
 bool isKnownLayerType(std::uint32_t layerType) {
@@ -111,7 +119,7 @@ bool isKnownLayerType(std::uint32_t layerType) {
 }
 
 std::string_view layerTypeName(std::uint32_t layerType) {
-    return isKnownLayerType(layerType) ? layerTypeNames[layerType] : "Oru Layer Type NA";
+    return isKnownLayerType(layerType) ? layerTypeNames[layerType] : unknownLayerType;
 }
 
 }  // namespace zeb::profiling

@@ -13,40 +13,41 @@ namespace zeb::profiling {
 
 namespace {
 
-// Gives the text of a cell, which may lie in `digits`.
-using Cell = std::string_view (*)(const LayerStats&, Digits& digits);
+// Writes the text of a cell and gives its end.
+using Cell = char* (*)(const LayerStats&, char* at);
 
 template <auto Member>
-std::string_view number(const LayerStats& stats, Digits& digits) {
-    return decimalText(stats.*Member, digits);
+char* number(const LayerStats& stats, char* at) {
+    return putNumber(stats.*Member, at);
 }
 
-std::string_view dash(const LayerStats& /*stats*/, Digits& /*digits*/) {
-    return "-";
+char* dash(const LayerStats& /*stats*/, char* at) {
+    return putText("-", at);
 }
-std::string_view zero(const LayerStats& /*stats*/, Digits& /*digits*/) {
-    return "0";
+char* zero(const LayerStats& /*stats*/, char* at) {
+    return putText("0", at);
 }
-std::string_view offloaded(const LayerStats& /*stats*/, Digits& /*digits*/) {
-    return "Offloaded";
+char* offloaded(const LayerStats& /*stats*/, char* at) {
+    return putText("Offloaded", at);
 }
-std::string_view notOffloaded(const LayerStats& /*stats*/, Digits& /*digits*/) {
-    return "No";
+char* notOffloaded(const LayerStats& /*stats*/, char* at) {
+    return putText("No", at);
 }
-std::string_view linkedOrNo(const LayerStats& stats, Digits& /*digits*/) {
-    return stats.linked ? "Yes" : "No";
+char* linkedOrNo(const LayerStats& stats, char* at) {
+    return putText(stats.linked ? "Yes" : "No", at);
 }
-std::string_view linkedOrDash(const LayerStats& stats, Digits& /*digits*/) {
-    return stats.linked ? "Yes" : "-";
+char* linkedOrDash(const LayerStats& stats, char* at) {
+    return putText(stats.linked ? "Yes" : "-", at);
 }
-std::string_view loopback(const LayerStats& stats, Digits& /*digits*/) {
-    return stats.loopbackEnabled ? "Yes" : "No";
+char* loopback(const LayerStats& stats, char* at) {
+    return putText(stats.loopbackEnabled ? "Yes" : "No", at);
 }
-std::string_view typeName(const LayerStats& stats, Digits& /*digits*/) {
-    return layerTypeName(stats.layerType);
+char* typeName(const LayerStats& stats, char* at) {
+    static_assert(maxLayerTypeNameLength <= TableText::maxPutLength);
+    return putText(layerTypeName(stats.layerType), at);
 }
-std::string_view mergedGroup(const LayerStats& stats, Digits& digits) {
-    return stats.linked ? decimalText(stats.mergedGroup, digits) : "-";
+char* mergedGroup(const LayerStats& stats, char* at) {
+    return stats.linked ? putNumber(stats.mergedGroup, at) : putText("-", at);
 }
 
 struct ReportColumn {
@@ -102,20 +103,20 @@ std::vector<const ReportColumn*> shownColumns(bool internalColumns) {
 }
 
 // Rows come by order key, then by layer id. A layer's id is also its position among the figures.
-std::vector<const LayerStats*> rowsInOrder(const std::vector<LayerStats>& layerStats,
-                                           std::size_t layerCount) {
+std::vector<std::uint32_t> rowsInOrder(const LayerStatsList& layerStats, std::size_t layerCount) {
+    const std::size_t layers = std::min(layerCount, layerStats.size());
     std::vector<std::uint64_t> oruRowOrder;  // order key in the high half, layer id in the low one
-    oruRowOrder.reserve(std::min(layerCount, layerStats.size()));
-    for (std::size_t position = 0; position < std::min(layerCount, layerStats.size()); ++position) {
-        oruRowOrder.push_back(std::uint64_t{layerStats[position].orderKey} << 32U |
-                              layerStats[position].layerId);
+    oruRowOrder.reserve(layers);
+    for (std::size_t position = 0; position < layers; ++position) {
+        oruRowOrder.push_back(std::uint64_t{layerStats.orderKey(position)} << 32U |
+                              layerStats.layerId(position));
     }
     std::sort(oruRowOrder.begin(), oruRowOrder.end());
-    std::vector<const LayerStats*> rows;
-    rows.reserve(oruRowOrder.size());
+    std::vector<std::uint32_t> rows;
+    rows.reserve(layers);
     for (const std::uint64_t key : oruRowOrder) {
         if (const auto layerId = static_cast<std::uint32_t>(key); layerId < layerStats.size()) {
-            rows.push_back(&layerStats[layerId]);
+            rows.push_back(layerId);
         }
     }
     return rows;
@@ -123,46 +124,59 @@ std::vector<const LayerStats*> rowsInOrder(const std::vector<LayerStats>& layerS
 
 }  // namespace
 
-OruTable::OruTable(bool internalColumns, const std::vector<LayerStats>& layerStats, std::uint32_t layerCount)
-    : internalColumns_(internalColumns), rows_(rowsInOrder(layerStats, layerCount)) {}
+OruTable::OruTable(bool internalColumns, const LayerStatsList& layerStats, std::uint32_t layerCount)
+    : internalColumns_(internalColumns),
+      layerStats_(layerStats),
+      oruRowOrder_(rowsInOrder(layerStats, layerCount)) {}
+
+// Rows lie far apart in memory, so what one of the next takes is on its way meanwhile.
+template <typename PrintRow>
+void OruTable::forEachRow(PrintRow printRow) const {
+    constexpr std::size_t ahead = 8;
+    for (std::size_t row = 0; row < oruRowOrder_.size(); ++row) {
+        if (row + ahead < oruRowOrder_.size()) {
+            layerStats_.expect(oruRowOrder_[row + ahead]);
+        }
+        printRow(layerStats_[oruRowOrder_[row]]);
+    }
+}
 
 void OruTable::printOruLayerStats(std::ostream& out) const {
     out << '\n';
     printSectionHead(out, oruTableTitle, oruTableTitle.size());
     const auto columns = shownColumns(internalColumns_);
     TableText table(out);
-    Digits digits{};
     for (const ReportColumn* const column : columns) {
         table.field(column->title, columnWidth(column->title));
     }
     table.endRow();
-    for (const LayerStats* const row : rows_) {
-        if (!isKnownLayerType(row->layerType)) {
+    forEachRow([&](const LayerStats& row) {
+        if (!isKnownLayerType(row.layerType)) {
             logMessage(ZEB_LOG_LEVEL_WARN, "This ORU layer type is not supported.");
         }
         for (const ReportColumn* const column : columns) {
-            table.field((row->offloaded ? column->offloadedCell : column->dspCell)(*row, digits),
-                        columnWidth(column->title));
+            const Cell cell = row.offloaded ? column->offloadedCell : column->dspCell;
+            table.field([&](char* at) { return cell(row, at); }, columnWidth(column->title));
         }
         table.endRow();
-    }
+    });
 }
 
 void OruTable::writeOruLayerCsv(std::ostream& out) const {
     out << '\n' << oruTableTitle << '\n';
     const auto columns = shownColumns(internalColumns_);
     TableText table(out);
-    Digits digits{};
     for (const ReportColumn* const column : columns) {
         table.text(column->title).text(",");
     }
     table.endRow();
-    for (const LayerStats* const row : rows_) {
+    forEachRow([&](const LayerStats& row) {
         for (const ReportColumn* const column : columns) {
-            table.text((row->offloaded ? column->offloadedCsvCell : column->dspCell)(*row, digits)).text(",");
+            const Cell cell = row.offloaded ? column->offloadedCsvCell : column->dspCell;
+            table.field([&](char* at) { return putText(",", cell(row, at)); }, 0);
         }
         table.endRow();
-    }
+    });
 }
 
 }  // namespace zeb::profiling

@@ -2,20 +2,53 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <numeric>
 #include <tuple>
-#include <unordered_map>
+#include <utility>
+
+#include "store/HashIndex.h"
 
 namespace zeb::profiling {
 
-std::vector<ZebLayer> gatherZebLayers(const std::vector<NodeMappingEntry>& mapping) {
-    std::vector<ZebLayer> layers;
-    std::unordered_map<std::string_view, std::size_t> positions;
+namespace {
+
+// The position of the ZEB layer of each entry, which is new where it is that of `layers`' end.
+std::vector<std::uint32_t> findLayers(const std::vector<NodeMappingEntry>& mapping,
+                                      std::vector<ZebLayer>& layers) {
+    HashIndex positions;
+    std::vector<std::uint32_t> found;
+    found.reserve(mapping.size());
     for (const NodeMappingEntry& entry : mapping) {
-        const auto [position, added] = positions.try_emplace(entry.zebLayerName, layers.size());
-        if (added) {
-            layers.push_back({.name = entry.zebLayerName, .oruLayerIds = {}});
+        const std::string_view name = entry.zebLayerName;
+        const auto isNamed = [&](std::uint32_t position) { return layers[position].name == name; };
+        // Mostly the ORU layers of a ZEB layer stand together.
+        const bool isLast = !layers.empty() && isNamed(found.back());
+        const std::uint32_t position = isLast ? found.back() : positions.findOrAdd(name, isNamed);
+        if (position == layers.size()) {
+            layers.push_back({.name = name, .oruLayerIds = {}});
         }
-        layers[position->second].oruLayerIds.push_back(entry.oruLayerId);
+        found.push_back(position);
+    }
+    return found;
+}
+
+}  // namespace
+
+ZebLayers gatherZebLayers(const std::vector<NodeMappingEntry>& mapping) {
+    std::vector<ZebLayer> layers;
+    const std::vector<std::uint32_t> found = findLayers(mapping, layers);
+    std::vector<std::uint32_t> ends(layers.size() + 1);  // of the layers' ids; begins as those before them
+    for (const std::uint32_t layer : found) {
+        ++ends[layer + 1];
+    }
+    std::partial_sum(ends.begin(), ends.end(), ends.begin());
+    std::vector<std::uint32_t> oruLayerIds(mapping.size());
+    for (std::size_t entry = 0; entry < mapping.size(); ++entry) {
+        oruLayerIds[ends[found[entry]]++] = mapping[entry].oruLayerId;
+    }
+    for (std::size_t layer = 0; layer < layers.size(); ++layer) {
+        const std::size_t begin = layer == 0 ? 0 : ends[layer - 1];
+        layers[layer].oruLayerIds = std::span(oruLayerIds).subspan(begin, ends[layer] - begin);
     }
     const auto reportPosition = [](const ZebLayer& layer) {
         return std::tuple(static_cast<std::int32_t>(layer.oruLayerIds.back()), layer.name);
@@ -23,16 +56,16 @@ std::vector<ZebLayer> gatherZebLayers(const std::vector<NodeMappingEntry>& mappi
     std::sort(layers.begin(), layers.end(), [&reportPosition](const ZebLayer& left, const ZebLayer& right) {
         return reportPosition(left) < reportPosition(right);
     });
-    return layers;
+    return {std::move(layers), std::move(oruLayerIds)};
 }
 
-void addLayerTimes(std::vector<ZebLayer>& zebLayers, const std::vector<LayerStats>& layerStats) {
+void addLayerTimes(std::vector<ZebLayer>& zebLayers, const LayerStatsList& layerStats) {
     for (ZebLayer& zebLayer : zebLayers) {
         for (const std::uint32_t oruLayerId : zebLayer.oruLayerIds) {
             if (oruLayerId >= layerStats.size()) {
                 continue;
             }
-            const LayerStats& stats = layerStats[oruLayerId];
+            const LayerStats stats = layerStats[oruLayerId];
             if (stats.offloaded) {
                 zebLayer.krelTimeUs += stats.avgCoreTimeUs;
             } else {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -11,10 +12,10 @@ namespace zeb::profiling {
 
 /// A layer of the framework's graph: the ORU layers that make it up and its time per execution.
 struct ZebLayer {
-    std::string_view name;                   ///< lies in the name table object
-    std::vector<std::uint32_t> oruLayerIds;  ///< in the order of the mapping, never empty
-    std::uint64_t dspTimeUs = 0;             ///< average time of the layers on the DSP
-    std::uint64_t krelTimeUs = 0;            ///< core time of the offloaded layers
+    std::string_view name;                       ///< lies in the name table object
+    std::span<const std::uint32_t> oruLayerIds;  ///< in the order of the mapping, never empty
+    std::uint64_t dspTimeUs = 0;                 ///< average time of the layers on the DSP
+    std::uint64_t krelTimeUs = 0;                ///< core time of the offloaded layers
 
     [[nodiscard]] std::uint64_t totalTimeUs() const { return dspTimeUs + krelTimeUs; }
 };
@@ -25,13 +26,19 @@ struct TimeShare {
     double krelTimePercent = 0.0;
 };
 
-/// Gathers a mapping by ZEB layer.
-/// @return the layers in report order: by the last ORU layer of each as a signed number, then by name
-std::vector<ZebLayer> gatherZebLayers(const std::vector<NodeMappingEntry>& mapping);
+/// The layers of a graph, and the memory behind their lists.
+struct ZebLayers {
+    std::vector<ZebLayer> layers;  ///< in report order
+    std::vector<std::uint32_t> oruLayerIds;
+};
+
+/// Gathers a mapping by ZEB layer. They are ordered by the last ORU layer of each as a signed number, then by
+/// name.
+ZebLayers gatherZebLayers(const std::vector<NodeMappingEntry>& mapping);
 
 /// Adds the times of the ORU layers to the ZEB layers that they make up. An ORU layer without figures adds
 /// nothing.
-void addLayerTimes(std::vector<ZebLayer>& zebLayers, const std::vector<LayerStats>& layerStats);
+void addLayerTimes(std::vector<ZebLayer>& zebLayers, const LayerStatsList& layerStats);
 
 TimeShare shareOfTime(const std::vector<ZebLayer>& zebLayers);
 

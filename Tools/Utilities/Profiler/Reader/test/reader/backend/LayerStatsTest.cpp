@@ -43,9 +43,9 @@ TEST(LayerStats, LinkedLayersTakeTheCountOfTheirGroup) {
 }
 
 LayerStats statsOf(std::uint32_t flags, const LayerRecord& record, std::uint32_t clockHz = 1'000'000) {
-    return computeLayerStats({.layerCount = 1, .layerRecords = {record}},
-                             {.krelClockHz = clockHz, .entries = {{.flags = flags}}})
-        .at(0);
+    const GraphProfile profile{.layerCount = 1, .layerRecords = {record}};
+    const LayerConfig config{.krelClockHz = clockHz, .entries = {{.flags = flags}}};
+    return computeLayerStats(profile, config)[0];
 }
 
 Numbers figuresOf(const LayerStats& stats) {
@@ -120,7 +120,8 @@ TEST(LayerTypes, HaveNamesUpToTheLast) {
 TEST(ZebLayers, ComeByTheirLastOruLayer) {
     const auto gathered = [](const std::vector<NodeMappingEntry>& mapping) {
         std::string text;
-        for (const ZebLayer& layer : gatherZebLayers(mapping)) {
+        const ZebLayers zebLayers = gatherZebLayers(mapping);
+        for (const ZebLayer& layer : zebLayers.layers) {
             text += std::string(layer.name) + ":";
             for (const std::uint32_t id : layer.oruLayerIds) {
                 text += std::to_string(id) + ",";
@@ -135,12 +136,14 @@ TEST(ZebLayers, ComeByTheirLastOruLayer) {
 }
 
 TEST(ZebLayers, AddUpTheTimesOfTheirOruLayers) {
-    const std::vector<LayerStats> stats = {{.avgTimeUs = 10, .avgCoreTimeUs = 99},
-                                           {.offloaded = true, .avgTimeUs = 99, .avgCoreTimeUs = 5},
-                                           {.avgTimeUs = 30}};
-    std::vector<ZebLayer> layers =
-        gatherZebLayers({{0, "a"}, {1, "a"}, {2, "a"}, {1, "b"}, {3, "b"}, {huge, "a"}});
-    addLayerTimes(layers, stats);
+    const LayerConfig config{.krelClockHz = 1'000'000, .entries = {{}, {.flags = offloaded}, {}}};
+    const GraphProfile profile{.layerCount = 3,
+                               .layerRecords = {{.execCount = 1, .totalTimeUs = 10, .totalCoreCycles = 99},
+                                                {.execCount = 1, .totalTimeUs = 99, .totalCoreCycles = 5},
+                                                {.execCount = 1, .totalTimeUs = 30}}};
+    ZebLayers zebLayers = gatherZebLayers({{0, "a"}, {1, "a"}, {2, "a"}, {1, "b"}, {3, "b"}, {huge, "a"}});
+    const std::vector<ZebLayer>& layers = zebLayers.layers;
+    addLayerTimes(zebLayers.layers, computeLayerStats(profile, config));
     EXPECT_EQ((Numbers{layers[0].dspTimeUs, layers[0].krelTimeUs, layers[0].totalTimeUs()}),
               (Numbers{40, 5, 45}));
     EXPECT_EQ(layers[1].totalTimeUs(), 5U);

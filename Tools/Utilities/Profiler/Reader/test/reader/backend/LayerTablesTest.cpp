@@ -13,10 +13,12 @@ namespace {
 constexpr std::uint32_t huge = 4294967295U;
 
 TEST(OruTable, HasTheSameCellsOnBothFormsButForTheDspCyclesOfOffloadedLayers) {
-    const std::vector<LayerStats> layers = {
-        {.layerId = 0, .layerType = 93, .offloaded = true, .mergedGroup = 9, .loopbackEnabled = true},
-        {.layerId = 1, .layerType = 94, .linked = true, .mergedGroup = 7, .loopbackEnabled = true},
-        {.layerId = 2, .execCount = huge, .totalTimeUs = 18446744073709551615U}};
+    const LayerConfig config{.entries = {{.layerId = 0, .layerType = 93, .flags = 5, .mergedGroup = 9},
+                                         {.layerId = 1, .layerType = 94, .flags = 6, .mergedGroup = 7},
+                                         {.layerId = 2}}};
+    const GraphProfile profile{
+        .layerCount = 3, .layerRecords = {{}, {}, {.execCount = huge, .totalTimeUs = 18446744073709551615U}}};
+    const LayerStatsList layers = computeLayerStats(profile, config);
     const OruTable table(true, layers, 3);
     const test::CaughtLog log;
     std::ostringstream console;
@@ -26,12 +28,12 @@ TEST(OruTable, HasTheSameCellsOnBothFormsButForTheDspCyclesOfOffloadedLayers) {
     EXPECT_EQ(test::behindLines(csv.str(), 3),
               "0,MEM_OP,Offloaded,No,-,Yes,0,0,0,0,0,0,0,0,0,0,0,0,\n"
               "1,Oru Layer Type NA,No,Yes,7,-,0,0,0,0,0,-,-,-,-,-,-,-,\n"
-              "2,CONVOLUTION,No,-,-,-,4294967295,0,18446744073709551615,0,0"
+              "2,CONVOLUTION,No,-,-,-,4294967295,4294967297,18446744073709551615,0,0"
               ",-,-,-,-,-,-,-,\n");
     EXPECT_EQ(log.lines(), std::vector<std::string>{"2 This ORU layer type is not supported."})
         << "on the console alone";
     EXPECT_PRED2(test::holds, console.str(),
-                 "  4294967295                018446744073709551615                 0");
+                 "  4294967295       429496729718446744073709551615                 0");
 }
 
 TEST(OruTable, OrdersItsRowsByKeyAndStaysInsideItsLayers) {
@@ -48,10 +50,13 @@ TEST(OruTable, OrdersItsRowsByKeyAndStaysInsideItsLayers) {
         {"an id that is no position has no row", {{0, 2}, {7, 1}, {huge, 0}}, 3, "0,"},
     };
     for (const auto& [rule, idsAndKeys, layerCount, order] : cases) {
-        std::vector<LayerStats> layers;
+        LayerConfig config;
+        GraphProfile profile{.layerCount = huge, .layerRecords = {}};
         for (const auto& [id, key] : idsAndKeys) {
-            layers.push_back({.layerId = id, .orderKey = key});
+            config.entries.push_back({.layerId = id});
+            profile.layerRecords.push_back({.orderKey = key});
         }
+        const LayerStatsList layers = computeLayerStats(profile, config);
         std::ostringstream csv;
         OruTable(false, layers, layerCount).writeOruLayerCsv(csv);
         std::istringstream lines(test::behindLines(csv.str(), 3));
@@ -64,8 +69,10 @@ TEST(OruTable, OrdersItsRowsByKeyAndStaysInsideItsLayers) {
 }
 
 TEST(ZebTables, AlignNamesLikeTheirStreamAndRoundShares) {
-    const std::vector<ZebLayer> layers = {{.name = "conv", .oruLayerIds = {3, 0}, .krelTimeUs = 1},
-                                          {.name = "a, pool", .oruLayerIds = {1}, .dspTimeUs = 999}};
+    const std::vector<std::uint32_t> ids = {3, 0, 1};
+    const std::vector<ZebLayer> layers = {
+        {.name = "conv", .oruLayerIds = std::span(ids).first(2), .krelTimeUs = 1},
+        {.name = "a, pool", .oruLayerIds = std::span(ids).last(1), .dspTimeUs = 999}};
     std::ostringstream out;
     printLayerMapping(out, layers, 7);
     EXPECT_EQ(test::behindLines(out.str(), 3), "   conv:  3,0,\na, pool:  1,\n");
