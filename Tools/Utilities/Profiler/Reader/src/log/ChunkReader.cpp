@@ -1,6 +1,11 @@
 #include "log/ChunkReader.h"
 
 #include <array>
+#include <filesystem>
+#include <span>
+#include <system_error>
+
+#include "log/MemoryBlock.h"
 
 namespace zeb::profiling {
 
@@ -20,6 +25,9 @@ ChunkReader::ChunkReader(const std::string& path)
     : fileBuffer_(std::make_unique_for_overwrite<char[]>(fileBufferSize)) {
     file_.rdbuf()->pubsetbuf(fileBuffer_.get(), fileBufferSize);
     file_.open(path, std::ios::binary);
+    std::error_code error;
+    const std::uintmax_t fileSize = std::filesystem::file_size(path, error);
+    fileSize_ = error ? 0 : fileSize;
 }
 
 bool ChunkReader::nextLength() {
@@ -38,6 +46,9 @@ bool ChunkReader::nextLength() {
 
 std::unique_ptr<const LogChunkBuffer> ChunkReader::readBody() {
     auto buffer = std::make_unique<LogChunkBuffer>(length_);
+    if (nextOffset_ <= fileSize_) {
+        fetchPages(std::as_writable_bytes(std::span(buffer->data(), buffer->size())));
+    }
     file_.read(reinterpret_cast<char*>(buffer->data()), static_cast<std::streamsize>(length_));
     bytesRead_ = static_cast<std::uint64_t>(file_.gcount());
     return bytesRead_ == length_ ? std::move(buffer) : nullptr;

@@ -41,6 +41,7 @@ public:
 private:
     std::unique_ptr<char[]> fileBuffer_;  // outlives the file that uses it
     std::ifstream file_;
+    std::uint64_t fileSize_ = 0;  ///< 0 when it is not known, as that of a pipe
     std::uint32_t length_ = 0;
     std::uint64_t offset_ = 0;
     std::uint64_t index_ = 0;

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "store/MemoryBlock.h"
+#include "log/MemoryBlock.h"
 
 namespace zeb::profiling {
 

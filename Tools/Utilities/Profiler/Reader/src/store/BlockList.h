@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "store/MemoryBlock.h"
+#include "log/MemoryBlock.h"
 
 namespace zeb::profiling {
 

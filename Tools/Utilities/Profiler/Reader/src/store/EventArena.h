@@ -9,7 +9,7 @@
 
 #include "store/BlockList.h"
 #include "store/HashIndex.h"
-#include "store/MemoryBlock.h"
+#include "log/MemoryBlock.h"
 #include "store/ProfileEvent.h"
 #include "store/StoredText.h"
 
