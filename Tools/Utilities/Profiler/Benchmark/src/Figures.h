@@ -20,8 +20,8 @@ enum class Figure : std::size_t {
     aggregate,
     backendReport,
     genericReport,
-    backendBoth,  ///< report and CSV
-    genericBoth,
+    backendCsv,
+    genericCsv,
     reportFloor,
     csvFloor,
     flatc,

@@ -7,9 +7,9 @@
 #include <type_traits>
 #include <vector>
 
+#include "log/MemoryBlock.h"
 #include "store/BlockList.h"
 #include "store/HashIndex.h"
-#include "log/MemoryBlock.h"
 #include "store/ProfileEvent.h"
 #include "store/StoredText.h"
 

@@ -47,7 +47,10 @@ public:
 
     /// Lets the memory of a layer that is soon to be asked for be fetched.
     void expect(std::size_t position) const {
-        __builtin_prefetch(&records_[position]);
+        const auto* const record = reinterpret_cast<const char*>(&records_[position]);
+        __builtin_prefetch(record);
+        __builtin_prefetch(record + sizeof(LayerRecord) - 1);
+        __builtin_prefetch(&execCounts_[position]);
         __builtin_prefetch(&entries_[position]);
     }
 
