@@ -15,12 +15,12 @@ std::span<ProfileEvent> EventArena::makeEvents(std::size_t count) {
 }
 
 StoredText EventArena::keepName(std::string_view name) {
-    const auto isName = [this, name](std::uint32_t position) { return names_[position]->text() == name; };
+    const auto isName = [this, name](std::uint32_t position) { return names_[position].text() == name; };
     const std::uint32_t position = positions_.findOrAdd(name, isName);
     if (position == names_.size()) {
-        names_.add(keepText(name).kept());
+        names_.add(keepText(name));
     }
-    return StoredText(names_[position]);
+    return names_[position];
 }
 
 StoredText EventArena::keepText(std::string_view text) {

@@ -55,7 +55,7 @@ private:
     std::vector<MemoryBlock> blocks_;
     std::span<std::byte> free_;  ///< of the block that is being filled
     std::size_t blockSize_ = 0;
-    BlockList<const KeptText*> names_;
+    BlockList<StoredText> names_;
     HashIndex positions_;  ///< of the names
     std::uint32_t markOwners_ = 0;
 };

@@ -79,7 +79,7 @@ TEST(LogHeader, ShowsLocalTimesUpToTheYear9999AndFloatsLikeStreams) {
     }
 }
 
-Bytes chunkOf(std::optional<std::string> name) {
+Bytes chunkOf(const std::optional<std::string>& name) {
     Header header;
     header.generatorName = name;
     return samplelog::encodeLog(name ? std::optional(header) : std::nullopt, {});

@@ -20,6 +20,7 @@ using Lines = std::vector<std::string>;
 std::vector<Message> executions(const std::vector<Events>& eventLists,
                                 MethodType type = MethodType::Execute) {
     std::vector<Message> messages;
+    messages.reserve(eventLists.size());
     for (const Events& events : eventLists) {
         messages.push_back(message(type, "net", 10, events));
     }
