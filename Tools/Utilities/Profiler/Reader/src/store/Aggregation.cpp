@@ -15,10 +15,13 @@ constexpr std::string_view multipleQueueWaits =
     "Multiple queue-wait time events found per execution. Cannot calculate Host Round-Trip excluding queue "
     "wait\n";
 
-template <typename Statistic>
-void aggregate(const GraphRecordList& graphs, BlockList<NamedMethodRecord>& results, Statistic statistic) {
+// Graph by graph, since a graph's records lie apart from those of the others.
+void aggregate(const GraphRecordList& graphs, EventArena& arena, BlockList<NamedMethodRecord>& averages,
+               BlockList<NamedMethodRecord>& maxima, BlockList<NamedMethodRecord>& minima) {
     for (const GraphMethodRecords& graph : graphs) {
-        results.add({graph.graphName, statistic(graph.records)});
+        averages.add({graph.graphName, averageRecords(graph.records, arena)});
+        maxima.add({graph.graphName, maxRecord(graph.records)});
+        minima.add({graph.graphName, minRecord(graph.records)});
     }
 }
 
@@ -87,16 +90,11 @@ std::vector<GraphQueueWait> queueWaitsOfEach(const BlockList<NamedMethodRecord>&
 }  // namespace
 
 void EventStore::aggregateStatistics(std::ostream& notes) {
-    const auto average = [this](const RecordList& records) { return averageRecords(records, arena_); };
-    aggregate(executeRecords, executeAverage, average);
-    aggregate(executeRecords, executeMax, maxRecord);
-    aggregate(executeRecords, executeMin, minRecord);
-    aggregate(applyBinarySectionRecords, applyBinarySectionAverage, average);
-    aggregate(applyBinarySectionRecords, applyBinarySectionMax, maxRecord);
-    aggregate(applyBinarySectionRecords, applyBinarySectionMin, minRecord);
-    aggregate(finalizeAfterTensorUpdatesRecords, finalizeAfterTensorUpdatesAverage, average);
-    aggregate(finalizeAfterTensorUpdatesRecords, finalizeAfterTensorUpdatesMax, maxRecord);
-    aggregate(finalizeAfterTensorUpdatesRecords, finalizeAfterTensorUpdatesMin, minRecord);
+    aggregate(executeRecords, arena_, executeAverage, executeMax, executeMin);
+    aggregate(applyBinarySectionRecords, arena_, applyBinarySectionAverage, applyBinarySectionMax,
+              applyBinarySectionMin);
+    aggregate(finalizeAfterTensorUpdatesRecords, arena_, finalizeAfterTensorUpdatesAverage,
+              finalizeAfterTensorUpdatesMax, finalizeAfterTensorUpdatesMin);
     if (asyncExecute) {
         aggregateQueueWaits(notes);
     }

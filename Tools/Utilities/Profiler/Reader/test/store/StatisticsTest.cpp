@@ -139,6 +139,39 @@ TEST(Merging, WideListsMergeLikeNarrowOnesAndLeaveTheRecordsAsTheyAre) {
     EXPECT_EQ(inLine(store.executeMax[0].record.events), "p=5(s=8)");
 }
 
+// Long enough for every list in it to take several blocks or rows.
+TEST(Merging, NewNamesOfLaterRecordsAndGraphsComeInTheirOrder) {
+    constexpr std::uint64_t records = 2500;
+    constexpr std::uint64_t newOnes = 8;
+    TestStore store;
+    std::string below;
+    std::string behind;
+    Events again;
+    for (std::uint64_t record = 0; record < records; ++record) {
+        const std::string name = "below " + std::to_string(record);
+        Events events = {event("all", number(record), {event(name, number(record)), event("last")})};
+        below += (record < 2 ? "" : " ") + name + "=" + std::to_string(record) +
+                 (record == 0 ? " last=0x2500 " : "");
+        for (std::uint64_t position = record * newOnes; position < (record + 1) * newOnes; ++position) {
+            events.push_back(event(std::to_string(position), number(position)));
+            again.push_back(events.back());
+            behind += " " + std::to_string(position) + "=" + std::to_string(position) + "x2";
+        }
+        store.take(message(MethodType::Execute, "net", 10, events));
+    }
+    constexpr std::size_t graphs = 9000;
+    for (std::size_t graph = 1; graph < graphs; ++graph) {
+        store.take(message(MethodType::Execute, std::to_string(graph), graph));
+    }
+    store.takeAll({message(MethodType::Execute, "net", 10, again)});
+    EXPECT_EQ(inLine(store.executeAverage[0].record.events), "all=1249x2500(" + below + ")" + behind);
+    ASSERT_EQ(store.executeMax.size(), graphs);
+    for (std::size_t graph = 1; graph < graphs; ++graph) {
+        ASSERT_EQ(store.executeMax[graph].name, std::to_string(graph));
+        ASSERT_EQ(store.executeMax[graph].record.durationUs, graph);
+    }
+}
+
 test::Event wait(std::uint64_t us) {
     return test::ofType(samplelog::queueWaitEventType, event("wait", number(us)));
 }
