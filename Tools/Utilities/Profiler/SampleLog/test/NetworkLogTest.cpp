@@ -46,7 +46,7 @@ struct LoadedRun {
         EXPECT_EQ(records.size(), options.executions);
         const EventList& lastEvents = records.back().events;
         const auto profiles = objectsOf(lastEvents[lastEvents.size() - 1].subEvents);
-        const auto configs = objectsOf(store.finalizeRecords[0].record.events);
+        const auto configs = objectsOf(store.finalizeRecords[0].record->events);
         const auto mappings = objectsOf(store.initEvents);
         profile = profiling::readGraphProfile(profiles.at(0), true);
         config = profiling::readLayerConfig(configs.at(0), true);

@@ -37,9 +37,9 @@ void printGraphs(std::ostream& out, ZebProfileLogReader& reader, const Entries& 
     std::size_t position = 0;
     for (const NamedMethodRecord& entry : entries) {
         printGraphHead(out, position++, entry.name);
-        printTimeLine(out, entry.record.durationUs);
+        printTimeLine(out, entry.record->durationUs);
         if (withEvents) {
-            reader.printEvent(out, entry.record.events, 1);
+            reader.printEvent(out, entry.record->events, 1);
         }
         out << '\n';
     }
@@ -76,7 +76,7 @@ void printContextRetrievalStats(std::ostream& out, ZebProfileLogReader& reader) 
     printSectionHead(out, "Context Retrieval Stats:", 24);
     for (const NamedMethodRecord& entry : store.contextRetrieval) {
         const bool isSize = entry.name == "CONTEXT GET BINARY SIZE";
-        printContextBlock(out, isSize ? "Get Binary Size" : "Get Binary", entry.record.durationUs);
+        printContextBlock(out, isSize ? "Get Binary Size" : "Get Binary", entry.record->durationUs);
     }
 }
 
@@ -88,13 +88,13 @@ void printContextSectionRetrievalStats(std::ostream& out, ZebProfileLogReader& r
     const RecordList& records = store.contextSectionRetrieval[0].records;
     EventArena arena;
     const auto printBlock = [&out](std::string_view title, std::size_t underline,
-                                   const MethodRecord& record) {
+                                   const MethodRecord* record) {
         printSectionHead(out, title, underline);
-        printContextBlock(out, "Get Binary Section Size", record.durationUs);
+        printContextBlock(out, "Get Binary Section Size", record->durationUs);
     };
     printBlock("Context Section Retrieval Stats (Average):", 47, averageRecords(records, arena));
-    printBlock("Context Section Retrieval Stats (Min):", 42, minRecord(records));
-    printBlock("Context Section Retrieval Stats (Max):", 42, maxRecord(records));
+    printBlock("Context Section Retrieval Stats (Min):", 42, minRecord(records, arena));
+    printBlock("Context Section Retrieval Stats (Max):", 42, maxRecord(records, arena));
 }
 
 // Leaves the stream with precision 4.
@@ -140,13 +140,13 @@ void printExecuteStats(std::ostream& out, ZebProfileLogReader& reader, std::stri
         const auto& [name, record] = entries[position];
         printGraphHead(out, position, name);
         indent(out, 1);
-        out << (isAsync ? "Marlix (Host Round-Trip): " : "Marlix: ") << record.durationUs << " us\n";
+        out << (isAsync ? "Marlix (Host Round-Trip): " : "Marlix: ") << record->durationUs << " us\n";
         if (isAsync && position < waits.size()) {
             indent(out, 1);
             out << "Marlix (Host Round-Trip excluding queue wait): "
-                << record.durationUs - queueWaitUs(waits[position]) << '\n';
+                << record->durationUs - queueWaitUs(waits[position]) << '\n';
         }
-        reader.printEvent(out, record.events, 1);
+        reader.printEvent(out, record->events, 1);
         out << '\n';
     }
 }
@@ -231,7 +231,7 @@ void printUpdateBinarySectionStats(std::ostream& out, ZebProfileLogReader& reade
     }
     printSectionHead(out, "UpdateBinarySection Stats:", 32);
     if (!store.updateBinarySectionRecords.empty()) {
-        const MethodRecord& record = store.updateBinarySectionRecords.front().record;
+        const MethodRecord& record = *store.updateBinarySectionRecords.front().record;
         printTimeLine(out, record.durationUs);
         reader.printEvent(out, record.events, 1);
         out << '\n';

@@ -48,10 +48,10 @@ void writeFinalizeCsv(std::ostream& out, ZebProfileLogReader& reader) {
     const EventStore& store = reader.store();
     std::size_t position = 0;
     for (const auto& [name, record] : store.finalizeRecords) {
-        writeMethodRow(out, record.timestamp, "FINALIZE", record.durationUs,
+        writeMethodRow(out, record->timestamp, "FINALIZE", record->durationUs,
                        graphIdentifier(position++, name));
         if (store.hasFinalizeEvents) {
-            reader.writeEventCsv(out, record.events, record.timestamp, "FINALIZE");
+            reader.writeEventCsv(out, record->events, record->timestamp, "FINALIZE");
         }
     }
 }
@@ -102,7 +102,7 @@ void writeLibLoadCsv(std::ostream& out, const EventStore& store) {
 
 void writeContextCsv(std::ostream& out, const EventStore& store) {
     for (const auto& [key, record] : store.contextRetrieval) {
-        writeMethodRow(out, record.timestamp, key, record.durationUs, textOrNull(record.message));
+        writeMethodRow(out, record->timestamp, key, record->durationUs, textOrNull(record->message));
     }
     for (const GraphMethodRecords& entry : store.contextSectionRetrieval) {
         for (const MethodRecord& record : entry.records) {
@@ -115,7 +115,7 @@ void writeContextCsv(std::ostream& out, const EventStore& store) {
 void writeUpdateBinarySectionCsv(std::ostream& out, ZebProfileLogReader& reader) {
     const EventStore& store = reader.store();
     if (!store.updateBinarySectionRecords.empty()) {
-        const MethodRecord& record = store.updateBinarySectionRecords.front().record;
+        const MethodRecord& record = *store.updateBinarySectionRecords.front().record;
         writeMethodRow(out, record.timestamp, "UPDATE BINARY SECTION", record.durationUs, "null", labuUs);
         reader.writeEventCsv(out, record.events, record.timestamp, "UPDATE_BINARY_SECTION");
     }

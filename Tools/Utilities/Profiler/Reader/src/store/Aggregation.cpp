@@ -20,8 +20,8 @@ void aggregate(const GraphRecordList& graphs, EventArena& arena, BlockList<Named
                BlockList<NamedMethodRecord>& maxima, BlockList<NamedMethodRecord>& minima) {
     for (const GraphMethodRecords& graph : graphs) {
         averages.add({graph.graphName, averageRecords(graph.records, arena)});
-        maxima.add({graph.graphName, maxRecord(graph.records)});
-        minima.add({graph.graphName, minRecord(graph.records)});
+        maxima.add({graph.graphName, maxRecord(graph.records, arena)});
+        minima.add({graph.graphName, minRecord(graph.records, arena)});
     }
 }
 
@@ -77,7 +77,7 @@ std::vector<GraphQueueWait> queueWaitsOfEach(const BlockList<NamedMethodRecord>&
                                              const char* noneFound) {
     std::vector<GraphQueueWait> waits;
     for (const NamedMethodRecord& entry : records) {
-        const QueueWait wait = queueWaitOf(entry.record.events);
+        const QueueWait wait = queueWaitOf(entry.record->events);
         if (wait.count != 1) {
             tellMissingQueueWait(wait, notes, noneFound);
             return {};
@@ -117,7 +117,7 @@ void EventStore::aggregateInitRow() {
         initTimestamp = initStepTimestamp;
         initDurationUs = composeDurationUs + initStepDurationUs;
         for (const NamedMethodRecord& entry : finalizeRecords) {
-            initDurationUs += entry.record.durationUs;
+            initDurationUs += entry.record->durationUs;
         }
     }
 }

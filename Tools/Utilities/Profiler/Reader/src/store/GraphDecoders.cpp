@@ -38,6 +38,15 @@ SplitEvents splitByType(std::span<ProfileEvent> events, std::uint32_t eventType)
     return {events.subspan(others), events.first(others)};
 }
 
+// Puts a changed copy in the place of the record under a name, or makes one.
+template <typename Change>
+void changeRecord(NamedRecordList& records, std::string_view name, EventArena& arena, Change change) {
+    NamedMethodRecord& entry = records.findOrAdd(name, arena);
+    MethodRecord record = entry.record == nullptr ? MethodRecord{} : *entry.record;
+    change(record);
+    entry.record = arena.make(record);
+}
+
 // A text such as "graph [3]" names the graph in front of the bracket.
 std::string_view graphNameIn(std::string_view text) {
     return text.substr(0, text.find(" ["));
@@ -55,7 +64,8 @@ void EventStore::fileInitEvents(EventList events) {
 void EventStore::fileFinalizeEvents(std::string_view graphName, EventList events) {
     hasFinalizeEvents = hasFinalizeEvents || !events.empty();
     if (hasFinalizeEvents) {
-        finalizeRecords.findOrAdd(graphName, arena_).record.events = events;
+        changeRecord(finalizeRecords, graphName, arena_,
+                     [events](MethodRecord& record) { record.events = events; });
     }
 }
 
@@ -86,9 +96,10 @@ bool EventStore::decodeFinalize(const schema::LogMessage& message) {
         return false;
     }
     const std::string_view graphName = *text;
-    MethodRecord& record = finalizeRecords.findOrAdd(graphName, arena_).record;
-    record.durationUs = durationOf(message);
-    record.timestamp = timestampOf(message);
+    changeRecord(finalizeRecords, graphName, arena_, [&message](MethodRecord& record) {
+        record.durationUs = durationOf(message);
+        record.timestamp = timestampOf(message);
+    });
     hasFinalize = true;
     const auto [initOnes, others] = splitByType(decodeEvents(message, arena_), EVENT_TYPE_INIT);
     fileInitEvents(EventList(initOnes));
@@ -141,7 +152,7 @@ bool EventStore::decodeUpdateBinarySection(const schema::LogMessage& message) {
     }
     MethodRecord record = timedRecord(message);
     record.events = EventList(decodeEvents(message, arena_));
-    updateBinarySectionRecords.assign(1, {{}, record});
+    updateBinarySectionRecords.assign(1, {{}, arena_.make(record)});
     hasUpdateBinarySection = true;
     return true;
 }
@@ -153,7 +164,7 @@ bool EventStore::decodeContextGetBinary(const schema::LogMessage& message) {
     const bool isSize = message.methodType() == schema::MethodType::ContextGetBinarySize;
     MethodRecord record = timedRecord(message);
     record.message = arena_.keepText(textOf(message).value_or(""));
-    contextRetrieval.findOrAdd(isSize ? binarySizeKey : binaryKey, arena_).record = record;
+    contextRetrieval.findOrAdd(isSize ? binarySizeKey : binaryKey, arena_).record = arena_.make(record);
     hasContextRetrieval = true;
     return true;
 }

@@ -80,10 +80,11 @@ private:
     Node* lastFilled_ = nullptr;  ///< all records up to this one have events
 };
 
-/// A record under a graph's name, or under the name of a method.
+/// A record under a graph's name, or under the name of a method. It stands in the arena and never changes, so
+/// a statistic that is one of the records needs no copy of it.
 struct NamedMethodRecord {
     StoredText name;
-    MethodRecord record;
+    const MethodRecord* record = nullptr;  ///< never null in the store
 };
 
 /// All occurrences of a method under one name, in log order; never empty in the store.

@@ -39,7 +39,30 @@ class ProfileEvent;
 /// is the last. Events stand side by side, or in several rows of which each leads to the next.
 class EventList {
 public:
-    class Iterator;
+    class Iterator {
+    public:
+        using iterator_category = std::forward_iterator_tag;
+        using value_type = ProfileEvent;
+        using difference_type = std::ptrdiff_t;
+        using pointer = const ProfileEvent*;
+        using reference = const ProfileEvent&;
+
+        Iterator() = default;
+        explicit Iterator(const ProfileEvent* event) : event_(event) {}
+
+        reference operator*() const { return *event_; }
+        pointer operator->() const { return event_; }
+        Iterator& operator++();
+        Iterator operator++(int) {
+            const Iterator before = *this;
+            ++*this;
+            return before;
+        }
+        friend bool operator==(Iterator left, Iterator right) { return left.event_ == right.event_; }
+
+    private:
+        const ProfileEvent* event_ = nullptr;
+    };
 
     EventList() = default;
 
@@ -49,8 +72,8 @@ public:
     EventList(const ProfileEvent& first, ProfileEvent& last);
 
     [[nodiscard]] bool empty() const { return first_ == nullptr; }
-    [[nodiscard]] Iterator begin() const;
-    [[nodiscard]] Iterator end() const;
+    [[nodiscard]] Iterator begin() const { return Iterator(first_); }
+    [[nodiscard]] Iterator end() const { return {}; }
 
     /// Counts the events.
     [[nodiscard]] std::size_t size() const;
@@ -172,45 +195,15 @@ private:
 
 static_assert(sizeof(ProfileEvent) == 32);
 
-class EventList::Iterator {
-public:
-    using iterator_category = std::forward_iterator_tag;
-    using value_type = ProfileEvent;
-    using difference_type = std::ptrdiff_t;
-    using pointer = const ProfileEvent*;
-    using reference = const ProfileEvent&;
-
-    Iterator() = default;
-    explicit Iterator(const ProfileEvent* event) : event_(event) {}
-
-    reference operator*() const { return *event_; }
-    pointer operator->() const { return event_; }
-    Iterator& operator++() {
-        event_ = event_->next();
-        return *this;
-    }
-    Iterator operator++(int) {
-        const Iterator before = *this;
-        ++*this;
-        return before;
-    }
-    friend bool operator==(Iterator left, Iterator right) { return left.event_ == right.event_; }
-
-private:
-    const ProfileEvent* event_ = nullptr;
-};
-
+inline EventList::Iterator& EventList::Iterator::operator++() {
+    event_ = event_->next();
+    return *this;
+}
 inline EventList::EventList(const ProfileEvent& first, ProfileEvent& last) : first_(&first) {
     last.isLast_ = 1;
 }
 inline EventList::EventList(std::span<ProfileEvent> events)
     : EventList(events.empty() ? EventList() : EventList(events.front(), events.back())) {}
-inline EventList::Iterator EventList::begin() const {
-    return Iterator(first_);
-}
-inline EventList::Iterator EventList::end() const {
-    return {};
-}
 inline std::size_t EventList::size() const {
     return static_cast<std::size_t>(std::distance(begin(), end()));
 }

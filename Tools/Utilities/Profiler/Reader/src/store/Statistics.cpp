@@ -4,7 +4,22 @@
 
 namespace zeb::profiling {
 
-MethodRecord averageRecords(const RecordList& records, EventArena& arena) {
+namespace {
+
+constexpr MethodRecord noRecord;
+
+const MethodRecord* withoutMessage(const MethodRecord& record, EventArena& arena) {
+    if (record.message.empty()) {
+        return &record;
+    }
+    MethodRecord copy = record;
+    copy.message = {};
+    return arena.make(copy);
+}
+
+}  // namespace
+
+const MethodRecord* averageRecords(const RecordList& records, EventArena& arena) {
     MethodRecord average;
     std::uint64_t sum = 0;
     std::uint64_t count = 0;
@@ -15,30 +30,31 @@ MethodRecord averageRecords(const RecordList& records, EventArena& arena) {
     }
     average.durationUs = count == 0 ? 0 : sum / count;
     average.events = averageEvents(records, arena);
-    return average;
+    const auto first = records.begin();
+    const bool isOnlyOne = first != records.end() && std::next(first) == records.end();
+    return isOnlyOne && average.events.begin() == first->events.begin() ? withoutMessage(*first, arena)
+                                                                        : arena.make(average);
 }
 
-MethodRecord maxRecord(const RecordList& records) {
-    MethodRecord longest;
+const MethodRecord* maxRecord(const RecordList& records, EventArena& arena) {
+    const MethodRecord* longest = &noRecord;
     for (const MethodRecord& record : records) {
-        if (record.durationUs >= longest.durationUs) {
-            longest = record;
+        if (record.durationUs >= longest->durationUs) {
+            longest = &record;
         }
     }
-    longest.message = {};
-    return longest;
+    return withoutMessage(*longest, arena);
 }
 
-MethodRecord minRecord(const RecordList& records) {
-    MethodRecord shortest;
+const MethodRecord* minRecord(const RecordList& records, EventArena& arena) {
+    const MethodRecord* shortest = &noRecord;
     for (const MethodRecord& record : records) {
         if (record.durationUs != 0 &&
-            (shortest.durationUs == 0 || record.durationUs <= shortest.durationUs)) {
-            shortest = record;
+            (shortest->durationUs == 0 || record.durationUs <= shortest->durationUs)) {
+            shortest = &record;
         }
     }
-    shortest.message = {};
-    return shortest;
+    return withoutMessage(*shortest, arena);
 }
 
 }  // namespace zeb::profiling

@@ -134,9 +134,9 @@ TEST(Decoding, InitEventsComeFromTheLatestMessageThatCanHaveThem) {
     EXPECT_TRUE(store.initEvents.empty());
     store.take(message(MethodType::Finalize, "net", 7, {}, 77));
     ASSERT_EQ(store.finalizeRecords.size(), 1U);
-    EXPECT_EQ(store.finalizeRecords[0].record.durationUs, 7U);
-    EXPECT_EQ(store.finalizeRecords[0].record.timestamp, 77U);
-    EXPECT_TRUE(store.finalizeRecords[0].record.events.empty()) << "replaced by a message without events";
+    EXPECT_EQ(store.finalizeRecords[0].record->durationUs, 7U);
+    EXPECT_EQ(store.finalizeRecords[0].record->timestamp, 77U);
+    EXPECT_TRUE(store.finalizeRecords[0].record->events.empty()) << "replaced by a message without events";
 }
 
 TEST(Decoding, GraphEventsFillExecutionsWithoutEventsFromTheFront) {
@@ -165,7 +165,7 @@ TEST(Decoding, GraphEventsAreFiledByType) {
                        {event("x1"), ofType(finalizeEventType, event("f1")), initEvent("i2"), event("x2"),
                         ofType(finalizeEventType, event("f2"))}));
     EXPECT_EQ(inLine(store.initEvents), "i2=");
-    EXPECT_EQ(inLine(store.finalizeRecords[0].record.events), "f1= f2=");
+    EXPECT_EQ(inLine(store.finalizeRecords[0].record->events), "f1= f2=");
     EXPECT_EQ(inLine(store.executeRecords[0].records[0].events), "x1= x2=");
     EXPECT_FALSE(store.hasFinalize);
     store.take(message(MethodType::GraphEvents, "other", 0, {event("x")}));

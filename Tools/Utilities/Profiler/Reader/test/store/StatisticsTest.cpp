@@ -30,7 +30,7 @@ std::vector<Message> executions(const std::vector<Events>& eventLists,
 std::string averageOf(const std::vector<Events>& eventLists) {
     TestStore store;
     store.takeAll(executions(eventLists));
-    return inLine(store.executeAverage[0].record.events);
+    return inLine(store.executeAverage[0].record->events);
 }
 
 TEST(Statistics, PickDurationsTimestampsAndEvents) {
@@ -60,9 +60,9 @@ TEST(Statistics, PickDurationsTimestampsAndEvents) {
             EXPECT_EQ(inLine(record.events), position < 0 ? "" : "e=" + std::to_string(position));
             EXPECT_TRUE(record.message.empty());
         };
-        expectRecord(maxRecord(records), expected.max, expected.maxRecord);
-        expectRecord(minRecord(records), expected.min, expected.minRecord);
-        const MethodRecord average = averageRecords(records, arena);
+        expectRecord(*maxRecord(records, arena), expected.max, expected.maxRecord);
+        expectRecord(*minRecord(records, arena), expected.min, expected.minRecord);
+        const MethodRecord average = *averageRecords(records, arena);
         EXPECT_EQ(average.durationUs, expected.average);
         EXPECT_EQ(average.timestamp, records.empty() ? 0U : records.back().timestamp);
     }
@@ -136,7 +136,7 @@ TEST(Merging, WideListsMergeLikeNarrowOnesAndLeaveTheRecordsAsTheyAre) {
     store.takeAll(executions({{event("p", number(1), {event("s", number(4))})},
                               {event("p", number(5), {event("s", number(8))})}}));
     EXPECT_EQ(inLine(store.executeRecords[0].records[0].events), "p=1(s=4)");
-    EXPECT_EQ(inLine(store.executeMax[0].record.events), "p=5(s=8)");
+    EXPECT_EQ(inLine(store.executeMax[0].record->events), "p=5(s=8)");
 }
 
 // Long enough for every list in it to take several blocks or rows.
@@ -164,11 +164,11 @@ TEST(Merging, NewNamesOfLaterRecordsAndGraphsComeInTheirOrder) {
         store.take(message(MethodType::Execute, std::to_string(graph), graph));
     }
     store.takeAll({message(MethodType::Execute, "net", 10, again)});
-    EXPECT_EQ(inLine(store.executeAverage[0].record.events), "all=1249x2500(" + below + ")" + behind);
+    EXPECT_EQ(inLine(store.executeAverage[0].record->events), "all=1249x2500(" + below + ")" + behind);
     ASSERT_EQ(store.executeMax.size(), graphs);
     for (std::size_t graph = 1; graph < graphs; ++graph) {
         ASSERT_EQ(store.executeMax[graph].name, std::to_string(graph));
-        ASSERT_EQ(store.executeMax[graph].record.durationUs, graph);
+        ASSERT_EQ(store.executeMax[graph].record->durationUs, graph);
     }
 }
 

@@ -78,7 +78,7 @@ std::optional<std::uint64_t> BackendReport::singleGraphDuration() const {
         logMessage(ZEB_LOG_LEVEL_ERROR, "multiple graph not supported yet!");
         return std::nullopt;
     }
-    return store_.executeAverage.front().record.durationUs;
+    return store_.executeAverage.front().record->durationUs;
 }
 
 }  // namespace zeb::profiling

@@ -108,8 +108,8 @@ void BackendReport::printBackendFinalizeStats(std::ostream& out) {
     for (const auto& [name, record] : store_.finalizeRecords) {
         printGraphHead(out, position++, name);
         if (store_.hasFinalizeEvents) {
-            printBackendEvents(out, record.events, 1);
-            collectObjectEvents(record.events, objects);
+            printBackendEvents(out, record->events, 1);
+            collectObjectEvents(record->events, objects);
         }
         out << '\n';
     }
@@ -139,7 +139,7 @@ void BackendReport::printExecutionStats(std::ostream& out) {
     for (const auto& [name, record] : store_.executeAverage) {
         printGraphHead(out, position++, name);
         if (!store_.asyncExecute) {
-            printTimeLine(out, record.durationUs);
+            printTimeLine(out, record->durationUs);
         }
     }
     loadGraphProfiles();
@@ -147,7 +147,7 @@ void BackendReport::printExecutionStats(std::ostream& out) {
     if (backendExecuteUs_) {
         if (store_.asyncExecute) {
             printTimeLine(out,
-                          differenceOrZero(store_.executeAverage.back().record.durationUs, queueWaitUs_));
+                          differenceOrZero(store_.executeAverage.back().record->durationUs, queueWaitUs_));
         }
         indent(out, 2);
         out << "Backend (" << apiName() << "): " << differenceOrZero(*backendExecuteUs_, queueWaitUs_)
