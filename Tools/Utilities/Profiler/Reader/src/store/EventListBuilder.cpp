@@ -16,14 +16,15 @@ ProfileEvent& EventListBuilder::add(const ProfileEvent& event) {
 }
 
 void EventListBuilder::addRow() {
-    constexpr std::size_t shortestRow = 7;
+    constexpr std::size_t shortestRow = 3;
     constexpr std::size_t longestRow = 1023;
     const std::span<ProfileEvent> row = arena_.makeEvents(nextRow_ + 1);
+    room_ += nextRow_;
     if (!free_.empty()) {
         free_.front() = ProfileEvent::leadingTo(row.data());
     }
     free_ = row;
-    nextRow_ = std::clamp(nextRow_ * 2, shortestRow, longestRow);
+    nextRow_ = std::clamp(room_ / 4, shortestRow, longestRow);
 }
 
 ProfileEvent* EventListBuilder::next(const ProfileEvent& event) {

@@ -38,6 +38,7 @@ private:
 
     EventArena& arena_;
     std::size_t nextRow_;           ///< events of the next row
+    std::size_t room_ = 0;          ///< events of all rows so far
     std::span<ProfileEvent> free_;  ///< of the row that is being filled; the last of them is to lead on
     ProfileEvent* first_ = nullptr;
     ProfileEvent* last_ = nullptr;
