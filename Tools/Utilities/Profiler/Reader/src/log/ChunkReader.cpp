@@ -13,7 +13,6 @@ namespace {
 
 constexpr std::size_t prefixSize = 4;
 constexpr std::size_t fileBufferSize = 1U << 16U;  // small chunks are many to a read
-constexpr std::size_t freshSize = 1U << 23U;  // a smaller buffer mostly gets the memory of the one before
 
 std::uint32_t littleEndian32(const std::array<unsigned char, prefixSize>& bytes) {
     return static_cast<std::uint32_t>(bytes[0]) | static_cast<std::uint32_t>(bytes[1]) << 8U |
@@ -47,7 +46,7 @@ bool ChunkReader::nextLength() {
 
 std::unique_ptr<const LogChunkBuffer> ChunkReader::readBody() {
     auto buffer = std::make_unique<LogChunkBuffer>(length_);
-    if (length_ >= freshSize && nextOffset_ <= fileSize_) {
+    if (nextOffset_ <= fileSize_) {
         fetchPages(std::as_writable_bytes(std::span(buffer->data(), buffer->size())));
     }
     file_.read(reinterpret_cast<char*>(buffer->data()), static_cast<std::streamsize>(length_));
