@@ -15,8 +15,9 @@
 
 namespace zeb::profiling {
 
-/// The memory behind events: events, names, texts and object bytes. What it gives stays where it is until the
-/// arena goes, and goes with it in one piece; nothing is freed before. All operations throw `std::bad_alloc`.
+/// The memory behind records: events, names, texts, object bytes and the records. What it gives stays where
+/// it is until the arena goes, and goes with it in one piece; nothing is freed before. All operations throw
+/// `std::bad_alloc`.
 class EventArena {
 public:
     EventArena() = default;

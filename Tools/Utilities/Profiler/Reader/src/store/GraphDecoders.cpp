@@ -38,11 +38,11 @@ SplitEvents splitByType(std::span<ProfileEvent> events, std::uint32_t eventType)
     return {events.subspan(others), events.first(others)};
 }
 
-// Puts a changed copy in the place of the record under a name, or makes one.
+// Puts a changed copy in the place of the record under a name, which is one of nothing at first.
 template <typename Change>
 void changeRecord(NamedRecordList& records, std::string_view name, EventArena& arena, Change change) {
     NamedMethodRecord& entry = records.findOrAdd(name, arena);
-    MethodRecord record = entry.record == nullptr ? MethodRecord{} : *entry.record;
+    MethodRecord record = *entry.record;
     change(record);
     entry.record = arena.make(record);
 }

@@ -19,6 +19,9 @@ struct MethodRecord {
     EventList events;
 };
 
+/// A record of nothing.
+inline constexpr MethodRecord noRecord;
+
 /// Records in the order in which they were added. They stand in an `EventArena`, each beside its events, so
 /// that a graph of a single record costs no memory of its own. A copy of a list shows the same records.
 class RecordList {
@@ -84,7 +87,7 @@ private:
 /// a statistic that is one of the records needs no copy of it.
 struct NamedMethodRecord {
     StoredText name;
-    const MethodRecord* record = nullptr;  ///< never null in the store
+    const MethodRecord* record = &noRecord;  ///< never null
 };
 
 /// All occurrences of a method under one name, in log order; never empty in the store.

@@ -6,8 +6,6 @@ namespace zeb::profiling {
 
 namespace {
 
-constexpr MethodRecord noRecord;
-
 const MethodRecord* withoutMessage(const MethodRecord& record, EventArena& arena) {
     if (record.message.empty()) {
         return &record;
