@@ -119,6 +119,7 @@ void measureCsv(const MeasuredLog& log, Figures& figures) {
     profiling::BackendReport report(reader, false);
     {
         profiling::TextStream console;
+        console << std::fixed << std::setprecision(0);
         report.printConsole(console);
     }
     figures[Figure::backendCsv] = timeOfCsv([&report](std::ostream& csv) { report.writeCsv(csv); });

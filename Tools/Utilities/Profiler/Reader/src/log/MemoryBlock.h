@@ -14,7 +14,7 @@ MemoryBlock makeMemoryBlock(std::size_t size);
 
 /// Asks for all pages of fresh memory at once, large ones where they fit, which costs less than to fetch each
 /// when it is first written to. It is for memory that is sure to be written all over. Where the system does
-/// not know such hints, nothing is lost.
+/// not know such hints, or has other pages, nothing is lost.
 void fetchPages(std::span<std::byte> memory);
 
 }  // namespace zeb::profiling

@@ -1,7 +1,9 @@
 // What is derived from the records after the last message.
 
-#include <functional>
 #include <ostream>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 #include "logging/Logger.h"
 #include "store/EventStore.h"

@@ -117,7 +117,7 @@ public:
 
 private:
     // What an event has grown to since a second one came. Few have one where most names are new. Meanwhile
-    // the event's value is the position of its sum.
+    // the event counts two occurrences, and its value is the position of its sum.
     struct Sum {
         ProfileEvent* event;
         ValueSum value;

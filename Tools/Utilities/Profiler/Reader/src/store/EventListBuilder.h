@@ -13,7 +13,7 @@ namespace zeb::profiling {
 class EventListBuilder {
 public:
     /// @param arena has to outlive the builder
-    /// @param expectedSize how many events are the least to come
+    /// @param expectedSize how many events the first row has room for
     EventListBuilder(EventArena& arena, std::size_t expectedSize)
         : arena_(arena), nextRow_(std::max<std::size_t>(expectedSize, 1)) {}
 

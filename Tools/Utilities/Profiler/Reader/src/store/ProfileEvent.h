@@ -102,7 +102,7 @@ public:
         : name(eventName), subEvents(below), eventType(type), unit_(static_cast<std::uint32_t>(unit) & 7U) {
         setValue(value);
     }
-    /// @param object has the event's value
+    /// @param object has the event's value; not null
     ProfileEvent(StoredText eventName, std::uint32_t type, EventUnit unit, const EventObject* object,
                  EventList below)
         : ProfileEvent(eventName, type, unit, EventValue(), below) {
@@ -125,7 +125,7 @@ public:
     [[nodiscard]] EventValue value() const {
         return content_ == objectContent ? object()->value : EventValue(contentKinds[content_], payload_);
     }
-    /// Of an event without an object. A value of a kind that decoding does not make counts as none.
+    /// Takes the place of an object. A value of a kind that decoding does not make counts as none.
     void setValue(EventValue value) {
         const auto* const kind = std::find(contentKinds.begin(), contentKinds.end(), value.kind);
         const bool isKept = kind != contentKinds.end();
@@ -138,6 +138,7 @@ public:
         // NOLINTNEXTLINE(performance-no-int-to-ptr): `setObject` has put it there
         return content_ == objectContent ? reinterpret_cast<const EventObject*>(payload_) : nullptr;
     }
+    /// @param object not null; its value becomes the event's
     void setObject(const EventObject* object) {
         content_ = objectContent;
         payload_ = reinterpret_cast<std::uintptr_t>(object);
@@ -149,6 +150,10 @@ public:
     [[nodiscard]] std::string_view objectFileName() const {
         return object() == nullptr ? std::string_view{} : object()->fileName;
     }
+
+private:
+    friend class EventList;
+    friend class EventListBuilder;
 
     /// @return the event behind this one in its list, null for the last
     [[nodiscard]] const ProfileEvent* next() const {
@@ -175,9 +180,6 @@ public:
         copy.isLast_ = 0;
         return copy;
     }
-
-private:
-    friend class EventList;
 
     // What the payload is: a value of a kind that decoding makes, or the address of an object or of a row.
     static constexpr std::array<ValueKind, 6> contentKinds = {ValueKind::unset,   ValueKind::int64,

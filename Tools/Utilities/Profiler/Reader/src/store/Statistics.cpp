@@ -1,5 +1,8 @@
 #include "store/Statistics.h"
 
+#include <cstdint>
+#include <iterator>
+
 #include "store/EventAverage.h"
 
 namespace zeb::profiling {
@@ -28,6 +31,7 @@ const MethodRecord* averageRecords(const RecordList& records, EventArena& arena)
     }
     average.durationUs = count == 0 ? 0 : sum / count;
     average.events = averageEvents(records, arena);
+    // Of a single record, `averageEvents` gives the very list where there is nothing to leave out.
     const auto first = records.begin();
     const bool isOnlyOne = first != records.end() && std::next(first) == records.end();
     return isOnlyOne && average.events.begin() == first->events.begin() ? withoutMessage(*first, arena)

@@ -9,7 +9,7 @@ namespace zeb::profiling {
 
 /// The mean duration of the records whose duration is not 0, cut to whole us; the timestamp of the last
 /// record; and the events of all records, merged by name, each with the mean of its values.
-/// @param arena holds the records and their events, and takes what is made
+/// @param arena takes what is made; the events of the records, if they have any, have to be its own
 const MethodRecord* averageRecords(const RecordList& records, EventArena& arena);
 
 /// The longest record, the last one of equals.

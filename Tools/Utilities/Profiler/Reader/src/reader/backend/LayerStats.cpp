@@ -66,7 +66,6 @@ LayerStats LayerStatsList::operator[](std::size_t position) const {
                      .mergedGroup = entry.mergedGroup,
                      .loopbackEnabled = entry.loopbackEnabled(),
                      .execCount = count,
-                     .orderKey = record.orderKey,
                      .avgTimeUs = quotient(record.totalTimeUs, count),
                      .totalTimeUs = record.totalTimeUs,
                      .avgDspCycles = quotient(record.totalDspCycles, count),

@@ -20,7 +20,6 @@ struct LayerStats {
     std::uint32_t mergedGroup = 0;
     bool loopbackEnabled = false;
     std::uint32_t execCount = 0;  ///< a linked layer without one takes that of its group
-    std::uint32_t orderKey = 0;
     std::uint64_t avgTimeUs = 0;
     std::uint64_t totalTimeUs = 0;
     std::uint64_t avgDspCycles = 0;

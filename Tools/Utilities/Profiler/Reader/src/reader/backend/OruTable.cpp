@@ -1,7 +1,9 @@
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
+#include <vector>
 
 #include "logging/Logger.h"
 #include "reader/backend/LayerTables.h"

@@ -26,7 +26,7 @@ struct TimeShare {
     double krelTimePercent = 0.0;
 };
 
-/// The layers of a graph, and the memory behind their lists.
+/// The layers of a graph, and the memory behind their lists of ids. To be moved, not copied.
 struct ZebLayers {
     std::vector<ZebLayer> layers;  ///< in report order
     std::vector<std::uint32_t> oruLayerIds;
