@@ -42,8 +42,9 @@ public:
     [[nodiscard]] const LogHeaderDetails& header() const { return header_; }
     [[nodiscard]] const std::string& logFilePath() const { return logFilePath_; }
 
-    /// Saves an object event's bytes to a file, if `loadLog` was asked for that; passes over all other
-    /// events.
+    /// @return whether `loadLog` was asked to save objects
+    [[nodiscard]] bool savesObjects() const { return saveObjects_; }
+    /// Saves an object event's bytes to a file, if objects are saved; passes over all other events.
     void writeObjectFile(const ProfileEvent& event);
 
 protected:

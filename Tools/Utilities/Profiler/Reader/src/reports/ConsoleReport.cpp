@@ -167,7 +167,7 @@ void saveObjectsOfExecutions(ZebProfileLogReader& reader) {
 void printExecuteStatistics(std::ostream& out, ZebProfileLogReader& reader) {
     const EventStore& store = reader.store();
     printExecuteStats(out, reader, "Execute Stats (Average):", store.executeAverage, store.executeQueueWaits);
-    if (!store.executeAverage.empty()) {
+    if (reader.savesObjects() && !store.executeAverage.empty()) {
         saveObjectsOfExecutions(reader);
     }
     printExecuteStats(out, reader, "Execute Stats (Min):", store.executeMin, store.executeMinQueueWaits);

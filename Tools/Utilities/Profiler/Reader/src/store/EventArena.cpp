@@ -23,6 +23,10 @@ StoredText EventArena::keepName(std::string_view name) {
     return names_[position];
 }
 
+bool EventArena::hasName(std::string_view name) const {
+    return positions_.contains(name, [&](std::uint32_t position) { return names_[position].text() == name; });
+}
+
 StoredText EventArena::keepText(std::string_view text) {
     auto* const kept =
         reinterpret_cast<KeptText*>(allocate(sizeof(KeptText) + text.size(), alignof(KeptText)));

@@ -37,6 +37,9 @@ public:
     /// Keeps a name, which comes again and again, once.
     StoredText keepName(std::string_view name);
 
+    /// @return whether it keeps a name
+    [[nodiscard]] bool hasName(std::string_view name) const;
+
     /// Keeps a copy of a text.
     StoredText keepText(std::string_view text);
 

@@ -36,6 +36,9 @@ public:
     /// @param notes receives what is to be told to the user, whole lines
     void aggregateStatistics(std::ostream& notes);
 
+    /// @return false when there is no event of that name anywhere in the store, which saves searching for it
+    [[nodiscard]] bool mayHaveEvent(std::string_view name) const { return arena_.hasName(name); }
+
     // Initialization
     std::uint64_t initTimestamp = 0;       ///< of the Init row, by aggregation
     std::uint64_t initDurationUs = 0;      ///< of the Init row, by aggregation

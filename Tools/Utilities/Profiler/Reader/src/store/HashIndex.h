@@ -80,6 +80,12 @@ public:
         return positions_[slot];
     }
 
+    /// @return whether there is an entry
+    template <typename Matches>
+    [[nodiscard]] bool contains(std::string_view name, Matches matches) const {
+        return !tags_.empty() && tags_[slotOf(hash_(name), matches)] != freeTag;
+    }
+
 private:
     static constexpr std::uint8_t freeTag = 0;
 

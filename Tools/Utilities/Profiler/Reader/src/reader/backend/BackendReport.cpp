@@ -63,6 +63,9 @@ void BackendReport::readProfileLevel() {
 }
 
 std::optional<std::string> BackendReport::findExecuteEventValue(std::string_view name) const {
+    if (!store_.mayHaveEvent(name)) {
+        return std::nullopt;
+    }
     for (const GraphMethodRecords& graph : store_.executeRecords) {
         for (const MethodRecord& record : graph.records) {
             if (auto value = findEventValue(name, record.events)) {

@@ -169,6 +169,9 @@ void BackendReport::printExecutionStats(std::ostream& out) {
 
 // Only objects directly below the events of an execution count.
 void BackendReport::loadGraphProfiles() {
+    if (!store_.mayHaveEvent(graphProfileName)) {
+        return;
+    }
     std::vector<const ProfileEvent*> objects;
     for (const GraphMethodRecords& graph : store_.executeRecords) {
         for (const MethodRecord& record : graph.records) {
