@@ -293,7 +293,7 @@ void writeLayers(ChunkedLog& log, std::size_t layers) {
 constexpr std::array<Shape, 12> shapes = {{
     {"steady", "steady", 4'000, 12'000, 24'000, usualChunk, writeSteady},
     {"tiny-chunks", "tiny chunks", 4'000, 12'000, 24'000, messageAChunk, writeSteady},
-    {oneChunkShape, "one chunk", 4'000, 12'000, 80'000, allInOneChunk, writeSteady},
+    {oneChunkShape, "one chunk", 4'000, 12'000, 109'000, allInOneChunk, writeSteady},
     {"many-graphs", "many graphs", 50'000, 200'000, 200'000, usualChunk, writeManyGraphs},
     {"wide", "wide", 8'000, 20'000, 40'000, usualChunk, writeWide},
     {"late-events", "late events", 60'000, 200'000, 200'000, usualChunk, writeLateEvents},
