@@ -4,13 +4,13 @@
 #include <bit>
 #include <cstddef>
 #include <cstring>
-#include <iterator>
 #include <memory>
 #include <type_traits>
 #include <utility>
 #include <vector>
 
 #include "log/MemoryBlock.h"
+#include "store/ForwardIterator.h"
 
 namespace zeb::profiling {
 
@@ -19,34 +19,15 @@ namespace zeb::profiling {
 template <typename Entry>
 class BlockList {
 public:
-    class Iterator {
-    public:
-        using iterator_category = std::forward_iterator_tag;
-        using value_type = Entry;
-        using difference_type = std::ptrdiff_t;
-        using pointer = const Entry*;
-        using reference = const Entry&;
+    struct Cursor {
+        const BlockList* list = nullptr;
+        std::size_t position = 0;
 
-        Iterator() = default;
-        Iterator(const BlockList& list, std::size_t position) : list_(&list), position_(position) {}
-
-        reference operator*() const { return (*list_)[position_]; }
-        pointer operator->() const { return &(*list_)[position_]; }
-        Iterator& operator++() {
-            ++position_;
-            return *this;
-        }
-        Iterator operator++(int) {
-            const Iterator before = *this;
-            ++*this;
-            return before;
-        }
-        friend bool operator==(Iterator left, Iterator right) { return left.position_ == right.position_; }
-
-    private:
-        const BlockList* list_ = nullptr;
-        std::size_t position_ = 0;
+        [[nodiscard]] const Entry& at() const { return (*list)[position]; }
+        void advance() { ++position; }
+        friend bool operator==(const Cursor& left, const Cursor& right) = default;
     };
+    using Iterator = ForwardIterator<Entry, Cursor>;
 
     /// @return the new entry; valid until the next call
     /// @throws std::bad_alloc, with the list as it was
@@ -63,8 +44,8 @@ public:
     [[nodiscard]] const Entry& operator[](std::size_t position) const { return *place(position); }
     [[nodiscard]] const Entry& front() const { return *place(0); }
     [[nodiscard]] const Entry& back() const { return *place(size_ - 1); }
-    [[nodiscard]] Iterator begin() const { return {*this, 0}; }
-    [[nodiscard]] Iterator end() const { return {*this, size_}; }
+    [[nodiscard]] Iterator begin() const { return Iterator({this, 0}); }
+    [[nodiscard]] Iterator end() const { return Iterator({this, size_}); }
 
 private:
     static_assert(std::is_trivially_copyable_v<Entry>, "entries are moved as bytes and never destroyed");

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "store/EventArena.h"
+#include "store/ForwardIterator.h"
 #include "store/ProfileEvent.h"
 #include "store/StoredText.h"
 
@@ -31,33 +32,14 @@ class RecordList {
     };
 
 public:
-    class Iterator {
-    public:
-        using iterator_category = std::forward_iterator_tag;
-        using value_type = MethodRecord;
-        using difference_type = std::ptrdiff_t;
-        using pointer = const MethodRecord*;
-        using reference = const MethodRecord&;
+    struct Cursor {
+        const Node* node = nullptr;
 
-        Iterator() = default;
-        explicit Iterator(const Node* node) : node_(node) {}
-
-        reference operator*() const { return node_->record; }
-        pointer operator->() const { return &node_->record; }
-        Iterator& operator++() {
-            node_ = node_->next;
-            return *this;
-        }
-        Iterator operator++(int) {
-            const Iterator before = *this;
-            ++*this;
-            return before;
-        }
-        friend bool operator==(Iterator left, Iterator right) { return left.node_ == right.node_; }
-
-    private:
-        const Node* node_ = nullptr;
+        [[nodiscard]] const MethodRecord& at() const { return node->record; }
+        void advance() { node = node->next; }
+        friend bool operator==(const Cursor& left, const Cursor& right) = default;
     };
+    using Iterator = ForwardIterator<MethodRecord, Cursor>;
 
     /// @param arena has to outlive the list and all copies of it
     void add(const MethodRecord& record, EventArena& arena);
@@ -67,7 +49,7 @@ public:
     void fill(EventList events, EventArena& arena);
 
     [[nodiscard]] bool empty() const { return first_ == nullptr; }
-    [[nodiscard]] Iterator begin() const { return Iterator(first_); }
+    [[nodiscard]] Iterator begin() const { return Iterator({first_}); }
     [[nodiscard]] Iterator end() const { return {}; }
     [[nodiscard]] const MethodRecord& back() const { return last_->record; }
     /// Counts the records.

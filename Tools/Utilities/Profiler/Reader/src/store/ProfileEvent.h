@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "store/EventValue.h"
+#include "store/ForwardIterator.h"
 #include "store/StoredText.h"
 
 namespace zeb::profiling {
@@ -39,30 +40,14 @@ class ProfileEvent;
 /// is the last. Events stand side by side, or in several rows of which each leads to the next.
 class EventList {
 public:
-    class Iterator {
-    public:
-        using iterator_category = std::forward_iterator_tag;
-        using value_type = ProfileEvent;
-        using difference_type = std::ptrdiff_t;
-        using pointer = const ProfileEvent*;
-        using reference = const ProfileEvent&;
+    struct Cursor {
+        const ProfileEvent* event = nullptr;
 
-        Iterator() = default;
-        explicit Iterator(const ProfileEvent* event) : event_(event) {}
-
-        reference operator*() const { return *event_; }
-        pointer operator->() const { return event_; }
-        Iterator& operator++();
-        Iterator operator++(int) {
-            const Iterator before = *this;
-            ++*this;
-            return before;
-        }
-        friend bool operator==(Iterator left, Iterator right) { return left.event_ == right.event_; }
-
-    private:
-        const ProfileEvent* event_ = nullptr;
+        [[nodiscard]] const ProfileEvent& at() const { return *event; }
+        void advance();
+        friend bool operator==(const Cursor& left, const Cursor& right) = default;
     };
+    using Iterator = ForwardIterator<ProfileEvent, Cursor>;
 
     EventList() = default;
 
@@ -72,7 +57,7 @@ public:
     EventList(const ProfileEvent& first, ProfileEvent& last);
 
     [[nodiscard]] bool empty() const { return first_ == nullptr; }
-    [[nodiscard]] Iterator begin() const { return Iterator(first_); }
+    [[nodiscard]] Iterator begin() const { return Iterator({first_}); }
     [[nodiscard]] Iterator end() const { return {}; }
 
     /// Counts the events.
@@ -197,9 +182,8 @@ private:
 
 static_assert(sizeof(ProfileEvent) == 32);
 
-inline EventList::Iterator& EventList::Iterator::operator++() {
-    event_ = event_->next();
-    return *this;
+inline void EventList::Cursor::advance() {
+    event = event->next();
 }
 inline EventList::EventList(const ProfileEvent& first, ProfileEvent& last) : first_(&first) {
     last.isLast_ = 1;
