@@ -38,15 +38,6 @@ SplitEvents splitByType(std::span<ProfileEvent> events, std::uint32_t eventType)
     return {events.subspan(others), events.first(others)};
 }
 
-// Puts a changed copy in the place of the record under a name, which is one of nothing at first.
-template <typename Change>
-void changeRecord(NamedRecordList& records, std::string_view name, EventArena& arena, Change change) {
-    NamedMethodRecord& entry = records.findOrAdd(name, arena);
-    MethodRecord record = *entry.record;
-    change(record);
-    entry.record = arena.make(record);
-}
-
 // A text such as "graph [3]" names the graph in front of the bracket.
 std::string_view graphNameIn(std::string_view text) {
     return text.substr(0, text.find(" ["));
@@ -64,8 +55,10 @@ void EventStore::fileInitEvents(EventList events) {
 void EventStore::fileFinalizeEvents(std::string_view graphName, EventList events) {
     hasFinalizeEvents = hasFinalizeEvents || !events.empty();
     if (hasFinalizeEvents) {
-        changeRecord(finalizeRecords, graphName, arena_,
-                     [events](MethodRecord& record) { record.events = events; });
+        NamedMethodRecord& entry = finalizeRecords.findOrAdd(graphName, arena_);
+        MethodRecord record = *entry.record;
+        record.events = events;
+        entry.record = arena_.make(record);
     }
 }
 
@@ -95,15 +88,13 @@ bool EventStore::decodeFinalize(const schema::LogMessage& message) {
     if (!isVisible(message) || !text) {
         return false;
     }
-    const std::string_view graphName = *text;
-    changeRecord(finalizeRecords, graphName, arena_, [&message](MethodRecord& record) {
-        record.durationUs = durationOf(message);
-        record.timestamp = timestampOf(message);
-    });
-    hasFinalize = true;
+    MethodRecord record = timedRecord(message);
     const auto [initOnes, others] = splitByType(decodeEvents(message, arena_), EVENT_TYPE_INIT);
+    record.events = EventList(others);
     fileInitEvents(EventList(initOnes));
-    fileFinalizeEvents(graphName, EventList(others));
+    hasFinalizeEvents = hasFinalizeEvents || !others.empty();
+    finalizeRecords.findOrAdd(*text, arena_).record = arena_.make(record);
+    hasFinalize = true;
     return true;
 }
 

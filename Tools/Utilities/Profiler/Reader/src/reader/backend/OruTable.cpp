@@ -45,7 +45,7 @@ char* loopback(const LayerStats& stats, char* at) {
     return putText(stats.loopbackEnabled ? "Yes" : "No", at);
 }
 char* typeName(const LayerStats& stats, char* at) {
-    static_assert(maxLayerTypeNameLength <= TableText::maxPutLength);
+    static_assert(maxLayerTypeNameLength < TableText::maxPutLength, "a comma may follow");
     return putText(layerTypeName(stats.layerType), at);
 }
 char* mergedGroup(const LayerStats& stats, char* at) {

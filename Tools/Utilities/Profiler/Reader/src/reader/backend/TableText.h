@@ -4,7 +4,6 @@
 #include <charconv>
 #include <concepts>
 #include <cstddef>
-#include <cstring>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -14,8 +13,7 @@ namespace zeb::profiling {
 /// Writes a text to `at`, where there has to be room for it.
 /// @return its end
 inline char* putText(std::string_view text, char* at) {
-    std::memcpy(at, text.data(), text.size());
-    return at + text.size();
+    return std::copy(text.begin(), text.end(), at);
 }
 
 /// The same for a number in decimal, which has 20 characters at most.
