@@ -2,13 +2,15 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
-#include <sys/mman.h>
-#include <sys/resource.h>
+#include <sys/sendfile.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <csignal>
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <utility>
@@ -19,7 +21,8 @@ namespace zeb::viewer {
 
 namespace {
 
-constexpr int appendFlags = O_WRONLY | O_APPEND | O_CLOEXEC | O_NOCTTY;
+// Without O_APPEND, with which the kernel copies nothing into a file.
+constexpr int openFlags = O_WRONLY | O_CLOEXEC | O_NOCTTY;
 constexpr ::mode_t newFileMode = 0666;
 
 Failure csvFailure(const std::string& path, int error) {
@@ -52,20 +55,27 @@ void checkDirectoryOf(const std::string& path) {
     }
 }
 
+// A file may be marked to be appended to and nothing else.
+FileDescriptor openExisting(const std::string& path) {
+    FileDescriptor file(::open(path.c_str(), openFlags));
+    return !file.isOpen() && errno == EPERM ? FileDescriptor(::open(path.c_str(), openFlags | O_APPEND))
+                                            : std::move(file);
+}
+
 struct Target {
     FileDescriptor file;
     bool created;
 };
 
 Target openForAppending(const std::string& path) {
-    FileDescriptor file(::open(path.c_str(), appendFlags));
+    FileDescriptor file = openExisting(path);
     if (!file.isOpen() && errno == ENOENT) {
-        FileDescriptor newFile(::open(path.c_str(), appendFlags | O_CREAT | O_EXCL, newFileMode));
+        FileDescriptor newFile(::open(path.c_str(), openFlags | O_CREAT | O_EXCL, newFileMode));
         if (newFile.isOpen()) {
             return {std::move(newFile), true};
         }
         if (errno == EEXIST) {  // somebody was faster, or it is a link to a file that isn't there
-            file = FileDescriptor(::open(path.c_str(), appendFlags | O_CREAT, newFileMode));
+            file = FileDescriptor(::open(path.c_str(), openFlags | O_CREAT, newFileMode));
         }
     }
     if (!file.isOpen()) {
@@ -76,13 +86,9 @@ Target openForAppending(const std::string& path) {
 
 // Some network file systems have no locks; there the appending has to do.
 void lock(const FileDescriptor& file, const std::string& path) {
-    while (::flock(file.get(), LOCK_EX) != 0) {
-        if (errno == ENOLCK || errno == EOPNOTSUPP || errno == ENOSYS) {
-            return;
-        }
-        if (errno != EINTR) {
-            throw csvFailure(path, errno);
-        }
+    const bool isLocked = restarted([&file] { return ::flock(file.get(), LOCK_EX); }) == 0;
+    if (!isLocked && errno != ENOLCK && errno != EOPNOTSUPP && errno != ENOSYS) {
+        throw csvFailure(path, errno);
     }
 }
 
@@ -123,16 +129,47 @@ private:
     sigset_t before_{};
 };
 
-// Gives the error, or 0. Takes what was written off the bytes.
-int writeAll(const FileDescriptor& file, std::string_view& bytes) {
-    while (!bytes.empty()) {
-        const ssize_t count = ::write(file.get(), bytes.data(), bytes.size());
-        if (count < 0 && errno != EINTR) {
-            return errno;
-        }
-        bytes.remove_prefix(count < 0 ? 0 : static_cast<std::size_t>(count));
+// Copies bytes from where `offset` stands in one file to where the other stands; gives how many, and moves
+// `offset` on by them. Negative for an error.
+using Copy = ssize_t (*)(int from, ::off_t& offset, int destination, std::size_t size);
+
+ssize_t copyWithinKernel(int from, ::off_t& offset, int destination, std::size_t size) {
+    return ::copy_file_range(from, &offset, destination, nullptr, size, 0);
+}
+
+ssize_t copyPages(int from, ::off_t& offset, int destination, std::size_t size) {
+    return ::sendfile(destination, from, &offset, size);
+}
+
+ssize_t copyThroughBuffer(int from, ::off_t& offset, int destination, std::size_t size) {
+    std::array<char, 65536> buffer{};
+    ssize_t count = ::pread(from, buffer.data(), std::min(size, buffer.size()), offset);
+    if (count > 0) {
+        count = ::write(destination, buffer.data(), static_cast<std::size_t>(count));
+        offset += std::max<ssize_t>(count, 0);
     }
-    return 0;
+    return count;
+}
+
+// Gives the error, or 0, and in `offset` how much was written. The cheapest way that the two files allow is
+// taken; what a way can't do, the next one has to.
+int copyAll(const CsvSpool& report, std::uint64_t size, const FileDescriptor& destination, ::off_t& offset) {
+    int error = 0;
+    for (const Copy copy : {copyWithinKernel, copyPages, copyThroughBuffer}) {
+        ssize_t count = 1;
+        while (count > 0 && static_cast<std::uint64_t>(offset) < size) {
+            const std::size_t rest = size - static_cast<std::uint64_t>(offset);
+            count = restarted([&] { return copy(report.file().get(), offset, destination.get(), rest); });
+        }
+        if (count > 0) {
+            return 0;
+        }
+        error = count == 0 ? EIO : errno;
+        if (error == ENOSPC || error == EFBIG || error == EDQUOT || error == EPIPE) {
+            return error;
+        }
+    }
+    return error;
 }
 
 // Some file systems tell only on closing that a write has failed. Closing a duplicate tells it while the file
@@ -142,14 +179,19 @@ int flush(const FileDescriptor& file) {
     return duplicate >= 0 && ::close(duplicate) == 0 ? 0 : errno;
 }
 
-// Takes back what was written, unless somebody without a lock has appended to it meanwhile.
-bool cutBack(const Target& target, const std::string& path, ::off_t oldSize, std::size_t written) {
+// Makes room for the report at the end of a regular file. What somebody without a lock appends meanwhile
+// comes behind it, and nobody writes over the other. Gives the error, or 0.
+int makeRoom(const Target& target, ::off_t oldSize, std::uint64_t size) {
+    const bool isMade =
+        ::ftruncate(target.file.get(), oldSize + static_cast<::off_t>(size)) == 0 || errno == EPERM;
+    return isMade && ::lseek(target.file.get(), oldSize, SEEK_SET) == oldSize ? 0 : errno;
+}
+
+// Takes back what was written, unless somebody has appended to it.
+bool cutBack(const Target& target, const std::string& path, ::off_t oldSize, ::off_t newSize) {
     const struct stat status = statusOf(target.file, path);
-    if (!S_ISREG(status.st_mode)) {
-        return written == 0;
-    }
-    if (status.st_size != oldSize + static_cast<::off_t>(written) ||
-        ::ftruncate(target.file.get(), oldSize) != 0) {
+    if (status.st_size != oldSize &&
+        (status.st_size != newSize || ::ftruncate(target.file.get(), oldSize) != 0)) {
         return false;
     }
     return !target.created || oldSize != 0 || ::unlink(path.c_str()) == 0;
@@ -179,60 +221,33 @@ void checkCsvPath(const std::string& path, const std::string& logPath) {
     if (log && isSameFile(*status, *log)) {
         throw Failure(ExitCode::usage, path, "the CSV file is the log itself");
     }
-    if (!FileDescriptor(::open(path.c_str(), appendFlags)).isOpen()) {
+    if (!FileDescriptor(::open(path.c_str(), openFlags)).isOpen()) {
         throw csvFailure(path, errno);
     }
 }
 
-CsvBuffer::CsvBuffer(std::string path)
-    : path_(std::move(path)), file_(::memfd_create("csv-report", MFD_CLOEXEC)) {
-    if (!file_.isOpen()) {
-        throw csvFailure(path_, errno);
-    }
-}
-
-std::string CsvBuffer::memoryPath() const {
-    return "/proc/self/fd/" + std::to_string(file_.get());
-}
-
-std::string CsvBuffer::content() const {
-    const auto size = static_cast<std::size_t>(statusOf(file_, path_).st_size);
-    // A process that may write small files only has the file in memory cut off as well, and the reader
-    // doesn't tell.
-    rlimit limit{};
-    if (::getrlimit(RLIMIT_FSIZE, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY && size >= limit.rlim_cur) {
-        throw csvFailure(path_, EFBIG);
-    }
-    std::string bytes(size, '\0');
-    std::size_t done = 0;
-    while (done < size) {
-        const ssize_t count =
-            ::pread(file_.get(), bytes.data() + done, size - done, static_cast<::off_t>(done));
-        if (count == 0 || (count < 0 && errno != EINTR)) {
-            throw csvFailure(path_, count == 0 ? EIO : errno);
-        }
-        done += count < 0 ? 0 : static_cast<std::size_t>(count);
-    }
-    return bytes;
-}
-
-void appendToFile(const std::string& path, std::string_view bytes) {
+void appendToFile(const std::string& path, const CsvSpool& report) {
+    const std::uint64_t size = report.size();
     const Target target = openLocked(path);
     const struct stat status = statusOf(target.file, path);
-    const ::off_t oldSize = status.st_size;
+    const bool isRegular = S_ISREG(status.st_mode);
     std::optional<HeldSignals> heldSignals;
-    if (S_ISREG(status.st_mode)) {  // a pipe may keep the writer waiting, and can't be cut back
+    if (isRegular) {  // a pipe may keep the writer waiting, and can't be cut back
         heldSignals.emplace();
     }
-    std::string_view rest = bytes;
-    int error = writeAll(target.file, rest);
+    ::off_t written = 0;
+    int error = isRegular ? makeRoom(target, status.st_size, size) : 0;
+    if (error == 0) {
+        error = copyAll(report, size, target.file, written);
+    }
     if (error == 0) {
         error = flush(target.file);
     }
     if (error == 0) {
         return;
     }
-    const bool isAsBefore = cutBack(target, path, oldSize, bytes.size() - rest.size());
+    const ::off_t newSize = status.st_size + static_cast<::off_t>(size);
+    const bool isAsBefore = isRegular ? cutBack(target, path, status.st_size, newSize) : written == 0;
     const Failure failure = csvFailure(path, error);
     throw isAsBefore
         ? failure

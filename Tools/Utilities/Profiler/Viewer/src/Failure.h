@@ -34,7 +34,7 @@ private:
 };
 
 /// Writes the text on standard error as one line behind the program's name. Control characters, which a file
-/// name may hold, show as question marks.
+/// name may hold, show as question marks (`TerminalText`).
 void printErrorLine(std::string_view text) noexcept;
 
 /// @return the system's text for an `errno` value

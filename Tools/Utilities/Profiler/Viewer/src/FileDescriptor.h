@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <cerrno>
 #include <utility>
 
 namespace zeb::viewer {
@@ -29,5 +30,16 @@ public:
 private:
     int descriptor_;
 };
+
+/// Makes a system call, and makes it again as long as a signal interrupts it.
+/// @return what the call gives, negative for an error
+template <typename Call>
+auto restarted(Call call) {
+    auto result = call();
+    while (result < 0 && errno == EINTR) {
+        result = call();
+    }
+    return result;
+}
 
 }  // namespace zeb::viewer

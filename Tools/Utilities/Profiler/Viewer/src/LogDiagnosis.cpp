@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdint>
@@ -13,6 +14,7 @@
 
 #include "Failure.h"
 #include "FileDescriptor.h"
+#include "flatbuffers/flatbuffers.h"
 #include "log/ChunkCheck.h"
 #include "log/ChunkReader.h"
 
@@ -61,12 +63,43 @@ std::string cutOff(std::uint64_t bytesThere) {
 
 // Gives how many of the bytes there are, negative for an error of the system.
 ssize_t readAt(const FileDescriptor& file, std::uint64_t offset, std::span<unsigned char> bytes) {
-    ssize_t count = -1;
-    do {
-        count = ::pread(file.get(), bytes.data(), bytes.size(), static_cast<::off_t>(offset));
-    } while (count < 0 && errno == EINTR);
-    return count;
+    return restarted(
+        [&] { return ::pread(file.get(), bytes.data(), bytes.size(), static_cast<::off_t>(offset)); });
 }
+
+// Reads the lengths of a log's chunks. Those of short chunks come many at a time, that behind a long chunk by
+// itself.
+class LengthReader {
+public:
+    explicit LengthReader(const FileDescriptor& file) : file_(file) {}
+
+    /// @return the length that stands at an offset beyond all before, nothing at the end of the file or when
+    ///         it can't be read
+    std::optional<std::uint32_t> lengthAt(std::uint64_t offset) {
+        if (offset + prefixSize > start_ + size_) {
+            const bool isNear = offset < start_ + size_ + bytes_.size();
+            const ssize_t count =
+                readAt(file_, offset, std::span(bytes_).first(isNear ? bytes_.size() : prefixSize));
+            error_ = count < 0 ? errno : 0;
+            start_ = offset;
+            size_ = static_cast<std::size_t>(std::max<ssize_t>(count, 0));
+        }
+        if (offset + prefixSize > start_ + size_) {
+            return std::nullopt;
+        }
+        return flatbuffers::ReadScalar<std::uint32_t>(&bytes_[offset - start_]);
+    }
+
+    /// @return the system's error that the last call met, else 0
+    [[nodiscard]] int error() const { return error_; }
+
+private:
+    const FileDescriptor& file_;
+    std::uint64_t start_ = 0;  ///< of the bytes that are there, in the file
+    std::size_t size_ = 0;
+    int error_ = 0;
+    std::array<unsigned char, 65536> bytes_;
+};
 
 // A chunk that gave fewer bytes than it has: the file ends before it does, or the system can't read on.
 std::string endOf(const std::string& path, const ChunkReader& chunks) {
@@ -80,8 +113,7 @@ std::string endOf(const std::string& path, const ChunkReader& chunks) {
 }
 
 // A damaged length asks for more memory than the file could ever fill.
-std::string tooLarge(const std::string& path, const ChunkReader& chunks, MemoryLimit& memory) {
-    memory.releaseReserve();
+std::string tooLarge(const std::string& path, const ChunkReader& chunks, const MemoryLimit& memory) {
     struct stat status {};
     const std::uint64_t start = chunks.offset() + prefixSize;
     if (::stat(path.c_str(), &status) == 0) {
@@ -95,7 +127,7 @@ std::string tooLarge(const std::string& path, const ChunkReader& chunks, MemoryL
 
 // What is wrong with the current chunk, nothing when it is sound.
 std::optional<std::string> troubleWithChunk(const std::string& path, ChunkReader& chunks,
-                                            MemoryLimit& memory) {
+                                            const MemoryLimit& memory) {
     try {
         const auto buffer = chunks.readBody();
         if (!buffer) {
@@ -135,23 +167,17 @@ std::optional<std::string> whyEndedEarly(const std::string& path) {
     if (!file.isOpen()) {  // it is gone since it was read
         return std::nullopt;
     }
-    std::array<unsigned char, prefixSize> prefix{};
+    LengthReader lengths(file);
     std::uint64_t offset = 0;
-    ssize_t count = readAt(file, offset, prefix);
-    while (count == static_cast<ssize_t>(prefix.size())) {
-        std::uint64_t length = 0;
-        for (std::size_t index = prefix.size(); index > 0; --index) {
-            length = length << 8U | prefix.at(index - 1);
-        }
-        offset += prefixSize + length;
-        count = readAt(file, offset, prefix);
+    while (const auto length = lengths.lengthAt(offset)) {
+        offset += prefixSize + *length;
     }
-    return count < 0 ? std::optional("the log can't be read beyond byte " + std::to_string(offset) + ": " +
-                                     errorText(errno))
-                     : std::nullopt;
+    return lengths.error() == 0 ? std::nullopt
+                                : std::optional("the log can't be read beyond byte " +
+                                                std::to_string(offset) + ": " + errorText(lengths.error()));
 }
 
-std::string whyRejected(const std::string& path, MemoryLimit& memory) {
+std::string whyRejected(const std::string& path, const MemoryLimit& memory) {
     struct stat status {};
     if (::stat(path.c_str(), &status) != 0) {
         return unreadable(errno);

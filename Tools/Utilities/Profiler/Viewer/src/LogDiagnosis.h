@@ -20,6 +20,7 @@ std::optional<std::string> whyEndedEarly(const std::string& path);
 /// Walks a log that a reader has rejected a second time, with the walker and the checks that readers use.
 /// @param memory what may be used for it; the reader still holds what it had when it gave up
 /// @return the cause in words: which chunk is damaged, where it stands and what is wrong with it
-std::string whyRejected(const std::string& path, MemoryLimit& memory);
+/// @throws std::bad_alloc when not even that finds memory
+std::string whyRejected(const std::string& path, const MemoryLimit& memory);
 
 }  // namespace zeb::viewer

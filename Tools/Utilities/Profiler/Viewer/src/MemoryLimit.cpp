@@ -7,6 +7,7 @@
 #include <atomic>
 #include <cerrno>
 #include <charconv>
+#include <fstream>
 #include <limits>
 #include <new>
 
@@ -22,6 +23,7 @@ struct Unit {
 };
 constexpr Unit units[] = {{'G', 30}, {'M', 20}, {'K', 10}};
 
+constexpr std::uint64_t noLimit = std::numeric_limits<std::uint64_t>::max();
 constexpr auto maxBytes = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
 
 // Small enough to come from the heap proper, where all small allocations find room once it is free.
@@ -47,7 +49,7 @@ std::optional<unsigned> shiftOf(std::string_view suffix) {
 }
 
 std::uint64_t currentLimit() {
-    std::uint64_t lowest = std::numeric_limits<std::uint64_t>::max();
+    std::uint64_t lowest = noLimit;
     for (const auto resource : {RLIMIT_DATA, RLIMIT_AS}) {
         rlimit limit{};
         if (::getrlimit(resource, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY) {
@@ -55,6 +57,32 @@ std::uint64_t currentLimit() {
         }
     }
     return lowest;
+}
+
+struct GroupVersion {
+    std::string_view controller;  ///< in its line of /proc/self/cgroup, between commas
+    std::string_view directory;   ///< where the groups are mounted
+    std::string_view file;        ///< of a group, with its limit
+};
+constexpr GroupVersion groupVersions[] = {
+    {",,", "sys/fs/cgroup", "memory.max"},  // the one line that names no controller
+    {",memory,", "sys/fs/cgroup/memory", "memory.limit_in_bytes"},
+};
+
+// A group has no more than the groups above it. Within a container they may be hidden, or the container's own
+// group is mounted as the topmost.
+std::uint64_t lowestOnTheWay(const std::filesystem::path& mount, std::filesystem::path group,
+                             std::string_view file) {
+    std::uint64_t lowest = noLimit;
+    for (group = group.relative_path();; group = group.parent_path()) {
+        std::uint64_t limit = 0;
+        if (std::ifstream(mount / group / file) >> limit) {  // a group without a limit has a word there
+            lowest = std::min(lowest, limit);
+        }
+        if (group.empty()) {
+            return lowest;
+        }
+    }
 }
 
 // The data limit counts what takes memory: the heap and private mappings that are written to. The address
@@ -104,10 +132,29 @@ MemorySize memorySizeOf(std::uint64_t bytes) {
     return {bytes, std::to_string(bytes)};
 }
 
+std::uint64_t controlGroupLimit(const std::filesystem::path& root) {
+    std::ifstream groups(root / "proc/self/cgroup");
+    std::uint64_t lowest = noLimit;
+    for (std::string line; std::getline(groups, line);) {  // number:controllers:path
+        const std::size_t first = line.find(':');
+        const std::size_t second = first == std::string::npos ? first : line.find(':', first + 1);
+        if (second == std::string::npos) {
+            continue;
+        }
+        const std::string controllers = "," + line.substr(first + 1, second - first - 1) + ",";
+        for (const auto& [controller, directory, file] : groupVersions) {
+            if (controllers.find(controller) != std::string::npos) {
+                lowest = std::min(lowest, lowestOnTheWay(root / directory, line.substr(second + 1), file));
+            }
+        }
+    }
+    return lowest;
+}
+
 MemorySize defaultMemorySize() {
     const auto pages = static_cast<std::uint64_t>(std::max(::sysconf(_SC_PHYS_PAGES), 4L));
     const auto pageSize = static_cast<std::uint64_t>(std::max(::sysconf(_SC_PAGESIZE), 4096L));
-    const std::uint64_t bytes = pages / 4 * 3 * pageSize;
+    const std::uint64_t bytes = std::min(pages * pageSize, controlGroupLimit("/")) / 4 * 3;
     return memorySizeOf(std::max<std::uint64_t>(bytes >> 20U, 1) << 20U);
 }
 

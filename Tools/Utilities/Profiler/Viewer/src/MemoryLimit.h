@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -21,7 +22,12 @@ std::optional<MemorySize> parseMemorySize(std::string_view text);
 /// @return the size with the largest unit that divides it
 MemorySize memorySizeOf(std::uint64_t bytes);
 
-/// @return three quarters of the machine's memory
+/// @param root of the file system, "/" but in tests
+/// @return bytes that the control groups of this process allow it, of either version; the largest number when
+///         they set no limit
+std::uint64_t controlGroupLimit(const std::filesystem::path& root);
+
+/// @return three quarters of the machine's memory, or of what the control group may have of it
 MemorySize defaultMemorySize();
 
 /// Limits what the process may have in memory, for good: its heap and everything else that it alone writes

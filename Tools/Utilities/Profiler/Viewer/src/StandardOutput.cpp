@@ -49,8 +49,24 @@ DescriptorBuffer::int_type DescriptorBuffer::overflow(int_type character) {
     return traits_type::not_eof(character);
 }
 
+void DescriptorBuffer::setTerminalText(bool isOn) {
+    finish();
+    terminalText_.reset();
+    if (isOn) {
+        terminalText_.emplace(TerminalText::Newlines::kept);
+    }
+}
+
+void DescriptorBuffer::finish() {
+    sync();
+    if (terminalText_) {
+        writeAll(terminalText_->rest());
+    }
+}
+
 int DescriptorBuffer::sync() {
-    writeAll({pbase(), static_cast<std::size_t>(pptr() - pbase())});
+    const std::string_view text(pbase(), static_cast<std::size_t>(pptr() - pbase()));
+    writeAll(terminalText_ ? std::string_view(terminalText_->shown(text)) : text);
     setp(buffer_.data(), buffer_.data() + buffer_.size());
     return error_ == 0 ? 0 : -1;
 }
@@ -66,15 +82,18 @@ void DescriptorBuffer::writeAll(std::string_view bytes) {
     }
 }
 
-StandardOutput::StandardOutput() : buffer_(STDOUT_FILENO), replaced_(std::cout.rdbuf(&buffer_)) {}
+StandardOutput::StandardOutput() : buffer_(STDOUT_FILENO), replaced_(std::cout.rdbuf(&buffer_)) {
+    buffer_.setTerminalText(::isatty(STDOUT_FILENO) == 1);
+}
 
 StandardOutput::~StandardOutput() {
-    std::cout.flush();
+    buffer_.finish();
     std::cout.rdbuf(replaced_);
 }
 
 void StandardOutput::finish() {
     std::cout.flush();
+    buffer_.finish();
     const int stdioError = std::fflush(stdout) == 0 ? 0 : errno;  // a plug-in may write past `std::cout`
     const int error = buffer_.error() != 0 ? buffer_.error() : stdioError;
     if (error != 0 || !std::cout) {

@@ -1,8 +1,11 @@
 #pragma once
 
 #include <array>
+#include <optional>
 #include <streambuf>
 #include <string_view>
+
+#include "TerminalText.h"
 
 namespace zeb::viewer {
 
@@ -16,6 +19,12 @@ public:
     /// @param descriptor stays the caller's
     explicit DescriptorBuffer(int descriptor);
 
+    /// From here on the text is made fit for a terminal, or no longer is.
+    void setTerminalText(bool isOn);
+
+    /// Brings out everything, also a character that is not whole.
+    void finish();
+
     /// @return the `errno` of the first write that failed, else 0
     [[nodiscard]] int error() const { return error_; }
 
@@ -28,17 +37,22 @@ private:
 
     int descriptor_;
     int error_ = 0;
+    std::optional<TerminalText> terminalText_;
     std::array<char, 65536> buffer_{};
 };
 
 /// As long as it lives, `std::cout` writes through it, whoever in the process does the writing; so the cause
-/// of a failed write is known.
+/// of a failed write is known. On a terminal control characters show as question marks, since names and texts
+/// of a log could move its cursor or rewrite what stands there; a file or pipe gets the bytes as they are.
 class StandardOutput {
 public:
     StandardOutput();
     StandardOutput(const StandardOutput&) = delete;
     StandardOutput& operator=(const StandardOutput&) = delete;
     ~StandardOutput();
+
+    /// Lets a terminal have the bytes as they are too.
+    void showRaw() { buffer_.setTerminalText(false); }
 
     /// Brings out what was written so far.
     /// @throws Failure when some of it could not be written

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "CsvFile.h"
+#include "CsvSpool.h"
 #include "LogDiagnosis.h"
 #include "MemoryLimit.h"
 #include "NearestName.h"
@@ -169,12 +170,12 @@ private:
     }
 
     void generateWithCsv() {
-        const CsvBuffer csv(options_.csv);
-        if (!generateReports(csv.memoryPath())) {
+        const CsvSpool csv(options_.csv);
+        if (!generateReports(csv.path())) {
             throw Failure(ExitCode::badOutput, options_.csv, "the reader can't write the CSV report");
         }
         output_.finish();
-        appendToFile(options_.csv, csv.content());
+        appendToFile(options_.csv, csv);
     }
 
     bool generateReports(const std::string& csvPath) {
@@ -234,6 +235,9 @@ ExitCode showReport(const ViewerOptions& options, StandardOutput& output) {
 ExitCode run(int argc, const char* const* argv) {
     StandardOutput output;
     const ViewerOptions options = parseCommandLine(argc, argv);
+    if (options.raw) {
+        output.showRaw();
+    }
     switch (options.action) {
         case Action::showHelp:
             showHelp(options, output);

@@ -81,6 +81,9 @@ CommandLine::CommandLine() {
                    "where the loader looks.")
         ->type_name("NAME|PATH");
     app.add_option("--csv", options.csv, "Append the CSV report to FILE.")->type_name("FILE");
+    app.add_flag("--raw", options.raw,
+                 "Let control characters in names and texts of the log reach a terminal, where\n"
+                 "they show as \"?\" otherwise. A file or a pipe gets them in any case.");
     app.add_option("--level", level,
                    "Visibility level, -128 to 127: messages of this level and above are\n"
                    "left out. Default 127: everything below it.")
@@ -95,7 +98,7 @@ CommandLine::CommandLine() {
                  "Save objects under whatever names the log gives them.");
     app.add_option("--max-memory", maxMemory,
                    "The most memory to use, in bytes or with K, M or G behind the number.\n"
-                   "Default: three quarters of the machine's.")
+                   "Default: three quarters of the machine's, or of the control group's.")
         ->type_name("SIZE");
     app.add_flag("--help", help, "Show this help and that of the reader.");
     app.add_flag("--version", version, "Show the version.");

@@ -17,6 +17,7 @@ struct ViewerOptions {
     Action action = Action::report;
     std::string reader = "murl";  ///< name or path of the plug-in
     std::string csv;              ///< empty: no CSV report
+    bool raw = false;             ///< control characters reach a terminal as they are
     profiling::VisibilityLevel level{127};
     std::optional<std::string> objectDirectory;  ///< nothing: objects are not saved
     bool trustObjectNames = false;

@@ -1,8 +1,12 @@
 // A CSV file gets the whole report or stays as it was.
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <stdlib.h>  // NOLINT(modernize-deprecated-headers): setenv
 #include <sys/file.h>
+#include <sys/mount.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -13,6 +17,7 @@
 
 #include "CsvFile.h"
 #include "support/FailureOf.h"
+#include "support/SystemFaults.h"
 #include "support/TestChunks.h"
 
 namespace zeb::viewer {
@@ -37,8 +42,14 @@ std::string failureUnderLimit(rlim_t bytes, const std::function<void()>& call) {
 
 class CsvFile : public testing::Test {
 protected:
+    // Appends the bytes as a reader and the viewer would.
+    static void append(const std::string& csv, const std::string& bytes) {
+        const CsvSpool spool(csv);
+        std::ofstream(spool.path(), std::ios::app) << bytes;
+        appendToFile(csv, spool);
+    }
     static std::string appending(const std::string& csv, const std::string& bytes) {
-        return failureOf([&] { appendToFile(csv, bytes); });
+        return failureOf([&] { append(csv, bytes); });
     }
     std::string checking(const std::string& csv) const {
         return failureOf([&] { checkCsvPath(csv, files.path("run.log")); });
@@ -59,14 +70,61 @@ TEST_F(CsvFile, IsCreatedWhereALinkLeadsAndAppendedTo) {
     EXPECT_EQ(fileText(path), "first\nsecond\n");
 }
 
-TEST_F(CsvFile, IsAsBeforeWhenTheDiskFillsUp) {
-    const std::string old(1000, 'o');
-    const auto append = [this] { appendToFile(path, std::string(2000, 'n')); };
-    EXPECT_EQ(failureUnderLimit(1500, append), failed(path, "File too large"));
+// The limit is met by the report while it is made, or by the file. A report of just its size is whole.
+TEST_F(CsvFile, IsAsBeforeWhenAFileMayNotBeThatLarge) {
+    const auto appendingUnder = [this](rlim_t limit, std::size_t size) {
+        return failureUnderLimit(limit, [&] { append(path, std::string(size, 'n')); });
+    };
+    const std::string cutOff = "3 " + path + ": the CSV report can't be written in " +
+                               files.directory().string() + ", where it is made first: File too large";
+    EXPECT_EQ(appendingUnder(1500, 2000), cutOff);
     EXPECT_FALSE(fs::exists(path));
+    const std::string old(1000, 'o');
     files.write("runs.csv", old);
-    EXPECT_EQ(failureUnderLimit(1500, append), failed(path, "File too large"));
+    EXPECT_EQ(appendingUnder(1500, 2000), cutOff);
+    EXPECT_EQ(appendingUnder(1500, 600), failed(path, "File too large"));
     EXPECT_EQ(fileText(path), old);
+    EXPECT_EQ(appendingUnder(1600, 600), "");
+    EXPECT_EQ(fs::file_size(path), 1600);
+}
+
+TEST_F(CsvFile, IsAsBeforeWhenADiskFillsUp) {
+    const std::string disk = files.path("disk");
+    fs::create_directory(disk);
+    if (::mount("none", disk.c_str(), "tmpfs", 0, "size=256K") != 0) {
+        GTEST_SKIP() << "no file system of its own";
+    }
+    const std::string full = disk + "/runs.csv";
+    ::setenv("TMPDIR", files.directory().c_str(), 1);
+    EXPECT_EQ(appending(full, std::string(200000, 'o')), "");
+    EXPECT_EQ(appending(full, std::string(200000, 'n')), failed(full, "No space left on device"));
+    EXPECT_EQ(fileText(full), std::string(200000, 'o'));
+    ::setenv("TMPDIR", disk.c_str(), 1);
+    EXPECT_EQ(appending("/dev/null", std::string(200000, 'n')),
+              "3 /dev/null: the CSV report can't be written in " + disk +
+                  ", where it is made first: No space left on device");
+    ::unsetenv("TMPDIR");
+    EXPECT_EQ(::umount(disk.c_str()), 0);
+}
+
+// Some file systems tell on closing only that there was no room.
+TEST_F(CsvFile, IsAsBeforeWhenItIsClosingThatFails) {
+    files.write("runs.csv", "old\n");
+    test::nextCloseFails = true;
+    EXPECT_EQ(appending(path, "new\n"), failed(path, "Disk quota exceeded"));
+    EXPECT_EQ(fileText(path), "old\n");
+}
+
+// Somebody who doesn't ask for the lock appends as soon as there is room for the report.
+TEST_F(CsvFile, KeepsWhatSomebodyAppendsMeanwhile) {
+    for (const bool fails : {false, true}) {
+        files.write("runs.csv", "old\n");
+        test::nextCloseFails = fails;
+        test::beforeClose = [this] { std::ofstream(path, std::ios::app) << "theirs\n"; };
+        EXPECT_EQ(appending(path, "mine\n"),
+                  fails ? failed(path, "Disk quota exceeded") + "; a part of it was written" : "");
+        EXPECT_EQ(fileText(path), "old\nmine\ntheirs\n");
+    }
 }
 
 // The other one, who holds the lock, appends a row, or removes the file that it has created.
@@ -75,7 +133,7 @@ TEST_F(CsvFile, WaitsForTheOneWhoIsWriting) {
         files.write("runs.csv", "first\n");
         const FileDescriptor other(::open(path.c_str(), O_WRONLY | O_APPEND));
         ASSERT_EQ(::flock(other.get(), LOCK_EX), 0);
-        std::thread waiting([this] { appendToFile(path, "third\n"); });
+        std::thread waiting([this] { append(path, "third\n"); });
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
         EXPECT_EQ(::write(other.get(), "second\n", 7), 7);
         EXPECT_EQ(isRemoved, isRemoved && fs::remove(path));
@@ -91,7 +149,7 @@ TEST_F(CsvFile, HasAllOrNothingOfAReportWhoseWriterIsInterrupted) {
     const std::string report(reportSize, 'n');
     const pid_t writer = ::fork();
     if (writer == 0) {
-        appendToFile(path, report);
+        append(path, report);
         ::_exit(0);
     }
     while (fs::file_size(path) == 4) {
@@ -99,7 +157,7 @@ TEST_F(CsvFile, HasAllOrNothingOfAReportWhoseWriterIsInterrupted) {
     ASSERT_EQ(::kill(writer, SIGTERM), 0);
     int status = 0;
     ASSERT_EQ(::waitpid(writer, &status, 0), writer);
-    EXPECT_EQ(fs::file_size(path), 4 + reportSize);
+    EXPECT_EQ(fileText(path), "old\n" + report);
 }
 
 TEST_F(CsvFile, TellsWhyItCannotBeWritten) {
@@ -124,20 +182,15 @@ TEST_F(CsvFile, IsCheckedWithoutBeingTouched) {
               "2 " + files.path("link.csv") + ": the CSV file is the log itself");
 }
 
-TEST_F(CsvFile, IsWrittenInMemoryFirstAndNotTakenWhenItIsCutOffThere) {
-    const CsvBuffer buffer(path);
-    const auto write = [&buffer](const std::string& bytes) {
-        std::ofstream(buffer.memoryPath(), std::ios::app) << bytes;
-    };
-    write("row 1\n");
-    write("row 2\n");
-    EXPECT_EQ(buffer.content(), "row 1\nrow 2\n");
-    EXPECT_EQ(failureUnderLimit(500,
-                                [&] {
-                                    write(std::string(1000, 'x'));
-                                    static_cast<void>(buffer.content());
-                                }),
-              failed(path, "File too large"));
+// What the kernel can't copy goes through a buffer: into a pipe that is read slowly, and a terminal.
+TEST_F(CsvFile, MayBeAPipe) {
+    const std::string report(300000, 'r');
+    ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+    std::thread writer([&] { EXPECT_EQ(appending(path, report), ""); });
+    EXPECT_EQ(fileText(path), report);
+    writer.join();
+    // The check leaves it alone: nobody reads it, and opening it would wait for somebody.
+    EXPECT_EQ(checking(path), "");
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
 // A reader plug-in that reads nothing and does what its options tell it:
-//   --args=complain|throw   --load=refuse|throw|memory|grow|odd|note|shrink
+//   --args=complain|throw   --load=refuse|throw|memory|grow|odd|note|shrink|fault
 //   --report=throw|memory|grow|swallow|odd|refuse|text|object
 //   --trace               tells each call on standard error
 // Its report is the values of --say, one a line, on standard output, and "csv" as its CSV report.
@@ -79,6 +79,10 @@ public:
         actOn(load_);
         if (load_ == "shrink") {
             std::filesystem::resize_file(log_, std::filesystem::file_size(log_) - 1);
+        }
+        if (load_ == "fault") {  // from here on the log, a link, can't be read
+            std::filesystem::remove(log_);
+            std::filesystem::create_symlink("/proc/self/mem", log_);
         }
         return load_ != "refuse" && load_ != "shrink";
     }

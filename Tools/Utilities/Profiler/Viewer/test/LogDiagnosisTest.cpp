@@ -3,7 +3,10 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <vector>
+
 #include "LogDiagnosis.h"
+#include "support/SystemFaults.h"
 #include "support/TestChunks.h"
 
 namespace zeb::viewer {
@@ -92,6 +95,32 @@ TEST_F(LogDiagnosis, DoesNotTakeAReadErrorForTheEnd) {
     for (const char* const tail : {"", "xx"}) {
         EXPECT_EQ(whyEndedEarly(files.write("run.log", soundLog() + prefixOf(0) + tail)), std::nullopt);
     }
+}
+
+// Lengths that come many at a time, that stand across two such reads, and behind long chunks.
+TEST_F(LogDiagnosis, FindsEveryLengthInFewReads) {
+    std::string log;
+    std::vector<std::size_t> offsets;
+    for (const std::uint32_t length : {0U, 1U, 65536U, 65529U, 0U, 70000U, 200000U, 65524U, 3U}) {
+        for (int each = 0; each < 3; ++each) {
+            offsets.push_back(log.size());
+            log += withPrefix(std::string(length, '\xFF'));
+        }
+    }
+    const std::string path = files.write("run.log", log);
+    test::reads = 0;
+    EXPECT_EQ(whyEndedEarly(path), std::nullopt);
+    EXPECT_LE(test::reads, 22);
+    for (const std::size_t offset : offsets) {
+        test::badByte = static_cast<std::int64_t>(offset);
+        EXPECT_EQ(whyEndedEarly(path),
+                  "the log can't be read beyond byte " + std::to_string(offset) + ": Input/output error");
+    }
+    test::badByte.reset();
+    const std::string small = files.write("small.log", std::string(400000, '\0'));
+    test::reads = 0;
+    EXPECT_EQ(whyEndedEarly(small), std::nullopt);
+    EXPECT_LE(test::reads, 8);
 }
 
 }  // namespace

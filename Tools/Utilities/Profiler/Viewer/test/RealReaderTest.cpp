@@ -1,5 +1,6 @@
 // The command with the readers that come with it, on logs as a runtime writes them.
 
+#include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -9,6 +10,7 @@
 
 #include "LogWriter.h"
 #include "MemoryLimit.h"
+#include "PluginLibrary.h"
 #include "support/Command.h"
 #include "support/TestChunks.h"
 
@@ -111,6 +113,19 @@ TEST_F(RealReader, HasTheLastWordOnItsOptions) {
     expectFailure(view({log, "--intrenal"}), 2, "--intrenal: unknown option, did you mean --internal?");
     expectFailure(view({log, "--internal", "--reader=generic"}), 2,
                   "--internal: unknown option; see zeb-profile-viewer --help");
+}
+
+TEST(PluginLibrary, IsClosedWhenItGoes) {
+    const std::string path = fs::path(ZEB_VIEWER).parent_path() / "../lib/libZebGenericProfilingReader.so";
+    const auto isLoaded = [&path] {
+        void* const library = ::dlopen(path.c_str(), RTLD_NOW | RTLD_NOLOAD);
+        return library != nullptr && ::dlclose(library) == 0;
+    };
+    {
+        const PluginLibrary plugin(path);
+        EXPECT_TRUE(isLoaded());
+    }
+    EXPECT_FALSE(isLoaded());
 }
 
 TEST_F(RealReader, SavesObjects) {

@@ -1,9 +1,14 @@
 // The command from end to end: exit codes, messages and what reaches which stream.
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <stdlib.h>  // NOLINT(modernize-deprecated-headers): posix_openpt
+#include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 
+#include "FileDescriptor.h"
 #include "MemoryLimit.h"
 #include "support/Command.h"
 #include "support/TestChunks.h"
@@ -86,6 +91,8 @@ TEST_F(ViewerCommand, RefusesWrongUsage) {
 
 TEST_F(ViewerCommand, NamesWhatKeepsTheLogFromBeingRead) {
     const auto length = fs::file_size(log) - 4;
+    const std::string link = files.path("link.log");
+    fs::create_symlink(log, link);
     const std::pair<Strings, std::string> cases[] = {
         {{files.path("line\nfeed.log")}, files.path("line?feed.log") + ": there is no such file"},
         {{files.path("")}, files.path("") + ": it is a directory, not a log"},
@@ -93,6 +100,8 @@ TEST_F(ViewerCommand, NamesWhatKeepsTheLogFromBeingRead) {
         {{log, "--load=memory", "--max-memory=3g"}, log + ": " + memoryWords("3g")},
         {{log, "--load=throw"}, log + ": the log can't be read: the cat sat on it"},
         {{log, "--load=odd"}, log + ": the log can't be read: unknown error"},
+        // An error that the reader takes for the end of the log.
+        {{link, "--load=fault"}, link + ": the log can't be read beyond byte 0: Input/output error"},
         {{log, "--load=shrink"},
          log + ": the log can't be read: chunk 1 at byte 0, " + std::to_string(length) +
              " bytes long, is cut off at the end of the file: only " + std::to_string(length - 1) +
@@ -181,6 +190,26 @@ TEST_F(ViewerCommand, NoticesThatStandardOutputCannotBeWritten) {
     EXPECT_FALSE(fs::exists(csv));
 }
 
+// A terminal, a file, and a terminal whose user wants the bytes.
+TEST_F(ViewerCommand, KeepsControlCharactersFromATerminal) {
+    const std::string text =
+        "\x1B[31mred\xC2\x9B"
+        "2J \xE2\x80\xAE\xC3\xA9";
+    const FileDescriptor terminal(::posix_openpt(O_RDWR | O_NOCTTY));
+    ASSERT_TRUE(terminal.isOpen() && ::grantpt(terminal.get()) == 0 && ::unlockpt(terminal.get()) == 0);
+    const auto onTerminal = [&](const Strings& arguments) {
+        const CommandResult result = view(arguments, ">" + std::string(::ptsname(terminal.get())));
+        EXPECT_EQ(result.exitCode, 0) << result.err;
+        std::string shown(1000, '\0');
+        shown.resize(static_cast<std::size_t>(
+            std::max<ssize_t>(::read(terminal.get(), shown.data(), shown.size()), 0)));
+        return shown;
+    };
+    EXPECT_EQ(onTerminal({log, "--say", text}), "?[31mred?2J ?\xC3\xA9\r\n");
+    EXPECT_EQ(onTerminal({log, "--raw", "--say", text}), text + "\r\n");
+    EXPECT_EQ(view({log, "--say", text}).out, text + "\n");
+}
+
 TEST_F(ViewerCommand, AppendsToTheCsvFileOrLeavesItAsItWas) {
     EXPECT_EQ(view({log, "--say=report", "--csv", "/dev/stdout"}).out, "report\ncsv \n");
     expectFailure(view({log, "--csv", "/dev/full"}), 3,
@@ -194,10 +223,13 @@ TEST_F(ViewerCommand, AppendsToTheCsvFileOrLeavesItAsItWas) {
     EXPECT_FALSE(fs::exists(csv));
     const std::string old(1800, 'o');
     files.write("runs.csv", old);
-    for (const char* const report : {"--report=", "--report=text"}) {
-        // Blocks of 512 bytes; the short report passes the limit in the file, the long one in memory.
+    // Blocks of 512 bytes; the short report passes the limit in the file, the long one where it is made.
+    for (const auto& [report, what] :
+         {std::pair{"--report=", std::string("file can't be written: ")},
+          {"--report=text",
+           "report can't be written in " + files.directory().string() + ", where it is made first: "}}) {
         expectFailure(viewThrough("ulimit -f 2; exec \"$@\"", {log, "--csv", csv, report}), 3,
-                      csv + ": the CSV file can't be written: File too large");
+                      csv + ": the CSV " + what + "File too large");
         EXPECT_EQ(fileText(csv), old);
     }
     EXPECT_EQ(view({"--csv=" + csv, log}).exitCode, 0);
