@@ -112,17 +112,14 @@ double timeOfCsv(Write write) {
     });
 }
 
-// The CSV forms by themselves, behind the console form that the backend's needs.
+// The CSV forms by themselves.
 void measureCsv(const MeasuredLog& log, Figures& figures) {
     ZebProfileLogReaderMURL reader(log.path, allMessages);
     require(reader.loadLog(false), "cannot load the log");
-    profiling::BackendReport report(reader, false);
-    {
-        profiling::TextStream console;
-        console << std::fixed << std::setprecision(0);
-        report.printConsole(console);
-    }
-    figures[Figure::backendCsv] = timeOfCsv([&report](std::ostream& csv) { report.writeCsv(csv); });
+    const profiling::BackendFigures backend =
+        profiling::workOutFigures(reader.store(), profiling::readProfileLevel(reader.store()));
+    figures[Figure::backendCsv] =
+        timeOfCsv([&](std::ostream& csv) { profiling::writeBackendCsv(csv, reader, backend, false); });
     figures[Figure::genericCsv] =
         timeOfCsv([&reader](std::ostream& csv) { profiling::writeCsvReport(csv, reader); });
 }

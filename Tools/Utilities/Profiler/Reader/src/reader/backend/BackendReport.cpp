@@ -1,87 +1,121 @@
 #include "reader/backend/BackendReport.h"
 
+#include <algorithm>
+#include <cstddef>
+#include <string_view>
+#include <vector>
+
 #include "logging/Logger.h"
-#include "reader/backend/CheckedNumbers.h"
-#include "reports/EventText.h"
+#include "reader/backend/ExecutionLines.h"
+#include "reader/backend/LayerTables.h"
 #include "reports/ReportForms.h"
 
 namespace zeb::profiling {
 
-BackendReport::BackendReport(ZebProfileLogReader& reader, bool internalColumns)
-    : reader_(reader),
-      store_(reader.store()),
-      internalColumns_(internalColumns),
-      zebNameColumnWidth_(defaultNameWidth()) {}
+namespace {
 
-void BackendReport::printConsole(std::ostream& out) {
-    readProfileLevel();
-    printReportHeader(out, reader_);
-    printBackendInitStats(out);
-    printBackendFinalizeStats(out);
-    printDeInitStats(out, reader_);
-    printExecutionStats(out);
-    if (hasLayers()) {
-        addLayerTimes(zebLayers_.layers, layerStats_);
-        oruTable_.emplace(internalColumns_, layerStats_, layerConfig_.layerCount);
-        oruTable_->printOruLayerStats(out);
-        printZebLayerStats(out, zebLayers_.layers, zebNameColumnWidth_);
-        printLayerMapping(out, zebLayers_.layers, maxZebLayerNameLength_);
+// Shows events like `printEvent`, but never saves an object.
+void printBackendEvents(std::ostream& out, const EventList& events, std::uint64_t level) {
+    for (const ProfileEvent& event : events) {
+        if (!event.isObject()) {
+            printEventLine(out, event, level);
+        }
+        printBackendEvents(out, event.subEvents, level + 1);
     }
 }
 
-void BackendReport::writeCsv(std::ostream& out) const {
-    writeCsvPreamble(out, reader_);
-    writeExecutionCsv(out);
-    if (oruTable_) {
-        oruTable_->writeOruLayerCsv(out);
-        writeZebLayerCsv(out, zebLayers_.layers);
-        writeLayerMappingCsv(out, zebLayers_.layers, maxZebLayerNameLength_);
-    }
+void printBackendInitStats(std::ostream& out, const EventStore& store) {
+    printSectionHead(out, "Init Stats:", 11);
+    printTimeLine(out, store.initDurationUs);
+    printBackendEvents(out, initSectionEvents(store), 1);
+    out << '\n';
 }
 
-void BackendReport::readProfileLevel() {
-    const auto text = findExecuteEventValue("Execute Profiling Level");
-    if (!text) {
-        logMessage(ZEB_LOG_LEVEL_WARN, "failed get Profile Level Value!");
+void printBackendFinalizeStats(std::ostream& out, const EventStore& store) {
+    printSectionHead(out, "Finalize Stats:", 15);
+    if (store.finalizeRecords.empty()) {
+        out << '\n';
         return;
     }
-    if (text->empty()) {
-        logMessage(ZEB_LOG_LEVEL_WARN,
-                   "Profiling Level is not found, CSV file will still be generated with basic level.");
-        return;
-    }
-    switch (const auto level = static_cast<ProfileLevel>(checkedSigned32(*text))) {
-        case ProfileLevel::basic:
-        case ProfileLevel::detailed:
-        case ProfileLevel::internal:
-            profileLevel_ = level;
-            return;
-    }
-    if (const auto logger = loggerFor(ZEB_LOG_LEVEL_WARN)) {
-        logMessage(*logger, ZEB_LOG_LEVEL_WARN, "Profile Level Value %s not supported.", text->c_str());
+    std::size_t position = 0;
+    for (const auto& [name, record] : store.finalizeRecords) {
+        printGraphHead(out, position++, name);
+        if (store.hasFinalizeEvents) {
+            printBackendEvents(out, record->events, 1);
+        }
+        out << '\n';
     }
 }
 
-std::optional<std::string> BackendReport::findExecuteEventValue(std::string_view name) const {
-    if (!store_.mayHaveEvent(name)) {
-        return std::nullopt;
+void printExecutionStats(std::ostream& out, const EventStore& store, const BackendFigures& figures) {
+    printSectionHead(out, "Execution Stats (Average):", 21);
+    if (!figures.execution.hasAverage) {
+        out << '\n';
+        return;
     }
-    for (const GraphMethodRecords& graph : store_.executeRecords) {
-        for (const MethodRecord& record : graph.records) {
-            if (auto value = findEventValue(name, record.events)) {
-                return value;
-            }
+    std::size_t position = 0;
+    for (const auto& [name, record] : store.executeAverage) {
+        printGraphHead(out, position++, name);
+        if (!store.asyncExecute) {
+            printTimeLine(out, record->durationUs);
         }
     }
-    return std::nullopt;
+    printExecutionLines(out, figures);
 }
 
-std::optional<std::uint64_t> BackendReport::singleGraphDuration() const {
-    if (store_.executeAverage.size() != 1) {
-        logMessage(ZEB_LOG_LEVEL_ERROR, "multiple graph not supported yet!");
-        return std::nullopt;
+std::string_view levelLabel(ProfileLevel level) {
+    switch (level) {
+        case ProfileLevel::detailed:
+            return "Detailed";
+        case ProfileLevel::internal:
+            return "Internal";
+        case ProfileLevel::basic:
+            break;
     }
-    return store_.executeAverage.front().record->durationUs;
+    return "Basic";
+}
+
+std::size_t longestName(const std::vector<ZebLayer>& layers) {
+    std::size_t length = 0;
+    for (const ZebLayer& layer : layers) {
+        length = std::max(length, layer.name.size());
+    }
+    return length;
+}
+
+}  // namespace
+
+void printBackendReport(std::ostream& out, ZebProfileLogReader& reader, const BackendFigures& figures,
+                        bool internalColumns) {
+    printBackendInitStats(out, reader.store());
+    printBackendFinalizeStats(out, reader.store());
+    printDeInitStats(out, reader);
+    printExecutionStats(out, reader.store(), figures);
+    if (figures.hasLayers()) {
+        const Alignment alignment = hasDetailLine(figures.execution) ? Alignment::left : Alignment::right;
+        const std::vector<ZebLayer>& zebLayers = figures.zebLayers.layers;
+        const std::size_t nameWidth = longestName(zebLayers);
+        printOruLayerStats(out, figures.oruLayers, internalColumns, alignment);
+        printZebLayerStats(out, zebLayers, figures.zebTimeShare,
+                           figures.hasNodeMapping ? nameWidth : defaultNameWidth(), alignment);
+        printLayerMapping(out, zebLayers, nameWidth, alignment);
+    }
+}
+
+void writeBackendCsv(std::ostream& out, const ZebProfileLogReader& reader, const BackendFigures& figures,
+                     bool internalColumns) {
+    writeCsvPreamble(out, reader);
+    out << "Profile Level, " << levelLabel(figures.profileLevel) << '\n';
+    if (!figures.execution.onlyGraphUs) {
+        logMessage(ZEB_LOG_LEVEL_ERROR, "multiple graph not supported yet!");
+    }
+    writeExecutionLinesCsv(out, figures);
+    if (figures.hasLayers()) {
+        const std::vector<ZebLayer>& zebLayers = figures.zebLayers.layers;
+        writeOruLayerCsv(out, figures.oruLayers, internalColumns);
+        writeZebLayerCsv(out, zebLayers, figures.zebTimeShare);
+        writeLayerMappingCsv(out, zebLayers, longestName(zebLayers));
+    }
 }
 
 }  // namespace zeb::profiling

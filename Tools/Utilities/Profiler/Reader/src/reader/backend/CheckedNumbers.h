@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 
@@ -16,5 +17,10 @@ std::int32_t checkedSigned32(const std::string& text);
 
 /// @return a quotient of counts or times cut to a whole number; what is too large for it becomes the largest
 std::uint64_t cutToWhole(double value);
+
+/// @return the difference of two times, 0 where it would be negative
+constexpr std::uint64_t differenceOrZero(std::uint64_t larger, std::uint64_t smaller) {
+    return larger - std::min(larger, smaller);
+}
 
 }  // namespace zeb::profiling

@@ -1,7 +1,4 @@
-#include <algorithm>
 #include <array>
-#include <cstddef>
-#include <cstdint>
 #include <string_view>
 #include <vector>
 
@@ -104,55 +101,19 @@ std::vector<const ReportColumn*> shownColumns(bool internalColumns) {
     return columns;
 }
 
-// Rows come by order key, then by layer id. A layer's id is also its position among the figures.
-std::vector<std::uint32_t> rowsInOrder(const LayerStatsList& layerStats, std::size_t layerCount) {
-    const std::size_t layers = std::min(layerCount, layerStats.size());
-    std::vector<std::uint64_t> oruRowOrder;  // order key in the high half, layer id in the low one
-    oruRowOrder.reserve(layers);
-    for (std::size_t position = 0; position < layers; ++position) {
-        oruRowOrder.push_back(std::uint64_t{layerStats.orderKey(position)} << 32U |
-                              layerStats.layerId(position));
-    }
-    std::sort(oruRowOrder.begin(), oruRowOrder.end());
-    std::vector<std::uint32_t> rows;
-    rows.reserve(layers);
-    for (const std::uint64_t key : oruRowOrder) {
-        if (const auto layerId = static_cast<std::uint32_t>(key); layerId < layerStats.size()) {
-            rows.push_back(layerId);
-        }
-    }
-    return rows;
-}
-
 }  // namespace
 
-OruTable::OruTable(bool internalColumns, const LayerStatsList& layerStats, std::uint32_t layerCount)
-    : internalColumns_(internalColumns),
-      layerStats_(layerStats),
-      oruRowOrder_(rowsInOrder(layerStats, layerCount)) {}
-
-// Rows lie far apart in memory, so what one of the next takes is on its way meanwhile.
-template <typename PrintRow>
-void OruTable::forEachRow(PrintRow printRow) const {
-    constexpr std::size_t ahead = 8;
-    for (std::size_t row = 0; row < oruRowOrder_.size(); ++row) {
-        if (row + ahead < oruRowOrder_.size()) {
-            layerStats_.expect(oruRowOrder_[row + ahead]);
-        }
-        printRow(layerStats_[oruRowOrder_[row]]);
-    }
-}
-
-void OruTable::printOruLayerStats(std::ostream& out) const {
+void printOruLayerStats(std::ostream& out, const OruLayers& layers, bool internalColumns,
+                        Alignment alignment) {
     out << '\n';
     printSectionHead(out, oruTableTitle, oruTableTitle.size());
-    const auto columns = shownColumns(internalColumns_);
-    TableText table(out);
+    const auto columns = shownColumns(internalColumns);
+    TableText table(out, alignment);
     for (const ReportColumn* const column : columns) {
         table.field(column->title, columnWidth(column->title));
     }
     table.endRow();
-    forEachRow([&](const LayerStats& row) {
+    layers.forEach([&](const LayerStats& row) {
         if (!isKnownLayerType(row.layerType)) {
             logMessage(ZEB_LOG_LEVEL_WARN, "This ORU layer type is not supported.");
         }
@@ -164,15 +125,15 @@ void OruTable::printOruLayerStats(std::ostream& out) const {
     });
 }
 
-void OruTable::writeOruLayerCsv(std::ostream& out) const {
+void writeOruLayerCsv(std::ostream& out, const OruLayers& layers, bool internalColumns) {
     out << '\n' << oruTableTitle << '\n';
-    const auto columns = shownColumns(internalColumns_);
+    const auto columns = shownColumns(internalColumns);
     TableText table(out);
     for (const ReportColumn* const column : columns) {
         table.text(column->title).text(",");
     }
     table.endRow();
-    forEachRow([&](const LayerStats& row) {
+    layers.forEach([&](const LayerStats& row) {
         for (const ReportColumn* const column : columns) {
             const Cell cell = row.offloaded ? column->offloadedCsvCell : column->dspCell;
             table.field([&](char* at) { return putText(",", cell(row, at)); }, 0);

@@ -22,6 +22,8 @@ char* putNumber(Number number, char* at) {
     return std::to_chars(at, at + 20, number).ptr;
 }
 
+enum class Alignment : std::uint8_t { left, right };
+
 /// Composes the rows of a table and passes each to a stream as a whole: a table may have a million cells, and
 /// a stream takes its time for each that it is given.
 class TableText {
@@ -29,10 +31,10 @@ public:
     /// The longest content that `field` takes from a function.
     static constexpr std::size_t maxPutLength = 32;
 
-    /// @param out has to outlive the text; fields are aligned as it is when it is given, and filled with
-    /// blanks
-    explicit TableText(std::ostream& out)
-        : out_(out), alignsLeft_((out.flags() & std::ios::adjustfield) == std::ios::left) {}
+    /// @param out has to outlive the text
+    /// @param alignment of all fields; they are filled with blanks
+    explicit TableText(std::ostream& out, Alignment alignment = Alignment::right)
+        : out_(out), alignsLeft_(alignment == Alignment::left) {}
     TableText(const TableText&) = delete;
     TableText& operator=(const TableText&) = delete;
 

@@ -13,10 +13,12 @@ namespace zeb::profiling {
 
 bool ZebProfileLogReaderMURL::generateReports(const std::string& outputPath) {
     beginReport();
-    BackendReport report(*this, internalColumns_);
     TextStream console;
     console << std::fixed << std::setprecision(0);
-    report.printConsole(console);
+    const ProfileLevel level = readProfileLevel(store());
+    printReportHeader(console, *this);
+    const BackendFigures figures = workOutFigures(store(), level);
+    printBackendReport(console, *this, figures, internalColumns_);
     putOnStandardOutput(console);
     if (outputPath.empty()) {
         return true;
@@ -29,7 +31,7 @@ bool ZebProfileLogReaderMURL::generateReports(const std::string& outputPath) {
         return false;
     }
     csv << std::fixed << std::setprecision(0);
-    report.writeCsv(csv);
+    writeBackendCsv(csv, *this, figures, internalColumns_);
     return true;
 }
 

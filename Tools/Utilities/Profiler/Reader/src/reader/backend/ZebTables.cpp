@@ -36,12 +36,13 @@ std::size_t defaultNameWidth() {
     return columnWidth(zebColumns[0]);
 }
 
-void printZebLayerStats(std::ostream& out, const std::vector<ZebLayer>& layers, std::size_t nameWidth) {
+void printZebLayerStats(std::ostream& out, const std::vector<ZebLayer>& layers, const TimeShare& share,
+                        std::size_t nameWidth, Alignment alignment) {
     const std::array<std::size_t, 4> widths = {nameWidth, columnWidth(zebColumns[1]),
                                                columnWidth(zebColumns[2]), columnWidth(zebColumns[3])};
     out << '\n';
     printSectionHead(out, zebTableTitle, zebTableTitle.size());
-    TableText table(out);
+    TableText table(out, alignment);
     const auto printRow = [&table, &widths](const auto&... cells) {
         std::size_t column = 0;
         (table.field(cells, widths[column++] + zebFieldRoom), ...);
@@ -52,11 +53,10 @@ void printZebLayerStats(std::ostream& out, const std::vector<ZebLayer>& layers, 
         printRow(layer.name, layer.dspTimeUs, layer.krelTimeUs, layer.totalTimeUs());
     }
     table.text(std::string(std::accumulate(widths.begin(), widths.end(), std::size_t{0}), '-')).endRow();
-    const TimeShare share = shareOfTime(layers);
     printRow("Summary", percentText(share.dspTimePercent), percentText(share.krelTimePercent), " ");
 }
 
-void writeZebLayerCsv(std::ostream& out, const std::vector<ZebLayer>& layers) {
+void writeZebLayerCsv(std::ostream& out, const std::vector<ZebLayer>& layers, const TimeShare& share) {
     out << '\n' << zebTableTitle << '\n';
     TableText table(out);
     for (const std::string_view title : zebColumns) {
@@ -67,15 +67,15 @@ void writeZebLayerCsv(std::ostream& out, const std::vector<ZebLayer>& layers) {
         table.text(layer.name).text(",").number(layer.dspTimeUs).text(",").number(layer.krelTimeUs).text(",");
         table.number(layer.totalTimeUs()).text(",").endRow();
     }
-    const TimeShare share = shareOfTime(layers);
     table.text("Summary,").text(percentText(share.dspTimePercent)).text(",");
     table.text(percentText(share.krelTimePercent)).endRow();
 }
 
-void printLayerMapping(std::ostream& out, const std::vector<ZebLayer>& layers, std::size_t nameWidth) {
+void printLayerMapping(std::ostream& out, const std::vector<ZebLayer>& layers, std::size_t nameWidth,
+                       Alignment alignment) {
     out << '\n';
     printSectionHead(out, mappingTableTitle, mappingTableTitle.size());
-    TableText table(out);
+    TableText table(out, alignment);
     for (const ZebLayer& layer : layers) {
         table.field(layer.name, nameWidth).text(":  ");
         writeIds(table, layer);

@@ -3,9 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <sstream>
 #include <stdexcept>
 
 #include "BackendObjectWriter.h"
+#include "reader/backend/BackendFigures.h"
+#include "reader/backend/BackendReport.h"
 #include "reader/backend/ZebProfileLogReaderMURL.h"
 #include "support/TestReader.h"
 
@@ -306,6 +309,25 @@ TEST(BackendReport, IsPrintedBeforeItsCsvFileIsOpenedAndAddsToWhatTheFileHolds) 
     const std::string output =
         test::onStandardOutput([&loaded] { loaded.reader.generateReports("/dev/stdout"); });
     EXPECT_PRED2(holds, from("Execution Stats (Average):", output), "Profile Level, Basic\n");
+}
+
+// The figures are worked out once, and no form changes them: the CSV form needs no console form before it.
+TEST(BackendReport, IsTheSameTextHoweverOftenItIsPrinted) {
+    Loaded loaded({execution(
+        profiled(totals(3),
+                 {event("ZebGraph_executeAsync", number(6690)), event("graphQueueWaitUs", number(429)),
+                  event("Input Tensor Copy Time", number(190)), event(levelName, number(2))}),
+        MethodType::ExecuteAsync)});
+    const BackendFigures figures = workOutFigures(loaded.reader.store(), ProfileLevel::detailed);
+    std::ostringstream forms[3];
+    for (std::ostringstream& form : forms) {
+        writeBackendCsv(form, loaded.reader, figures, false);
+        printBackendReport(form, loaded.reader, figures, false);
+    }
+    EXPECT_EQ(forms[0].str(), loaded.wholeCsv() + loaded.console());
+    EXPECT_EQ(forms[0].str(), forms[2].str());
+    EXPECT_PRED2(holds, forms[0].str(),
+                 "    Marlix: 857 us\n        Backend (ZebGraph_executeAsync): 2087 us\n");
 }
 
 TEST(BackendReport, SavesObjectsOfTheDeInitSectionAlone) {

@@ -18,13 +18,12 @@ TEST(OruTable, HasTheSameCellsOnBothFormsButForTheDspCyclesOfOffloadedLayers) {
                                          {.layerId = 2}}};
     const GraphProfile profile{
         .layerCount = 3, .layerRecords = {{}, {}, {.execCount = huge, .totalTimeUs = 18446744073709551615U}}};
-    const LayerStatsList layers = computeLayerStats(profile, config);
-    const OruTable table(true, layers, 3);
+    const OruLayers layers(computeLayerStats(profile, config), 3);
     const test::CaughtLog log;
     std::ostringstream console;
     std::ostringstream csv;
-    table.printOruLayerStats(console);
-    table.writeOruLayerCsv(csv);
+    printOruLayerStats(console, layers, true, Alignment::right);
+    writeOruLayerCsv(csv, layers, true);
     EXPECT_EQ(test::behindLines(csv.str(), 3),
               "0,MEM_OP,Offloaded,No,-,Yes,0,0,0,0,0,0,0,0,0,0,0,0,\n"
               "1,Oru Layer Type NA,No,Yes,7,-,0,0,0,0,0,-,-,-,-,-,-,-,\n"
@@ -56,9 +55,8 @@ TEST(OruTable, OrdersItsRowsByKeyAndStaysInsideItsLayers) {
             config.entries.push_back({.layerId = id});
             profile.layerRecords.push_back({.orderKey = key});
         }
-        const LayerStatsList layers = computeLayerStats(profile, config);
         std::ostringstream csv;
-        OruTable(false, layers, layerCount).writeOruLayerCsv(csv);
+        writeOruLayerCsv(csv, OruLayers(computeLayerStats(profile, config), layerCount), false);
         std::istringstream lines(test::behindLines(csv.str(), 3));
         std::string rows;
         for (std::string line; std::getline(lines, line);) {
@@ -68,15 +66,18 @@ TEST(OruTable, OrdersItsRowsByKeyAndStaysInsideItsLayers) {
     }
 }
 
-TEST(ZebTables, AlignNamesLikeTheirStreamAndRoundShares) {
+TEST(ZebTables, AlignNamesAsTheyAreToldAndRoundShares) {
     const std::vector<std::uint32_t> ids = {3, 0, 1};
     const std::vector<ZebLayer> layers = {
         {.name = "conv", .oruLayerIds = std::span(ids).first(2), .krelTimeUs = 1},
         {.name = "a, pool", .oruLayerIds = std::span(ids).last(1), .dspTimeUs = 999}};
     std::ostringstream out;
-    printLayerMapping(out, layers, 7);
+    printLayerMapping(out, layers, 7, Alignment::right);
     EXPECT_EQ(test::behindLines(out.str(), 3), "   conv:  3,0,\na, pool:  1,\n");
-    writeZebLayerCsv(out, layers);
+    out.str("");
+    printLayerMapping(out, layers, 7, Alignment::left);
+    EXPECT_EQ(test::behindLines(out.str(), 3), "conv   :  3,0,\na, pool:  1,\n");
+    writeZebLayerCsv(out, layers, shareOfTime(layers));
     EXPECT_PRED2(test::holds, out.str(), "\nconv,0,1,1,\na, pool,999,0,999,\nSummary,100%,0%\n");
 }
 

@@ -1,0 +1,78 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+#include "reader/backend/BackendObjects.h"
+#include "reader/backend/OruLayers.h"
+#include "reader/backend/ZebLayers.h"
+#include "store/EventStore.h"
+
+namespace zeb::profiling {
+
+/// How deep a run was profiled, from the event "Execute Profiling Level".
+enum class ProfileLevel : std::int32_t {
+    basic = 1,  ///< no per-layer data
+    detailed = 2,
+    internal = 1100,
+};
+
+/// The tensor copies that the backend tells, in the order of the reports.
+inline constexpr std::array<std::string_view, 2> tensorCopyNames = {"Input Tensor Copy Time",
+                                                                    "Output Tensor Copy Time"};
+
+/// The backend's call that executes a graph, which is also the name of its event.
+constexpr std::string_view executeCallName(bool isAsync) {
+    return isAsync ? "ZebGraph_executeAsync" : "ZebGraph_execute";
+}
+
+/// Where the time of one execution goes. What the log holds as a total over all executions is divided by
+/// their count; without a count it is 0. With several graphs the figures cover none in particular.
+struct ExecutionFigures {
+    bool hasAverage = false;  ///< executions were aggregated; if not, no object was looked at
+    bool isAsync = false;
+    std::optional<std::uint64_t> onlyGraphUs;  ///< average of the run's one graph, if it is one
+    std::uint64_t lastGraphUs = 0;             ///< average of the last graph
+    std::optional<std::uint64_t> apiUs;        ///< in the backend's call, if the log has an event of it
+    std::uint64_t queueWaitUs = 0;             ///< asynchronous runs only, part of the times above
+    std::array<std::optional<double>, tensorCopyNames.size()> tensorCopyUs;  ///< those that are told
+    std::uint64_t ipcTimeUs = 0;                                             ///< between host and DSP
+    std::uint64_t acceleratorTimeUs = 0;
+    std::uint32_t executionCount = 0;
+    std::uint32_t dspClockMhz = 0;  ///< of the layer configuration's clocks, cut
+    std::uint32_t krelClockMhz = 0;
+};
+
+/// Everything that the backend's report shows of a run besides the records of the store itself. The layers
+/// refer into the objects beside them, so it can be moved and not copied; names and objects belong to the
+/// store, which has to outlive it.
+struct BackendFigures {
+    BackendFigures() = default;
+    BackendFigures(BackendFigures&&) = default;
+    BackendFigures& operator=(BackendFigures&&) = default;
+
+    ProfileLevel profileLevel = ProfileLevel::basic;
+    ExecutionFigures execution;
+    LayerConfig layerConfig;
+    GraphProfile graphProfile;  ///< the totals of the last profile, and the layers of all of them
+    OruLayers oruLayers;        ///< over the two before
+    bool hasNodeMapping = false;
+    ZebLayers zebLayers;  ///< of the node mapping, with their times
+    TimeShare zebTimeShare;
+
+    /// @return whether the reports have the tables of layers
+    [[nodiscard]] bool hasLayers() const { return profileLevel != ProfileLevel::basic; }
+};
+
+/// @return the profiling level that the log tells; basic, which is logged, when it tells none
+/// @throws std::invalid_argument, std::out_of_range for a value that has to be a number and is none
+ProfileLevel readProfileLevel(const EventStore& store);
+
+/// Works out the figures of a run, once.
+/// @param store aggregated; of a log that failed to load it has no averages, and the figures none but names
+/// @throws as above; std::bad_alloc
+BackendFigures workOutFigures(const EventStore& store, ProfileLevel level);
+
+}  // namespace zeb::profiling
