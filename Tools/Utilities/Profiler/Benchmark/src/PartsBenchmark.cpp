@@ -52,7 +52,7 @@ void decode(const MemoryLog& log, profiling::EventStore& store) {
             throw std::runtime_error("damaged chunk");
         }
         while (const auto* const message = walker.nextMessage()) {
-            store.dispatchMethod(*message);
+            store.dispatchMethod(*message, walker.chunk());
         }
     }
 }

@@ -81,7 +81,7 @@ void measureParts(const MeasuredLog& log, Figures& figures) {
             const auto buffer = chunks.readBody();
             require(buffer && walker.openChunk(*buffer), "cannot decode the log");
             while (const auto* const message = walker.nextMessage()) {
-                store.dispatchMethod(*message);
+                store.dispatchMethod(*message, walker.chunk());
             }
         }
     });

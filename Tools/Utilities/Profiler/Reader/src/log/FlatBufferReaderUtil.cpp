@@ -1,29 +1,33 @@
 #include "log/FlatBufferReaderUtil.h"
 
-#include "log/ChunkCheck.h"
+#include <atomic>
+
 #include "log/LogAccess.h"
 #include "logging/Logger.h"
 
 namespace zeb::profiling {
 
 bool FlatBufferReaderUtil::openChunk(const LogChunkBuffer& buffer) {
-    if (checkChunk(buffer.bytes()) != ChunkFault::none) {
+    static std::atomic<std::uint64_t> chunks = 0;
+    fault_ = checkChunk(buffer.bytes());
+    if (fault_ != ChunkFault::none) {
         logMessage(ZEB_LOG_LEVEL_ERROR, "Corrupted flatbuffer binary stream");
         return false;
     }
-    rootTable_ = schema::GetLogChunk(buffer.data());
+    const schema::LogChunk* const root = schema::GetLogChunk(buffer.data());
     if (headerTable_ == nullptr) {
-        headerTable_ = rootTable_->header();
+        headerTable_ = root->header();
     }
-    messageVector_ = rootTable_->messages();
+    messageVector_ = root->messages();
+    chunk_ = {buffer.bytes(), ++chunks};
     messageIndex_ = 0;
     return true;
 }
 
 void FlatBufferReaderUtil::closeChunk() {
-    rootTable_ = nullptr;
     headerTable_ = nullptr;
     messageVector_ = nullptr;
+    chunk_ = {};
 }
 
 const schema::LogMessage* FlatBufferReaderUtil::nextMessage() {

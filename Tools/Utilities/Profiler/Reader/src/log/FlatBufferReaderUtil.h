@@ -2,7 +2,9 @@
 
 #include <cstdint>
 
+#include "log/ChunkCheck.h"
 #include "log/LogChunkBuffer.h"
+#include "log/OpenChunk.h"
 #include "log/ProfileLog_generated.h"
 
 namespace zeb::profiling {
@@ -17,8 +19,14 @@ public:
     virtual ~FlatBufferReaderUtil() = default;
 
     /// Verifies a chunk and opens it at its first message.
-    /// @return false for a damaged chunk, which has been logged; the walker stays as it was
+    /// @return false for a damaged chunk, which has been logged; the walker stays as it was but for `fault`
     bool openChunk(const LogChunkBuffer& buffer);
+
+    /// @return what `openChunk` found last
+    [[nodiscard]] ChunkFault fault() const { return fault_; }
+
+    /// @return the open chunk, which has no bytes when none is open
+    [[nodiscard]] const OpenChunk& chunk() const { return chunk_; }
 
     /// Lets go of the open chunk, whose buffer may then go: there are no more messages and no header.
     void closeChunk();
@@ -34,7 +42,8 @@ public:
 private:
     using MessageVector = flatbuffers::Vector<flatbuffers::Offset<schema::LogMessage>>;
 
-    const schema::LogChunk* rootTable_ = nullptr;
+    ChunkFault fault_ = ChunkFault::none;
+    OpenChunk chunk_;
     const schema::LogHeader* headerTable_ = nullptr;
     const MessageVector* messageVector_ = nullptr;
     std::uint32_t messageIndex_ = 0;

@@ -78,7 +78,7 @@ bool ZebProfileLogReader::loadLog(bool saveObjects) {
 
 bool ZebProfileLogReader::readNextMessage() {
     if (const schema::LogMessage* message = logWalker_.nextMessage()) {
-        return store_.dispatchMethod(*message);
+        return store_.dispatchMethod(*message, logWalker_.chunk());
     }
     messagesDone_ = true;
     logMessage(ZEB_LOG_LEVEL_DEBUG, "profiling::ZebProfileLogReader reached EOF!");

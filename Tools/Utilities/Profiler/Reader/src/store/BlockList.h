@@ -29,12 +29,18 @@ public:
     };
     using Iterator = ForwardIterator<Entry, Cursor>;
 
-    /// @return the new entry; valid until the next call
+    /// Makes room for one more entry, which `add` then takes without fail.
     /// @throws std::bad_alloc, with the list as it was
-    Entry& add(const Entry& entry) {
+    void makeRoom() {
         if (size_ == capacity_) {
             grow();
         }
+    }
+
+    /// @return the new entry; valid until the next call
+    /// @throws std::bad_alloc, with the list as it was
+    Entry& add(const Entry& entry) {
+        makeRoom();
         return *std::construct_at(place(size_++), entry);
     }
 

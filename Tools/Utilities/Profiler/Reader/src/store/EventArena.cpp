@@ -15,12 +15,7 @@ std::span<ProfileEvent> EventArena::makeEvents(std::size_t count) {
 }
 
 StoredText EventArena::keepName(std::string_view name) {
-    const auto isName = [this, name](std::uint32_t position) { return names_[position].text() == name; };
-    const std::uint32_t position = positions_.findOrAdd(name, isName);
-    if (position == names_.size()) {
-        names_.add(keepText(name));
-    }
-    return names_[position];
+    return keepName(name, [this, name] { return keepText(name); });
 }
 
 bool EventArena::hasName(std::string_view name) const {
@@ -30,9 +25,14 @@ bool EventArena::hasName(std::string_view name) const {
 StoredText EventArena::keepText(std::string_view text) {
     auto* const kept =
         reinterpret_cast<KeptText*>(allocate(sizeof(KeptText) + text.size(), alignof(KeptText)));
-    std::construct_at(kept, KeptText{.length = static_cast<std::uint32_t>(text.size())});
-    std::copy(text.begin(), text.end(), reinterpret_cast<char*>(kept + 1));
+    auto* const characters = reinterpret_cast<char*>(kept + 1);
+    std::construct_at(kept, KeptText{characters, static_cast<std::uint32_t>(text.size())});
+    std::copy(text.begin(), text.end(), characters);
     return StoredText(kept);
+}
+
+StoredText EventArena::textOf(std::string_view kept) {
+    return StoredText(make(KeptText{kept.data(), static_cast<std::uint32_t>(kept.size())}));
 }
 
 std::string_view EventArena::keepTerminated(std::string_view text) {

@@ -36,6 +36,12 @@ public:
 
     /// Keeps a name, which comes again and again, once.
     StoredText keepName(std::string_view name);
+    /// @param keep keeps the name in the arena if it is new
+    template <typename Keep>
+    StoredText keepName(std::string_view name, Keep keep) {
+        const auto isName = [this, name](std::uint32_t position) { return names_[position].text() == name; };
+        return names_[positions_.findOrAdd(name, isName, [this, &keep] { names_.add(keep()); })];
+    }
 
     /// @return whether it keeps a name
     [[nodiscard]] bool hasName(std::string_view name) const;
@@ -43,14 +49,14 @@ public:
     /// Keeps a copy of a text.
     StoredText keepText(std::string_view text);
 
+    /// Makes a text of characters that the arena keeps already.
+    StoredText textOf(std::string_view kept);
+
     /// Keeps a copy of a text with a NUL behind it.
     std::string_view keepTerminated(std::string_view text);
 
     /// Keeps a copy of bytes.
     std::span<const std::byte> keepBytes(std::span<const std::byte> bytes);
-
-    /// @return a number for the marks on names, which no other operation has
-    std::uint32_t newMarkOwner() { return ++markOwners_; }
 
 private:
     std::byte* allocate(std::size_t size, std::size_t alignment);
@@ -61,7 +67,6 @@ private:
     std::size_t blockSize_ = 0;
     BlockList<StoredText> names_;
     HashIndex positions_;  ///< of the names
-    std::uint32_t markOwners_ = 0;
 };
 
 }  // namespace zeb::profiling

@@ -74,14 +74,14 @@ void putValue(ProfileEvent& event, const EventValue& value, const EventObject* o
     }
 }
 
-// Lists merged into one, which grows in place. The first event of each name is written into the mark of that
-// name, which takes neither memory nor search but serves one list at a time: the outermost. The lists below
-// it have tables.
+// Lists merged into one, which grows in place. The first event of each name is found by the mark on that
+// name, which takes no search but serves one list at a time: the outermost. The lists below it have tables.
 class MergedList {
 public:
-    /// @param markOwner for the marks of the outermost list, 0 for a list below it
-    MergedList(EventArena& arena, std::uint32_t markOwner, std::size_t expectedSize)
-        : arena_(arena), markOwner_(markOwner), events_(arena, expectedSize) {}
+    enum class Place : bool { outermost, below };
+
+    MergedList(EventArena& arena, Place place, std::size_t expectedSize)
+        : arena_(arena), place_(place), events_(arena, expectedSize) {}
 
     /// Begins with all events of a list, objects included.
     void begin(EventList events) {
@@ -143,7 +143,7 @@ private:
             return;
         }
         if (!sum.subEvents) {
-            sum.subEvents = std::make_unique<MergedList>(arena_, 0, event.subEvents.size());
+            sum.subEvents = std::make_unique<MergedList>(arena_, Place::below, event.subEvents.size());
             sum.subEvents->begin(event.subEvents);
         }
         sum.subEvents->merge(incoming.subEvents);
@@ -153,35 +153,46 @@ private:
     void rememberAll() {
         while (remembered_ != events_.last()) {
             remembered_ = remembered_ == nullptr ? events_.first() : EventListBuilder::next(*remembered_);
-            ProfileEvent*& first = firstOfName(remembered_->name.kept());
-            hasNamesTwice_ = hasNamesTwice_ || first != nullptr;
-            first = first == nullptr ? remembered_ : first;
+            const KeptText* const name = remembered_->name.kept();
+            if (firstOfName(name) == nullptr) {
+                remember(name, remembered_);
+            } else {
+                hasNamesTwice_ = true;
+            }
+        }
+    }
+
+    void remember(const KeptText* name, ProfileEvent* first) {
+        if (place_ == Place::outermost) {
+            name->mark = static_cast<std::uint32_t>(marked_.size());
+            marked_.push_back(first);
+        } else {
+            table_.emplace(name, first);
         }
     }
 
     // Lists of one method mostly have the same events in the same order: `expected` is looked at first.
-    ProfileEvent* find(const KeptText* name, ProfileEvent* expected) {
+    ProfileEvent* find(const KeptText* name, ProfileEvent* expected) const {
         const bool isExpected = expected != nullptr && !hasNamesTwice_ && expected->name.kept() == name;
         return isExpected ? expected : firstOfName(name);
     }
 
-    ProfileEvent*& firstOfName(const KeptText* name) {
-        if (markOwner_ == 0) {
-            return table_[name];
+    [[nodiscard]] ProfileEvent* firstOfName(const KeptText* name) const {
+        if (place_ == Place::outermost) {
+            const bool isMine = name->mark < marked_.size() && marked_[name->mark]->name.kept() == name;
+            return isMine ? marked_[name->mark] : nullptr;
         }
-        if (name->markOwner != markOwner_) {
-            name->markOwner = markOwner_;
-            name->mark = nullptr;
-        }
-        return name->mark;
+        const auto found = table_.find(name);
+        return found == table_.end() ? nullptr : found->second;
     }
 
     EventArena& arena_;
-    std::uint32_t markOwner_;
+    Place place_;
     EventListBuilder events_;
     std::vector<Sum> sums_;
-    std::unordered_map<const KeptText*, ProfileEvent*> table_;
-    ProfileEvent* remembered_ = nullptr;  ///< the last event that is
+    std::vector<ProfileEvent*> marked_;                         ///< the first of each name, by its mark
+    std::unordered_map<const KeptText*, ProfileEvent*> table_;  ///< the same, below the outermost list
+    ProfileEvent* remembered_ = nullptr;                        ///< the last event that is
     bool hasNamesTwice_ = false;
 };
 
@@ -198,7 +209,7 @@ EventList averageEvents(const RecordList& records, EventArena& arena) {
     if (isOnlyOne && std::none_of(first->events.begin(), first->events.end(), isObject)) {
         return first->events;
     }
-    MergedList merged(arena, arena.newMarkOwner(), first->events.size());
+    MergedList merged(arena, MergedList::Place::outermost, first->events.size());
     std::for_each(first, records.end(),
                   [&merged](const MethodRecord& record) { merged.merge(record.events); });
     return merged.divide();

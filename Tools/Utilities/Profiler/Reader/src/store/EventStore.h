@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <iosfwd>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -9,6 +10,7 @@
 #include "log/ProfileLog_generated.h"
 #include "store/BlockList.h"
 #include "store/EventArena.h"
+#include "store/MessageParts.h"
 #include "store/MethodRecord.h"
 #include "store/NamedList.h"
 
@@ -19,7 +21,7 @@ using NamedRecordList = NamedList<NamedMethodRecord, &NamedMethodRecord::name>;
 
 /// All that is kept of a log: records made from its method messages, and the statistics over them. Nothing in
 /// it points into a chunk. Durations are in us; timestamps are the log's. The reports read the members and
-/// never change them. All operations throw `std::bad_alloc`.
+/// never change them. All operations throw `std::bad_alloc`; what is kept until then is whole.
 class EventStore {
 public:
     /// @param visibilityLevel messages whose level is not strictly below it are dropped
@@ -28,8 +30,9 @@ public:
     EventStore& operator=(const EventStore&) = delete;
 
     /// Decodes one message of a verified chunk and keeps what its method asks for.
+    /// @param chunk the chunk that the message lies in
     /// @return whether the message was stored
-    bool dispatchMethod(const schema::LogMessage& message);
+    bool dispatchMethod(const schema::LogMessage& message, const OpenChunk& chunk);
 
     /// Derives the statistics lists, the queue waits and the Init row from the records. To be called once,
     /// after the last message.
@@ -47,7 +50,7 @@ public:
     std::uint64_t composeTimestamp = 0;    ///< the first one of a ComposeGraphs message that is not 0
     std::uint64_t composeDurationUs = 0;   ///< sum over all ComposeGraphs messages
     std::string composeGraphNames;         ///< texts of the ComposeGraphs messages, joined by "; "
-    std::string initStepMessage;           ///< text of the latest InitStep message
+    StoredText initStepMessage;            ///< text of the latest InitStep message
     EventList initEvents;                  ///< events of type init of the latest message that can have some
     bool hasInitEvents = false;            ///< an event of type init was seen outside Init messages
     MethodRecord initRecord;               ///< the latest Init message
@@ -114,11 +117,26 @@ private:
     void fileFinalizeEvents(std::string_view graphName, EventList events);
     void fileExecuteEvents(std::string_view graphName, EventList events);
 
+    struct GraphEntry {
+        GraphMethodRecords& graph;
+        bool isNew;
+    };
+    using NameIn = std::string_view (*)(std::string_view text);
+    static std::string_view wholeText(std::string_view text) { return text; }
+
+    [[nodiscard]] std::optional<std::string_view> textOf(const schema::LogMessage& message);
+    NamedMethodRecord& namedRecord(NamedRecordList& list, std::string_view name);
+    GraphEntry graphOf(GraphRecordList& list, std::string_view text, const MethodRecord& first,
+                       NameIn nameIn = wholeText);
+    void addRecord(GraphRecordList& list, std::string_view text, const MethodRecord& record,
+                   NameIn nameIn = wholeText);
+
     void aggregateQueueWaits(std::ostream& notes);
     void aggregateInitRow();
 
     std::int8_t visibilityLevel_;
     EventArena arena_;
+    MessageParts parts_{arena_};
 };
 
 }  // namespace zeb::profiling

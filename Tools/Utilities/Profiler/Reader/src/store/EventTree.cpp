@@ -16,7 +16,7 @@ EventUnit unitOf(std::uint32_t code) {
     return isNamed ? static_cast<EventUnit>(code) : EventUnit::microseconds;
 }
 
-EventValue decodeEventValue(const schema::LogEvent& event, EventArena& arena) {
+EventValue decodeEventValue(const schema::LogEvent& event, MessageParts& parts) {
     switch (event.valueSelector()) {
         case schema::ValueSelector::Int:
             return EventValue::ofInt(event.intValue());
@@ -28,7 +28,7 @@ EventValue decodeEventValue(const schema::LogEvent& event, EventArena& arena) {
             return EventValue::ofDouble(event.doubleValue());
         case schema::ValueSelector::Text:
             if (const auto* text = event.stringValue()) {
-                return EventValue::ofText(arena.keepTerminated(storedText(text)).data());
+                return EventValue::ofText(parts.terminated(*text).data());
             }
             break;
         default:
@@ -42,41 +42,41 @@ bool hasObject(const schema::LogEvent& event) {
     return event.fileName() != nullptr || event.valueSelector() == schema::ValueSelector::Bytes;
 }
 
-const EventObject* decodeEventObject(const schema::LogEvent& event, EventArena& arena) {
-    EventObject object{{}, {}, decodeEventValue(event, arena)};
+const EventObject* decodeEventObject(const schema::LogEvent& event, MessageParts& parts) {
+    EventObject object{{}, {}, decodeEventValue(event, parts)};
     if (event.valueSelector() == schema::ValueSelector::Bytes && event.bytes() != nullptr) {
-        object.bytes = arena.keepBytes(bytesOf(event.bytes()));
+        object.bytes = parts.bytes(*event.bytes());
     }
     if (event.fileName() != nullptr) {
-        object.fileName = arena.keepTerminated(visibleText(event.fileName()));
+        object.fileName = parts.terminated(*event.fileName());
     }
-    return arena.make(object);
+    return parts.arena().make(object);
 }
 
 // The verifier bounds the depth of the tree, and so this recursion.
-std::span<ProfileEvent> decodeEventList(const EventVector* vector, EventArena& arena) {
+std::span<ProfileEvent> decodeEventList(const EventVector* vector, MessageParts& parts) {
     if (vector == nullptr) {
         return {};
     }
-    const std::span<ProfileEvent> events = arena.makeEvents(lengthOf(vector));
+    const std::span<ProfileEvent> events = parts.arena().makeEvents(lengthOf(vector));
     for (std::uint32_t index = 0; index < events.size(); ++index) {
         const schema::LogEvent& source = *tableAt(vector, index);
-        const EventList subEvents(decodeEventList(source.subEvents(), arena));
+        const EventList subEvents(decodeEventList(source.subEvents(), parts));
         const StoredText name =
-            arena.keepName(source.name() == nullptr ? namelessEvent : visibleText(source.name()));
+            source.name() == nullptr ? parts.arena().keepName(namelessEvent) : parts.name(*source.name());
         const EventUnit unit = unitOf(source.unit());
         events[index] =
             hasObject(source)
-                ? ProfileEvent(name, source.type(), unit, decodeEventObject(source, arena), subEvents)
-                : ProfileEvent(name, source.type(), unit, decodeEventValue(source, arena), subEvents);
+                ? ProfileEvent(name, source.type(), unit, decodeEventObject(source, parts), subEvents)
+                : ProfileEvent(name, source.type(), unit, decodeEventValue(source, parts), subEvents);
     }
     return events;
 }
 
 }  // namespace
 
-std::span<ProfileEvent> decodeEvents(const schema::LogMessage& message, EventArena& arena) {
-    return decodeEventList(message.events(), arena);
+std::span<ProfileEvent> decodeEvents(const schema::LogMessage& message, MessageParts& parts) {
+    return decodeEventList(message.events(), parts);
 }
 
 }  // namespace zeb::profiling

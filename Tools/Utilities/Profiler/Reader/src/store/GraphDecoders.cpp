@@ -55,7 +55,7 @@ void EventStore::fileInitEvents(EventList events) {
 void EventStore::fileFinalizeEvents(std::string_view graphName, EventList events) {
     hasFinalizeEvents = hasFinalizeEvents || !events.empty();
     if (hasFinalizeEvents) {
-        NamedMethodRecord& entry = finalizeRecords.findOrAdd(graphName, arena_);
+        NamedMethodRecord& entry = namedRecord(finalizeRecords, graphName);
         MethodRecord record = *entry.record;
         record.events = events;
         entry.record = arena_.make(record);
@@ -67,7 +67,29 @@ void EventStore::fileExecuteEvents(std::string_view graphName, EventList events)
     if (events.empty()) {
         return;
     }
-    executeRecords.findOrAdd(graphName, arena_).records.fill(events, arena_);
+    graphOf(executeRecords, graphName, noRecord).graph.records.fill(events, arena_);
+}
+
+NamedMethodRecord& EventStore::namedRecord(NamedRecordList& list, std::string_view name) {
+    return parts_.entryOf(list, name, wholeText, [&] { return NamedMethodRecord{parts_.part(name)}; });
+}
+
+// A new graph comes with its first record, so that none is ever without one.
+EventStore::GraphEntry EventStore::graphOf(GraphRecordList& list, std::string_view text,
+                                           const MethodRecord& first, NameIn nameIn) {
+    bool isNew = false;
+    GraphMethodRecords& graph = parts_.entryOf(list, text, nameIn, [&] {
+        isNew = true;
+        return GraphMethodRecords{parts_.part(nameIn(text)), RecordList(first, arena_)};
+    });
+    return {graph, isNew};
+}
+
+void EventStore::addRecord(GraphRecordList& list, std::string_view text, const MethodRecord& record,
+                           NameIn nameIn) {
+    if (const auto [graph, isNew] = graphOf(list, text, record, nameIn); !isNew) {
+        graph.records.add(record, arena_);
+    }
 }
 
 bool EventStore::decodeExecute(const schema::LogMessage& message) {
@@ -76,10 +98,10 @@ bool EventStore::decodeExecute(const schema::LogMessage& message) {
         return false;
     }
     MethodRecord record = timedRecord(message);
-    const auto [initOnes, others] = splitByType(decodeEvents(message, arena_), EVENT_TYPE_INIT);
+    const auto [initOnes, others] = splitByType(decodeEvents(message, parts_), EVENT_TYPE_INIT);
     record.events = EventList(others);
     fileInitEvents(EventList(initOnes));
-    executeRecords.findOrAdd(*text, arena_).records.add(record, arena_);
+    addRecord(executeRecords, *text, record);
     return true;
 }
 
@@ -89,11 +111,11 @@ bool EventStore::decodeFinalize(const schema::LogMessage& message) {
         return false;
     }
     MethodRecord record = timedRecord(message);
-    const auto [initOnes, others] = splitByType(decodeEvents(message, arena_), EVENT_TYPE_INIT);
+    const auto [initOnes, others] = splitByType(decodeEvents(message, parts_), EVENT_TYPE_INIT);
     record.events = EventList(others);
     fileInitEvents(EventList(initOnes));
     hasFinalizeEvents = hasFinalizeEvents || !others.empty();
-    finalizeRecords.findOrAdd(*text, arena_).record = arena_.make(record);
+    namedRecord(finalizeRecords, *text).record = arena_.make(record);
     hasFinalize = true;
     return true;
 }
@@ -104,7 +126,7 @@ bool EventStore::decodeGraphEvents(const schema::LogMessage& message) {
         return false;
     }
     const std::string_view graphName = *text;
-    const auto [initOnes, afterInit] = splitByType(decodeEvents(message, arena_), EVENT_TYPE_INIT);
+    const auto [initOnes, afterInit] = splitByType(decodeEvents(message, parts_), EVENT_TYPE_INIT);
     const auto [finalizeOnes, executeOnes] = splitByType(afterInit, EVENT_TYPE_FINALIZE);
     fileInitEvents(EventList(initOnes));
     fileFinalizeEvents(graphName, EventList(finalizeOnes));
@@ -118,8 +140,8 @@ bool EventStore::decodeApplyBinarySection(const schema::LogMessage& message) {
         return false;
     }
     MethodRecord record = timedRecord(message);
-    record.events = EventList(decodeEvents(message, arena_));
-    applyBinarySectionRecords.findOrAdd(*text, arena_).records.add(record, arena_);
+    record.events = EventList(decodeEvents(message, parts_));
+    addRecord(applyBinarySectionRecords, *text, record);
     hasApplyBinarySection = true;
     return true;
 }
@@ -130,9 +152,9 @@ bool EventStore::decodeFinalizeAfterTensorUpdates(const schema::LogMessage& mess
         return false;
     }
     MethodRecord record = timedRecord(message);
-    record.message = arena_.keepText(*text);
-    record.events = EventList(decodeEvents(message, arena_));
-    finalizeAfterTensorUpdatesRecords.findOrAdd(graphNameIn(*text), arena_).records.add(record, arena_);
+    record.message = parts_.text(*message.text());
+    record.events = EventList(decodeEvents(message, parts_));
+    addRecord(finalizeAfterTensorUpdatesRecords, *text, record, graphNameIn);
     hasFinalizeAfterTensorUpdates = true;
     return true;
 }
@@ -142,7 +164,7 @@ bool EventStore::decodeUpdateBinarySection(const schema::LogMessage& message) {
         return false;
     }
     MethodRecord record = timedRecord(message);
-    record.events = EventList(decodeEvents(message, arena_));
+    record.events = EventList(decodeEvents(message, parts_));
     updateBinarySectionRecords.assign(1, {{}, arena_.make(record)});
     hasUpdateBinarySection = true;
     return true;
@@ -154,8 +176,10 @@ bool EventStore::decodeContextGetBinary(const schema::LogMessage& message) {
     }
     const bool isSize = message.methodType() == schema::MethodType::ContextGetBinarySize;
     MethodRecord record = timedRecord(message);
-    record.message = arena_.keepText(textOf(message).value_or(""));
-    contextRetrieval.findOrAdd(isSize ? binarySizeKey : binaryKey, arena_).record = arena_.make(record);
+    if (message.text() != nullptr) {
+        record.message = parts_.text(*message.text());
+    }
+    namedRecord(contextRetrieval, isSize ? binarySizeKey : binaryKey).record = arena_.make(record);
     hasContextRetrieval = true;
     return true;
 }
@@ -165,8 +189,10 @@ bool EventStore::decodeContextGetBinarySectionSize(const schema::LogMessage& mes
         return false;
     }
     MethodRecord record = timedRecord(message);
-    record.message = arena_.keepText(textOf(message).value_or(""));
-    contextSectionRetrieval.findOrAdd(binarySectionSizeKey, arena_).records.add(record, arena_);
+    if (message.text() != nullptr) {
+        record.message = parts_.text(*message.text());
+    }
+    addRecord(contextSectionRetrieval, binarySectionSizeKey, record);
     hasContextSectionRetrieval = true;
     return true;
 }

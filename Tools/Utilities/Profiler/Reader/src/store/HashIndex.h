@@ -4,11 +4,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <random>
 #include <string_view>
 #include <vector>
 
 #include "store/BlockList.h"
+#include "store/HashSecret.h"
 
 namespace zeb::profiling {
 
@@ -18,9 +18,9 @@ class NameHash {
 public:
     /// @return the same number for equal texts
     [[nodiscard]] std::uint32_t operator()(std::string_view text) const {
-        std::uint64_t hash = secret_ ^ text.size();
+        std::uint64_t hash = secret_.first ^ text.size();
         for (std::size_t at = 0; text.size() > at + pairSize; at += pairSize) {
-            hash = folded(wordAt(text, at) ^ otherSecret_, wordAt(text, at + wordSize) ^ hash);
+            hash = folded(wordAt(text, at) ^ secret_.second, wordAt(text, at + wordSize) ^ hash);
         }
         // The last pair may overlap the one before, and within itself.
         std::uint64_t first = 0;
@@ -31,18 +31,13 @@ public:
             first = wordAt(text, std::max(text.size(), pairSize) - pairSize);
             last = wordAt(text, text.size() - wordSize);
         }
-        return static_cast<std::uint32_t>(folded(first ^ otherSecret_, last ^ hash));
+        return static_cast<std::uint32_t>(folded(first ^ secret_.second, last ^ hash));
     }
 
 private:
     __extension__ using Product = unsigned __int128;
     static constexpr std::size_t wordSize = sizeof(std::uint64_t);
     static constexpr std::size_t pairSize = 2 * wordSize;
-
-    static std::uint64_t secret() {
-        std::random_device random;
-        return std::uint64_t{random()} << 32U | random() | 1U;  // odd, so that a product loses nothing of it
-    }
 
     static std::uint64_t wordAt(std::string_view text, std::size_t at) {
         std::uint64_t word = 0;
@@ -56,8 +51,7 @@ private:
         return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64U);
     }
 
-    std::uint64_t secret_ = secret();
-    std::uint64_t otherSecret_ = secret();
+    HashSecret secret_ = makeHashSecret();
 };
 
 /// Finds the position of an entry in a list by its name, in constant time. The list and the comparison of
@@ -65,15 +59,20 @@ private:
 class HashIndex {
 public:
     /// @param matches tells whether the entry at a position, which most likely has the name, is the one
-    /// @return the position of the entry; when there is none, that of the one to add at the end of the list
-    template <typename Matches>
-    std::uint32_t findOrAdd(std::string_view name, Matches matches) {
+    /// @param add adds the entry to the end of the list when there is none. What it throws is passed on, with
+    /// the index as it was.
+    /// @return the position of the entry
+    /// @throws std::bad_alloc, with index and list as they were
+    template <typename Matches, typename Add>
+    std::uint32_t findOrAdd(std::string_view name, Matches matches, Add add) {
         const std::uint32_t hash = hash_(name);
         if ((hashes_.size() + 1) * 8 > tags_.size() * 5) {
             grow();
         }
         const std::size_t slot = slotOf(hash, matches);
         if (tags_[slot] == freeTag) {
+            hashes_.makeRoom();
+            add();
             hashes_.add(hash);
             occupy(slot, hash, static_cast<std::uint32_t>(hashes_.size() - 1));
         }
@@ -112,8 +111,9 @@ private:
         constexpr std::size_t firstSize = 16;
         const std::size_t size = std::max(firstSize, tags_.size() * 4);
         std::vector<std::uint32_t> positions(size);
-        tags_.assign(size, freeTag);
+        std::vector<std::uint8_t> tags(size, freeTag);
         positions_.swap(positions);
+        tags_.swap(tags);
         for (std::size_t position = 0; position < hashes_.size(); ++position) {
             const std::uint32_t hash = hashes_[position];
             occupy(slotOf(hash, [](std::uint32_t /*position*/) { return false; }), hash,

@@ -1,10 +1,7 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
-#include <string_view>
 
-#include "log/LogAccess.h"
 #include "log/ProfileLog_generated.h"
 
 /// What several decoders read of a message.
@@ -19,11 +16,6 @@ inline std::uint64_t durationOf(const schema::LogMessage& message) {
 
 inline std::uint64_t timestampOf(const schema::LogMessage& message) {
     return message.time()->timestamp();
-}
-
-/// @return the message's text up to its first NUL, lying in the chunk; nothing when the message has none
-inline std::optional<std::string_view> textOf(const schema::LogMessage& message) {
-    return message.text() == nullptr ? std::nullopt : std::optional(visibleText(message.text()));
 }
 
 }  // namespace zeb::profiling

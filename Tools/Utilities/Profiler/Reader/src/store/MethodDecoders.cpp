@@ -10,7 +10,7 @@
 
 namespace zeb::profiling {
 
-bool EventStore::dispatchMethod(const schema::LogMessage& message) {
+bool EventStore::dispatchMethod(const schema::LogMessage& message, const OpenChunk& chunk) {
     using Decoder = bool (EventStore::*)(const schema::LogMessage&);
     static constexpr std::array<Decoder, 18> decoders = {
         nullptr,
@@ -40,7 +40,13 @@ bool EventStore::dispatchMethod(const schema::LogMessage& message) {
     if (message.methodType() == schema::MethodType::ExecuteAsync) {
         asyncExecute = true;
     }
+    parts_.enter(chunk);
     return (this->*decoders[static_cast<std::uint8_t>(methodType)])(message);
+}
+
+// The message's text up to its first NUL, lying in the chunk; nothing when the message has none.
+std::optional<std::string_view> EventStore::textOf(const schema::LogMessage& message) {
+    return message.text() == nullptr ? std::nullopt : std::optional(parts_.visible(*message.text()));
 }
 
 bool EventStore::isVisible(const schema::LogMessage& message) const {
@@ -53,7 +59,7 @@ bool EventStore::decodeWholeRecord(const schema::LogMessage& message, MethodReco
     }
     record.durationUs = durationOf(message);
     record.timestamp = timestampOf(message);
-    record.events = EventList(decodeEvents(message, arena_));
+    record.events = EventList(decodeEvents(message, parts_));
     hasRecord = true;
     return true;
 }
@@ -73,8 +79,8 @@ bool EventStore::decodeDynamicLibLoad(const schema::LogMessage& message) {
 bool EventStore::decodeDeInit(const schema::LogMessage& message) {
     bool stored = false;
     decodeWholeRecord(message, deInitRecord, stored);
-    if (const auto text = textOf(message); stored && text) {
-        deInitRecord.message = arena_.keepText(*text);
+    if (stored && message.text() != nullptr) {
+        deInitRecord.message = parts_.text(*message.text());
     }
     return stored;
 }
@@ -85,8 +91,8 @@ bool EventStore::decodeInitStep(const schema::LogMessage& message) {
         return false;
     }
     initStepDurationUs = durationOf(message);
-    if (const auto text = textOf(message)) {
-        initStepMessage = *text;
+    if (message.text() != nullptr) {
+        initStepMessage = parts_.text(*message.text());
     }
     return true;
 }

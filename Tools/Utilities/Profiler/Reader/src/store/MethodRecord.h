@@ -41,7 +41,12 @@ public:
     };
     using Iterator = ForwardIterator<MethodRecord, Cursor>;
 
+    RecordList() = default;
+    /// Makes a list of one record.
     /// @param arena has to outlive the list and all copies of it
+    RecordList(const MethodRecord& record, EventArena& arena) { add(record, arena); }
+
+    /// @param arena as above
     void add(const MethodRecord& record, EventArena& arena);
 
     /// Gives events to the first record without any; when there is none, to a new one at the end. All calls

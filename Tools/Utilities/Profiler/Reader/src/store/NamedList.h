@@ -5,7 +5,6 @@
 #include <string_view>
 
 #include "store/BlockList.h"
-#include "store/EventArena.h"
 #include "store/HashIndex.h"
 #include "store/StoredText.h"
 
@@ -16,22 +15,20 @@ namespace zeb::profiling {
 template <typename Entry, StoredText Entry::*Name>
 class NamedList {
 public:
-    /// @param arena keeps the name of a new entry, and has to outlive the list
-    /// @return the entry under `name`; a new one at the end of the list if there is none. Valid until the
-    /// next call.
-    Entry& findOrAdd(std::string_view name, EventArena& arena) {
+    /// @param make makes a new entry of that name, to stand at the end of the list, if there is none
+    /// @return the position of the entry under `name`
+    /// @throws std::bad_alloc and what `make` throws, with the list as it was
+    template <typename Make>
+    std::uint32_t findOrAdd(std::string_view name, Make make) {
         const auto isNamed = [this, name](std::uint32_t position) {
             return entries_[position].*Name == name;
         };
-        const std::uint32_t position = positions_.findOrAdd(name, isNamed);
-        if (position == entries_.size()) {
-            entries_.add({}).*Name = arena.keepText(name);
-        }
-        return entries_[position];
+        return positions_.findOrAdd(name, isNamed, [this, &make] { entries_.add(make()); });
     }
 
     [[nodiscard]] bool empty() const { return entries_.empty(); }
     [[nodiscard]] std::size_t size() const { return entries_.size(); }
+    [[nodiscard]] Entry& operator[](std::size_t position) { return entries_[position]; }
     [[nodiscard]] const Entry& operator[](std::size_t position) const { return entries_[position]; }
     [[nodiscard]] auto begin() const { return entries_.begin(); }
     [[nodiscard]] auto end() const { return entries_.end(); }

@@ -6,17 +6,15 @@
 
 namespace zeb::profiling {
 
-class ProfileEvent;
-
-/// A text as an `EventArena` keeps it. Its characters stand right behind it.
+/// A text as an `EventArena` keeps it. Its characters mostly stand right behind it.
 struct KeptText {
+    const char* characters;
     std::uint32_t length;
-    // An operation over many events may mark their names with an event each. A mark counts only for the owner
-    // that has set it.
-    mutable std::uint32_t markOwner = 0;
-    mutable ProfileEvent* mark = nullptr;
+    // An operation over many names may leave a number with each, to be found again in a list of its own. Any
+    // other one may have left another number: it counts only where the list has that name at that number.
+    mutable std::uint32_t mark = 0;
 
-    [[nodiscard]] std::string_view text() const { return {reinterpret_cast<const char*>(this + 1), length}; }
+    [[nodiscard]] std::string_view text() const { return {characters, length}; }
 };
 
 /// A text of the store, or none, which is empty. It is as small as a pointer, never changes, and lives as

@@ -141,16 +141,23 @@ TEST(Walker, HandsOutMessagesInOrderAndKeepsItsHeaderUntilItLetsGo) {
     EXPECT_EQ(visibleText(walker.nextMessage()->text()), "a");
     EXPECT_FALSE(walker.openChunk(bufferOf(Bytes(20, 0xFF))));
     EXPECT_EQ(log.lines(), std::vector<std::string>{"1 Corrupted flatbuffer binary stream"});
+    EXPECT_EQ(walker.fault(), ChunkFault::rootOffset);
     EXPECT_EQ(visibleText(walker.nextMessage()->text()), "b") << "a damaged chunk leaves it as it was";
     EXPECT_EQ(walker.nextMessage(), nullptr);
+    const std::uint64_t firstNumber = walker.chunk().number;
     ASSERT_TRUE(walker.openChunk(second));
+    EXPECT_EQ(walker.fault(), ChunkFault::none);
+    EXPECT_NE(walker.chunk().number, firstNumber);
+    EXPECT_EQ(walker.chunk().bytes.data(), second.data());
     EXPECT_EQ(walker.header(), header);
     EXPECT_EQ(visibleText(walker.nextMessage()->text()), "c");
     EXPECT_EQ(walker.nextMessage(), nullptr);
     EXPECT_TRUE(log.has("5 profiling::FlatBufferReaderUtil no more messages! (Message Counter: 1)"));
+    ASSERT_TRUE(walker.openChunk(first));
     walker.closeChunk();
     EXPECT_EQ(walker.header(), nullptr);
-    EXPECT_EQ(walker.nextMessage(), nullptr);
+    EXPECT_EQ(walker.nextMessage(), nullptr) << "though it has not handed out all of them";
+    EXPECT_TRUE(walker.chunk().bytes.empty());
 }
 
 TEST(ChunkReader, TellsWhereEachChunkStandsAndWhatIsMissing) {

@@ -9,6 +9,7 @@
 #include <iostream>
 #include <memory>
 #include <new>
+#include <optional>
 #include <sstream>
 #include <streambuf>
 #include <string>
@@ -65,17 +66,20 @@ struct Run {
     std::size_t leaked = 0;
 };
 
-template <typename Reader>
-const char* endingOf() {
+const char* endingOf(const std::function<const char*()>& work) {
     try {
-        Reader reader("log", VisibilityLevel{127});
-        if (!reader.loadLog(true)) {
-            return "false load";
-        }
-        return reader.generateReports("csv") ? "good" : "false report";
+        return work();
     } catch (const std::bad_alloc&) {
         return "bad_alloc";
     }
+}
+
+// Whatever has failed before, a reader can be asked for all that it has.
+const char* useAgain(IZebPluginLogReader& reader) {
+    return endingOf([&reader] {
+        reader.printHeader();
+        return reader.generateReports("again") ? "good" : "false report";
+    });
 }
 
 template <typename Reader>
@@ -88,10 +92,25 @@ Run read(const std::string& log, std::size_t failingAllocation, FaultKind kind) 
     const std::size_t before = test::outstandingAllocations();
     {
         const SummedOutput output;
-        const AllocationFault fault(failingAllocation, kind);
-        run.ending = endingOf<Reader>();
-        run.struck = fault.hasStruck();
-        run.console = output.sum();
+        std::optional<Reader> reader;
+        {
+            const AllocationFault fault(failingAllocation, kind);
+            run.ending = endingOf([&reader] {
+                reader.emplace("log", VisibilityLevel{127});
+                if (!reader->loadLog(true)) {
+                    return "false load";
+                }
+                return reader->generateReports("csv") ? "good" : "false report";
+            });
+            run.console = output.sum();
+            if (reader) {
+                useAgain(*reader);
+            }
+            run.struck = fault.hasStruck();
+        }
+        if (reader) {
+            EXPECT_STREQ(useAgain(*reader), "good");
+        }
     }
     run.leaked = test::outstandingAllocations() - before;
     run.csv = test::fileText("csv");

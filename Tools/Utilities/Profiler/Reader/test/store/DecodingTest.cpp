@@ -1,5 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <ctime>
+#include <functional>
+#include <set>
+
+#include "SharedTextLog.h"
 #include "support/TestStore.h"
 
 namespace zeb::profiling {
@@ -23,6 +28,12 @@ Message withoutText(Message message) {
 
 test::Event initEvent(const char* name) {
     return ofType(initEventType, event(name));
+}
+
+double processorSecondsOf(const std::function<void()>& work) {
+    const std::clock_t start = std::clock();
+    work();
+    return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
 }
 
 // "name:count" of each graph.
@@ -59,6 +70,10 @@ TEST(Decoding, WhatADroppedMessageLeaves) {
     EXPECT_EQ(store.composeTimestamp, 20U);
     EXPECT_EQ(store.composeDurationUs, 0U);
     EXPECT_TRUE(store.executeRecords.empty());
+    store.take(withoutText(message(MethodType::InitStep, "", 5)));
+    EXPECT_EQ(store.initStepMessage, "first");
+    store.take(message(MethodType::InitStep, "", 5));
+    EXPECT_EQ(store.initStepMessage, "") << "an empty text is one";
 }
 
 TEST(Decoding, ADurationNeedsBothTimesInOrder) {
@@ -157,6 +172,39 @@ TEST(Decoding, GraphEventsFillExecutionsWithoutEventsFromTheFront) {
     EXPECT_EQ(filled, "1@1000 e=10, 2@1000 e=20, 3@1000 e=30, 0@0 e=40, 5@1000 late=50, ");
 }
 
+TEST(Decoding, EventsOfManyExecutionsFindTheirRecordsInOneWalk) {
+    constexpr std::size_t executions = 200'000;  // each time from the front, that would be 20 billion steps
+    EventArena arena;
+    const std::span<ProfileEvent> events = arena.makeEvents(1);
+    events[0] = {arena.keepName("e"), 0, {}, {}, {}};
+    RecordList records;
+    EXPECT_LT(processorSecondsOf([&] {
+                  for (std::size_t execution = 0; execution < executions; ++execution) {
+                      records.add({}, arena);
+                  }
+                  for (std::size_t execution = 0; execution < executions; ++execution) {
+                      records.fill(EventList(events), arena);
+                  }
+              }),
+              3.0);
+    EXPECT_EQ(records.size(), executions);
+}
+
+TEST(NameHash, SpreadsNamesAnewEachTime) {
+    for (const auto makeSecret : {makeHashSecret, makeHashSecretWithoutSystem}) {
+        const HashSecret one = makeSecret();
+        const HashSecret other = makeSecret();
+        EXPECT_NE(one.first, other.first);
+        EXPECT_NE(one.second, other.second);
+        EXPECT_NE(one.first, one.second);
+    }
+    const NameHash one;
+    const NameHash other;
+    EXPECT_NE(std::pair(one("name"), one("a name of more than two words")),
+              std::pair(other("name"), other("a name of more than two words")));
+    EXPECT_EQ(one("name"), one(std::string("name")));
+}
+
 TEST(Decoding, GraphEventsAreFiledByType) {
     TestStore store;
     store.take(message(MethodType::GraphEvents, "i", 0, {initEvent("i")}));
@@ -212,14 +260,78 @@ TEST(Decoding, AnEventTreeComesOutInTheOrderOfTheLog) {
     nameless.unit = samplelog::Unit::cycles;
     nameless.subEvents = {event("b", number(1), {event("c", number(2)), event("d", number(3))}), event("e")};
     store.take(message(MethodType::Init, "", 0,
-                       {nameless, test::object("o", {7, 8, 9}, "o.bin"), event(std::string("cut\0off", 7))}));
+                       {nameless, test::object("o", {7, 8, 9}, std::string("o.bin\0cut", 9)),
+                        event(std::string("cut\0off", 7))}));
     const EventList events = store.initRecord.events;
     EXPECT_EQ(inLine(events), "null=(b=1(c=2 d=3) e=) o= cut=");
     EXPECT_EQ(events[0].unit(), EventUnit::cycles);
     EXPECT_TRUE(events[0].objectBytes().empty());
     ASSERT_EQ(events[1].objectBytes().size(), 3U);
     EXPECT_EQ(std::to_integer<int>(events[1].objectBytes()[2]), 9);
-    EXPECT_EQ(events[1].objectFileName(), "o.bin");
+    EXPECT_EQ(events[1].objectFileName(), "o.bin") << "not what stands behind its NUL";
+}
+
+// What has to be one and the same place in all events of such a log.
+std::set<const void*> placesIn(const EventList& events) {
+    return {events[0].objectBytes().data(), events[0].objectFileName().data(), events[1].value().asText()};
+}
+
+TEST(Decoding, ALongTextIsKeptOnceHoweverManyReferToIt) {
+    const std::string text(1000, 'a');
+    TestStore store;
+    ASSERT_TRUE(store.takeLog(
+        samplelog::encodeSharedTextLog({MethodType::FinalizeAfterTensorUpdates, 3, text + " [1]", 900}), 3));
+    ASSERT_EQ(graphsIn(store.finalizeAfterTensorUpdatesRecords), text + ":3 ");
+    const RecordList& records = store.finalizeAfterTensorUpdatesRecords[0].records;
+    for (const MethodRecord& record : records) {
+        EXPECT_EQ(record.message, text + " [1]");
+        EXPECT_EQ(record.message.text().data(), records[0].message.text().data());
+        EXPECT_EQ(record.events[0].name, text + " [1]");
+        EXPECT_EQ(formatEventValue(record.events[1].value()), text + " [1]");
+        EXPECT_EQ(record.events[0].objectBytes().size(), 900U);
+        EXPECT_EQ(placesIn(record.events), placesIn(records[0].events));
+    }
+    ASSERT_FALSE(testing::Test::HasFailure()) << "what follows would take more memory than there is";
+    // With so many references, a tenth of a millisecond for each would be 20 s.
+    const std::string longText(1U << 20U, 'b');
+    for (const MethodType type : {MethodType::Execute, MethodType::FinalizeAfterTensorUpdates,
+                                  MethodType::Finalize, MethodType::InitStep}) {
+        constexpr std::size_t messages = 200'000;
+        const samplelog::Bytes log = samplelog::encodeSharedTextLog({type, messages, longText});
+        const double seconds = processorSecondsOf([&] { TestStore().takeLog(log, messages); });
+        EXPECT_LT(seconds, 3.0) << static_cast<int>(type);
+    }
+}
+
+TEST(Decoding, PayloadsThatOverlapTakeNoMoreMemoryThanTheirChunk) {
+    constexpr std::size_t messages = 100;
+    TestStore store;
+    ASSERT_TRUE(store.takeLog(
+        samplelog::encodeSharedTextLog({MethodType::Execute, messages, std::string(300, 'a'), 4000, 20}),
+        messages));
+    const RecordList& records = store.executeRecords[0].records;
+    for (std::size_t position = 1; position < messages; ++position) {
+        const auto bytes = records[position].events[0].objectBytes();
+        ASSERT_EQ(bytes.size(), 2000U);
+        EXPECT_EQ(std::to_integer<int>(bytes[0]), 2000 % 256);
+        if (position > messages / 2) {
+            EXPECT_EQ(bytes.data(), records[position - 1].events[0].objectBytes().data() + 20);
+        }
+    }
+}
+
+TEST(Decoding, AnAddressTellsNothingOfTheNextChunk) {
+    TestStore store;
+    LogChunkBuffer chunk(10'000);
+    for (const char letter : {'a', 'b'}) {
+        samplelog::Bytes log =
+            samplelog::encodeSharedTextLog({MethodType::Execute, 1, std::string(1000, letter), 900});
+        log.resize(chunk.size() + 4);
+        ASSERT_TRUE(store.takeLog(log, 1, chunk));
+    }
+    ASSERT_EQ(store.executeRecords.size(), 2U);
+    EXPECT_EQ(store.executeRecords[1].records[0].events[0].name, std::string(1000, 'b'));
+    EXPECT_EQ(store.executeRecords[1].records[0].events[0].objectFileName(), std::string(1000, 'b'));
 }
 
 }  // namespace

@@ -27,6 +27,12 @@ std::vector<Message> executions(const std::vector<Events>& eventLists,
     return messages;
 }
 
+test::Event objectAbove(Events below) {
+    test::Event made = test::object("e", {1});
+    made.subEvents = std::move(below);
+    return made;
+}
+
 std::string averageOf(const std::vector<Events>& eventLists) {
     TestStore store;
     store.takeAll(executions(eventLists));
@@ -45,6 +51,7 @@ TEST(Statistics, PickDurationsTimestampsAndEvents) {
         {{}, 0, 0, -1, 0, -1},      {{0, 0}, 0, 0, 1, 0, -1},   {{100, 0, 201}, 150, 201, 2, 100, 0},
         {{5, 7, 7}, 6, 7, 2, 5, 0}, {{7, 5, 5}, 5, 7, 0, 5, 2}, {{0, 9}, 9, 9, 1, 9, 1},
     };
+    const auto timestampAt = [](std::uint64_t position) { return position == 1 ? 0 : 50 + position; };
     for (const auto& expected : cases) {
         EventArena arena;
         RecordList records;
@@ -52,11 +59,12 @@ TEST(Statistics, PickDurationsTimestampsAndEvents) {
             const std::uint64_t position = records.size();
             const std::span<ProfileEvent> events = arena.makeEvents(1);
             events[0] = {arena.keepName("e"), 0, {}, EventValue::ofUint(position), {}};
-            records.add({durationUs, 50 + position, arena.keepText("text"), EventList(events)}, arena);
+            records.add({durationUs, timestampAt(position), arena.keepText("text"), EventList(events)},
+                        arena);
         }
-        const auto expectRecord = [](const MethodRecord& record, std::uint64_t durationUs, int position) {
+        const auto expectRecord = [&](const MethodRecord& record, std::uint64_t durationUs, int position) {
             EXPECT_EQ(record.durationUs, durationUs);
-            EXPECT_EQ(record.timestamp, position < 0 ? 0U : 50U + static_cast<unsigned>(position));
+            EXPECT_EQ(record.timestamp, position < 0 ? 0U : timestampAt(static_cast<unsigned>(position)));
             EXPECT_EQ(inLine(record.events), position < 0 ? "" : "e=" + std::to_string(position));
             EXPECT_TRUE(record.message.empty());
         };
@@ -114,6 +122,12 @@ TEST(Merging, AveragesEventsByName) {
         {"an object is added to an event of its name",
          {{event("e", number(8))}, {test::object("e", {1})}},
          "e=4x2"},
+        {"and so are the events below it",
+         {{event("e", number(8), {event("s", number(2))})}, {objectAbove({event("s", number(4))})}},
+         "e=4x2(s=3x2)"},
+        {"a mean behind a change of kind is one of the values since",
+         {{event("e", number(4))}, {event("e", number(4))}, {event("e", 1.0F)}, {event("e", 2.0F)}},
+         "e=1.500000x4"},
     };
     for (const auto& [rule, eventLists, average] : cases) {
         EXPECT_EQ(averageOf(eventLists), average) << rule;

@@ -17,12 +17,22 @@ class TestStore : public profiling::EventStore {
 public:
     explicit TestStore(std::int8_t visibilityLevel = 127) : EventStore(visibilityLevel) {}
 
-    bool take(const Message& message) {
-        const samplelog::Bytes log = logOf({{message}});
+    bool take(const Message& message) { return takeLog(logOf({{message}}), 1); }
+
+    /// Takes that many messages of the one chunk of a log.
+    bool takeLog(const samplelog::Bytes& log, std::size_t messages) {
         profiling::LogChunkBuffer chunk(log.size() - 4);
+        return takeLog(log, messages, chunk);
+    }
+    /// @param chunk what the log's chunk is read into
+    bool takeLog(const samplelog::Bytes& log, std::size_t messages, profiling::LogChunkBuffer& chunk) {
         std::copy(log.begin() + 4, log.end(), chunk.data());
         profiling::FlatBufferReaderUtil walker;
-        return walker.openChunk(chunk) && dispatchMethod(*walker.nextMessage());
+        bool isStored = walker.openChunk(chunk);
+        for (std::size_t position = 0; isStored && position < messages; ++position) {
+            isStored = dispatchMethod(*walker.nextMessage(), walker.chunk());
+        }
+        return isStored;
     }
 
     /// Takes the messages, aggregates, and gives the notes.

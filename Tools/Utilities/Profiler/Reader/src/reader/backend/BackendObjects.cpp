@@ -1,6 +1,7 @@
 #include "reader/backend/BackendObjects.h"
 
 #include <limits>
+#include <map>
 #include <optional>
 
 #include "reader/backend/PayloadReader.h"
@@ -48,18 +49,38 @@ public:
         : payload_(object),
           count_(payload_.records(nameTableHeadSize, nameTableEntrySize, payload_.u32(0))) {}
 
-    [[nodiscard]] std::optional<std::string_view> name(std::uint32_t index) const {
+    [[nodiscard]] std::optional<std::string_view> name(std::uint32_t index) {
         if (index >= count_) {
             return std::nullopt;
         }
         const std::uint64_t offset =
             payload_.u32(nameTableHeadSize + std::uint64_t{index} * nameTableEntrySize + 4);
-        return payload_.has(offset, 1) ? std::optional(payload_.text(offset)) : std::nullopt;
+        return payload_.has(offset, 1) ? std::optional(text(offset)) : std::nullopt;
     }
 
 private:
+    // Any number of names may begin in one long text: its characters are searched for the end once.
+    std::string_view text(std::uint64_t offset) {
+        constexpr std::uint64_t longestShort = 256;
+        const std::string_view start = payload_.text(offset, longestShort);
+        if (start.size() < longestShort) {
+            return start;
+        }
+        auto found = longTexts_.lower_bound(offset);
+        if (found == longTexts_.end() || found->second > offset) {
+            const std::uint64_t limit = found == longTexts_.end() ? payload_.size() : found->second;
+            const std::uint64_t end = offset + payload_.text(offset, limit - offset).size();
+            if (end < limit || found == longTexts_.end()) {
+                found = longTexts_.emplace(end, offset).first;
+            }
+            found->second = offset;
+        }
+        return {start.data(), static_cast<std::size_t>(found->first - offset)};
+    }
+
     PayloadReader payload_;
     std::size_t count_;
+    std::map<std::uint64_t, std::uint64_t> longTexts_;  ///< where each begins that was met, by its end
 };
 
 }  // namespace
@@ -104,7 +125,7 @@ GraphProfile readGraphProfile(std::span<const std::byte> object, bool withRecord
 std::vector<NodeMappingEntry> readNodeMapping(std::span<const std::byte> mappingObject,
                                               std::span<const std::byte> namesObject) {
     const PayloadReader mapping(mappingObject);
-    const NodeNameTable names(namesObject);
+    NodeNameTable names(namesObject);
     const std::uint32_t entryCount = mapping.u32(0);
     std::vector<NodeMappingEntry> entries;
     std::uint64_t at = mappingHeadSize;

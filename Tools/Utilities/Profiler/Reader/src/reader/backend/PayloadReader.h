@@ -37,14 +37,14 @@ public:
                               : 0;
     }
 
-    /// @return the text at `offset` up to its NUL or the end of the object
-    [[nodiscard]] std::string_view text(std::uint64_t offset) const {
-        if (!has(offset, 1)) {
-            return {};
-        }
-        const auto tail = bytes_.subspan(static_cast<std::size_t>(offset));
-        const std::string_view rest(reinterpret_cast<const char*>(tail.data()), tail.size());
-        return rest.substr(0, rest.find('\0'));
+    /// @return the text at `offset` up to its NUL or the end of the object, `limit` characters at most
+    [[nodiscard]] std::string_view text(std::uint64_t offset, std::uint64_t limit) const {
+        const std::string_view all(reinterpret_cast<const char*>(bytes_.data()), bytes_.size());
+        const std::string_view rest =
+            has(offset, 0) ? all.substr(static_cast<std::size_t>(offset)) : std::string_view{};
+        const std::string_view within =
+            rest.substr(0, static_cast<std::size_t>(std::min<std::uint64_t>(limit, rest.size())));
+        return within.substr(0, within.find('\0'));
     }
 
 private:

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <numeric>
 #include <tuple>
+#include <unordered_map>
 #include <utility>
 
 #include "store/HashIndex.h"
@@ -12,22 +13,50 @@ namespace zeb::profiling {
 
 namespace {
 
-// The position of the ZEB layer of each entry, which is new where it is that of `layers`' end.
+// Finds ZEB layers by name, and adds those that are new.
+class LayerFinder {
+public:
+    explicit LayerFinder(std::vector<ZebLayer>& layers) : layers_(layers) {}
+
+    std::uint32_t positionOf(std::string_view name) {
+        constexpr std::size_t longestShort = 256;
+        if (name.size() <= longestShort) {
+            return findOrAdd(name);
+        }
+        // Any number of entries may have the same long name: its characters are looked at once.
+        auto found = longNames_.find(name.data());
+        if (found == longNames_.end()) {
+            found = longNames_.emplace(name.data(), findOrAdd(name)).first;
+        }
+        return found->second;
+    }
+
+private:
+    std::uint32_t findOrAdd(std::string_view name) {
+        const auto isNamed = [&](std::uint32_t position) { return layers_[position].name == name; };
+        if (!layers_.empty() && isNamed(last_)) {  // mostly the ORU layers of a ZEB layer stand together
+            return last_;
+        }
+        last_ = positions_.findOrAdd(name, isNamed,
+                                     [&] { layers_.push_back({.name = name, .oruLayerIds = {}}); });
+        return last_;
+    }
+
+    std::vector<ZebLayer>& layers_;
+    HashIndex positions_;
+    std::uint32_t last_ = 0;
+    std::unordered_map<const char*, std::uint32_t>
+        longNames_;  ///< by where they stand, which tells their end
+};
+
+// The position of the ZEB layer of each entry.
 std::vector<std::uint32_t> findLayers(const std::vector<NodeMappingEntry>& mapping,
                                       std::vector<ZebLayer>& layers) {
-    HashIndex positions;
+    LayerFinder finder(layers);
     std::vector<std::uint32_t> found;
     found.reserve(mapping.size());
     for (const NodeMappingEntry& entry : mapping) {
-        const std::string_view name = entry.zebLayerName;
-        const auto isNamed = [&](std::uint32_t position) { return layers[position].name == name; };
-        // Mostly the ORU layers of a ZEB layer stand together.
-        const bool isLast = !layers.empty() && isNamed(found.back());
-        const std::uint32_t position = isLast ? found.back() : positions.findOrAdd(name, isNamed);
-        if (position == layers.size()) {
-            layers.push_back({.name = name, .oruLayerIds = {}});
-        }
-        found.push_back(position);
+        found.push_back(finder.positionOf(entry.zebLayerName));
     }
     return found;
 }

@@ -2,8 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <ctime>
+
 #include "BackendObjectWriter.h"
 #include "reader/backend/BackendObjects.h"
+#include "reader/backend/ZebLayers.h"
 
 namespace zeb::profiling {
 namespace {
@@ -135,6 +138,48 @@ TEST(NodeMapping, SkipsWhatIsOutOfRange) {
     }
     EXPECT_EQ(mappingText(mappingOf({{5, {0, huge}}, {6, {}}, {7, {0}}}), namesOf({"in"})), "5=in 7=in ")
         << "further values are passed over";
+}
+
+// Long names may begin anywhere in each other, and any number of entries may have the same.
+TEST(NodeMapping, FindsLongNamesByWhereTheyStand) {
+    const std::string text(1000, 'a');
+    Bytes names = namesOf({"0", "1", "2", "3", "4", text + "b", text + "b", text + "b"});
+    const std::size_t first = 4 + 8 * 8 + 5 * 2;
+    const std::size_t second = first + 1002;
+    const std::size_t last = second + 1002;
+    names.pop_back();  // the last one ends with the object
+    const std::size_t offsets[] = {first + 600, first + 100, second + 100, first,
+                                   first + 600, last,        second,       last};
+    std::string expected;
+    std::vector<samplelog::NodeMappingEntry> entries;
+    for (std::uint32_t index = 0; index < 8; ++index) {
+        put32(names, 8 + 8 * index, static_cast<std::uint32_t>(offsets[index]));
+        entries.push_back({index, {index}});
+        const std::size_t inText = (offsets[index] - first) % 1002;
+        expected += std::to_string(index) + "=" + text.substr(inText) + "b ";
+    }
+    const Bytes mapping = mappingOf(entries);
+    EXPECT_EQ(mappingText(mapping, names), expected);
+    const ZebLayers layers = gatherZebLayers(readNodeMapping(spanOf(mapping), spanOf(names)));
+    std::string ids;
+    for (const ZebLayer& layer : layers.layers) {
+        for (const std::uint32_t id : layer.oruLayerIds) {
+            ids += std::to_string(id) + ",";
+        }
+        ids += " ";
+    }
+    EXPECT_EQ(ids, "1,2, 0,4, 3,5,6,7, ");
+}
+
+TEST(NodeMapping, CostsNoMoreForALongNameThanForAShortOne) {
+    // With so many entries, a tenth of a millisecond for each would be 20 s.
+    const Bytes mapping = mappingOf(std::vector<samplelog::NodeMappingEntry>(200'000, {0, {0}}));
+    const Bytes names = namesOf({std::string(1U << 22U, 'a')});
+    const std::clock_t start = std::clock();
+    const ZebLayers layers = gatherZebLayers(readNodeMapping(spanOf(mapping), spanOf(names)));
+    EXPECT_LT((std::clock() - start) / CLOCKS_PER_SEC, 3);
+    ASSERT_EQ(layers.layers.size(), 1U);
+    EXPECT_EQ(layers.layers[0].name.size(), 1U << 22U);
 }
 
 TEST(NodeMapping, IsReadFromShortObjects) {
