@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "LogWriter.h"
+#include "SharedTextLog.h"
 
 namespace zeb::bench {
 
@@ -18,7 +19,7 @@ using samplelog::Value;
 /// Writes messages, and ends a chunk when it is large enough.
 class ChunkedLog {
 public:
-    ChunkedLog(std::ostream& out, std::size_t chunkLimit) : writer_(out), chunkLimit_(chunkLimit) {
+    ChunkedLog(std::ostream& out, std::size_t chunkLimit) : out_(out), writer_(out), chunkLimit_(chunkLimit) {
         writer_.setHeader({.timeScale = 1.0F,
                            .epochTimestamp = 1'700'000'000'000'000,
                            .steadyClockTimestamp = 1000,
@@ -35,6 +36,11 @@ public:
         }
     }
 
+    /// Writes chunks that are made already, in front of the messages that are not written yet.
+    void addChunks(const Bytes& chunks) {
+        out_.write(reinterpret_cast<const char*>(chunks.data()), static_cast<std::streamsize>(chunks.size()));
+    }
+
     void finish() {
         if (isOpen_) {
             writer_.finishChunk();
@@ -42,6 +48,7 @@ public:
     }
 
 private:
+    std::ostream& out_;
     samplelog::LogWriter writer_;
     std::size_t chunkLimit_;
     bool isOpen_ = true;
@@ -207,18 +214,20 @@ void put(Bytes& bytes, std::uint64_t number, std::size_t width) {
     }
 }
 
-Bytes nodeMapping(std::size_t layers) {
+// @param share how many layers have the same name
+Bytes nodeMapping(std::size_t layers, std::size_t share) {
     Bytes bytes;
     put(bytes, layers, 4);
     for (std::size_t layer = 0; layer < layers; ++layer) {
         put(bytes, layer, 4);
         put(bytes, 1, 4);  // number of values; the one value is the name's index
-        put(bytes, layer / oruLayersPerZebLayer, 4);
+        put(bytes, layer / share, 4);
     }
     return bytes;
 }
 
-Bytes nodeNames(std::size_t names) {
+template <typename NameOf>
+Bytes nodeNames(std::size_t names, NameOf nameOf) {
     Bytes bytes;
     Bytes texts;
     put(bytes, names, 4);
@@ -226,7 +235,7 @@ Bytes nodeNames(std::size_t names) {
     for (std::size_t index = 0; index < names; ++index) {
         put(bytes, 0, 4);
         put(bytes, textsAt + texts.size(), 4);
-        const std::string name = zebLayerName(index);
+        const std::string name = nameOf(index);
         texts.insert(texts.end(), name.begin(), name.end());
         texts.push_back(0);
     }
@@ -278,8 +287,8 @@ Bytes graphProfile(std::size_t layers) {
 
 void writeLayers(ChunkedLog& log, std::size_t layers) {
     log.add(message(MethodType::Init, "", 3000,
-                    {object("node mapping", nodeMapping(layers)),
-                     object("node names", nodeNames(layers / oruLayersPerZebLayer))}));
+                    {object("node mapping", nodeMapping(layers, oruLayersPerZebLayer)),
+                     object("node names", nodeNames(layers / oruLayersPerZebLayer, zebLayerName))}));
     log.add(message(MethodType::Finalize, "main graph", 4000,
                     {object("layer configuration", layerConfiguration(layers))}));
     log.add(message(MethodType::Execute, "main graph", 50'000,
@@ -290,7 +299,22 @@ void writeLayers(ChunkedLog& log, std::size_t layers) {
                             object("Graph Execute Profile Data", graphProfile(layers))})}));
 }
 
-constexpr std::array<Shape, 12> shapes = {{
+// The text grows with the number of those who refer to it.
+constexpr std::size_t textPerReference = 8;
+
+void writeSharedText(ChunkedLog& log, std::size_t references) {
+    log.addChunks(samplelog::encodeSharedTextLog(
+        {MethodType::Finalize, references, std::string(references * textPerReference, 'n')}));
+}
+
+void writeSharedLayer(ChunkedLog& log, std::size_t layers) {
+    const auto name = [layers](std::size_t /*index*/) { return std::string(layers * textPerReference, 'n'); };
+    log.add(message(
+        MethodType::Init, "", 3000,
+        {object("node mapping", nodeMapping(layers, layers)), object("node names", nodeNames(1, name))}));
+}
+
+constexpr std::array<Shape, 14> shapes = {{
     {"steady", "steady", 4'000, 12'000, 24'000, usualChunk, writeSteady},
     {"tiny-chunks", "tiny chunks", 4'000, 12'000, 24'000, messageAChunk, writeSteady},
     {oneChunkShape, "one chunk", 4'000, 12'000, 109'000, allInOneChunk, writeSteady},
@@ -303,6 +327,8 @@ constexpr std::array<Shape, 12> shapes = {{
     {"strings", "strings", 4'000, 16'000, 32'000, usualChunk, writeStrings},
     {"deep", "deep", 4'000, 12'000, 24'000, usualChunk, writeDeep},
     {"new-names", "new names", 8'000, 24'000, 48'000, usualChunk, writeNewNames},
+    {"shared-text", "shared text", 40'000, 160'000, 320'000, usualChunk, writeSharedText, false},
+    {"shared-layer", "shared layer", 200'000, 800'000, 1'600'000, usualChunk, writeSharedLayer},
 }};
 
 }  // namespace

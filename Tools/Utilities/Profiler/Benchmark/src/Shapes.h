@@ -21,6 +21,7 @@ struct Shape {
     std::size_t full;        ///< the same of a full run
     std::size_t chunkLimit;  ///< a chunk ends with the message that takes it beyond that many bytes
     void (*write)(ChunkedLog& log, std::size_t size);
+    bool hasCopyFloor = true;  ///< plain records, each with a copy of its texts, fit into memory
 };
 
 /// The shape of a backend log with per-layer data, whose reports have a floor of their own.

@@ -135,7 +135,7 @@ void measureFormatting(const MeasuredLog& log, Figures& figures) {
 constexpr std::array<Subject, 8> subjects = {{
     {measureRead},
     {measureVerify},
-    {measureCopy},
+    {measureCopy, false, true},
     {measureLoad},
     {measureParts},
     {measureFormatting, true},

@@ -17,6 +17,7 @@ struct MeasuredLog {
 struct Subject {
     void (*measure)(const MeasuredLog& log, Figures& figures);
     bool layersOnly = false;  ///< makes sense for the layers shape alone
+    bool isCopyFloor = false;
 };
 
 /// The subjects of one round, each floor beside what is held against it. Each is meant to run in a process of

@@ -50,11 +50,12 @@ void makeLog(const Shape& shape, const MeasuredLog& log) {
     }
 }
 
-Figures measureLog(const MeasuredLog& log, bool hasLayers) {
+Figures measureLog(const MeasuredLog& log, const Shape& shape) {
+    const bool hasLayers = shape.name == layersShape;
     Figures figures;
     figures[Figure::logSize] = static_cast<double>(fs::file_size(log.path));
     for (const Subject& subject : allSubjects()) {
-        if (hasLayers || !subject.layersOnly) {
+        if ((hasLayers || !subject.layersOnly) && (shape.hasCopyFloor || !subject.isCopyFloor)) {
             runApart([&](Figures& measured) { subject.measure(log, measured); }, figures);
         }
     }
@@ -86,7 +87,6 @@ ShapeResult measureShape(const Shape& shape, const Options& options) {
     };
     const MeasuredLog small = make(sizeOf(shape, options) / 4);
     const MeasuredLog large = make(sizeOf(shape, options));
-    const bool hasLayers = shape.name == layersShape;
     Figures others;
     if (shape.name == oneChunkShape) {
         measureOthers(large, options, others);
@@ -94,7 +94,7 @@ ShapeResult measureShape(const Shape& shape, const Options& options) {
     ShapeResult result{shape.title, {}};
     for (std::size_t round = 0; round < options.rounds; ++round) {
         std::cerr << ' ' << round + 1 << std::flush;
-        result.rounds.push_back({measureLog(small, hasLayers), measureLog(large, hasLayers)});
+        result.rounds.push_back({measureLog(small, shape), measureLog(large, shape)});
         for (const Figure figure : {Figure::flatc, Figure::python}) {
             result.rounds.back().large[figure] = others[figure];
         }

@@ -110,6 +110,8 @@ Run read(const std::string& log, std::size_t failingAllocation, FaultKind kind) 
         }
         if (reader) {
             EXPECT_STREQ(useAgain(*reader), "good");
+            EXPECT_TRUE(reader->loadLog(true));
+            EXPECT_STREQ(useAgain(*reader), "good");
         }
     }
     run.leaked = test::outstandingAllocations() - before;
@@ -127,6 +129,17 @@ const std::string networkLog = written([](std::ostream& out) {
     samplelog::writeNetworkLog(out, {.async = true, .executions = 2, .layers = 3});
 });
 const std::string methodsLog = written(samplelog::writeMethodsLog);
+
+// The report looks for the last of its names, for which the list of names has to grow.
+std::string lookedUpNameLog() {
+    std::vector<test::Event> events;
+    for (int name = 0; name < 8; ++name) {
+        events.push_back(test::event(std::to_string(name)));
+    }
+    events.push_back(test::event("Execute Profiling Level", test::number(1)));
+    const samplelog::Bytes log = test::logOf({{test::message(test::MethodType::Execute, "net", 5, events)}});
+    return {log.begin(), log.end()};
+}
 
 std::size_t chunksIn(const std::string& log) {
     std::size_t chunks = 0;
@@ -170,6 +183,7 @@ void failEach(const std::string& log, FaultKind kind) {
 
 TEST(Allocation, FailsOnceWithoutALossOrALeak) {
     failEach<ZebProfileLogReaderMURL>(networkLog, FaultKind::single);
+    failEach<ZebProfileLogReaderMURL>(lookedUpNameLog(), FaultKind::single);
     failEach<ZebProfileLogReader>(networkLog, FaultKind::single);
     failEach<ZebProfileLogReader>(methodsLog, FaultKind::single);
 }
