@@ -1,7 +1,7 @@
 #include "commandline/AppArgManagerImpl.h"
 
+#include <algorithm>
 #include <iostream>
-#include <sstream>
 #include <utility>
 
 namespace zeb::commandline2 {
@@ -23,9 +23,10 @@ std::string rowLabel(const std::string& label) {
 // A text that ends in a line feed has no further line behind it, and an empty text has none at all.
 std::vector<std::string> linesOf(const std::string& text) {
     std::vector<std::string> lines;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);) {
-        lines.push_back(line);
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t end = std::min(text.find('\n', at), text.size());
+        lines.push_back(text.substr(at, end - at));
+        at = end + 1;
     }
     return lines;
 }

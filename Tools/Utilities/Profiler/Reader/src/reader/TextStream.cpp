@@ -1,6 +1,10 @@
 #include "reader/TextStream.h"
 
+#include <stdio.h>  // NOLINT(modernize-deprecated-headers): flockfile
+
 #include <algorithm>
+#include <iostream>
+#include <locale>
 
 namespace zeb::profiling {
 
@@ -8,6 +12,15 @@ namespace {
 
 constexpr std::size_t firstBlockSize = 1U << 10U;
 constexpr std::size_t lastBlockSize = 1U << 20U;
+
+// Unlocks also when `std::cout` throws, as a host may want it to.
+class StandardOutputLock {
+public:
+    StandardOutputLock() { ::flockfile(stdout); }
+    ~StandardOutputLock() { ::funlockfile(stdout); }
+    StandardOutputLock(const StandardOutputLock&) = delete;
+    StandardOutputLock& operator=(const StandardOutputLock&) = delete;
+};
 
 }  // namespace
 
@@ -33,10 +46,18 @@ TextBuffer::int_type TextBuffer::overflow(int_type character) {
                : sputc(traits_type::to_char_type(character));
 }
 
-void TextStream::writeTo(std::ostream& destination) const {
-    for (const std::string_view piece : buffer_.pieces()) {
-        destination.write(piece.data(), static_cast<std::streamsize>(piece.size()));
+TextStream::TextStream() : std::ostream(&buffer_) {
+    imbue(std::locale::classic());
+    exceptions(std::ios::badbit);
+}
+
+void TextStream::putOnStandardOutput() const {
+    const std::vector<std::string_view> pieces = buffer_.pieces();
+    const StandardOutputLock lock;
+    for (const std::string_view piece : pieces) {
+        std::cout.write(piece.data(), static_cast<std::streamsize>(piece.size()));
     }
+    std::cout.flush();
 }
 
 std::string TextStream::str() const {

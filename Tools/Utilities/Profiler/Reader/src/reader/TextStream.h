@@ -29,14 +29,17 @@ private:
     std::vector<Block> blocks_;  ///< all but the last are full
 };
 
-/// A text that is composed in memory. Where a string stream drops what it has no memory for, this one throws
-/// `std::bad_alloc`, so that no text comes out with a part missing.
+/// A text that is composed in memory, in the classic locale whatever the host's is. Where a string stream
+/// drops what it has no memory for, this one throws `std::bad_alloc`, so that no text comes out with a part
+/// missing.
 class TextStream final : public std::ostream {
 public:
-    TextStream() : std::ostream(&buffer_) { exceptions(std::ios::badbit); }
+    TextStream();
 
-    /// Writes the whole text.
-    void writeTo(std::ostream& destination) const;
+    /// Puts the whole text on standard output, through the buffers of `std::cout`. Texts of several threads
+    /// follow one another: the lock of `stdout` is held meanwhile, since every copy of the library in the
+    /// process shares that one.
+    void putOnStandardOutput() const;
     [[nodiscard]] std::string str() const;
 
 private:

@@ -1,7 +1,6 @@
 #include "reader/ZebProfileLogReader.h"
 
 #include <iomanip>
-#include <iostream>
 #include <memory>
 #include <new>
 #include <stdexcept>
@@ -72,7 +71,7 @@ bool ZebProfileLogReader::loadLog(bool saveObjects) {
     notes << std::fixed << std::setprecision(0);
     saveObjects_ = saveObjects;
     store_.aggregateStatistics(notes);
-    notes.writeTo(std::cout);
+    notes.putOnStandardOutput();
     return true;
 }
 

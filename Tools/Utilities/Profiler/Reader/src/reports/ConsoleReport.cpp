@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <iomanip>
 #include <numeric>
 #include <optional>
 #include <ostream>
@@ -10,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "reports/EventText.h"
 #include "reports/ExecutionRate.h"
 #include "reports/ReportForms.h"
 #include "store/Statistics.h"
@@ -97,17 +97,15 @@ void printContextSectionRetrievalStats(std::ostream& out, ZebProfileLogReader& r
     printBlock("Context Section Retrieval Stats (Max):", 42, maxRecord(records, arena));
 }
 
-// Leaves the stream with precision 4.
 void printExecuteOverallStats(std::ostream& out, ZebProfileLogReader& reader) {
     const EventStore& store = reader.store();
     if (!store.hasExecuteOverall || store.executeOverallRecord.events.size() < executionRateEvents) {
         return;
     }
-    out << std::fixed << std::setprecision(4);
     printSectionHead(out, "Execute Stats (Overall):", 24);
     indent(out, 1);
     out << "Marlix IPS (includes IO and misc. time): "
-        << static_cast<double>(executionRate(store.executeOverallRecord)) << " inf/sec \n\n";
+        << fixedPoint(static_cast<double>(executionRate(store.executeOverallRecord)), 4) << " inf/sec \n\n";
 }
 
 std::uint64_t meanOf(const std::vector<std::uint64_t>& values) {

@@ -1,10 +1,10 @@
 #include "reports/CsvReport.h"
 
-#include <iomanip>
 #include <ostream>
 #include <string>
 #include <string_view>
 
+#include "reports/EventText.h"
 #include "reports/ExecutionRate.h"
 #include "reports/ReportForms.h"
 
@@ -84,12 +84,11 @@ void writeGraphRecordsCsv(std::ostream& out, ZebProfileLogReader& reader,
     }
 }
 
-// Leaves the stream with precision 6.
 void writeExecuteIpsCsv(std::ostream& out, const EventStore& store) {
     const MethodRecord& record = store.executeOverallRecord;
     if (store.hasExecuteOverall && record.events.size() >= executionRateEvents) {
-        out << std::fixed << std::setprecision(6) << record.timestamp << ",EXECUTE IPS,"
-            << executionRate(record) << ",INF/SEC,MARLIX,ROOT,null\n";
+        out << record.timestamp << ",EXECUTE IPS,"
+            << fixedPoint(static_cast<double>(executionRate(record)), 6) << ",INF/SEC,MARLIX,ROOT,null\n";
     }
 }
 

@@ -1,8 +1,8 @@
 #include "reports/EventText.h"
 
 #include <array>
+#include <charconv>
 #include <cstdint>
-#include <cstdio>
 
 namespace zeb::profiling {
 
@@ -37,14 +37,16 @@ std::string decimal(std::uint64_t payload) {
     return std::to_string(static_cast<Integer>(payload));
 }
 
-// The largest double has 309 digits in front of the point.
-std::string fixedPoint(double value) {
-    std::array<char, 320> text{};
-    const int length = std::snprintf(text.data(), text.size(), "%f", value);
-    return {text.data(), static_cast<std::size_t>(length)};
-}
+constexpr int floatDigits = 6;
 
 }  // namespace
+
+std::string fixedPoint(double value, int digits) {
+    std::array<char, 320> text{};  // a minus sign, 309 digits at most, the point and what is behind it
+    const auto end =
+        std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed, digits).ptr;
+    return {text.data(), end};
+}
 
 std::string formatEventValue(const EventValue& value) {
     switch (value.kind) {
@@ -67,9 +69,9 @@ std::string formatEventValue(const EventValue& value) {
         case ValueKind::uint64:
             return decimal<std::uint64_t>(value.payload);
         case ValueKind::float32:
-            return fixedPoint(static_cast<double>(value.asFloat()));
+            return fixedPoint(static_cast<double>(value.asFloat()), floatDigits);
         case ValueKind::float64:
-            return fixedPoint(value.asDouble());
+            return fixedPoint(value.asDouble(), floatDigits);
         case ValueKind::text:
             return value.asText();
         case ValueKind::unset:

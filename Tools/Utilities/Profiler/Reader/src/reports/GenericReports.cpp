@@ -16,7 +16,6 @@ namespace {
 
 void appendCsvReport(std::ofstream& csv, ZebProfileLogReader& reader) {
     if (csv.is_open()) {
-        csv << std::fixed << std::setprecision(0);
         writeCsvReport(csv, reader);
         csv.flush();
     }
@@ -28,7 +27,7 @@ bool ZebProfileLogReader::generateReports(const std::string& outputPath) {
     beginReport();
     std::ofstream csv;
     if (!outputPath.empty()) {
-        csv.open(outputPath, std::ios::app);
+        csv = openCsvFile(outputPath);
         if (!csv.is_open()) {
             if (const auto logger = loggerFor(ZEB_LOG_LEVEL_ERROR)) {
                 logMessage(*logger, ZEB_LOG_LEVEL_ERROR, "Invalid output file: [%s]", outputPath.c_str());
@@ -42,12 +41,12 @@ bool ZebProfileLogReader::generateReports(const std::string& outputPath) {
     // Which of the two comes first shows when both go to one stream.
     if (header_.isAdapterUpdaterLog) {
         printUpdateBinarySectionStats(console, *this);
-        putOnStandardOutput(console);
+        console.putOnStandardOutput();
         appendCsvReport(csv, *this);
     } else {
         printConsoleReport(console, *this);
         appendCsvReport(csv, *this);
-        putOnStandardOutput(console);
+        console.putOnStandardOutput();
     }
     return true;
 }

@@ -1,8 +1,7 @@
 #include "reports/ReportForms.h"
 
 #include <iomanip>
-#include <iostream>
-#include <string>
+#include <locale>
 
 #include "reports/EventText.h"
 #include "zeb/profiling/Version.h"
@@ -59,9 +58,12 @@ void writeCsvPreamble(std::ostream& out, const ZebProfileLogReader& reader) {
         << "Backend version, " << header.backendInfo << '\n';
 }
 
-void putOnStandardOutput(const TextStream& report) {
-    report.writeTo(std::cout);
-    std::cout.flush();
+std::ofstream openCsvFile(const std::string& path) {
+    std::ofstream csv;
+    csv.imbue(std::locale::classic());
+    csv.open(path, std::ios::app);
+    csv << std::fixed << std::setprecision(0);
+    return csv;
 }
 
 EventList initSectionEvents(const EventStore& store) {

@@ -2,10 +2,11 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <fstream>
 #include <ostream>
+#include <string>
 #include <string_view>
 
-#include "reader/TextStream.h"
 #include "reader/ZebProfileLogReader.h"
 
 /// The lines and sections that the reports of all readers share. Every line ends in a newline.
@@ -37,8 +38,10 @@ void printDeInitStats(std::ostream& out, ZebProfileLogReader& reader);
 /// The four lines at the head of every CSV report.
 void writeCsvPreamble(std::ostream& out, const ZebProfileLogReader& reader);
 
-/// Puts a console report on standard output in one piece, and through the buffers of the stream.
-void putOnStandardOutput(const TextStream& report);
+/// Opens a CSV file for a report, which goes behind what the file holds.
+/// @return the stream, in the classic locale and in fixed notation with precision 0; not open when the file
+/// cannot be opened
+std::ofstream openCsvFile(const std::string& path);
 
 /// The events of the Init section: those that came with other messages, else those of the Init message.
 EventList initSectionEvents(const EventStore& store);

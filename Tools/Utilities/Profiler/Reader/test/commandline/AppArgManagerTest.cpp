@@ -102,6 +102,9 @@ TEST_F(AppArgManagerTest, TellsAllThatIsWrongAtOnceAndCountsARefusedOptionAsMiss
     accept = true;
     EXPECT_EQ(parse({{"--needed", {"1"}}}), parseInvalid);
     EXPECT_EQ(said, usage + "ERROR:\tfirst\nERROR:\tlast\n");
+    accept = false;
+    parse({{"--needed", {"1"}}});
+    EXPECT_FALSE(manager.isOptionSet("--needed")) << "the last value counts";
 }
 
 // The usage text behind the part that is always the same.

@@ -6,12 +6,21 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
+#include <clocale>
+#include <condition_variable>
 #include <cstdio>
+#include <cstdlib>
+#include <filesystem>
 #include <fstream>
+#include <iostream>
+#include <locale>
 #include <memory>
+#include <mutex>
 #include <new>
 #include <sstream>
 #include <stdexcept>
+#include <thread>
 
 #include "support/CommandLine.h"
 #include "support/PluginLogs.h"
@@ -167,6 +176,155 @@ Strings definedNames(const std::string& path) {
 
 TEST_P(PluginTest, ExportsTwoFunctionsAndNothingElse) {
     EXPECT_EQ(definedNames(path), (Strings{"createReader", "deleteReader"}));
+}
+
+// A host with a locale of its own, for C++ and, where one can be made, for C: 1.234.567,5.
+class HostLocale {
+public:
+    explicit HostLocale(const test::TempDir& directory)
+        : before_(
+              std::locale::global(std::locale(std::locale(), new Numbers))) {  // NOLINT: the locale owns it
+        const std::string source = directory.write(
+            "numbers",
+            "LC_NUMERIC\ndecimal_point \",\"\nthousands_sep \".\"\ngrouping 3;3\nEND LC_NUMERIC\n");
+        const std::string command = "localedef -c --no-archive -f ANSI_X3.4-1968 -i '" + source + "' '" +
+                                    directory.path("comma") + "' 2>/dev/null";
+        static_cast<void>(std::system(command.c_str()));
+        ::setenv("LOCPATH", directory.directory().c_str(), 1);
+        std::setlocale(LC_NUMERIC, "comma");
+    }
+    ~HostLocale() {
+        std::setlocale(LC_NUMERIC, "C");
+        ::unsetenv("LOCPATH");
+        std::locale::global(before_);
+    }
+    HostLocale(const HostLocale&) = delete;
+    HostLocale& operator=(const HostLocale&) = delete;
+
+private:
+    class Numbers final : public std::numpunct<char> {
+        char do_decimal_point() const override { return ','; }
+        char do_thousands_sep() const override { return '.'; }
+        std::string do_grouping() const override { return "\3"; }
+    };
+    std::locale before_;
+};
+
+TEST_P(PluginTest, WritesTheSameBytesWhateverTheHostsLocale) {
+    for (const auto& bytes : test::sampleLogs()) {
+        directory.write("log", bytes);
+        const auto texts = [this](const char* csv) {
+            void* const reader = library.create(log);
+            call<bool, bool>(reader, loadLog, false);
+            std::string all = call<std::string>(reader, printHeader) + report(reader, directory.path(csv));
+            library.destroy(reader);
+            return all + test::fileText(directory.path(csv));
+        };
+        const std::string expected = texts("csv");
+        const HostLocale locale(directory);
+        EXPECT_EQ(texts("csv in the locale"), expected);
+        std::filesystem::remove(directory.path("csv"));
+        std::filesystem::remove(directory.path("csv in the locale"));
+    }
+}
+
+// Takes the place of standard output. It holds each piece of text up until another thread has written too, or
+// for long enough to tell that none will.
+class HeldOutput final : public std::streambuf {
+public:
+    HeldOutput() : replaced_(std::cout.rdbuf(this)) {}
+    ~HeldOutput() override { std::cout.rdbuf(replaced_); }
+    HeldOutput(const HeldOutput&) = delete;
+    HeldOutput& operator=(const HeldOutput&) = delete;
+
+    std::string text;
+
+protected:
+    std::streamsize xsputn(const char* piece, std::streamsize size) override {
+        std::unique_lock lock(mutex_);
+        text.append(piece, static_cast<std::size_t>(size));
+        lastWriter_ = std::this_thread::get_id();
+        written_.notify_all();
+        written_.wait_for(lock, std::chrono::milliseconds(10),
+                          [this] { return lastWriter_ != std::this_thread::get_id(); });
+        return size;
+    }
+
+private:
+    std::streambuf* replaced_;
+    std::mutex mutex_;
+    std::condition_variable written_;
+    std::thread::id lastWriter_;
+};
+
+TEST(PluginThreads, PutEachTextOnStandardOutputInOnePiece) {
+    const test::TempDir directory;
+    const std::string log = directory.write("log", test::logWithALongLine(3U << 20U));
+    const auto run = [&log](const char* path) {
+        const Library library(path);
+        void* const reader = library.create(log);
+        call<bool, bool>(reader, loadLog, false);
+        call<bool, const std::string&>(reader, generateReports, std::string());
+        library.destroy(reader);
+    };
+    const auto outputOf = [&run](const Strings& plugins, int times) {
+        HeldOutput output;
+        std::vector<std::thread> threads;
+        for (const std::string& plugin : plugins) {
+            threads.emplace_back([&run, &plugin, times] {
+                for (int time = 0; time < times; ++time) {
+                    run(plugin.c_str());
+                }
+            });
+        }
+        for (std::thread& thread : threads) {
+            thread.join();
+        }
+        return output.text;
+    };
+    std::string both = outputOf({ZEB_MURL_PLUGIN, ZEB_GENERIC_PLUGIN}, 2);
+    std::string notes;
+    for (const char* const plugin : {ZEB_MURL_PLUGIN, ZEB_GENERIC_PLUGIN}) {
+        const std::string alone = outputOf({plugin}, 1);
+        const std::size_t reportStart = alone.find("Input Log File Location");
+        EXPECT_NE(reportStart, 0U) << "there are notes";
+        for (int time = 0; time < 2; ++time) {
+            notes += alone.substr(0, reportStart);
+            const std::size_t at = both.find(alone.substr(reportStart));
+            ASSERT_NE(at, std::string::npos) << "a report is torn apart";
+            both.erase(at, alone.size() - reportStart);
+        }
+    }
+    EXPECT_EQ(both, notes);
+}
+
+// A standard output that takes nothing, and the host wants to be told so.
+class FullOutput final : public std::streambuf {
+public:
+    FullOutput() : replaced_(std::cout.rdbuf(this)) { std::cout.exceptions(std::ios::badbit); }
+    ~FullOutput() override {
+        std::cout.exceptions(std::ios::goodbit);
+        std::cout.rdbuf(replaced_);
+    }
+    FullOutput(const FullOutput&) = delete;
+    FullOutput& operator=(const FullOutput&) = delete;
+
+private:
+    std::streambuf* replaced_;
+};
+
+TEST_P(PluginTest, LeavesStandardOutputUnlockedWhenWritingToItThrows) {
+    void* const reader = library.create(log);
+    call<bool, bool>(reader, loadLog, false);
+    {
+        const FullOutput output;
+        EXPECT_THROW((call<bool, const std::string&>(reader, generateReports, {})), std::ios_base::failure);
+    }
+    library.destroy(reader);
+    std::thread([] {
+        EXPECT_EQ(::ftrylockfile(stdout), 0);
+        ::funlockfile(stdout);
+    }).join();
 }
 
 std::size_t residentPages() {

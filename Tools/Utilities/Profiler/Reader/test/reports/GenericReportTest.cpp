@@ -75,6 +75,12 @@ TEST(GenericReport, ShowsStepsAndExecutions) {
           message(MethodType::ComposeGraphs, "g", 13, {}, 20), message(MethodType::Finalize, "g", 7, {}, 40)},
          "Init Stats:\n-----------\n    Marlix: 25 us\n\n",
          "\n11,INIT,25,US,MARLIX,ROOT,lib (init)\n20,COMPOSE GRAPHS,13,US,MARLIX,ROOT,g\n40,FINALIZE,7,US"},
+        {"no Init events, once a later message had some and the last one has none",
+         {message(MethodType::Init, "", 40, {event("own")}),
+          message(MethodType::Execute, "g", 1, {test::ofType(samplelog::initEventType, event("late"))}),
+          message(MethodType::Execute, "g", 1)},
+         "Init Stats:\n-----------\n    Marlix: 40 us\n\nCompose",
+         "\n1000,INIT,40,US,MARLIX,ROOT,null\n0,COMPOSE"},
         {"synchronous executions",
          {message(MethodType::Execute, "g", 10, {wait(3)}, 1), message(MethodType::Execute, "h", 7, {}, 2),
           message(MethodType::Execute, "g", 13, {}, 3)},
@@ -86,6 +92,10 @@ TEST(GenericReport, ShowsStepsAndExecutions) {
          {message(MethodType::ExecuteAsync, "g", 10, {wait(30)})},
          "(Host Round-Trip): 10 us\n    Marlix (Host Round-Trip excluding queue wait): "
          "18446744073709551596\n",
+         "EXECUTE,10,"},
+        {"waits whose mean takes more than 64 bits",
+         {message(MethodType::ExecuteAsync, "g", 10, {wait(~std::uint64_t{0})})},
+         "(Host Round-Trip): 10 us\n    Marlix (Host Round-Trip excluding queue wait): 11\n",
          "EXECUTE,10,"},
         {"waits that only the fastest executions have, on average", fewWaits,
          "Graph 1 (b):\n    Marlix (Host Round-Trip): 6 us\n    Backend (wait): 2 us\n\nExecute Stats (Min):",
@@ -111,6 +121,7 @@ TEST(GenericReport, ShowsTheRateOfAWholeRun) {
     } cases[] = {
         {{event("duration", number(3)), event("n", number(1))}, "333333.3438", "333333.343750"},
         {{event("a", number(100)), event("b", number(2'000'000)), event("c")}, "50.0000", "50.000000"},
+        {{event("duration", number(7000)), event("n", number(1075))}, "153571.4375", "153571.437500"},
         {{event("duration", number(0)), event("n", number(9))}, "0.0000", "0.000000"},
     };
     for (const auto& [events, console, csv] : cases) {

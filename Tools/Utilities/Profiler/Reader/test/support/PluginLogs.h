@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -11,5 +12,11 @@ std::vector<std::uint8_t> smallLog();
 
 /// A log whose profile level is no number.
 std::vector<std::uint8_t> logWithoutANumber();
+
+/// The sample logs: of every kind of value, and of a run with layers.
+std::vector<std::vector<std::uint8_t>> sampleLogs();
+
+/// A log whose aggregation has notes, and whose report has a line of that many bytes.
+std::vector<std::uint8_t> logWithALongLine(std::size_t size);
 
 }  // namespace zeb::test

@@ -15,7 +15,11 @@ class EventList;
 ///
 /// The host calls the operations by their position in the virtual table (Itanium C++ ABI), so their order in
 /// this header is part of the contract. Host and plug-in must share that ABI and the layout of `std::string`.
-/// A reader serves one thread at a time; different readers may be used in different threads.
+/// A reader serves one thread at a time; different readers may be used in different threads. Each text that a
+/// reader puts on standard output goes through `std::cout` and out in one piece: the reader holds the lock of
+/// `stdout` meanwhile (`flockfile`), like every reader of every plug-in in the process, and what the host
+/// writes with C's functions waits. A host that uses `std::cout` in another thread at that time has to hold
+/// the lock too. No text depends on a locale that the host has set.
 template <typename Level>
 class IZebProfileLogReader {
 public:

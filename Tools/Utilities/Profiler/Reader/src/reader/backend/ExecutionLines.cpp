@@ -1,13 +1,12 @@
 #include "reader/backend/ExecutionLines.h"
 
-#include <array>
-#include <charconv>
 #include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "reader/backend/CheckedNumbers.h"
+#include "reports/EventText.h"
 #include "reports/ReportForms.h"
 
 namespace zeb::profiling {
@@ -56,17 +55,10 @@ Text backendOrZero(const BackendFigures& figures) {
     return figures.execution.isAsync == isAsync ? Text(backendTime(figures.execution)) : std::nullopt;
 }
 
-// The largest double has 309 digits in front of the point.
 template <std::size_t copy>
 Text tensorCopy(const BackendFigures& figures) {
     const auto us = figures.execution.tensorCopyUs[copy];
-    if (!us) {
-        return std::nullopt;
-    }
-    std::array<char, 320> text{};
-    const auto end =
-        std::to_chars(text.data(), text.data() + text.size(), *us, std::chars_format::fixed, 3).ptr;
-    return std::string(text.data(), end) + " us";
+    return us ? Text(fixedPoint(*us, 3) + " us") : std::nullopt;
 }
 
 Text ipcTime(const BackendFigures& figures) {

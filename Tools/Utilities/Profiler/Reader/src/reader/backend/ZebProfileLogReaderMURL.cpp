@@ -19,18 +19,17 @@ bool ZebProfileLogReaderMURL::generateReports(const std::string& outputPath) {
     printReportHeader(console, *this);
     const BackendFigures figures = workOutFigures(store(), level);
     printBackendReport(console, *this, figures, internalColumns_);
-    putOnStandardOutput(console);
+    console.putOnStandardOutput();
     if (outputPath.empty()) {
         return true;
     }
-    std::ofstream csv(outputPath, std::ios::app);
+    std::ofstream csv = openCsvFile(outputPath);
     if (!csv.is_open()) {
         if (const auto logger = loggerFor(ZEB_LOG_LEVEL_ERROR)) {
             logMessage(*logger, ZEB_LOG_LEVEL_ERROR, "Failed open file: %s", outputPath.c_str());
         }
         return false;
     }
-    csv << std::fixed << std::setprecision(0);
     writeBackendCsv(csv, *this, figures, internalColumns_);
     return true;
 }

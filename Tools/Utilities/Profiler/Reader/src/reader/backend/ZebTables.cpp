@@ -1,12 +1,11 @@
 #include <array>
-#include <iomanip>
 #include <numeric>
 #include <string>
 
-#include "reader/TextStream.h"
 #include "reader/backend/LayerTables.h"
 #include "reader/backend/TableForms.h"
 #include "reader/backend/TableText.h"
+#include "reports/EventText.h"
 #include "reports/ReportForms.h"
 
 namespace zeb::profiling {
@@ -19,9 +18,7 @@ constexpr std::array<std::string_view, 4> zebColumns = {"Layer Name", "aDSP Time
 constexpr std::size_t zebFieldRoom = 2;  // a field of the console table is that much wider than its column
 
 std::string percentText(double percent) {
-    TextStream text;
-    text << std::fixed << std::setprecision(0) << percent << '%';
-    return text.str();
+    return fixedPoint(percent, 0) + '%';
 }
 
 void writeIds(TableText& table, const ZebLayer& layer) {

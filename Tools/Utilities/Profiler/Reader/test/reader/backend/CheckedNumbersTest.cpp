@@ -38,8 +38,16 @@ TEST(CheckedNumbers, ConvertOrThrowWithTheirOwnTexts) {
         {"-2147483649", "18446744071562067967", signedRange},
         {"18446744073709551615", "18446744073709551615", signedRange},
         {"18446744073709551616", unsignedRange, signedRange},
+        {"-18446744073709551615", "1", signedRange},
+        {"-18446744073709551616", unsignedRange, signedRange},
+        {"\v\f\r-0", "0", "0"},
         {" ", noUnsigned, noSigned},
         {"-", noUnsigned, noSigned},
+        {"+-1", noUnsigned, noSigned},
+        {"- 1", noUnsigned, noSigned},
+        {"\xA0"
+         "1",
+         noUnsigned, noSigned},
         {"us 7", noUnsigned, noSigned},
     };
     for (const auto& [text, asUnsigned64, asSigned32] : cases) {
