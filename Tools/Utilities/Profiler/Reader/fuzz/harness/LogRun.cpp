@@ -1,10 +1,17 @@
 #include "harness/LogRun.h"
 
+#include <iomanip>
 #include <memory>
 #include <stdexcept>
+#include <string_view>
 
 #include "harness/MemoryFile.h"
+#include "reader/TextStream.h"
+#include "reader/backend/BackendReport.h"
 #include "reader/backend/ZebProfileLogReaderMURL.h"
+#include "reports/ConsoleReport.h"
+#include "reports/CsvReport.h"
+#include "reports/ReportForms.h"
 #include "support/CommandLine.h"
 #include "support/TestReader.h"
 
@@ -12,50 +19,107 @@ namespace zeb::fuzz {
 
 namespace {
 
+const std::string& pathOf(std::span<const std::uint8_t> log) {
+    static MemoryFile file;
+    file.assign(log);
+    return file.path();
+}
+
 std::unique_ptr<profiling::IZebPluginLogReader> makeReader(const std::string& path,
                                                            const RunOptions& options) {
-    if (options.kind == ReaderKind::generic) {
+    if (options.kind == ReportKind::generic) {
         return std::make_unique<profiling::ZebProfileLogReader>(path, options.level);
     }
     auto reader = std::make_unique<profiling::ZebProfileLogReaderMURL>(path, options.level);
-    if (options.internalColumns) {
+    if (options.kind == ReportKind::backendInternal) {
         test::CommandLine args(test::CommandLine::Given{{"--internal", {}}});
         reader->parseBackendArgs(args);
     }
     return reader;
 }
 
-void report(profiling::IZebPluginLogReader& reader, const std::string& csvPath, Outcome& outcome) {
+void load(profiling::IZebPluginLogReader& reader, bool saveObjects, Outcome& outcome) {
     const test::CaughtOutput output;
+    outcome.loaded = reader.loadLog(saveObjects);
+    outcome.notes = output.text();
+}
+
+// Lets a reader make its report, which fails for a value that has to be a number and is none.
+template <typename MakeReport>
+void report(Outcome& outcome, MakeReport makeReport) {
     try {
-        outcome.reported = reader.generateReports(csvPath);
+        outcome.reported = makeReport();
     } catch (const std::invalid_argument& error) {
         outcome.failure = error.what();
     } catch (const std::out_of_range& error) {
         outcome.failure = error.what();
     }
-    outcome.console = output.text();
+}
+
+template <typename Print>
+std::string printed(Print print) {
+    profiling::TextStream out;
+    out << std::fixed << std::setprecision(0);
+    print(out);
+    return out.str();
+}
+
+// What `generateReports` of the reader of that kind does between its files.
+bool reportInMemory(profiling::ZebProfileLogReader& reader, ReportKind kind, Outcome& outcome) {
+    if (kind == ReportKind::generic) {
+        outcome.console = printed([&reader](std::ostream& out) {
+            printReportHeader(out, reader);
+            if (reader.header().isAdapterUpdaterLog) {
+                printUpdateBinarySectionStats(out, reader);
+            } else {
+                printConsoleReport(out, reader);
+            }
+        });
+        outcome.csv = printed([&reader](std::ostream& out) { writeCsvReport(out, reader); });
+    } else {
+        profiling::BackendReport backend(reader, kind == ReportKind::backendInternal);
+        outcome.console = printed([&backend](std::ostream& out) { backend.printConsole(out); });
+        outcome.csv = printed([&backend](std::ostream& out) { backend.writeCsv(out); });
+    }
+    return true;
 }
 
 }  // namespace
 
 Outcome readLog(std::span<const std::uint8_t> log, const RunOptions& options) {
-    static MemoryFile logFile;
     static MemoryFile csvFile;
-    logFile.assign(log);
     csvFile.assign({});
     const test::CaughtLog caughtLog;
     Outcome outcome;
-    const auto reader = makeReader(logFile.path(), options);
+    const auto reader = makeReader(pathOf(log), options);
+    load(*reader, options.saveObjects, outcome);
     {
         const test::CaughtOutput output;
-        outcome.loaded = reader->loadLog(options.saveObjects);
-        outcome.notes = output.text();
+        report(outcome, [&reader] { return reader->generateReports(csvFile.path()); });
+        outcome.console = output.text();
     }
-    report(*reader, csvFile.path(), outcome);
     outcome.csv = csvFile.content();
     outcome.lines = caughtLog.lines();
     return outcome;
+}
+
+std::array<Outcome, reportKinds.size()> readLogInMemory(std::span<const std::uint8_t> log,
+                                                        profiling::VisibilityLevel level) {
+    const test::CaughtLog caughtLog;
+    const std::vector<std::string>& lines = caughtLog.lines();
+    profiling::ZebProfileLogReader reader(pathOf(log), level);
+    Outcome loaded;
+    load(reader, false, loaded);
+    loaded.lines = lines;
+    std::array<Outcome, reportKinds.size()> outcomes;
+    outcomes.fill(loaded);
+    for (std::size_t index = 0; index < reportKinds.size(); ++index) {
+        Outcome& outcome = outcomes[index];
+        const auto linesBefore = static_cast<std::ptrdiff_t>(lines.size());
+        report(outcome, [&] { return reportInMemory(reader, reportKinds[index], outcome); });
+        outcome.lines.insert(outcome.lines.end(), lines.begin() + linesBefore, lines.end());
+    }
+    return outcomes;
 }
 
 }  // namespace zeb::fuzz

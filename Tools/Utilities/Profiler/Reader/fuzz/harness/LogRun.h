@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -9,12 +10,13 @@
 
 namespace zeb::fuzz {
 
-enum class ReaderKind : std::uint8_t { backend, generic };
+enum class ReportKind : std::uint8_t { backend, backendInternal, generic };
+inline constexpr std::array reportKinds = {ReportKind::backend, ReportKind::backendInternal,
+                                           ReportKind::generic};
 
 struct RunOptions {
-    ReaderKind kind = ReaderKind::backend;
+    ReportKind kind = ReportKind::backend;
     profiling::VisibilityLevel level{127};
-    bool internalColumns = false;
     bool saveObjects = false;  ///< files go to the working directory
 };
 
@@ -31,8 +33,15 @@ struct Outcome {
     bool operator==(const Outcome&) const = default;
 };
 
-/// Loads a log and reports it, also after a load that failed. No file but the objects' is left behind.
+/// Loads a log and reports it as a host does, also after a load that failed. No file but the objects' is left
+/// behind.
 /// @throws whatever a reader must not throw for a log of this size
 Outcome readLog(std::span<const std::uint8_t> log, const RunOptions& options);
+
+/// Loads a log once and makes all reports of that load in memory, which costs a small part of as many runs.
+/// @return for each of `reportKinds` what a run of its own has to give
+/// @throws like `readLog`
+std::array<Outcome, reportKinds.size()> readLogInMemory(std::span<const std::uint8_t> log,
+                                                        profiling::VisibilityLevel level);
 
 }  // namespace zeb::fuzz

@@ -30,13 +30,14 @@ MemoryFile::~MemoryFile() {
 }
 
 void MemoryFile::assign(std::span<const std::uint8_t> bytes) {
-    demand(ftruncate(descriptor_, 0) == 0, "ftruncate");
+    off_t at = 0;
     while (!bytes.empty()) {
-        const off_t at = lseek(descriptor_, 0, SEEK_END);
         const ssize_t written = pwrite(descriptor_, bytes.data(), bytes.size(), at);
         demand(written > 0, "pwrite");
         bytes = bytes.subspan(static_cast<std::size_t>(written));
+        at += written;
     }
+    demand(ftruncate(descriptor_, at) == 0, "ftruncate");
 }
 
 std::string MemoryFile::content() const {

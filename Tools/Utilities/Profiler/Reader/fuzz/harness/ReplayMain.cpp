@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "harness/FuzzTarget.h"
+#include "harness/LogChecks.h"
 #include "support/TestFiles.h"
 
 namespace {
@@ -40,6 +41,7 @@ int main(int argc, char** argv) {
             const auto more = inputsIn(argv[index]);
             inputs.insert(inputs.end(), more.begin(), more.end());
         }
+        zeb::fuzz::checkEveryInputInFull();
         for (const std::filesystem::path& input : inputs) {
             std::cerr << input.filename().string() << std::endl;  // tells which one ended the process
             replay(input);
