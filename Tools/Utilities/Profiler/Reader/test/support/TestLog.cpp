@@ -53,6 +53,7 @@ CaughtLog::CaughtLog(std::int32_t maxLevel) {
 
 CaughtLog::~CaughtLog() {
     profiling::setLogger(profiling::loggerHandle, nullptr);
+    caughtLines.clear();
 }
 
 const std::vector<std::string>& CaughtLog::lines() const {
