@@ -3,10 +3,10 @@
 #include <iomanip>
 #include <memory>
 #include <stdexcept>
-#include <string_view>
 
 #include "harness/MemoryFile.h"
 #include "reader/TextStream.h"
+#include "reader/backend/BackendFigures.h"
 #include "reader/backend/BackendReport.h"
 #include "reader/backend/ZebProfileLogReaderMURL.h"
 #include "reports/ConsoleReport.h"
@@ -56,31 +56,30 @@ void report(Outcome& outcome, MakeReport makeReport) {
     }
 }
 
-template <typename Print>
-std::string printed(Print print) {
-    profiling::TextStream out;
-    out << std::fixed << std::setprecision(0);
-    print(out);
-    return out.str();
-}
-
 // What `generateReports` of the reader of that kind does between its files.
 bool reportInMemory(profiling::ZebProfileLogReader& reader, ReportKind kind, Outcome& outcome) {
+    profiling::TextStream console;
+    profiling::TextStream csv;
+    console << std::fixed << std::setprecision(0);
+    csv << std::fixed << std::setprecision(0);
     if (kind == ReportKind::generic) {
-        outcome.console = printed([&reader](std::ostream& out) {
-            printReportHeader(out, reader);
-            if (reader.header().isAdapterUpdaterLog) {
-                printUpdateBinarySectionStats(out, reader);
-            } else {
-                printConsoleReport(out, reader);
-            }
-        });
-        outcome.csv = printed([&reader](std::ostream& out) { writeCsvReport(out, reader); });
+        printReportHeader(console, reader);
+        if (reader.header().isAdapterUpdaterLog) {
+            printUpdateBinarySectionStats(console, reader);
+        } else {
+            printConsoleReport(console, reader);
+        }
+        writeCsvReport(csv, reader);
     } else {
-        profiling::BackendReport backend(reader, kind == ReportKind::backendInternal);
-        outcome.console = printed([&backend](std::ostream& out) { backend.printConsole(out); });
-        outcome.csv = printed([&backend](std::ostream& out) { backend.writeCsv(out); });
+        const bool internalColumns = kind == ReportKind::backendInternal;
+        const auto profileLevel = profiling::readProfileLevel(reader.store());
+        printReportHeader(console, reader);
+        const auto figures = profiling::workOutFigures(reader.store(), profileLevel);
+        printBackendReport(console, reader, figures, internalColumns);
+        writeBackendCsv(csv, reader, figures, internalColumns);
     }
+    outcome.console = console.str();
+    outcome.csv = csv.str();
     return true;
 }
 
