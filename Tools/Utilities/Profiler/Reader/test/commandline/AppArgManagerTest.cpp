@@ -105,6 +105,10 @@ TEST_F(AppArgManagerTest, TellsAllThatIsWrongAtOnceAndCountsARefusedOptionAsMiss
     accept = false;
     parse({{"--needed", {"1"}}});
     EXPECT_FALSE(manager.isOptionSet("--needed")) << "the last value counts";
+    value("--other", true);
+    EXPECT_EQ(parse({}), parseInvalid);
+    EXPECT_NE(said.find("argument: --needed\n"), std::string::npos);
+    EXPECT_NE(said.find("argument: --other\n"), std::string::npos);
 }
 
 // The usage text behind the part that is always the same.

@@ -12,9 +12,8 @@ TEST(Logger, TakesMessagesUpToItsLevel) {
     const test::CaughtLog log(ZEB_LOG_LEVEL_WARN);
     for (std::int32_t level = ZEB_LOG_LEVEL_ERROR; level <= ZEB_LOG_LEVEL_DEBUG; ++level) {
         logMessage(level, "a message");
-        if (const auto logger = loggerFor(level)) {
-            logMessage(*logger, level, "number %d of %s", 7, "nine");
-        }
+        EXPECT_EQ(loggerFor(level) != nullptr, level <= ZEB_LOG_LEVEL_WARN);
+        logMessage(*getLogger(loggerHandle), level, "number %d of %s", 7, "nine");
     }
     EXPECT_EQ(log.lines(), (std::vector<std::string>{"1 a message", "1 number 7 of nine", "2 a message",
                                                      "2 number 7 of nine"}));
@@ -27,6 +26,12 @@ TEST(Logger, WithoutEntryOrCallbackDropsMessages) {
     logMessage(ZEB_LOG_LEVEL_ERROR, "nobody hears this");
     setLogger(loggerHandle, nullptr);
     logMessage(ZEB_LOG_LEVEL_ERROR, "nor this");
+    const auto other = std::make_shared<const Logger>();
+    setLogger(loggerHandle + 7, other);
+    EXPECT_EQ(getLogger(loggerHandle + 7), other);
+    EXPECT_EQ(getLogger(loggerHandle), nullptr);
+    setLogger(loggerHandle + 7, nullptr);
+    EXPECT_EQ(other.use_count(), 1);
 }
 
 std::uint64_t lastTimestamp = 0;

@@ -37,7 +37,7 @@ using test::Strings;
 using testing::internal::CaptureStdout;
 using testing::internal::GetCapturedStdout;
 
-#ifdef __SANITIZE_ADDRESS__
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr bool isSanitized = true;
 #else
 constexpr bool isSanitized = false;

@@ -86,9 +86,12 @@ TEST(LoadLog, OfAMissingFileIsSilentAndMakesNone) {
 
 TEST(LoadLog, TellsOfItsStepsToATalkativeLogger) {
     const CaughtLog log;
-    const Loaded loaded(chunk({message(MethodType::Execute, "a", 1)}) + test::logOf({{}}));
+    const Loaded loaded(chunk({message(MethodType::Execute, "a", 1)}) + test::logOf({{}}) +
+                        test::logOf({{}}));
     EXPECT_EQ(log.lines(), (Lines{"5 hdr is nullptr",
                                   "5 profiling::FlatBufferReaderUtil no more messages! (Message Counter: 1)",
+                                  "5 profiling::ZebProfileLogReader reached EOF!",
+                                  "5 profiling::FlatBufferReaderUtil no more messages! (Message Counter: 0)",
                                   "5 profiling::ZebProfileLogReader reached EOF!",
                                   "5 profiling::FlatBufferReaderUtil no more messages! (Message Counter: 0)",
                                   "5 profiling::ZebProfileLogReader reached EOF!"}));

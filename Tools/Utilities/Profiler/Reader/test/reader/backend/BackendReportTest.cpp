@@ -112,7 +112,8 @@ TEST(BackendReport, HasInitAndFinalizeSectionsWithoutLinesForObjects) {
     Loaded loaded(
         {message(MethodType::Init, "", 40,
                  {withBelow(object("map", {}), {event("below", number(1))}), event("load", number(2))}),
-         message(MethodType::Finalize, "g", 5, {withBelow(event("f", number(3)), {config})}),
+         message(MethodType::Finalize, "g", 5,
+                 {withBelow(event("f", number(3)), {config, object("more", unread)})}),
          message(MethodType::Finalize, "h", 6, {object("other", unread)}), execution({})});
     const CaughtLog log;
     const std::string console = loaded.console();
