@@ -318,20 +318,26 @@ TEST(Decoding, PayloadsThatOverlapTakeNoMoreMemoryThanTheirChunk) {
             EXPECT_EQ(bytes.data(), records[position - 1].events[0].objectBytes().data() + 20);
         }
     }
+    const std::string next(300, 'b');
+    ASSERT_TRUE(store.takeLog(samplelog::encodeSharedTextLog({MethodType::Execute, 1, next, 600}), 1));
+    EXPECT_EQ(formatEventValue(store.executeRecords[1].records[0].events[1].value()), next);
 }
 
 TEST(Decoding, AnAddressTellsNothingOfTheNextChunk) {
     TestStore store;
     LogChunkBuffer chunk(10'000);
-    for (const char letter : {'a', 'b'}) {
+    const std::pair<char, std::size_t> textsAndPayloads[] = {{'a', 900}, {'b', 900}, {'b', 904}};
+    for (const auto& [letter, payloadSize] : textsAndPayloads) {
         samplelog::Bytes log =
-            samplelog::encodeSharedTextLog({MethodType::Execute, 1, std::string(1000, letter), 900});
+            samplelog::encodeSharedTextLog({MethodType::Execute, 1, std::string(1000, letter), payloadSize});
         log.resize(chunk.size() + 4);
         ASSERT_TRUE(store.takeLog(log, 1, chunk));
     }
     ASSERT_EQ(store.executeRecords.size(), 2U);
     EXPECT_EQ(store.executeRecords[1].records[0].events[0].name, std::string(1000, 'b'));
     EXPECT_EQ(store.executeRecords[1].records[0].events[0].objectFileName(), std::string(1000, 'b'));
+    const auto payload = store.executeRecords[1].records[1].events[0].objectBytes();
+    EXPECT_EQ(std::to_integer<int>(payload[0]), 904 / 2 % 256);
 }
 
 }  // namespace
