@@ -9,8 +9,10 @@
 #include <cstdint>
 #include <filesystem>
 #include <stdexcept>
+#include <string>
 #include <string_view>
 #include <system_error>
+#include <unordered_map>
 #include <vector>
 
 #include "Failure.h"
@@ -59,47 +61,71 @@ bool isWithin(const fs::path& path, const fs::path& directory) {
            directory.end();
 }
 
+// What stands for the numbered forms of a name has the number before the last "." of all of it.
+bool isNumberedElsewhere(std::string_view name) {
+    const std::size_t point = name.rfind('.');
+    return point != std::string_view::npos && name.find('/', point) != std::string_view::npos;
+}
+
 class NameCheck {
 public:
     NameCheck(const std::string& logPath, const std::string& directory)
         : logPath_(logPath), directory_(directory) {}
 
-    void check(std::string_view name, bool isObject) const {
+    // Gives the directory of the file that the name stands for, which is there when it is to be an object.
+    const std::string& check(std::string_view name, bool isObject) {
         const fs::path path(name);
         if (path.is_absolute() || climbs(path)) {
-            throw leadsOut(name);
+            throw leadsOut(name, "would be saved");
         }
-        std::error_code error;
-        const fs::path parent =
-            path.has_parent_path() ? fs::canonical(directory_ / path.parent_path(), error) : directory_;
-        if (!error && !isWithin(parent, directory_)) {
-            throw leadsOut(name);
+        const Parent& parent = parentOf(path.parent_path().string());
+        if (!parent.isWithin) {
+            throw leadsOut(name, "would be saved");
         }
-        if (isObject) {
-            checkFile(name, path.filename(), error ? error.value() : accessError(parent));
+        if (isNumberedElsewhere(name)) {
+            throw leadsOut(name, "could be saved, with a number at its last \".\",");
         }
+        const bool isTooLong = path.filename().native().size() > NAME_MAX;
+        if (isObject && (parent.error != 0 || isTooLong)) {
+            throw Failure(ExitCode::badOutput, logPath_,
+                          subject(name) + " can't be saved in " + directory_.string() + ": " +
+                              errorText(parent.error != 0 ? parent.error : ENAMETOOLONG));
+        }
+        return parent.path;
     }
 
     std::uint64_t chunkNumber = 0;
 
 private:
+    struct Parent {
+        std::string path;
+        bool isWithin;
+        int error;
+    };
+
+    // Each directory is resolved once.
+    const Parent& parentOf(const std::string& name) {
+        const auto [place, isNew] = parents_.try_emplace(name);
+        if (isNew) {
+            std::error_code error;
+            const fs::path path = name.empty() ? directory_ : fs::canonical(directory_ / name, error);
+            place->second = {path.string(), error || isWithin(path, directory_),
+                             error ? error.value() : accessError(path)};
+        }
+        return place->second;
+    }
+
     [[nodiscard]] static int accessError(const fs::path& parent) {
+        std::error_code error;
+        if (!fs::is_directory(parent, error)) {
+            return error ? error.value() : ENOTDIR;
+        }
         return ::access(parent.c_str(), W_OK | X_OK) == 0 ? 0 : errno;
     }
 
-    void checkFile(std::string_view name, const fs::path& fileName, int directoryError) const {
-        const int nameError = fileName.empty() ? EISDIR : ENAMETOOLONG;
-        const bool isGood = !fileName.empty() && fileName.native().size() <= NAME_MAX;
-        if (directoryError != 0 || !isGood) {
-            throw Failure(ExitCode::badOutput, logPath_,
-                          subject(name) + " can't be saved in " + directory_.string() + ": " +
-                              errorText(directoryError != 0 ? directoryError : nameError));
-        }
-    }
-
-    [[nodiscard]] Failure leadsOut(std::string_view name) const {
+    [[nodiscard]] Failure leadsOut(std::string_view name, const std::string& how) const {
         return {ExitCode::badLog, logPath_,
-                subject(name) + " would be saved outside of " + directory_.string() +
+                subject(name) + " " + how + " outside of " + directory_.string() +
                     "; --trust-object-names allows it"};
     }
 
@@ -111,13 +137,14 @@ private:
 
     std::string logPath_;
     fs::path directory_;
+    std::unordered_map<std::string, Parent> parents_;
 };
 
 // The walk of one chunk, which has been verified. That bounds the depth of the recursion too.
 class ChunkWalk {
 public:
-    ChunkWalk(const LogChunkBuffer& chunk, const NameCheck& names)
-        : seenLists_(chunk), seenEvents_(chunk), names_(names) {}
+    ChunkWalk(const LogChunkBuffer& chunk, NameCheck& names, SavedObjects& objects)
+        : seenLists_(chunk), seenEvents_(chunk), names_(names), objects_(objects) {}
 
     void visit(const EventVector* events) {
         if (events == nullptr || !seenLists_.add(events)) {
@@ -133,34 +160,66 @@ private:
         if (!seenEvents_.add(&event)) {
             return;
         }
-        if (event.fileName() != nullptr && !profiling::visibleText(event.fileName()).empty()) {
-            names_.check(profiling::visibleText(event.fileName()), event.unit() == objectUnit);
+        if (event.fileName() != nullptr) {
+            lookAt(event.fileName(), event);
         }
         visit(event.subEvents());
     }
 
+    // A name is read once for each of the two, for events may share it.
+    void lookAt(const flatbuffers::String* fileName, const schema::LogEvent& event) {
+        const bool isObject = event.unit() == objectUnit;
+        const auto [place, isNew] = (isObject ? objectNames_ : otherNames_).try_emplace(fileName);
+        SavedObjects::Object*& object = place->second;
+        if (isNew) {
+            const std::string_view name = profiling::visibleText(fileName);
+            if (name.empty()) {
+                return;
+            }
+            const std::string& parent = names_.check(name, isObject);
+            object = isObject ? &objects_.at(name, names_.chunkNumber, parent) : nullptr;
+        }
+        if (object != nullptr) {
+            ++object->count;
+            object->sizes.push_back(objectSize(event));
+        }
+    }
+
+    static std::uint32_t objectSize(const schema::LogEvent& event) {
+        const bool hasBytes =
+            event.valueSelector() == schema::ValueSelector::Bytes && event.bytes() != nullptr;
+        return hasBytes ? profiling::lengthOf(event.bytes()) : 0;
+    }
+
+    using Names = std::unordered_map<const flatbuffers::String*, SavedObjects::Object*>;
+
     SeenPlaces seenLists_;
     SeenPlaces seenEvents_;
-    const NameCheck& names_;
+    Names objectNames_;
+    Names otherNames_;
+    NameCheck& names_;
+    SavedObjects& objects_;
 };
 
 }  // namespace
 
-void checkObjectNames(const std::string& logPath, const std::string& directory) {
+SavedObjects checkObjectNames(const std::string& logPath, const std::string& directory) {
     profiling::ChunkReader chunks(logPath);
     profiling::FlatBufferReaderUtil walker;
     NameCheck names(logPath, directory);
+    SavedObjects objects(logPath, directory);
     while (chunks.isOpen() && chunks.nextLength()) {
         const auto chunk = chunks.readBody();
         if (!chunk || !walker.openChunk(*chunk)) {
-            return;
+            break;
         }
         names.chunkNumber = chunks.index() + 1;
-        ChunkWalk walk(*chunk, names);
+        ChunkWalk walk(*chunk, names, objects);
         while (const schema::LogMessage* const message = walker.nextMessage()) {
             walk.visit(message->events());
         }
     }
+    return objects;
 }
 
 }  // namespace zeb::viewer

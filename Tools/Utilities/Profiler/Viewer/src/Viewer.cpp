@@ -18,6 +18,7 @@
 #include "ObjectDirectory.h"
 #include "ObjectNames.h"
 #include "PluginLibrary.h"
+#include "SavedObjects.h"
 #include "StandardOutput.h"
 #include "ViewerArgs.h"
 #include "ViewerOptions.h"
@@ -143,7 +144,8 @@ private:
     void checkObjects() {
         take(loading_, &memory_, [this] {
             if (!options_.trustObjectNames) {
-                checkObjectNames(options_.log, objects_->path());
+                saved_ = checkObjectNames(options_.log, objects_->path());
+                saved_->checkBefore(options_.csv);
             }
             printErrorLine("objects go to " + objects_->path());
             return true;
@@ -198,6 +200,9 @@ private:
         DirectoryVisit visit(*objects_);
         const bool isMade = reader_.generateReports(csvPath);
         visit.leave();
+        if (isMade && saved_) {
+            saved_->checkAfter();
+        }
         return isMade;
     }
 
@@ -209,6 +214,7 @@ private:
     const ViewerOptions& options_;
     StandardOutput& output_;
     std::optional<ObjectDirectory> objects_;
+    std::optional<SavedObjects> saved_;
     Step loading_{ExitCode::badLog, options_.log, "the log can't be read: ", ""};
     Step reporting_{ExitCode::badReport, options_.log, "the report failed: ", "the report "};
     MemoryLimit memory_{options_.maxMemory};

@@ -1,5 +1,7 @@
 #include "reader/ObjectFiles.h"
 
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstdio>
 #include <memory>
@@ -30,8 +32,14 @@ std::string candidateName(const std::string& fileName, std::uint64_t number) {
 }
 
 bool writeAll(File file, std::span<const std::byte> bytes) {
-    const bool isWritten = std::fwrite(bytes.data(), 1, bytes.size(), file.get()) == bytes.size();
+    const bool isWritten =
+        bytes.empty() || std::fwrite(bytes.data(), 1, bytes.size(), file.get()) == bytes.size();
     return std::fclose(file.release()) == 0 && isWritten;
+}
+
+// A directory's name with a "/" behind it is no name of a file, and gives an error of its own.
+bool isTaken(const std::string& name, int error) {
+    return error == EEXIST || (error == EISDIR && ::access(name.c_str(), F_OK) == 0);
 }
 
 void logFailure(const std::string& fileName) {
@@ -57,7 +65,7 @@ void ObjectFiles::write(const ProfileEvent& event) {
             }
             return;
         }
-        if (errno != EEXIST) {
+        if (!isTaken(candidate, errno)) {
             logFailure(candidate);
             return;
         }

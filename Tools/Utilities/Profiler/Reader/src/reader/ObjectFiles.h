@@ -13,7 +13,8 @@ class ObjectFiles {
 public:
     /// Writes the event's bytes to a file named after its `objectFileName`; when that is taken, "a.bin" leads
     /// on to "a_1.bin", "a_2.bin" and so on. An event without a file name is passed over. No directory is
-    /// made. A file that cannot be made, or not be written whole, is logged.
+    /// made. A file that cannot be made, or not be written whole, is logged; of the latter stays what was
+    /// written, so that its size tells the loss.
     void write(const ProfileEvent& event);
 
 private:

@@ -16,11 +16,11 @@ using Lines = std::vector<std::string>;
 
 class ObjectFilesTest : public testing::Test {
 protected:
-    void save(const std::string& path, const std::string& content) {
+    void save(const std::string& path, std::string_view content) {
         const EventObject object{std::as_bytes(std::span(content)), path, {}};
         files.write({{}, 0, EventUnit::object, &object, {}});
     }
-    void saveHere(std::string_view fileName, const std::string& content) {
+    void saveHere(std::string_view fileName, std::string_view content) {
         save(directory.path(fileName), content);
     }
     [[nodiscard]] std::string text(std::string_view fileName) const {
@@ -48,7 +48,7 @@ TEST_F(ObjectFilesTest, NumbersNamesThatAreTakenAndKeepsEveryByte) {
                                                          {"point.", "point_1."},
                                                          {"dir.old/data", "dir_1.old/data"}};
     for (const auto& [name, second] : cases) {
-        saveHere(name, "");
+        saveHere(name, {});  // no bytes, and no address of them
         EXPECT_TRUE(fs::exists(directory.path(name)));
         saveHere(name, bytes);
         EXPECT_EQ(text(name), "");
@@ -63,8 +63,10 @@ TEST_F(ObjectFilesTest, NeverTouchesWhatIsThere) {
     fs::create_symlink(directory.path("elsewhere"), directory.path("a_1.bin"));
     fs::create_directory(directory.path("a_3.bin"));
     saveHere("a.bin", "new");
+    fs::create_directory(directory.path("isdir"));
+    saveHere("isdir/", "new");
     fs::permissions(directory.path("a.bin"), fs::perms::owner_read);
-    EXPECT_EQ(text("a.bin") + text("a_2.bin") + text("a_4.bin"), "oldoldnew");
+    EXPECT_EQ(text("a.bin") + text("a_2.bin") + text("a_4.bin") + text("isdir/_1"), "oldoldnewnew");
     EXPECT_FALSE(fs::exists(directory.path("elsewhere")));
 }
 
@@ -75,11 +77,11 @@ TEST_F(ObjectFilesTest, LogsAFileThatCannotBeMadeAndPassesOverAnEventWithoutANam
     save("", "content");
     files.write({});
     EXPECT_EQ(log.lines(), Lines{});
-    for (const char* const name : {"missing/a", "missing/a", "out.d/data/a", "out.d/data"}) {
+    for (const char* const name : {"missing/a", "missing/", "out.d/data/", "out.d/data/a", "out.d/data"}) {
         saveHere(name, "content");
     }
-    EXPECT_EQ(log.lines(), (Lines{failure("missing/a"), failure("missing/a"), failure("out.d/data/a"),
-                                  failure("out_1.d/data")}));
+    EXPECT_EQ(log.lines(), (Lines{failure("missing/a"), failure("missing/"), failure("out.d/data/"),
+                                  failure("out.d/data/a"), failure("out_1.d/data")}));
     EXPECT_EQ(fileCount(), 2U);
 }
 
@@ -95,6 +97,7 @@ TEST_F(ObjectFilesTest, TellsOfAFileThatIsNotWrittenWhole) {
     EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &old), 0);
     static_cast<void>(std::signal(SIGXFSZ, oldHandler));
     EXPECT_EQ(log.lines(), Lines{failure("cut.bin")});
+    EXPECT_EQ(text("cut.bin").size(), 100U);
 }
 
 }  // namespace
