@@ -109,8 +109,8 @@ TEST_F(ObjectNames, AreLookedAtInAllChunksAndAtAllDepths) {
     EXPECT_EQ(checking(logOf({object("fine"), {}, tree})), leadsOut("/a", "3"));
     EXPECT_EQ(checking(test::sharedEventsLog("/a")), leadsOut("/a"));
     EXPECT_EQ(checking(test::sharedEventsLog("sub/a")), "");
-    // One object, whose name has no room for the numbers of two million.
-    EXPECT_EQ(checking(test::sharedEventsLog(std::string(250, 'n'))), "");
+    // One object, and not eight in one list, which would need a number too long for the name.
+    EXPECT_EQ(checking(test::sharedEventsLog(std::string(253, 'n'))), "");
 }
 
 TEST_F(ObjectNames, MustStandForAFileThatCanBeMade) {
