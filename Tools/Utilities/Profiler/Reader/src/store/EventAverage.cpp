@@ -8,6 +8,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "store/BlockList.h"
 #include "store/EventListBuilder.h"
 
 namespace zeb::profiling {
@@ -165,7 +166,7 @@ private:
     void remember(const KeptText* name, ProfileEvent* first) {
         if (place_ == Place::outermost) {
             name->mark = static_cast<std::uint32_t>(marked_.size());
-            marked_.push_back(first);
+            marked_.add(first);
         } else {
             table_.emplace(name, first);
         }
@@ -190,7 +191,7 @@ private:
     Place place_;
     EventListBuilder events_;
     std::vector<Sum> sums_;
-    std::vector<ProfileEvent*> marked_;                         ///< the first of each name, by its mark
+    BlockList<ProfileEvent*> marked_;                           ///< the first of each name, by its mark
     std::unordered_map<const KeptText*, ProfileEvent*> table_;  ///< the same, below the outermost list
     ProfileEvent* remembered_ = nullptr;                        ///< the last event that is
     bool hasNamesTwice_ = false;

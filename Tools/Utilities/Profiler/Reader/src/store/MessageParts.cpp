@@ -1,7 +1,5 @@
 #include "store/MessageParts.h"
 
-#include "log/LogAccess.h"
-
 namespace zeb::profiling {
 
 void MessageParts::enter(const OpenChunk& chunk) {
@@ -16,27 +14,12 @@ void MessageParts::enter(const OpenChunk& chunk) {
     positions_.clear();
 }
 
-std::string_view MessageParts::visible(const flatbuffers::String& text) {
-    return isLong(lengthOf(&text)) ? longText(text).visible : visibleText(&text);
-}
-
-StoredText MessageParts::text(const flatbuffers::String& text) {
-    return isLong(lengthOf(&text)) ? keep(longText(text)) : arena_.keepText(visibleText(&text));
-}
-
-StoredText MessageParts::name(const flatbuffers::String& text) {
-    if (!isLong(lengthOf(&text))) {
-        return arena_.keepName(visibleText(&text));
-    }
+StoredText MessageParts::longName(const flatbuffers::String& text) {
     LongText& found = longText(text);
     if (found.name.kept() == nullptr) {
         found.name = arena_.keepName(found.visible, [this, &found] { return keep(found); });
     }
     return found.name;
-}
-
-std::string_view MessageParts::terminated(const flatbuffers::String& text) {
-    return isLong(lengthOf(&text)) ? keep(longText(text)).text() : arena_.keepTerminated(visibleText(&text));
 }
 
 StoredText MessageParts::part(std::string_view text) {

@@ -8,6 +8,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "log/LogAccess.h"
 #include "log/OpenChunk.h"
 #include "log/ProfileLog_generated.h"
 #include "store/EventArena.h"
@@ -29,13 +30,22 @@ public:
     [[nodiscard]] EventArena& arena() const { return arena_; }
 
     /// @return a text up to its first NUL; it lies in the chunk
-    std::string_view visible(const flatbuffers::String& text);
+    std::string_view visible(const flatbuffers::String& text) {
+        return isLong(lengthOf(&text)) ? longText(text).visible : visibleText(&text);
+    }
     /// Keeps a text up to its first NUL.
-    StoredText text(const flatbuffers::String& text);
+    StoredText text(const flatbuffers::String& text) {
+        return isLong(lengthOf(&text)) ? keep(longText(text)) : arena_.keepText(visibleText(&text));
+    }
     /// Keeps a text up to its first NUL as a name, which comes again and again, once.
-    StoredText name(const flatbuffers::String& text);
+    StoredText name(const flatbuffers::String& text) {
+        return isLong(lengthOf(&text)) ? longName(text) : arena_.keepName(visibleText(&text));
+    }
     /// Keeps a text up to its first NUL, with a NUL behind it.
-    std::string_view terminated(const flatbuffers::String& text);
+    std::string_view terminated(const flatbuffers::String& text) {
+        return isLong(lengthOf(&text)) ? keep(longText(text)).text()
+                                       : arena_.keepTerminated(visibleText(&text));
+    }
     /// Keeps a part of a text of the chunk.
     StoredText part(std::string_view text);
     /// Keeps a payload.
@@ -73,6 +83,7 @@ private:
     }
 
     LongText& longText(const flatbuffers::String& text);
+    StoredText longName(const flatbuffers::String& text);
     StoredText keep(LongText& text);
     const std::byte* keep(const void* part, std::size_t size);
 
