@@ -26,7 +26,7 @@ using Bytes = samplelog::Bytes;
 using LogView = std::span<const std::uint8_t>;
 
 constexpr std::size_t chunkPrefixSize = 4;
-constexpr std::size_t logsToAFullCheck = 32;
+constexpr std::size_t inputsToAFullCheck = 32;
 
 bool isEachCheckedInFull = false;
 
@@ -198,9 +198,9 @@ void checkEveryInputInFull() {
     isEachCheckedInFull = true;
 }
 
-bool isCheckedInFull(std::span<const std::uint8_t> input, std::size_t oneOf) {
+bool isCheckedInFull(std::span<const std::uint8_t> input) {
     const std::string_view bytes(reinterpret_cast<const char*>(input.data()), input.size());
-    return isEachCheckedInFull || std::hash<std::string_view>{}(bytes) % oneOf == 0;
+    return isEachCheckedInFull || std::hash<std::string_view>{}(bytes) % inputsToAFullCheck == 0;
 }
 
 void checkLog(LogView log, profiling::VisibilityLevel level) {
@@ -210,7 +210,7 @@ void checkLog(LogView log, profiling::VisibilityLevel level) {
     }
     const auto outcomes = readLogInMemory(log, level);
     checkLoad(log, shape, outcomes.front());
-    const bool isInFull = isCheckedInFull(log, logsToAFullCheck);
+    const bool isInFull = isCheckedInFull(log);
     for (std::size_t index = 0; index < reportKinds.size(); ++index) {
         checkOutcome(outcomes[index]);
         if (isInFull) {
