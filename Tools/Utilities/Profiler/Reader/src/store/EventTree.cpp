@@ -28,7 +28,7 @@ EventValue decodeEventValue(const schema::LogEvent& event, MessageParts& parts) 
             return EventValue::ofDouble(event.doubleValue());
         case schema::ValueSelector::Text:
             if (const auto* text = event.stringValue()) {
-                return EventValue::ofText(parts.terminated(*text).data());
+                return EventValue::ofText(parts.terminated(text).data());
             }
             break;
         default:
@@ -45,10 +45,10 @@ bool hasObject(const schema::LogEvent& event) {
 const EventObject* decodeEventObject(const schema::LogEvent& event, MessageParts& parts) {
     EventObject object{{}, {}, decodeEventValue(event, parts)};
     if (event.valueSelector() == schema::ValueSelector::Bytes && event.bytes() != nullptr) {
-        object.bytes = parts.bytes(*event.bytes());
+        object.bytes = parts.bytes(event.bytes());
     }
     if (event.fileName() != nullptr) {
-        object.fileName = parts.terminated(*event.fileName());
+        object.fileName = parts.terminated(event.fileName());
     }
     return parts.arena().make(object);
 }
@@ -63,7 +63,7 @@ std::span<ProfileEvent> decodeEventList(const EventVector* vector, MessageParts&
         const schema::LogEvent& source = *tableAt(vector, index);
         const EventList subEvents(decodeEventList(source.subEvents(), parts));
         const StoredText name =
-            source.name() == nullptr ? parts.arena().keepName(namelessEvent) : parts.name(*source.name());
+            source.name() == nullptr ? parts.arena().keepName(namelessEvent) : parts.name(source.name());
         const EventUnit unit = unitOf(source.unit());
         events[index] =
             hasObject(source)

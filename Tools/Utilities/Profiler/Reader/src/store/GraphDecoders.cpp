@@ -152,7 +152,7 @@ bool EventStore::decodeFinalizeAfterTensorUpdates(const schema::LogMessage& mess
         return false;
     }
     MethodRecord record = timedRecord(message);
-    record.message = parts_.text(*message.text());
+    record.message = parts_.text(message.text());
     record.events = EventList(decodeEvents(message, parts_));
     addRecord(finalizeAfterTensorUpdatesRecords, *text, record, graphNameIn);
     hasFinalizeAfterTensorUpdates = true;
@@ -177,7 +177,7 @@ bool EventStore::decodeContextGetBinary(const schema::LogMessage& message) {
     const bool isSize = message.methodType() == schema::MethodType::ContextGetBinarySize;
     MethodRecord record = timedRecord(message);
     if (message.text() != nullptr) {
-        record.message = parts_.text(*message.text());
+        record.message = parts_.text(message.text());
     }
     namedRecord(contextRetrieval, isSize ? binarySizeKey : binaryKey).record = arena_.make(record);
     hasContextRetrieval = true;
@@ -190,7 +190,7 @@ bool EventStore::decodeContextGetBinarySectionSize(const schema::LogMessage& mes
     }
     MethodRecord record = timedRecord(message);
     if (message.text() != nullptr) {
-        record.message = parts_.text(*message.text());
+        record.message = parts_.text(message.text());
     }
     addRecord(contextSectionRetrieval, binarySectionSizeKey, record);
     hasContextSectionRetrieval = true;

@@ -14,7 +14,7 @@ void MessageParts::enter(const OpenChunk& chunk) {
     positions_.clear();
 }
 
-StoredText MessageParts::longName(const flatbuffers::String& text) {
+StoredText MessageParts::longName(const flatbuffers::String* text) {
     LongText& found = longText(text);
     if (found.name.kept() == nullptr) {
         found.name = arena_.keepName(found.visible, [this, &found] { return keep(found); });
@@ -30,22 +30,22 @@ StoredText MessageParts::part(std::string_view text) {
     return arena_.textOf({kept, text.size()});
 }
 
-std::span<const std::byte> MessageParts::bytes(const flatbuffers::Vector<std::uint8_t>& payload) {
-    const std::span<const std::byte> bytes = bytesOf(&payload);
+std::span<const std::byte> MessageParts::bytes(const flatbuffers::Vector<std::uint8_t>* payload) {
+    const std::span<const std::byte> bytes = bytesOf(payload);
     if (!isLong(bytes.size())) {
         return arena_.keepBytes(bytes);
     }
-    auto found = payloads_.find(&payload);
+    auto found = payloads_.find(payload);
     if (found == payloads_.end()) {
-        found = payloads_.emplace(&payload, keep(bytes.data(), bytes.size())).first;
+        found = payloads_.emplace(payload, keep(bytes.data(), bytes.size())).first;
     }
     return {found->second, bytes.size()};
 }
 
-MessageParts::LongText& MessageParts::longText(const flatbuffers::String& text) {
-    auto found = longTexts_.find(&text);
+MessageParts::LongText& MessageParts::longText(const flatbuffers::String* text) {
+    auto found = longTexts_.find(text);
     if (found == longTexts_.end()) {
-        found = longTexts_.emplace(&text, LongText{visibleText(&text), {}, {}}).first;
+        found = longTexts_.emplace(text, LongText{visibleText(text), {}, {}}).first;
     }
     return found->second;
 }

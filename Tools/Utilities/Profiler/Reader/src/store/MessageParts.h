@@ -19,6 +19,9 @@ namespace zeb::profiling {
 /// Reads the texts and payloads of messages and keeps them in an arena. A log may refer to a long one from
 /// any number of places, or let long ones overlap. So each address of a long one is looked at once, and what
 /// is kept of a chunk takes no more than twice its size. All operations throw `std::bad_alloc`.
+///
+/// Strings and vectors come as pointers, never null: they may stand at odd addresses, where a reference
+/// must not lead.
 class MessageParts {
 public:
     /// @param arena has to outlive the parts
@@ -30,26 +33,26 @@ public:
     [[nodiscard]] EventArena& arena() const { return arena_; }
 
     /// @return a text up to its first NUL; it lies in the chunk
-    std::string_view visible(const flatbuffers::String& text) {
-        return isLong(lengthOf(&text)) ? longText(text).visible : visibleText(&text);
+    std::string_view visible(const flatbuffers::String* text) {
+        return isLong(lengthOf(text)) ? longText(text).visible : visibleText(text);
     }
     /// Keeps a text up to its first NUL.
-    StoredText text(const flatbuffers::String& text) {
-        return isLong(lengthOf(&text)) ? keep(longText(text)) : arena_.keepText(visibleText(&text));
+    StoredText text(const flatbuffers::String* text) {
+        return isLong(lengthOf(text)) ? keep(longText(text)) : arena_.keepText(visibleText(text));
     }
     /// Keeps a text up to its first NUL as a name, which comes again and again, once.
-    StoredText name(const flatbuffers::String& text) {
-        return isLong(lengthOf(&text)) ? longName(text) : arena_.keepName(visibleText(&text));
+    StoredText name(const flatbuffers::String* text) {
+        return isLong(lengthOf(text)) ? longName(text) : arena_.keepName(visibleText(text));
     }
     /// Keeps a text up to its first NUL, with a NUL behind it.
-    std::string_view terminated(const flatbuffers::String& text) {
-        return isLong(lengthOf(&text)) ? keep(longText(text)).text()
-                                       : arena_.keepTerminated(visibleText(&text));
+    std::string_view terminated(const flatbuffers::String* text) {
+        return isLong(lengthOf(text)) ? keep(longText(text)).text()
+                                      : arena_.keepTerminated(visibleText(text));
     }
     /// Keeps a part of a text of the chunk.
     StoredText part(std::string_view text);
     /// Keeps a payload.
-    std::span<const std::byte> bytes(const flatbuffers::Vector<std::uint8_t>& payload);
+    std::span<const std::byte> bytes(const flatbuffers::Vector<std::uint8_t>* payload);
 
     /// Finds the entry of a list that a text of the chunk names.
     /// @param nameIn gives the name in the text; the same in all calls for that list
@@ -82,8 +85,8 @@ private:
         return size > longestShort;
     }
 
-    LongText& longText(const flatbuffers::String& text);
-    StoredText longName(const flatbuffers::String& text);
+    LongText& longText(const flatbuffers::String* text);
+    StoredText longName(const flatbuffers::String* text);
     StoredText keep(LongText& text);
     const std::byte* keep(const void* part, std::size_t size);
 

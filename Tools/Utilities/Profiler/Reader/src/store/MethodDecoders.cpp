@@ -46,7 +46,7 @@ bool EventStore::dispatchMethod(const schema::LogMessage& message, const OpenChu
 
 // The message's text up to its first NUL, lying in the chunk; nothing when the message has none.
 std::optional<std::string_view> EventStore::textOf(const schema::LogMessage& message) {
-    return message.text() == nullptr ? std::nullopt : std::optional(parts_.visible(*message.text()));
+    return message.text() == nullptr ? std::nullopt : std::optional(parts_.visible(message.text()));
 }
 
 bool EventStore::isVisible(const schema::LogMessage& message) const {
@@ -80,7 +80,7 @@ bool EventStore::decodeDeInit(const schema::LogMessage& message) {
     bool stored = false;
     decodeWholeRecord(message, deInitRecord, stored);
     if (stored && message.text() != nullptr) {
-        deInitRecord.message = parts_.text(*message.text());
+        deInitRecord.message = parts_.text(message.text());
     }
     return stored;
 }
@@ -92,7 +92,7 @@ bool EventStore::decodeInitStep(const schema::LogMessage& message) {
     }
     initStepDurationUs = durationOf(message);
     if (message.text() != nullptr) {
-        initStepMessage = parts_.text(*message.text());
+        initStepMessage = parts_.text(message.text());
     }
     return true;
 }
