@@ -12,7 +12,6 @@
 #include "Floors.h"
 #include "Processes.h"
 #include "log/ChunkReader.h"
-#include "reader/TextStream.h"
 #include "reader/backend/BackendReport.h"
 #include "reader/backend/ZebProfileLogReaderMURL.h"
 #include "reports/CsvReport.h"

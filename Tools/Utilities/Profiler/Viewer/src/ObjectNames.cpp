@@ -31,7 +31,6 @@ using profiling::LogChunkBuffer;
 using EventVector = flatbuffers::Vector<flatbuffers::Offset<schema::LogEvent>>;
 
 constexpr std::uint32_t objectUnit = 5;
-constexpr std::size_t maxShownName = 200;
 
 // Which places of a chunk have been seen. Events may share what is below them, so that a small chunk stands
 // for a huge tree; each place is looked at once.
@@ -130,9 +129,7 @@ private:
     }
 
     [[nodiscard]] std::string subject(std::string_view name) const {
-        const std::string_view shown = name.substr(0, maxShownName);
-        return "chunk " + std::to_string(chunkNumber) + ": the object \"" + std::string(shown) +
-               (shown.size() < name.size() ? "..." : "") + "\"";
+        return objectInChunk(chunkNumber, name);
     }
 
     std::string logPath_;

@@ -74,12 +74,16 @@ fs::path behindLinks(fs::path path) {
 }
 
 std::string subject(const SavedObjects::Object& object) {
-    const std::string shown = object.name.substr(0, maxShownName);
-    return "chunk " + std::to_string(object.chunkNumber) + ": the object \"" + shown +
-           (shown.size() < object.name.size() ? "..." : "") + "\"";
+    return objectInChunk(object.chunkNumber, object.name);
 }
 
 }  // namespace
+
+std::string objectInChunk(std::uint64_t chunkNumber, std::string_view name) {
+    const std::string_view shown = name.substr(0, maxShownName);
+    return "chunk " + std::to_string(chunkNumber) + ": the object \"" + std::string(shown) +
+           (shown.size() < name.size() ? "..." : "") + "\"";
+}
 
 SavedObjects::SavedObjects(const std::string& logPath, const std::string& directory)
     : logPath_(logPath), directory_(directory) {}

@@ -12,6 +12,9 @@
 
 namespace zeb::viewer {
 
+/// @return how messages call an object: by its chunk, counted from 1, and its name, cut when it is long
+std::string objectInChunk(std::uint64_t chunkNumber, std::string_view name);
+
 /// The objects that a log has for a directory, and the files that a reader makes of them there. Readers pass
 /// over a file that they can't make, or not whole, so the viewer looks: at what can be known before the
 /// report, and afterwards at each file that is new.

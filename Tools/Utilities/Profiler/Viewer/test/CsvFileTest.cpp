@@ -182,7 +182,6 @@ TEST_F(CsvFile, IsCheckedWithoutBeingTouched) {
               "2 " + files.path("link.csv") + ": the CSV file is the log itself");
 }
 
-// What the kernel can't copy goes through a buffer: into a pipe that is read slowly, and a terminal.
 TEST_F(CsvFile, MayBeAPipe) {
     const std::string report(300000, 'r');
     ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);

@@ -1,13 +1,14 @@
-// The library's hashes draw secrets from the system's random device. Here that device gives numbers of its
-// own: a fuzzer learns from the way that an input takes, which has to be the same each time. And it costs
-// next to nothing, where opening the real one for each list of names took half the time of a run.
+// The library's hashes draw their secrets from the system. Here they get the same numbers each time: a fuzzer
+// learns from the way that an input takes, which has to be the same for the same input.
 
-#include <random>
+#include <unistd.h>
 
-// A definition in the program comes before the one in the standard library.
-void std::random_device::_M_init(const std::string& /*token*/) {}
-void std::random_device::_M_fini() {}
+#include <algorithm>
+#include <cstddef>
 
-std::random_device::result_type std::random_device::_M_getval() {
-    return 0x9E3779B9U;
+// A definition in the program comes before the one in the C library.
+extern "C" int getentropy(void* buffer, std::size_t size) {
+    constexpr unsigned char anyByte = 0x9E;
+    std::fill_n(static_cast<unsigned char*>(buffer), size, anyByte);
+    return 0;
 }
