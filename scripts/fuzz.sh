@@ -5,14 +5,14 @@
 #
 # TARGET is log, messages, payloads, options or all (default); each runs for SECONDS (default 60) on one core. What a
 # run has learnt stays in build/fuzz-corpus. A finding goes to build/fuzz-findings; named after its fault and put into
-# Reader/fuzz/findings/TARGET it becomes a test. Ends with 1 when there are findings.
+# Fuzz/findings/TARGET it becomes a test. Ends with 1 when there are findings.
 set -euo pipefail
 source "$(dirname "$0")/setup.sh"
 
 all_targets=(log messages payloads options)
 target=${1:-all}
 seconds=${2:-60}
-source_dir=$PWD/Tools/Utilities/Profiler/Reader/fuzz
+source_dir=$PWD/Tools/Utilities/Profiler/Fuzz
 bin=$PWD/build/fuzz/bin
 
 case " all ${all_targets[*]} " in

@@ -117,10 +117,10 @@ void measureCsv(const MeasuredLog& log, Figures& figures) {
     require(reader.loadLog(false), "cannot load the log");
     const profiling::BackendFigures backend =
         profiling::workOutFigures(reader.store(), profiling::readProfileLevel(reader.store()));
-    figures[Figure::backendCsv] =
-        timeOfCsv([&](std::ostream& csv) { profiling::writeBackendCsv(csv, reader, backend, false); });
+    figures[Figure::backendCsv] = timeOfCsv(
+        [&](std::ostream& csv) { profiling::writeBackendCsv(csv, reader.reportSource(), backend, false); });
     figures[Figure::genericCsv] =
-        timeOfCsv([&reader](std::ostream& csv) { profiling::writeCsvReport(csv, reader); });
+        timeOfCsv([&reader](std::ostream& csv) { profiling::writeCsvReport(csv, reader.reportSource()); });
 }
 
 void measureFormatting(const MeasuredLog& log, Figures& figures) {

@@ -11,6 +11,7 @@
 #include "NetworkTiming.h"
 #include "reader/backend/BackendObjects.h"
 #include "reader/backend/LayerStats.h"
+#include "reader/backend/LayerTypeNames.h"
 #include "reports/EventText.h"
 #include "support/TestReader.h"
 

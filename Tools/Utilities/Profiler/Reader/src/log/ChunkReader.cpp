@@ -5,7 +5,7 @@
 #include <span>
 #include <system_error>
 
-#include "log/MemoryBlock.h"
+#include "memory/MemoryBlock.h"
 
 namespace zeb::profiling {
 

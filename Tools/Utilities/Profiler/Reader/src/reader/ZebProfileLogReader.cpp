@@ -1,5 +1,6 @@
 #include "reader/ZebProfileLogReader.h"
 
+#include <fstream>
 #include <iomanip>
 #include <memory>
 #include <new>
@@ -8,7 +9,12 @@
 
 #include "log/ChunkReader.h"
 #include "logging/Logger.h"
-#include "reader/TextStream.h"
+#include "reports/ConsoleReport.h"
+#include "reports/CsvReport.h"
+#include "reports/EventReport.h"
+#include "reports/HeaderText.h"
+#include "reports/ReportForms.h"
+#include "text/TextStream.h"
 
 namespace zeb::profiling {
 
@@ -40,6 +46,13 @@ struct ChunkCloser {
     FlatBufferReaderUtil& walker;
 };
 
+void appendCsvReport(std::ofstream& csv, const ReportSource& source) {
+    if (csv.is_open()) {
+        writeCsvReport(csv, source);
+        csv.flush();
+    }
+}
+
 }  // namespace
 
 ZebProfileLogReader::ZebProfileLogReader(std::string logFilePath, VisibilityLevel visibilityLevel)
@@ -59,7 +72,7 @@ bool ZebProfileLogReader::loadLog(bool saveObjects) {
             return false;
         }
         const ChunkCloser closer{logWalker_};
-        if (!headerSaved_) {
+        if (!header_.isRead) {
             captureHeader();
         }
         messagesDone_ = false;
@@ -88,10 +101,56 @@ bool ZebProfileLogReader::parseBackendArgs(commandline2::ParsedArgs& /*parsedArg
     return true;
 }
 
-void ZebProfileLogReader::writeObjectFile(const ProfileEvent& event) {
-    if (saveObjects_ && event.isObject()) {
-        objectFiles_.write(event);
+void ZebProfileLogReader::captureHeader() {
+    if (const schema::LogHeader* const header = logWalker_.header()) {
+        header_ = readLogHeader(*header);
+    } else {
+        logMessage(ZEB_LOG_LEVEL_DEBUG, "hdr is nullptr");
     }
+}
+
+std::string ZebProfileLogReader::printHeader() {
+    return headerText(header_, logFilePath_);
+}
+
+bool ZebProfileLogReader::generateReports(const std::string& outputPath) {
+    const ReportSource source = beginReport();
+    std::ofstream csv;
+    if (!outputPath.empty()) {
+        csv = openCsvFile(outputPath);
+        if (!csv.is_open()) {
+            if (const auto logger = loggerFor(ZEB_LOG_LEVEL_ERROR)) {
+                logMessage(*logger, ZEB_LOG_LEVEL_ERROR, "Invalid output file: [%s]", outputPath.c_str());
+            }
+            return false;
+        }
+    }
+    TextStream console;
+    console << std::fixed << std::setprecision(0);
+    printReportHeader(console, source);
+    // Which of the two comes first shows when both go to one stream.
+    if (header_.isAdapterUpdaterLog) {
+        printUpdateBinarySectionStats(console, source);
+        console.putOnStandardOutput();
+        appendCsvReport(csv, source);
+    } else {
+        printConsoleReport(console, source);
+        appendCsvReport(csv, source);
+        console.putOnStandardOutput();
+    }
+    return true;
+}
+
+void ZebProfileLogReader::printEvent(std::ostream& out, const EventList& events, std::uint64_t level) {
+    for (const ProfileEvent& event : events) {
+        printOneEvent(out, event, level, reportSource().objectFiles);
+        printEvent(out, event.subEvents, level + 1);  // of the class that the reader is
+    }
+}
+
+void ZebProfileLogReader::writeEventCsv(std::ostream& out, const EventList& events, std::uint64_t timestamp,
+                                        const std::string& message) {
+    writeEventRows(out, events, timestamp, message);
 }
 
 }  // namespace zeb::profiling

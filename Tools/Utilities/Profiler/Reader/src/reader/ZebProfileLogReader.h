@@ -5,23 +5,13 @@
 #include <string>
 
 #include "log/FlatBufferReaderUtil.h"
-#include "reader/ObjectFiles.h"
+#include "reports/ObjectFiles.h"
+#include "reports/ReportSource.h"
 #include "store/EventStore.h"
+#include "store/LogHeaderDetails.h"
 #include "zeb/profiling/IZebProfileLogReader.h"
 
 namespace zeb::profiling {
-
-/// What a log says about itself, from its first `LogHeader`.
-struct LogHeaderDetails {
-    float timeScale = 0.0F;
-    std::uint64_t epochTimestamp = 0;  ///< us since the Unix epoch
-    std::uint64_t steadyClockTimestamp = 0;
-    std::string generatorName;
-    std::string generatorVersion;
-    std::string backendInfo;
-    bool isAdapterUpdaterLog =
-        false;  ///< the log was written by the adapter updater, which has a report of its own
-};
 
 /// The generic reader: loads a log into an event store and gives the report for a backend without a report of
 /// its own. A reader for one backend derives from it and overrides the report.
@@ -42,15 +32,18 @@ public:
     [[nodiscard]] const LogHeaderDetails& header() const { return header_; }
     [[nodiscard]] const std::string& logFilePath() const { return logFilePath_; }
 
-    /// @return whether `loadLog` was asked to save objects
-    [[nodiscard]] bool savesObjects() const { return saveObjects_; }
-    /// Saves an object event's bytes to a file, if objects are saved; passes over all other events.
-    void writeObjectFile(const ProfileEvent& event);
+    /// @return what reports are made from; the objects go to files once `loadLog` was asked to save them
+    [[nodiscard]] ReportSource reportSource() {
+        return {store_, header_, logFilePath_, saveObjects_ ? &objectFiles_ : nullptr};
+    }
 
 protected:
-    /// To be called at the head of `generateReports`: files may have come and gone since the last report, so
-    /// its object files take their names anew.
-    void beginReport() { objectFiles_ = {}; }
+    /// Begins a report: files may have come and gone since the last one, so its object files take their
+    /// names anew.
+    ReportSource beginReport() {
+        objectFiles_ = {};
+        return reportSource();
+    }
 
 private:
     void captureHeader();
@@ -60,7 +53,6 @@ private:
     EventStore store_;
     LogHeaderDetails header_;
     std::string logFilePath_;
-    bool headerSaved_ = false;
     bool saveObjects_ = false;
     ObjectFiles objectFiles_;
 };

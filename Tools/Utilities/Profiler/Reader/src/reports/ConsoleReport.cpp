@@ -9,57 +9,59 @@
 #include <string_view>
 #include <vector>
 
-#include "reports/EventText.h"
+#include "reports/EventReport.h"
 #include "reports/ExecutionRate.h"
 #include "reports/ReportForms.h"
 #include "store/Statistics.h"
+#include "text/NumberText.h"
+#include "text/Saturation.h"
 
 namespace zeb::profiling {
 
 namespace {
 
-void printInitStats(std::ostream& out, ZebProfileLogReader& reader) {
+void printInitStats(std::ostream& out, const ReportSource& source) {
     printSectionHead(out, "Init Stats:", 11);
-    printTimeLine(out, reader.store().initDurationUs);
-    reader.printEvent(out, initSectionEvents(reader.store()), 1);
+    printTimeLine(out, source.store.initDurationUs);
+    printEvents(out, initSectionEvents(source.store), 1, source.objectFiles);
     out << '\n';
 }
 
-void printComposeGraphsStats(std::ostream& out, ZebProfileLogReader& reader) {
+void printComposeGraphsStats(std::ostream& out, const ReportSource& source) {
     printSectionHead(out, "Compose Graphs Stats:", 14);
-    printTimeLine(out, reader.store().composeDurationUs);
+    printTimeLine(out, source.store.composeDurationUs);
     out << '\n';
 }
 
 // One block for each graph: its head, its time, its events.
 template <typename Entries>
-void printGraphs(std::ostream& out, ZebProfileLogReader& reader, const Entries& entries, bool withEvents) {
+void printGraphs(std::ostream& out, const ReportSource& source, const Entries& entries, bool withEvents) {
     std::size_t position = 0;
     for (const NamedMethodRecord& entry : entries) {
         printGraphHead(out, position++, entry.name);
         printTimeLine(out, entry.record->durationUs);
         if (withEvents) {
-            reader.printEvent(out, entry.record->events, 1);
+            printEvents(out, entry.record->events, 1, source.objectFiles);
         }
         out << '\n';
     }
 }
 
-void printFinalizeStats(std::ostream& out, ZebProfileLogReader& reader) {
-    const EventStore& store = reader.store();
+void printFinalizeStats(std::ostream& out, const ReportSource& source) {
+    const EventStore& store = source.store;
     printSectionHead(out, "Finalize Stats:", 15);
-    printGraphs(out, reader, store.finalizeRecords, store.hasFinalizeEvents);
+    printGraphs(out, source, store.finalizeRecords, store.hasFinalizeEvents);
     if (store.finalizeRecords.empty()) {
         out << '\n';
     }
 }
 
-void printStatisticsOverview(std::ostream& out, ZebProfileLogReader& reader) {
+void printStatisticsOverview(std::ostream& out, const ReportSource& source) {
     printSectionHead(out, "Zeb Init/Prepare/Finalize/De-Init/Execute/Lib-Load Statistics:", 60);
-    printInitStats(out, reader);
-    printComposeGraphsStats(out, reader);
-    printFinalizeStats(out, reader);
-    printDeInitStats(out, reader);
+    printInitStats(out, source);
+    printComposeGraphsStats(out, source);
+    printFinalizeStats(out, source);
+    printDeInitStats(out, source);
 }
 
 void printContextBlock(std::ostream& out, std::string_view label, std::uint64_t durationUs) {
@@ -68,8 +70,8 @@ void printContextBlock(std::ostream& out, std::string_view label, std::uint64_t 
     out << '\n';
 }
 
-void printContextRetrievalStats(std::ostream& out, ZebProfileLogReader& reader) {
-    const EventStore& store = reader.store();
+void printContextRetrievalStats(std::ostream& out, const ReportSource& source) {
+    const EventStore& store = source.store;
     if (!store.hasContextRetrieval) {
         return;
     }
@@ -80,8 +82,8 @@ void printContextRetrievalStats(std::ostream& out, ZebProfileLogReader& reader) 
     }
 }
 
-void printContextSectionRetrievalStats(std::ostream& out, ZebProfileLogReader& reader) {
-    const EventStore& store = reader.store();
+void printContextSectionRetrievalStats(std::ostream& out, const ReportSource& source) {
+    const EventStore& store = source.store;
     if (!store.hasContextSectionRetrieval) {
         return;
     }
@@ -97,8 +99,8 @@ void printContextSectionRetrievalStats(std::ostream& out, ZebProfileLogReader& r
     printBlock("Context Section Retrieval Stats (Max):", 42, maxRecord(records, arena));
 }
 
-void printExecuteOverallStats(std::ostream& out, ZebProfileLogReader& reader) {
-    const EventStore& store = reader.store();
+void printExecuteOverallStats(std::ostream& out, const ReportSource& source) {
+    const EventStore& store = source.store;
     if (!store.hasExecuteOverall || store.executeOverallRecord.events.size() < executionRateEvents) {
         return;
     }
@@ -111,9 +113,7 @@ void printExecuteOverallStats(std::ostream& out, ZebProfileLogReader& reader) {
 std::uint64_t meanOf(const std::vector<std::uint64_t>& values) {
     const auto add = [](double sum, std::uint64_t value) { return sum + static_cast<double>(value); };
     const double sum = std::accumulate(values.begin(), values.end(), 0.0, add);
-    const double mean = sum / static_cast<double>(values.size());
-    constexpr double firstAbove = 18446744073709551616.0;
-    return mean < firstAbove ? static_cast<std::uint64_t>(mean) : ~std::uint64_t{0};
+    return cutToWhole(sum / static_cast<double>(values.size()));
 }
 
 std::uint64_t queueWaitUs(const GraphQueueWaits& waits) {
@@ -125,7 +125,7 @@ std::uint64_t queueWaitUs(const GraphQueueWait& wait) {
 
 // The queue-wait list is empty, or it has the entries of the statistics list.
 template <typename Waits>
-void printExecuteStats(std::ostream& out, ZebProfileLogReader& reader, std::string_view title,
+void printExecuteStats(std::ostream& out, const ReportSource& source, std::string_view title,
                        const BlockList<NamedMethodRecord>& entries, const std::vector<Waits>& waits) {
     printSectionHead(out, title, 24);
     printSectionHead(out, "Total Inference Time: ", 21);
@@ -133,7 +133,7 @@ void printExecuteStats(std::ostream& out, ZebProfileLogReader& reader, std::stri
         out << '\n';
         return;
     }
-    const bool isAsync = reader.store().asyncExecute;
+    const bool isAsync = source.store.asyncExecute;
     for (std::size_t position = 0; position < entries.size(); ++position) {
         const auto& [name, record] = entries[position];
         printGraphHead(out, position, name);
@@ -144,36 +144,45 @@ void printExecuteStats(std::ostream& out, ZebProfileLogReader& reader, std::stri
             out << "Marlix (Host Round-Trip excluding queue wait): "
                 << record->durationUs - queueWaitUs(waits[position]) << '\n';
         }
-        reader.printEvent(out, record->events, 1);
+        printEvents(out, record->events, 1, source.objectFiles);
         out << '\n';
     }
 }
 
-void saveObjectsOfExecutions(ZebProfileLogReader& reader) {
-    for (const GraphMethodRecords& graph : reader.store().executeRecords) {
+void saveObjects(const EventList& events, ObjectFiles& files) {
+    for (const ProfileEvent& event : events) {
+        if (event.isObject()) {
+            files.write(event);
+        }
+    }
+}
+
+// Those of an execution's events and of the events directly below them.
+void saveObjectsOfExecutions(const EventStore& store, ObjectFiles& files) {
+    for (const GraphMethodRecords& graph : store.executeRecords) {
         for (const MethodRecord& record : graph.records) {
             for (const ProfileEvent& event : record.events) {
-                reader.writeObjectFile(event);
-                for (const ProfileEvent& subEvent : event.subEvents) {
-                    reader.writeObjectFile(subEvent);
+                if (event.isObject()) {
+                    files.write(event);
                 }
+                saveObjects(event.subEvents, files);
             }
         }
     }
 }
 
-void printExecuteStatistics(std::ostream& out, ZebProfileLogReader& reader) {
-    const EventStore& store = reader.store();
-    printExecuteStats(out, reader, "Execute Stats (Average):", store.executeAverage, store.executeQueueWaits);
-    if (reader.savesObjects() && !store.executeAverage.empty()) {
-        saveObjectsOfExecutions(reader);
+void printExecuteStatistics(std::ostream& out, const ReportSource& source) {
+    const EventStore& store = source.store;
+    printExecuteStats(out, source, "Execute Stats (Average):", store.executeAverage, store.executeQueueWaits);
+    if (source.objectFiles != nullptr && !store.executeAverage.empty()) {
+        saveObjectsOfExecutions(store, *source.objectFiles);
     }
-    printExecuteStats(out, reader, "Execute Stats (Min):", store.executeMin, store.executeMinQueueWaits);
-    printExecuteStats(out, reader, "Execute Stats (Max):", store.executeMax, store.executeMaxQueueWaits);
+    printExecuteStats(out, source, "Execute Stats (Min):", store.executeMin, store.executeMinQueueWaits);
+    printExecuteStats(out, source, "Execute Stats (Max):", store.executeMax, store.executeMaxQueueWaits);
 }
 
-void printLibLoadStats(std::ostream& out, ZebProfileLogReader& reader) {
-    const EventStore& store = reader.store();
+void printLibLoadStats(std::ostream& out, const ReportSource& source) {
+    const EventStore& store = source.store;
     if (!store.hasLibLoad || store.libLoadRecord.events.empty()) {
         return;
     }
@@ -207,23 +216,23 @@ constexpr std::array<StatisticsSection, 6> statisticsSections = {{
 
 }  // namespace
 
-void printConsoleReport(std::ostream& out, ZebProfileLogReader& reader) {
-    printStatisticsOverview(out, reader);
-    printContextRetrievalStats(out, reader);
-    printContextSectionRetrievalStats(out, reader);
-    printExecuteOverallStats(out, reader);
-    printExecuteStatistics(out, reader);
-    printLibLoadStats(out, reader);
+void printConsoleReport(std::ostream& out, const ReportSource& source) {
+    printStatisticsOverview(out, source);
+    printContextRetrievalStats(out, source);
+    printContextSectionRetrievalStats(out, source);
+    printExecuteOverallStats(out, source);
+    printExecuteStatistics(out, source);
+    printLibLoadStats(out, source);
     for (const StatisticsSection& section : statisticsSections) {
-        if (reader.store().*section.isPrinted) {
+        if (source.store.*section.isPrinted) {
             printSectionHead(out, section.title, section.underline);
-            printGraphs(out, reader, reader.store().*section.entries, true);
+            printGraphs(out, source, source.store.*section.entries, true);
         }
     }
 }
 
-void printUpdateBinarySectionStats(std::ostream& out, ZebProfileLogReader& reader) {
-    const EventStore& store = reader.store();
+void printUpdateBinarySectionStats(std::ostream& out, const ReportSource& source) {
+    const EventStore& store = source.store;
     if (!store.hasUpdateBinarySection) {
         return;
     }
@@ -231,7 +240,7 @@ void printUpdateBinarySectionStats(std::ostream& out, ZebProfileLogReader& reade
     if (!store.updateBinarySectionRecords.empty()) {
         const MethodRecord& record = *store.updateBinarySectionRecords.front().record;
         printTimeLine(out, record.durationUs);
-        reader.printEvent(out, record.events, 1);
+        printEvents(out, record.events, 1, source.objectFiles);
         out << '\n';
     }
 }

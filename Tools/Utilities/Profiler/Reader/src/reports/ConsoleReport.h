@@ -2,14 +2,14 @@
 
 #include <iosfwd>
 
-#include "reader/ZebProfileLogReader.h"
+#include "reports/ReportSource.h"
 
 namespace zeb::profiling {
 
 /// Writes the sections of the generic console report, in their order.
-void printConsoleReport(std::ostream& out, ZebProfileLogReader& reader);
+void printConsoleReport(std::ostream& out, const ReportSource& source);
 
 /// Writes the one section that the log of an adapter updater has.
-void printUpdateBinarySectionStats(std::ostream& out, ZebProfileLogReader& reader);
+void printUpdateBinarySectionStats(std::ostream& out, const ReportSource& source);
 
 }  // namespace zeb::profiling

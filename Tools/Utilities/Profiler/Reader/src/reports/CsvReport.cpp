@@ -4,9 +4,10 @@
 #include <string>
 #include <string_view>
 
-#include "reports/EventText.h"
+#include "reports/EventReport.h"
 #include "reports/ExecutionRate.h"
 #include "reports/ReportForms.h"
+#include "text/NumberText.h"
 
 namespace zeb::profiling {
 
@@ -32,11 +33,11 @@ void writeMethodRow(std::ostream& out, std::uint64_t timestamp, std::string_view
     out << timestamp << ',' << keyword << ',' << durationUs << source << identifier << '\n';
 }
 
-void writeInitCsv(std::ostream& out, ZebProfileLogReader& reader) {
-    const EventStore& store = reader.store();
+void writeInitCsv(std::ostream& out, const ReportSource& source) {
+    const EventStore& store = source.store;
     writeMethodRow(out, store.initTimestamp, "INIT", store.initDurationUs,
                    textOrNull(store.initStepMessage, " (init)"));
-    reader.writeEventCsv(out, initSectionEvents(store), store.initTimestamp, "INIT");
+    writeEventRows(out, initSectionEvents(store), store.initTimestamp, "INIT");
 }
 
 void writeComposeGraphsCsv(std::ostream& out, const EventStore& store) {
@@ -44,23 +45,23 @@ void writeComposeGraphsCsv(std::ostream& out, const EventStore& store) {
                    textOrNull(store.composeGraphNames));
 }
 
-void writeFinalizeCsv(std::ostream& out, ZebProfileLogReader& reader) {
-    const EventStore& store = reader.store();
+void writeFinalizeCsv(std::ostream& out, const ReportSource& source) {
+    const EventStore& store = source.store;
     std::size_t position = 0;
     for (const auto& [name, record] : store.finalizeRecords) {
         writeMethodRow(out, record->timestamp, "FINALIZE", record->durationUs,
                        graphIdentifier(position++, name));
         if (store.hasFinalizeEvents) {
-            reader.writeEventCsv(out, record->events, record->timestamp, "FINALIZE");
+            writeEventRows(out, record->events, record->timestamp, "FINALIZE");
         }
     }
 }
 
-void writeDeInitCsv(std::ostream& out, ZebProfileLogReader& reader) {
-    const MethodRecord& record = reader.store().deInitRecord;
+void writeDeInitCsv(std::ostream& out, const ReportSource& source) {
+    const MethodRecord& record = source.store.deInitRecord;
     writeMethodRow(out, record.timestamp, "DE-INIT", record.durationUs,
                    textOrNull(record.message, " (deinit)"));
-    reader.writeEventCsv(out, record.events, record.timestamp, "DE-INIT");
+    writeEventRows(out, record.events, record.timestamp, "DE-INIT");
 }
 
 // A section with a row for every record of every graph.
@@ -71,15 +72,14 @@ struct GraphRecordsSection {
     bool identifiedByMessage = false;  ///< a record shows its own message in place of the graph's name
 };
 
-void writeGraphRecordsCsv(std::ostream& out, ZebProfileLogReader& reader,
-                          const GraphRecordsSection& section) {
+void writeGraphRecordsCsv(std::ostream& out, const ReportSource& source, const GraphRecordsSection& section) {
     for (std::size_t position = 0; position < section.graphs.size(); ++position) {
         const GraphMethodRecords& graph = section.graphs[position];
         for (const MethodRecord& record : graph.records) {
             const std::string_view text = section.identifiedByMessage ? record.message : graph.graphName;
             writeMethodRow(out, record.timestamp, section.keyword, record.durationUs,
                            graphIdentifier(position, text));
-            reader.writeEventCsv(out, record.events, record.timestamp, section.eventMessage);
+            writeEventRows(out, record.events, record.timestamp, section.eventMessage);
         }
     }
 }
@@ -111,35 +111,35 @@ void writeContextCsv(std::ostream& out, const EventStore& store) {
     }
 }
 
-void writeUpdateBinarySectionCsv(std::ostream& out, ZebProfileLogReader& reader) {
-    const EventStore& store = reader.store();
+void writeUpdateBinarySectionCsv(std::ostream& out, const ReportSource& source) {
+    const EventStore& store = source.store;
     if (!store.updateBinarySectionRecords.empty()) {
         const MethodRecord& record = *store.updateBinarySectionRecords.front().record;
         writeMethodRow(out, record.timestamp, "UPDATE BINARY SECTION", record.durationUs, "null", labuUs);
-        reader.writeEventCsv(out, record.events, record.timestamp, "UPDATE_BINARY_SECTION");
+        writeEventRows(out, record.events, record.timestamp, "UPDATE_BINARY_SECTION");
     }
 }
 
 }  // namespace
 
-void writeCsvReport(std::ostream& out, ZebProfileLogReader& reader) {
-    const EventStore& store = reader.store();
-    writeCsvPreamble(out, reader);
+void writeCsvReport(std::ostream& out, const ReportSource& source) {
+    const EventStore& store = source.store;
+    writeCsvPreamble(out, source);
     out << columnLine;
-    if (reader.header().isAdapterUpdaterLog) {
-        writeUpdateBinarySectionCsv(out, reader);
+    if (source.header.isAdapterUpdaterLog) {
+        writeUpdateBinarySectionCsv(out, source);
         return;
     }
-    writeInitCsv(out, reader);
+    writeInitCsv(out, source);
     writeComposeGraphsCsv(out, store);
-    writeFinalizeCsv(out, reader);
-    writeDeInitCsv(out, reader);
-    writeGraphRecordsCsv(out, reader, {"EXECUTE", "EXECUTE", store.executeRecords});
+    writeFinalizeCsv(out, source);
+    writeDeInitCsv(out, source);
+    writeGraphRecordsCsv(out, source, {"EXECUTE", "EXECUTE", store.executeRecords});
     writeExecuteIpsCsv(out, store);
     writeLibLoadCsv(out, store);
-    writeGraphRecordsCsv(out, reader,
+    writeGraphRecordsCsv(out, source,
                          {"APPLY BINARY SECTION", "APPLYBINARY", store.applyBinarySectionRecords});
-    writeGraphRecordsCsv(out, reader,
+    writeGraphRecordsCsv(out, source,
                          {"FINALIZE AFTER TENSOR UPDATES", "FINALIZE_AFTER_TENSOR_UPDATES",
                           store.finalizeAfterTensorUpdatesRecords, true});
     writeContextCsv(out, store);

@@ -1,28 +1,14 @@
-// The two operations of a reader that walk an event list.
+#include "reports/EventReport.h"
 
-#include <ostream>
-
-#include "reader/ZebProfileLogReader.h"
 #include "reports/EventText.h"
 #include "reports/ReportForms.h"
 
 namespace zeb::profiling {
 
-void ZebProfileLogReader::printEvent(std::ostream& out, const EventList& events, std::uint64_t level) {
-    for (const ProfileEvent& event : events) {
-        if (event.isObject()) {
-            writeObjectFile(event);
-        } else {
-            printEventLine(out, event, level);
-        }
-        printEvent(out, event.subEvents, level + 1);
-    }
-}
-
 namespace {
 
 void writeEventRow(std::ostream& out, const ProfileEvent& event, std::string_view level,
-                   std::uint64_t timestamp, const std::string& message) {
+                   std::uint64_t timestamp, std::string_view message) {
     if (!event.isObject()) {
         out << timestamp << ',' << message << ',' << formatEventValue(event.value()) << ','
             << unitCsvText(event.unit()) << ",BACKEND" << level << event.name << '\n';
@@ -31,9 +17,25 @@ void writeEventRow(std::ostream& out, const ProfileEvent& event, std::string_vie
 
 }  // namespace
 
-// Only two levels of events have rows; the sub-events of an object event have theirs without it.
-void ZebProfileLogReader::writeEventCsv(std::ostream& out, const EventList& events, std::uint64_t timestamp,
-                                        const std::string& message) {
+void printOneEvent(std::ostream& out, const ProfileEvent& event, std::uint64_t level,
+                   ObjectFiles* objectFiles) {
+    if (!event.isObject()) {
+        printEventLine(out, event, level);
+    } else if (objectFiles != nullptr) {
+        objectFiles->write(event);
+    }
+}
+
+void printEvents(std::ostream& out, const EventList& events, std::uint64_t level, ObjectFiles* objectFiles) {
+    for (const ProfileEvent& event : events) {
+        printOneEvent(out, event, level, objectFiles);
+        printEvents(out, event.subEvents, level + 1, objectFiles);
+    }
+}
+
+// The sub-events of an object event have their rows without it.
+void writeEventRows(std::ostream& out, const EventList& events, std::uint64_t timestamp,
+                    std::string_view message) {
     for (const ProfileEvent& event : events) {
         writeEventRow(out, event, ",ROOT,", timestamp, message);
         for (const ProfileEvent& subEvent : event.subEvents) {

@@ -1,8 +1,9 @@
 #include "reports/EventText.h"
 
 #include <array>
-#include <charconv>
 #include <cstdint>
+
+#include "text/NumberText.h"
 
 namespace zeb::profiling {
 
@@ -40,13 +41,6 @@ std::string decimal(std::uint64_t payload) {
 constexpr int floatDigits = 6;
 
 }  // namespace
-
-std::string fixedPoint(double value, int digits) {
-    std::array<char, 320> text{};  // a minus sign, 309 digits at most, the point and what is behind it
-    const auto end =
-        std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed, digits).ptr;
-    return {text.data(), end};
-}
 
 std::string formatEventValue(const EventValue& value) {
     switch (value.kind) {

@@ -14,10 +14,6 @@ namespace zeb::profiling {
 ///         empty for a value that is not set
 std::string formatEventValue(const EventValue& value);
 
-/// @return the number in fixed notation, rounded to that many digits behind the point, nine at most, in no
-/// locale
-std::string fixedPoint(double value, int digits);
-
 /// @return what the console shows directly behind a value, with its leading blank
 std::string_view unitSuffix(EventUnit unit);
 

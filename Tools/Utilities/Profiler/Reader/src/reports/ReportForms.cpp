@@ -3,7 +3,9 @@
 #include <iomanip>
 #include <locale>
 
+#include "reports/EventReport.h"
 #include "reports/EventText.h"
+#include "reports/HeaderText.h"
 #include "zeb/profiling/Version.h"
 
 namespace zeb::profiling {
@@ -38,21 +40,21 @@ void printEventLine(std::ostream& out, const ProfileEvent& event, std::uint64_t 
         << '\n';
 }
 
-void printReportHeader(std::ostream& out, ZebProfileLogReader& reader) {
-    out << reader.printHeader() << '\n';
+void printReportHeader(std::ostream& out, const ReportSource& source) {
+    out << headerText(source.header, source.logFilePath) << '\n';
 }
 
-void printDeInitStats(std::ostream& out, ZebProfileLogReader& reader) {
-    const MethodRecord& record = reader.store().deInitRecord;
+void printDeInitStats(std::ostream& out, const ReportSource& source) {
+    const MethodRecord& record = source.store.deInitRecord;
     printSectionHead(out, "De-Init Stats:", 14);
     printTimeLine(out, record.durationUs);
-    reader.printEvent(out, record.events, 1);
+    printEvents(out, record.events, 1, source.objectFiles);
     out << '\n';
 }
 
-void writeCsvPreamble(std::ostream& out, const ZebProfileLogReader& reader) {
-    const LogHeaderDetails& header = reader.header();
-    out << "input log file location, " << reader.logFilePath() << '\n'
+void writeCsvPreamble(std::ostream& out, const ReportSource& source) {
+    const LogHeaderDetails& header = source.header;
+    out << "input log file location, " << source.logFilePath << '\n'
         << "zeb-profile-viewer version, " << versionText << '\n'
         << header.generatorName << " version, " << header.generatorVersion << '\n'
         << "Backend version, " << header.backendInfo << '\n';

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "reader/ZebProfileLogReader.h"
+#include "reports/ReportSource.h"
 
 /// The lines and sections that the reports of all readers share. Every line ends in a newline.
 namespace zeb::profiling {
@@ -31,12 +31,12 @@ void printTimeLine(std::ostream& out, std::uint64_t durationUs);
 void printEventLine(std::ostream& out, const ProfileEvent& event, std::uint64_t level);
 
 /// The header text of the log and a blank line.
-void printReportHeader(std::ostream& out, ZebProfileLogReader& reader);
+void printReportHeader(std::ostream& out, const ReportSource& source);
 
-void printDeInitStats(std::ostream& out, ZebProfileLogReader& reader);
+void printDeInitStats(std::ostream& out, const ReportSource& source);
 
 /// The four lines at the head of every CSV report.
-void writeCsvPreamble(std::ostream& out, const ZebProfileLogReader& reader);
+void writeCsvPreamble(std::ostream& out, const ReportSource& source);
 
 /// Opens a CSV file for a report, which goes behind what the file holds.
 /// @return the stream, in the classic locale and in fixed notation with precision 0; not open when the file

@@ -7,8 +7,8 @@
 #include <type_traits>
 #include <vector>
 
-#include "log/MemoryBlock.h"
-#include "store/BlockList.h"
+#include "memory/BlockList.h"
+#include "memory/MemoryBlock.h"
 #include "store/HashIndex.h"
 #include "store/ProfileEvent.h"
 #include "store/StoredText.h"

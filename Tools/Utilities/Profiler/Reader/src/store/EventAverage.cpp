@@ -8,7 +8,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "store/BlockList.h"
+#include "memory/BlockList.h"
 #include "store/EventListBuilder.h"
 
 namespace zeb::profiling {

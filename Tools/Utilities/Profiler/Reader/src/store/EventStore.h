@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "log/ProfileLog_generated.h"
-#include "store/BlockList.h"
+#include "memory/BlockList.h"
 #include "store/EventArena.h"
 #include "store/MessageParts.h"
 #include "store/MethodRecord.h"

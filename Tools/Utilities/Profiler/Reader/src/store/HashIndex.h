@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "store/BlockList.h"
+#include "memory/BlockList.h"
 #include "store/HashSecret.h"
 
 namespace zeb::profiling {

@@ -5,8 +5,8 @@
 #include <iterator>
 #include <vector>
 
+#include "memory/ForwardIterator.h"
 #include "store/EventArena.h"
-#include "store/ForwardIterator.h"
 #include "store/ProfileEvent.h"
 #include "store/StoredText.h"
 

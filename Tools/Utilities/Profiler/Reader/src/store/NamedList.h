@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "store/BlockList.h"
+#include "memory/BlockList.h"
 #include "store/HashIndex.h"
 #include "store/StoredText.h"
 

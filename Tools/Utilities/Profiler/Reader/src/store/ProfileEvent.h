@@ -8,8 +8,8 @@
 #include <span>
 #include <string_view>
 
+#include "memory/ForwardIterator.h"
 #include "store/EventValue.h"
-#include "store/ForwardIterator.h"
 #include "store/StoredText.h"
 
 namespace zeb::profiling {

@@ -135,10 +135,10 @@ TEST(LoadLog, DecodesMessagesBelowItsLevel) {
 TEST(LoadLog, SavesNoObjectsWhenItHasFailed) {
     const test::TempDir place;
     const std::string file = place.path("a.bin");
-    const Bytes bytes = chunk({message(MethodType::Execute, "a", 1, {test::object("o", {1}, file)})});
+    const Bytes bytes = chunk({message(MethodType::DeInit, "a", 1, {test::object("o", {1}, file)})});
     for (const bool isWhole : {false, true}) {
         Loaded loaded(isWhole ? bytes : bytes + Bytes{0, 0, 0, 0}, true);
-        loaded.reader.writeObjectFile(loaded.reader.store().executeRecords[0].records[0].events[0]);
+        loaded.wholeConsole();
         EXPECT_EQ(std::filesystem::exists(file), isWhole);
     }
 }

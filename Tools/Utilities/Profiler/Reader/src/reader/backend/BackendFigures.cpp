@@ -8,6 +8,7 @@
 #include "reader/backend/CheckedNumbers.h"
 #include "reports/EventText.h"
 #include "reports/ReportForms.h"
+#include "text/Saturation.h"
 
 namespace zeb::profiling {
 

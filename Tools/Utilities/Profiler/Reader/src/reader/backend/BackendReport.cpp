@@ -7,27 +7,21 @@
 
 #include "logging/Logger.h"
 #include "reader/backend/ExecutionLines.h"
-#include "reader/backend/LayerTables.h"
+#include "reader/backend/OruTable.h"
+#include "reader/backend/ZebTables.h"
+#include "reports/EventReport.h"
 #include "reports/ReportForms.h"
 
 namespace zeb::profiling {
 
 namespace {
 
-// Shows events like `printEvent`, but never saves an object.
-void printBackendEvents(std::ostream& out, const EventList& events, std::uint64_t level) {
-    for (const ProfileEvent& event : events) {
-        if (!event.isObject()) {
-            printEventLine(out, event, level);
-        }
-        printBackendEvents(out, event.subEvents, level + 1);
-    }
-}
+constexpr ObjectFiles* saveNone = nullptr;  // but for the De-Init section, whatever the host asked for
 
 void printBackendInitStats(std::ostream& out, const EventStore& store) {
     printSectionHead(out, "Init Stats:", 11);
     printTimeLine(out, store.initDurationUs);
-    printBackendEvents(out, initSectionEvents(store), 1);
+    printEvents(out, initSectionEvents(store), 1, saveNone);
     out << '\n';
 }
 
@@ -41,7 +35,7 @@ void printBackendFinalizeStats(std::ostream& out, const EventStore& store) {
     for (const auto& [name, record] : store.finalizeRecords) {
         printGraphHead(out, position++, name);
         if (store.hasFinalizeEvents) {
-            printBackendEvents(out, record->events, 1);
+            printEvents(out, record->events, 1, saveNone);
         }
         out << '\n';
     }
@@ -85,12 +79,12 @@ std::size_t longestName(const std::vector<ZebLayer>& layers) {
 
 }  // namespace
 
-void printBackendReport(std::ostream& out, ZebProfileLogReader& reader, const BackendFigures& figures,
+void printBackendReport(std::ostream& out, const ReportSource& source, const BackendFigures& figures,
                         bool internalColumns) {
-    printBackendInitStats(out, reader.store());
-    printBackendFinalizeStats(out, reader.store());
-    printDeInitStats(out, reader);
-    printExecutionStats(out, reader.store(), figures);
+    printBackendInitStats(out, source.store);
+    printBackendFinalizeStats(out, source.store);
+    printDeInitStats(out, source);
+    printExecutionStats(out, source.store, figures);
     if (figures.hasLayers()) {
         const Alignment alignment = hasDetailLine(figures.execution) ? Alignment::left : Alignment::right;
         const std::vector<ZebLayer>& zebLayers = figures.zebLayers.layers;
@@ -102,9 +96,9 @@ void printBackendReport(std::ostream& out, ZebProfileLogReader& reader, const Ba
     }
 }
 
-void writeBackendCsv(std::ostream& out, const ZebProfileLogReader& reader, const BackendFigures& figures,
+void writeBackendCsv(std::ostream& out, const ReportSource& source, const BackendFigures& figures,
                      bool internalColumns) {
-    writeCsvPreamble(out, reader);
+    writeCsvPreamble(out, source);
     out << "Profile Level, " << levelLabel(figures.profileLevel) << '\n';
     if (!figures.execution.onlyGraphUs) {
         logMessage(ZEB_LOG_LEVEL_ERROR, "multiple graph not supported yet!");

@@ -63,9 +63,4 @@ std::int32_t checkedSigned32(const std::string& text) {
     return static_cast<std::int32_t>(number.isNegative ? -magnitude : magnitude);
 }
 
-std::uint64_t cutToWhole(double value) {
-    constexpr double firstAbove = 18446744073709551616.0;
-    return value < firstAbove ? static_cast<std::uint64_t>(value) : std::numeric_limits<std::uint64_t>::max();
-}
-
 }  // namespace zeb::profiling

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <algorithm>
 #include <cstdint>
 #include <string>
 
@@ -14,13 +13,5 @@ std::uint64_t checkedUnsigned64(const std::string& text);
 
 /// @throws as above
 std::int32_t checkedSigned32(const std::string& text);
-
-/// @return a quotient of counts or times cut to a whole number; what is too large for it becomes the largest
-std::uint64_t cutToWhole(double value);
-
-/// @return the difference of two times, 0 where it would be negative
-constexpr std::uint64_t differenceOrZero(std::uint64_t larger, std::uint64_t smaller) {
-    return larger - std::min(larger, smaller);
-}
 
 }  // namespace zeb::profiling

@@ -5,9 +5,9 @@
 #include <string>
 #include <string_view>
 
-#include "reader/backend/CheckedNumbers.h"
-#include "reports/EventText.h"
 #include "reports/ReportForms.h"
+#include "text/NumberText.h"
+#include "text/Saturation.h"
 
 namespace zeb::profiling {
 

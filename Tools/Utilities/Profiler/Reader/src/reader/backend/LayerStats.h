@@ -3,7 +3,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
-#include <string_view>
 #include <vector>
 
 #include "reader/backend/BackendObjects.h"
@@ -66,12 +65,5 @@ private:
 /// @param profile, config have to outlive the list and to stay as they are
 /// @return one entry for each layer that the profile announces and that has both an entry and a record
 LayerStatsList computeLayerStats(const GraphProfile& profile, const LayerConfig& config);
-
-bool isKnownLayerType(std::uint32_t layerType);
-
-inline constexpr std::size_t maxLayerTypeNameLength = 22;
-
-/// @return the layer type's name, or a text that says that it is not known
-std::string_view layerTypeName(std::uint32_t layerType);
 
 }  // namespace zeb::profiling

@@ -1,7 +1,7 @@
+#include "reader/backend/LayerTypeNames.h"
+
 #include <algorithm>
 #include <array>
-
-#include "reader/backend/LayerStats.h"
 
 namespace zeb::profiling {
 

@@ -1,11 +1,12 @@
+#include "reader/backend/OruTable.h"
+
 #include <array>
 #include <string_view>
 #include <vector>
 
 #include "logging/Logger.h"
-#include "reader/backend/LayerTables.h"
+#include "reader/backend/LayerTypeNames.h"
 #include "reader/backend/TableForms.h"
-#include "reader/backend/TableText.h"
 #include "reports/ReportForms.h"
 
 namespace zeb::profiling {

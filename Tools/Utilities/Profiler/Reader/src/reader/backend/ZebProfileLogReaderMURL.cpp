@@ -5,20 +5,20 @@
 
 #include "commandline/AppArgManagerImpl.h"
 #include "logging/Logger.h"
-#include "reader/TextStream.h"
 #include "reader/backend/BackendReport.h"
 #include "reports/ReportForms.h"
+#include "text/TextStream.h"
 
 namespace zeb::profiling {
 
 bool ZebProfileLogReaderMURL::generateReports(const std::string& outputPath) {
-    beginReport();
+    const ReportSource source = beginReport();
     TextStream console;
     console << std::fixed << std::setprecision(0);
-    const ProfileLevel level = readProfileLevel(store());
-    printReportHeader(console, *this);
-    const BackendFigures figures = workOutFigures(store(), level);
-    printBackendReport(console, *this, figures, internalColumns_);
+    const ProfileLevel level = readProfileLevel(source.store);
+    printReportHeader(console, source);
+    const BackendFigures figures = workOutFigures(source.store, level);
+    printBackendReport(console, source, figures, internalColumns_);
     console.putOnStandardOutput();
     if (outputPath.empty()) {
         return true;
@@ -30,7 +30,7 @@ bool ZebProfileLogReaderMURL::generateReports(const std::string& outputPath) {
         }
         return false;
     }
-    writeBackendCsv(csv, *this, figures, internalColumns_);
+    writeBackendCsv(csv, source, figures, internalColumns_);
     return true;
 }
 

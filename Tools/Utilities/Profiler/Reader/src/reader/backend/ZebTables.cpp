@@ -1,12 +1,12 @@
+#include "reader/backend/ZebTables.h"
+
 #include <array>
 #include <numeric>
 #include <string>
 
-#include "reader/backend/LayerTables.h"
 #include "reader/backend/TableForms.h"
-#include "reader/backend/TableText.h"
-#include "reports/EventText.h"
 #include "reports/ReportForms.h"
+#include "text/NumberText.h"
 
 namespace zeb::profiling {
 

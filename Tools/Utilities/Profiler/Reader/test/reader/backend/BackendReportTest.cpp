@@ -322,8 +322,8 @@ TEST(BackendReport, IsTheSameTextHoweverOftenItIsPrinted) {
     const BackendFigures figures = workOutFigures(loaded.reader.store(), ProfileLevel::detailed);
     std::ostringstream forms[3];
     for (std::ostringstream& form : forms) {
-        writeBackendCsv(form, loaded.reader, figures, false);
-        printBackendReport(form, loaded.reader, figures, false);
+        writeBackendCsv(form, loaded.reader.reportSource(), figures, false);
+        printBackendReport(form, loaded.reader.reportSource(), figures, false);
     }
     EXPECT_EQ(forms[0].str(), loaded.wholeCsv() + loaded.console());
     EXPECT_EQ(forms[0].str(), forms[2].str());

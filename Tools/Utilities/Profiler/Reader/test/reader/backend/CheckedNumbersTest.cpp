@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "reader/backend/CheckedNumbers.h"
+#include "text/Saturation.h"
 
 namespace zeb::profiling {
 namespace {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "reader/backend/LayerStats.h"
+#include "reader/backend/LayerTypeNames.h"
 #include "reader/backend/ZebLayers.h"
 #include "support/TestFiles.h"
 

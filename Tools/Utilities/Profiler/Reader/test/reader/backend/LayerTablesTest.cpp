@@ -4,7 +4,8 @@
 
 #include <sstream>
 
-#include "reader/backend/LayerTables.h"
+#include "reader/backend/OruTable.h"
+#include "reader/backend/ZebTables.h"
 #include "support/TestReader.h"
 
 namespace zeb::profiling {

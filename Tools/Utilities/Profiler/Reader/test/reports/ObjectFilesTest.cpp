@@ -4,7 +4,7 @@
 #include <csignal>
 #include <filesystem>
 
-#include "reader/ObjectFiles.h"
+#include "reports/ObjectFiles.h"
 #include "support/TestLog.h"
 
 namespace zeb::profiling {

@@ -5,7 +5,6 @@
 #include <stdexcept>
 
 #include "harness/MemoryFile.h"
-#include "reader/TextStream.h"
 #include "reader/backend/BackendFigures.h"
 #include "reader/backend/BackendReport.h"
 #include "reader/backend/ZebProfileLogReaderMURL.h"
@@ -14,6 +13,7 @@
 #include "reports/ReportForms.h"
 #include "support/CommandLine.h"
 #include "support/TestReader.h"
+#include "text/TextStream.h"
 
 namespace zeb::fuzz {
 
@@ -60,23 +60,24 @@ void report(Outcome& outcome, MakeReport makeReport) {
 bool reportInMemory(profiling::ZebProfileLogReader& reader, ReportKind kind, Outcome& outcome) {
     profiling::TextStream console;
     profiling::TextStream csv;
+    const profiling::ReportSource source = reader.reportSource();
     console << std::fixed << std::setprecision(0);
     csv << std::fixed << std::setprecision(0);
     if (kind == ReportKind::generic) {
-        printReportHeader(console, reader);
+        printReportHeader(console, source);
         if (reader.header().isAdapterUpdaterLog) {
-            printUpdateBinarySectionStats(console, reader);
+            printUpdateBinarySectionStats(console, source);
         } else {
-            printConsoleReport(console, reader);
+            printConsoleReport(console, source);
         }
-        writeCsvReport(csv, reader);
+        writeCsvReport(csv, source);
     } else {
         const bool internalColumns = kind == ReportKind::backendInternal;
         const auto profileLevel = profiling::readProfileLevel(reader.store());
-        printReportHeader(console, reader);
+        printReportHeader(console, source);
         const auto figures = profiling::workOutFigures(reader.store(), profileLevel);
-        printBackendReport(console, reader, figures, internalColumns);
-        writeBackendCsv(csv, reader, figures, internalColumns);
+        printBackendReport(console, source, figures, internalColumns);
+        writeBackendCsv(csv, source, figures, internalColumns);
     }
     outcome.console = console.str();
     outcome.csv = csv.str();

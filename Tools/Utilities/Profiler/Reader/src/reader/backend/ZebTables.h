@@ -4,19 +4,12 @@
 #include <ostream>
 #include <vector>
 
-#include "reader/backend/OruLayers.h"
-#include "reader/backend/TableText.h"
 #include "reader/backend/ZebLayers.h"
+#include "text/TableText.h"
 
-/// The per-layer tables, each printed for the console and for CSV from the same rows. Fields of the console
-/// are filled with blanks; a longer text is not cut. CSV fields are never quoted.
+/// The tables of the framework's layers, each printed for the console and for CSV from the same rows. Fields
+/// of the console are filled with blanks; a longer text is not cut. CSV fields are never quoted.
 namespace zeb::profiling {
-
-/// The accelerator's table, a row for each ORU layer.
-/// @param internalColumns whether the columns for the backend's own people are shown too
-void printOruLayerStats(std::ostream& out, const OruLayers& layers, bool internalColumns,
-                        Alignment alignment);
-void writeOruLayerCsv(std::ostream& out, const OruLayers& layers, bool internalColumns);
 
 /// The framework's table, a row for each ZEB layer, and a summary of the share.
 /// @param nameWidth width of the names' column

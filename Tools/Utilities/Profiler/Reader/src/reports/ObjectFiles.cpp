@@ -1,4 +1,4 @@
-#include "reader/ObjectFiles.h"
+#include "reports/ObjectFiles.h"
 
 #include <unistd.h>
 

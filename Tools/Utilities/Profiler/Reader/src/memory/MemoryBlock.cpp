@@ -1,4 +1,4 @@
-#include "log/MemoryBlock.h"
+#include "memory/MemoryBlock.h"
 
 #include <sys/mman.h>
 

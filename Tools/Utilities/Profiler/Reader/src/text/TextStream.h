@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "log/MemoryBlock.h"
+#include "memory/MemoryBlock.h"
 
 namespace zeb::profiling {
 

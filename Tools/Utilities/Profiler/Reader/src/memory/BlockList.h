@@ -9,8 +9,8 @@
 #include <utility>
 #include <vector>
 
-#include "log/MemoryBlock.h"
-#include "store/ForwardIterator.h"
+#include "memory/ForwardIterator.h"
+#include "memory/MemoryBlock.h"
 
 namespace zeb::profiling {
 

@@ -1,4 +1,4 @@
-#include "reader/TextStream.h"
+#include "text/TextStream.h"
 
 #include <stdio.h>  // NOLINT(modernize-deprecated-headers): flockfile
 
