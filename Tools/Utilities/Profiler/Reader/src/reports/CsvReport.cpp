@@ -72,7 +72,7 @@ struct GraphRecordsSection {
     bool identifiedByMessage = false;  ///< a record shows its own message in place of the graph's name
 };
 
-void writeGraphRecordsCsv(std::ostream& out, const ReportSource& source, const GraphRecordsSection& section) {
+void writeGraphRecordsCsv(std::ostream& out, const GraphRecordsSection& section) {
     for (std::size_t position = 0; position < section.graphs.size(); ++position) {
         const GraphMethodRecords& graph = section.graphs[position];
         for (const MethodRecord& record : graph.records) {
@@ -134,14 +134,12 @@ void writeCsvReport(std::ostream& out, const ReportSource& source) {
     writeComposeGraphsCsv(out, store);
     writeFinalizeCsv(out, source);
     writeDeInitCsv(out, source);
-    writeGraphRecordsCsv(out, source, {"EXECUTE", "EXECUTE", store.executeRecords});
+    writeGraphRecordsCsv(out, {"EXECUTE", "EXECUTE", store.executeRecords});
     writeExecuteIpsCsv(out, store);
     writeLibLoadCsv(out, store);
-    writeGraphRecordsCsv(out, source,
-                         {"APPLY BINARY SECTION", "APPLYBINARY", store.applyBinarySectionRecords});
-    writeGraphRecordsCsv(out, source,
-                         {"FINALIZE AFTER TENSOR UPDATES", "FINALIZE_AFTER_TENSOR_UPDATES",
-                          store.finalizeAfterTensorUpdatesRecords, true});
+    writeGraphRecordsCsv(out, {"APPLY BINARY SECTION", "APPLYBINARY", store.applyBinarySectionRecords});
+    writeGraphRecordsCsv(out, {"FINALIZE AFTER TENSOR UPDATES", "FINALIZE_AFTER_TENSOR_UPDATES",
+                               store.finalizeAfterTensorUpdatesRecords, true});
     writeContextCsv(out, store);
 }
 

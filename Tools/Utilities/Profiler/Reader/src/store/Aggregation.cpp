@@ -7,6 +7,7 @@
 
 #include "logging/Logger.h"
 #include "store/EventStore.h"
+#include "store/QueueWait.h"
 #include "store/Statistics.h"
 
 namespace zeb::profiling {
@@ -25,28 +26,6 @@ void aggregate(const GraphRecordList& graphs, EventArena& arena, BlockList<Named
         maxima.add({graph.graphName, maxRecord(graph.records, arena)});
         minima.add({graph.graphName, minRecord(graph.records, arena)});
     }
-}
-
-struct QueueWait {
-    std::size_t count = 0;
-    std::uint64_t lastUs = 0;
-};
-
-// A queue wait stands among the events of an execution or directly below one of them.
-QueueWait queueWaitOf(EventList events, int levels = 2) {
-    QueueWait wait;
-    for (const ProfileEvent& event : events) {
-        if (event.eventType == EVENT_TYPE_QUEUE_WAIT) {
-            ++wait.count;
-            wait.lastUs = event.value().asNumber();
-        }
-        if (levels > 1) {
-            const QueueWait below = queueWaitOf(event.subEvents, levels - 1);
-            wait.count += below.count;
-            wait.lastUs = below.count > 0 ? below.lastUs : wait.lastUs;
-        }
-    }
-    return wait;
 }
 
 void tellMissingQueueWait(const QueueWait& wait, std::ostream& notes, const char* noneFound) {

@@ -42,6 +42,10 @@ public:
     /// @return false when there is no event of that name anywhere in the store, which saves searching for it
     [[nodiscard]] bool mayHaveEvent(std::string_view name) const { return arena_.hasName(name); }
 
+    /// @return the record of the latest execution that was stored, null before the first. It stays where it is,
+    /// and its events may still come.
+    [[nodiscard]] const MethodRecord* latestExecution() const { return latestExecution_; }
+
     // Initialization
     std::uint64_t initTimestamp = 0;       ///< of the Init row, by aggregation
     std::uint64_t initDurationUs = 0;      ///< of the Init row, by aggregation
@@ -128,13 +132,14 @@ private:
     NamedMethodRecord& namedRecord(NamedRecordList& list, std::string_view name);
     GraphEntry graphOf(GraphRecordList& list, std::string_view text, const MethodRecord& first,
                        NameIn nameIn = wholeText);
-    void addRecord(GraphRecordList& list, std::string_view text, const MethodRecord& record,
-                   NameIn nameIn = wholeText);
+    const MethodRecord& addRecord(GraphRecordList& list, std::string_view text, const MethodRecord& record,
+                                  NameIn nameIn = wholeText);
 
     void aggregateQueueWaits(std::ostream& notes);
     void aggregateInitRow();
 
     std::int8_t visibilityLevel_;
+    const MethodRecord* latestExecution_ = nullptr;
     EventArena arena_;
     MessageParts parts_{arena_};
 };

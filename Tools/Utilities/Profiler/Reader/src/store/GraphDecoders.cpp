@@ -85,11 +85,13 @@ EventStore::GraphEntry EventStore::graphOf(GraphRecordList& list, std::string_vi
     return {graph, isNew};
 }
 
-void EventStore::addRecord(GraphRecordList& list, std::string_view text, const MethodRecord& record,
-                           NameIn nameIn) {
-    if (const auto [graph, isNew] = graphOf(list, text, record, nameIn); !isNew) {
+const MethodRecord& EventStore::addRecord(GraphRecordList& list, std::string_view text,
+                                          const MethodRecord& record, NameIn nameIn) {
+    const auto [graph, isNew] = graphOf(list, text, record, nameIn);
+    if (!isNew) {
         graph.records.add(record, arena_);
     }
+    return graph.records.back();
 }
 
 bool EventStore::decodeExecute(const schema::LogMessage& message) {
@@ -101,7 +103,7 @@ bool EventStore::decodeExecute(const schema::LogMessage& message) {
     const auto [initOnes, others] = splitByType(decodeEvents(message, parts_), EVENT_TYPE_INIT);
     record.events = EventList(others);
     fileInitEvents(EventList(initOnes));
-    addRecord(executeRecords, *text, record);
+    latestExecution_ = &addRecord(executeRecords, *text, record);
     return true;
 }
 

@@ -20,13 +20,28 @@ constexpr std::string_view hostTimeName = "HLOS Graph Execution Time";
 constexpr std::array<std::string_view, 2> queueWaitNames = {"graphQueueWaitUs", "dispatcherQueueWaitUs"};
 constexpr double hzPerMhz = 1000000.0;
 
+FigureScope wholeRun(const EventStore& store) {
+    FigureScope scope;
+    for (const GraphMethodRecords& graph : store.executeRecords) {
+        scope.executions.push_back(&graph);
+    }
+    for (const NamedMethodRecord& average : store.executeAverage) {
+        scope.averages.push_back(&average);
+    }
+    for (const NamedMethodRecord& entry : store.finalizeRecords) {
+        scope.finalizations.push_back(&entry);
+    }
+    return scope;
+}
+
 // The text of the first event of a name among those of all executions.
-std::optional<std::string> findExecuteEventValue(const EventStore& store, std::string_view name) {
+std::optional<std::string> findExecuteEventValue(const EventStore& store, const FigureScope& scope,
+                                                 std::string_view name) {
     if (!store.mayHaveEvent(name)) {
         return std::nullopt;
     }
-    for (const GraphMethodRecords& graph : store.executeRecords) {
-        for (const MethodRecord& record : graph.records) {
+    for (const GraphMethodRecords* const graph : scope.executions) {
+        for (const MethodRecord& record : graph->records) {
             if (auto value = findEventValue(name, record.events)) {
                 return value;
             }
@@ -35,8 +50,9 @@ std::optional<std::string> findExecuteEventValue(const EventStore& store, std::s
     return std::nullopt;
 }
 
-std::optional<std::uint64_t> findExecuteEventNumber(const EventStore& store, std::string_view name) {
-    const auto text = findExecuteEventValue(store, name);
+std::optional<std::uint64_t> findExecuteEventNumber(const EventStore& store, const FigureScope& scope,
+                                                    std::string_view name) {
+    const auto text = findExecuteEventValue(store, scope, name);
     return text ? std::optional(checkedUnsigned64(*text)) : std::nullopt;
 }
 
@@ -50,25 +66,13 @@ void collectObjectEvents(const EventList& events, std::vector<ProfileEvent>& obj
     }
 }
 
-void loadNodeMapping(BackendFigures& figures, const EventStore& store) {
-    std::vector<ProfileEvent> objects;
-    collectObjectEvents(initSectionEvents(store), objects);
-    if (objects.size() >= 2) {
-        figures.hasNodeMapping = true;
-        figures.zebLayers =
-            gatherZebLayers(readNodeMapping(objects[0].objectBytes(), objects[1].objectBytes()));
-    } else if (objects.size() == 1) {
-        logMessage(ZEB_LOG_LEVEL_WARN, "Expected 2 opaque objects for node mapping, got 1; skipping.");
-    }
-}
-
-void loadLayerConfig(BackendFigures& figures, const EventStore& store) {
+void loadLayerConfig(BackendFigures& figures, const EventStore& store, const FigureScope& scope) {
     if (!store.hasFinalizeEvents) {
         return;
     }
     std::vector<ProfileEvent> objects;
-    for (const NamedMethodRecord& entry : store.finalizeRecords) {
-        collectObjectEvents(entry.record->events, objects);
+    for (const NamedMethodRecord* const entry : scope.finalizations) {
+        collectObjectEvents(entry->record->events, objects);
         if (!objects.empty()) {
             figures.layerConfig = readLayerConfig(objects.front().objectBytes(), figures.hasLayers());
             return;
@@ -85,13 +89,13 @@ double averagePerExecution(const GraphProfile& profile, std::uint64_t total) {
 }
 
 // Only objects directly below the events of an execution count.
-std::vector<const ProfileEvent*> graphProfileObjects(const EventStore& store) {
+std::vector<const ProfileEvent*> graphProfileObjects(const EventStore& store, const FigureScope& scope) {
     std::vector<const ProfileEvent*> objects;
     if (!store.mayHaveEvent(graphProfileName)) {
         return objects;
     }
-    for (const GraphMethodRecords& graph : store.executeRecords) {
-        for (const MethodRecord& record : graph.records) {
+    for (const GraphMethodRecords* const graph : scope.executions) {
+        for (const MethodRecord& record : graph->records) {
             for (const ProfileEvent& event : record.events) {
                 for (const ProfileEvent& subEvent : event.subEvents) {
                     if (subEvent.isObject() && subEvent.name == graphProfileName) {
@@ -124,49 +128,50 @@ void loadGraphProfile(BackendFigures& figures, const ProfileEvent& event,
     }
 }
 
-void loadGraphProfiles(BackendFigures& figures, const EventStore& store) {
-    const auto objects = graphProfileObjects(store);
+void loadGraphProfiles(BackendFigures& figures, const EventStore& store, const FigureScope& scope) {
+    const auto objects = graphProfileObjects(store, scope);
     if (objects.empty()) {
         return;
     }
-    const auto hostTimeUs = findExecuteEventNumber(store, hostTimeName);
+    const auto hostTimeUs = findExecuteEventNumber(store, scope, hostTimeName);
     for (const ProfileEvent* const object : objects) {
         loadGraphProfile(figures, *object, hostTimeUs);
     }
 }
 
-void workOutExecution(BackendFigures& figures, const EventStore& store) {
+void workOutExecution(BackendFigures& figures, const EventStore& store, const FigureScope& scope) {
     ExecutionFigures& execution = figures.execution;
     execution.isAsync = store.asyncExecute;
-    execution.hasAverage = !store.executeAverage.empty();
+    execution.hasAverage = !scope.averages.empty();
     if (!execution.hasAverage) {
         // A log that failed to load has executions without an average; the CSV form names their tensor
         // copies.
         for (std::size_t copy = 0; copy < tensorCopyNames.size(); ++copy) {
-            if (findExecuteEventValue(store, tensorCopyNames[copy])) {
+            if (findExecuteEventValue(store, scope, tensorCopyNames[copy])) {
                 execution.tensorCopyUs[copy] = 0.0;
             }
         }
         return;
     }
-    execution.lastGraphUs = store.executeAverage.back().record->durationUs;
-    if (store.executeAverage.size() == 1) {
+    execution.lastGraphUs = scope.averages.back()->record->durationUs;
+    if (scope.averages.size() == 1) {
         execution.onlyGraphUs = execution.lastGraphUs;
     }
-    loadGraphProfiles(figures, store);
+    loadGraphProfiles(figures, store, scope);
     const GraphProfile& profile = figures.graphProfile;
     execution.dspClockMhz = static_cast<std::uint32_t>(figures.layerConfig.dspClockHz / hzPerMhz);
     execution.krelClockMhz = static_cast<std::uint32_t>(figures.layerConfig.krelClockHz / hzPerMhz);
     if (execution.isAsync) {
         for (const std::string_view name : queueWaitNames) {
-            execution.queueWaitUs += perExecution(profile, findExecuteEventNumber(store, name).value_or(0));
+            execution.queueWaitUs +=
+                perExecution(profile, findExecuteEventNumber(store, scope, name).value_or(0));
         }
     }
-    if (const auto total = findExecuteEventNumber(store, executeCallName(execution.isAsync))) {
+    if (const auto total = findExecuteEventNumber(store, scope, executeCallName(execution.isAsync))) {
         execution.apiUs = perExecution(profile, *total);
     }
     for (std::size_t copy = 0; copy < tensorCopyNames.size(); ++copy) {
-        if (const auto total = findExecuteEventNumber(store, tensorCopyNames[copy])) {
+        if (const auto total = findExecuteEventNumber(store, scope, tensorCopyNames[copy])) {
             execution.tensorCopyUs[copy] = averagePerExecution(profile, *total);
         }
     }
@@ -176,16 +181,16 @@ void workOutExecution(BackendFigures& figures, const EventStore& store) {
 
 }  // namespace
 
-ProfileLevel readProfileLevel(const EventStore& store) {
-    const auto text = findExecuteEventValue(store, levelName);
+std::optional<ProfileLevel> findProfileLevel(const EventStore& store) {
+    const auto text = findExecuteEventValue(store, wholeRun(store), levelName);
     if (!text) {
         logMessage(ZEB_LOG_LEVEL_WARN, "failed get Profile Level Value!");
-        return ProfileLevel::basic;
+        return std::nullopt;
     }
     if (text->empty()) {
         logMessage(ZEB_LOG_LEVEL_WARN,
                    "Profiling Level is not found, CSV file will still be generated with basic level.");
-        return ProfileLevel::basic;
+        return std::nullopt;
     }
     switch (const auto level = static_cast<ProfileLevel>(checkedSigned32(*text))) {
         case ProfileLevel::basic:
@@ -196,15 +201,40 @@ ProfileLevel readProfileLevel(const EventStore& store) {
     if (const auto logger = loggerFor(ZEB_LOG_LEVEL_WARN)) {
         logMessage(*logger, ZEB_LOG_LEVEL_WARN, "Profile Level Value %s not supported.", text->c_str());
     }
-    return ProfileLevel::basic;
+    return std::nullopt;
+}
+
+ProfileLevel readProfileLevel(const EventStore& store) {
+    return findProfileLevel(store).value_or(ProfileLevel::basic);
+}
+
+std::optional<std::vector<NodeMappingEntry>> findNodeMapping(const EventStore& store) {
+    std::vector<ProfileEvent> objects;
+    collectObjectEvents(initSectionEvents(store), objects);
+    if (objects.size() >= 2) {
+        return readNodeMapping(objects[0].objectBytes(), objects[1].objectBytes());
+    }
+    if (objects.size() == 1) {
+        logMessage(ZEB_LOG_LEVEL_WARN, "Expected 2 opaque objects for node mapping, got 1; skipping.");
+    }
+    return std::nullopt;
 }
 
 BackendFigures workOutFigures(const EventStore& store, ProfileLevel level) {
+    const auto mapping = findNodeMapping(store);
+    return workOutFigures(store, wholeRun(store), level, mapping ? &*mapping : nullptr);
+}
+
+BackendFigures workOutFigures(const EventStore& store, const FigureScope& scope, ProfileLevel level,
+                              const std::vector<NodeMappingEntry>* mapping) {
     BackendFigures figures;
     figures.profileLevel = level;
-    loadNodeMapping(figures, store);
-    loadLayerConfig(figures, store);
-    workOutExecution(figures, store);
+    if (mapping != nullptr) {
+        figures.hasNodeMapping = true;
+        figures.zebLayers = gatherZebLayers(*mapping);
+    }
+    loadLayerConfig(figures, store, scope);
+    workOutExecution(figures, store, scope);
     if (figures.hasLayers()) {
         const LayerStatsList layerStats = computeLayerStats(figures.graphProfile, figures.layerConfig);
         addLayerTimes(figures.zebLayers.layers, layerStats);

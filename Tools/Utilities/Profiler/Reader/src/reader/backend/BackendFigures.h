@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <string_view>
+#include <vector>
 
 #include "reader/backend/BackendObjects.h"
 #include "reader/backend/OruLayers.h"
@@ -66,13 +67,31 @@ struct BackendFigures {
     [[nodiscard]] bool hasLayers() const { return profileLevel != ProfileLevel::basic; }
 };
 
-/// @return the profiling level that the log tells; basic, which is logged, when it tells none
+/// The records that figures are worked out from, all of them of one store.
+struct FigureScope {
+    std::vector<const GraphMethodRecords*> executions;
+    std::vector<const NamedMethodRecord*> averages;       ///< of these executions
+    std::vector<const NamedMethodRecord*> finalizations;  ///< the first with a configuration tells it
+};
+
+/// @return the profiling level that the log tells; nothing, which is logged, when it tells none
 /// @throws std::invalid_argument, std::out_of_range for a value that has to be a number and is none
+std::optional<ProfileLevel> findProfileLevel(const EventStore& store);
+
+/// @return the same, basic when the log tells none
 ProfileLevel readProfileLevel(const EventStore& store);
+
+/// @return the node mapping; nothing, which is logged if it is but half there, when the log has none
+std::optional<std::vector<NodeMappingEntry>> findNodeMapping(const EventStore& store);
 
 /// Works out the figures of a run, once.
 /// @param store aggregated; of a log that failed to load it has no averages, and the figures none but names
 /// @throws as above; std::bad_alloc
 BackendFigures workOutFigures(const EventStore& store, ProfileLevel level);
+
+/// Works out the figures of a part of a run.
+/// @param mapping null: no ZEB layers
+BackendFigures workOutFigures(const EventStore& store, const FigureScope& scope, ProfileLevel level,
+                              const std::vector<NodeMappingEntry>* mapping);
 
 }  // namespace zeb::profiling

@@ -1,0 +1,187 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "store/ProfileEvent.h"
+
+/// The figures of one run as plain values. They own all that they hold, so a run outlives the log and the
+/// store that it was made from. Units stand in the names; texts are the bytes of the log and may be no UTF-8.
+namespace zeb::analysis {
+
+/// How deep a run was profiled.
+enum class Level : std::int32_t { basic = 1, detailed = 2, internal = 1100 };
+
+using Value = std::variant<std::monostate, std::int64_t, std::uint64_t, double, std::string>;
+
+/// An event and what stands below it.
+struct Event {
+    std::string name;
+    std::uint32_t type = 0;
+    profiling::EventUnit unit = profiling::EventUnit::microseconds;
+    Value value;
+    std::optional<std::uint64_t> objectBytes;  ///< size of an object event's content
+    std::vector<Event> events;
+};
+
+/// What the log says about itself.
+struct Header {
+    double timeScale = 0.0;
+    std::uint64_t epochUs = 0;   ///< since the Unix epoch
+    std::uint64_t steadyUs = 0;  ///< steady clock at the same moment
+    std::string generatorName;
+    std::string generatorVersion;
+    std::string backendVersion;
+    bool isAdapterUpdaterLog = false;
+};
+
+enum class StepKind : std::uint8_t { libraryLoad, initStep, compose, init, finalize, deInit };
+
+/// One measured step of the start or the end of a run.
+struct Step {
+    StepKind kind = StepKind::init;
+    std::string text;                         ///< the graph, where the step has one
+    std::optional<std::uint64_t> startUs;     ///< of the log's clock
+    std::optional<std::uint64_t> durationUs;  ///< nothing when the log does not have both times
+    std::vector<Event> events;                ///< of the latest step of a kind, and of a graph
+};
+
+/// All occurrences together of a method that is neither a step nor an execution.
+struct OtherMethod {
+    std::string method;
+    std::string graph;
+    std::uint64_t count = 0;
+    std::uint64_t averageUs = 0;  ///< of those that have a duration, cut; so are the two below
+    std::uint64_t minUs = 0;
+    std::uint64_t maxUs = 0;
+};
+
+/// The executions of a graph in log order, as columns of one length.
+struct Executions {
+    std::vector<std::optional<std::uint64_t>> startUs;     ///< of the log's clock
+    std::vector<std::optional<std::uint64_t>> durationUs;  ///< nothing when the log does not have both times
+    std::vector<std::optional<std::uint64_t>> queueWaitUs;
+
+    [[nodiscard]] std::size_t count() const { return durationUs.size(); }
+};
+
+/// How durations are spread. Quantiles lie between the two nearest values in proportion; over no values all
+/// is 0.
+struct Spread {
+    std::uint64_t count = 0;  ///< of durations that are not 0
+    double minUs = 0.0;
+    double medianUs = 0.0;
+    double p90Us = 0.0;
+    double p99Us = 0.0;
+    double maxUs = 0.0;
+    double firstUs = 0.0;
+};
+
+/// The average, the shortest or the longest execution.
+struct TypicalExecution {
+    std::uint64_t durationUs = 0;
+    std::vector<Event> events;
+};
+
+/// Where the time of an average execution goes, by the backend's totals over all executions. Nothing where
+/// the log does not tell.
+struct Breakdown {
+    std::uint32_t executionCount = 0;        ///< by the backend
+    std::optional<std::uint64_t> backendUs;  ///< in the backend's call; asynchronous: with the queue wait
+    std::optional<std::uint64_t> queueWaitUs;
+    std::optional<double> inputCopyUs;
+    std::optional<double> outputCopyUs;
+    std::optional<std::uint64_t> ipcUs;
+    std::optional<std::uint64_t> acceleratorUs;
+};
+
+/// A layer of the accelerator's graph; times and cycles are averages of an execution.
+struct OruLayer {
+    std::uint32_t id = 0;
+    std::uint32_t type = 0;
+    std::string typeName;
+    bool isOffloaded = false;  ///< runs on the Krel core, else on the DSP
+    bool isLinked = false;
+    bool isLoopbackEnabled = false;
+    std::uint32_t mergedGroup = 0;  ///< of a linked layer
+    std::uint32_t executions = 0;
+    std::uint64_t averageUs = 0;  ///< as the DSP sees it
+    std::uint64_t totalUs = 0;    ///< over all executions
+    std::uint64_t dspCycles = 0;
+    std::uint64_t totalDspCycles = 0;
+    std::uint32_t halUs = 0;  ///< this and all below: offloaded layers only
+    std::uint32_t driverUs = 0;
+    std::uint32_t cacheFlushUs = 0;
+    std::uint32_t krelExecUs = 0;
+    std::uint32_t nodes = 0;
+    std::uint32_t coreCycles = 0;
+    std::uint32_t coreUs = 0;
+
+    /// The time that the reports count for the layer: on the core where it is offloaded, else on the DSP.
+    [[nodiscard]] std::uint64_t timeUs() const { return isOffloaded ? coreUs : averageUs; }
+};
+
+/// A layer of the framework's graph.
+struct ZebLayer {
+    std::string name;
+    std::uint64_t dspUs = 0;
+    std::uint64_t krelUs = 0;
+    std::vector<std::uint32_t> oruLayers;  ///< their ids
+
+    [[nodiscard]] std::uint64_t timeUs() const { return dspUs + krelUs; }
+};
+
+/// The ORU layers of one type together.
+struct LayerType {
+    std::string name;
+    std::uint64_t dspLayers = 0;
+    std::uint64_t krelLayers = 0;
+    std::uint64_t timeUs = 0;
+};
+
+/// A sentence on what stands out, and the figure that it rests on.
+struct Finding {
+    std::string rule;  ///< its name in the table of rules
+    std::string text;  ///< one sentence
+    std::optional<double> us;
+    std::optional<double> percent;
+};
+
+/// One graph, worked out from its own executions and its own objects.
+struct Graph {
+    std::string name;
+    Executions executions;
+    Spread spread;
+    TypicalExecution average;
+    TypicalExecution shortest;
+    TypicalExecution longest;
+    std::optional<Breakdown> breakdown;  ///< nothing when the log has no data of the backend on it
+    std::uint32_t dspClockHz = 0;        ///< 0: not told
+    std::uint32_t krelClockHz = 0;
+    std::vector<OruLayer> oruLayers;    ///< in the order of the report
+    std::vector<ZebLayer> zebLayers;    ///< in the order of the report
+    std::vector<LayerType> layerTypes;  ///< the costliest first
+    std::vector<Finding> findings;      ///< the weightiest first
+
+    [[nodiscard]] std::uint64_t layersDspUs()
+        const;  ///< of the ZEB layers, or of the ORU layers if there are none
+    [[nodiscard]] std::uint64_t layersKrelUs() const;  ///< the same
+};
+
+/// Everything about a run.
+struct Run {
+    std::string logFile;  ///< its name as it was given
+    std::optional<Header> header;
+    std::optional<Level> level;  ///< nothing when the log has no data of the backend
+    bool isAsync = false;
+    std::vector<Step> steps;  ///< in log order
+    std::vector<Graph> graphs;
+    std::vector<OtherMethod> otherMethods;
+    std::vector<Finding> findings;  ///< on the log as a whole
+};
+
+}  // namespace zeb::analysis
