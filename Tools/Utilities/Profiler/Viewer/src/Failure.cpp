@@ -10,7 +10,7 @@ namespace zeb::viewer {
 
 void printErrorLine(std::string_view text) noexcept {
     try {
-        std::cerr << std::string(programName).append(": ").append(shownOnOneLine(text)).append("\n");
+        std::cerr << std::string(programName).append(": ").append(forms::shownOnOneLine(text)).append("\n");
     } catch (...) {
         std::fputs("zeb-profile-viewer: there is not enough memory\n", stderr);
     }

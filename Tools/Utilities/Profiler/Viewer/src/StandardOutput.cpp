@@ -53,7 +53,7 @@ void DescriptorBuffer::setTerminalText(bool isOn) {
     finish();
     terminalText_.reset();
     if (isOn) {
-        terminalText_.emplace(TerminalText::Newlines::kept);
+        terminalText_.emplace(forms::TerminalText::Newlines::kept);
     }
 }
 

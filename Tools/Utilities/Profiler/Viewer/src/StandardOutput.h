@@ -37,7 +37,7 @@ private:
 
     int descriptor_;
     int error_ = 0;
-    std::optional<TerminalText> terminalText_;
+    std::optional<forms::TerminalText> terminalText_;
     std::array<char, 65536> buffer_{};
 };
 

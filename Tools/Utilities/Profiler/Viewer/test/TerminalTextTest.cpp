@@ -14,6 +14,9 @@
 namespace zeb::viewer {
 namespace {
 
+using forms::shownOnOneLine;
+using forms::TerminalText;
+
 TEST(TerminalText, ShowsWhatATerminalWouldObey) {
     const std::pair<std::string, std::string> cases[] = {
         {"plain \xC3\xA9 \xE2\x82\xAC \xF0\x9F\x99\x82", "plain \xC3\xA9 \xE2\x82\xAC \xF0\x9F\x99\x82"},

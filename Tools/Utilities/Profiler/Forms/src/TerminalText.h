@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-namespace zeb::viewer {
+namespace zeb::forms {
 
 /// Makes of text that comes from elsewhere what a terminal shows and doesn't obey: each control character
 /// (U+0000 to U+001F, U+007F to U+009F, a stray byte 80 to 9F) and each override of the writing direction
@@ -29,4 +29,4 @@ private:
 /// @return the text as one line
 std::string shownOnOneLine(std::string_view text);
 
-}  // namespace zeb::viewer
+}  // namespace zeb::forms

@@ -5,7 +5,7 @@
 #include <optional>
 #include <utility>
 
-namespace zeb::viewer {
+namespace zeb::forms {
 
 namespace {
 
@@ -109,4 +109,4 @@ std::string shownOnOneLine(std::string_view text) {
     return shown += line.rest();
 }
 
-}  // namespace zeb::viewer
+}  // namespace zeb::forms
