@@ -15,11 +15,11 @@ Reader/src/reports            store text logging zeb/profiling
 Reader/src/reader             reports store text log logging zeb/profiling
 Reader/src/commandline        zeb/profiling
 Reader/src/reader/backend     reader reports store text log logging commandline zeb/profiling
-Viewer/src                    log logging flatbuffers zeb/profiling
+Viewer/src                    log logging text flatbuffers zeb/profiling
 Analysis/src                  reader/backend reports store text log memory zeb/profiling
 Forms/src                     text log store
 SampleLog/src                 log flatbuffers
-SampleLog/src/command         log zeb/profiling
+SampleLog/src/command         log text zeb/profiling
 '
 
 {

@@ -8,6 +8,26 @@
 
 namespace zeb::viewer {
 
+std::string_view meaningOf(ExitCode exitCode) {
+    switch (exitCode) {
+        case ExitCode::good:
+            return "good";
+        case ExitCode::badLog:
+            return "the log can't be read, needs more memory than it may have (--max-memory), or has an "
+                   "object\n"
+                   "that would be saved outside of the directory for objects, or as the CSV file";
+        case ExitCode::usage:
+            return "wrong usage, or the reader has shown its help";
+        case ExitCode::badOutput:
+            return "the CSV file, an object or standard output can't be written; the CSV file is as it was";
+        case ExitCode::badPlugin:
+            return "the reader plug-in can't be loaded";
+        case ExitCode::badReport:
+            return "the report failed on a value in the log";
+    }
+    return {};
+}
+
 void printErrorLine(std::string_view text) noexcept {
     try {
         std::cerr << std::string(programName).append(": ").append(forms::shownOnOneLine(text)).append("\n");

@@ -9,15 +9,19 @@ namespace zeb::viewer {
 
 inline constexpr std::string_view programName = "zeb-profile-viewer";
 
-/// Exit codes of the command, as its help documents them.
 enum class ExitCode : std::uint8_t {
     good = 0,
-    badLog = 1,     ///< the log can't be read
-    usage = 2,      ///< the command line is wrong
-    badOutput = 3,  ///< the CSV file, an object or standard output can't be written
-    badPlugin = 4,  ///< the plug-in can't be loaded
-    badReport = 5,  ///< the report failed on a value in the log
+    badLog = 1,
+    usage = 2,
+    badOutput = 3,
+    badPlugin = 4,
+    badReport = 5,
 };
+
+/// @return what the exit code says, as help and README have it, in several lines where it is long; empty for
+/// a
+///         number that is none
+std::string_view meaningOf(ExitCode exitCode);
 
 /// Ends the command with an exit code and one line on standard error.
 class Failure final : public std::runtime_error {

@@ -14,8 +14,8 @@
 
 #include "Failure.h"
 #include "FileDescriptor.h"
-#include "flatbuffers/flatbuffers.h"
 #include "log/ChunkCheck.h"
+#include "log/ChunkPrefix.h"
 #include "log/ChunkReader.h"
 
 namespace zeb::viewer {
@@ -23,9 +23,8 @@ namespace zeb::viewer {
 namespace {
 
 using profiling::ChunkFault;
+using profiling::chunkPrefixSize;
 using profiling::ChunkReader;
-
-constexpr std::uint64_t prefixSize = 4;
 
 std::string unreadable(int error) {
     return "the log can't be read: " + errorText(error);
@@ -41,28 +40,12 @@ std::optional<std::string> troubleWithRegularFile(const std::string& path) {
     return count == 0 ? std::optional<std::string>("the file is empty") : std::nullopt;
 }
 
-const char* wordsFor(ChunkFault fault) {
-    switch (fault) {
-        case ChunkFault::none:
-            break;
-        case ChunkFault::tooShort:
-            return "is too short to be a chunk";
-        case ChunkFault::tooLong:
-            return "is too long for a FlatBuffer";
-        case ChunkFault::rootOffset:
-            return "has a root offset that leads out of it";
-        case ChunkFault::verification:
-            return "fails verification: a table, vector or string in it is malformed";
-    }
-    return "is sound";
-}
-
 std::string cutOff(std::uint64_t bytesThere) {
     return "is cut off at the end of the file: only " + std::to_string(bytesThere) + " bytes of it are there";
 }
 
 // Gives how many of the bytes there are, negative for an error of the system.
-ssize_t readAt(const FileDescriptor& file, std::uint64_t offset, std::span<unsigned char> bytes) {
+ssize_t readAt(const FileDescriptor& file, std::uint64_t offset, std::span<std::uint8_t> bytes) {
     return restarted(
         [&] { return ::pread(file.get(), bytes.data(), bytes.size(), static_cast<::off_t>(offset)); });
 }
@@ -75,19 +58,19 @@ public:
 
     /// @return the length that stands at an offset beyond all before, nothing at the end of the file or when
     ///         it can't be read
-    std::optional<std::uint32_t> lengthAt(std::uint64_t offset) {
-        if (offset + prefixSize > start_ + size_) {
+    std::optional<profiling::ChunkLength> lengthAt(std::uint64_t offset) {
+        if (offset + chunkPrefixSize > start_ + size_) {
             const bool isNear = offset < start_ + size_ + bytes_.size();
             const ssize_t count =
-                readAt(file_, offset, std::span(bytes_).first(isNear ? bytes_.size() : prefixSize));
+                readAt(file_, offset, std::span(bytes_).first(isNear ? bytes_.size() : chunkPrefixSize));
             error_ = count < 0 ? errno : 0;
             start_ = offset;
             size_ = static_cast<std::size_t>(std::max<ssize_t>(count, 0));
         }
-        if (offset + prefixSize > start_ + size_) {
+        if (offset + chunkPrefixSize > start_ + size_) {
             return std::nullopt;
         }
-        return flatbuffers::ReadScalar<std::uint32_t>(&bytes_[offset - start_]);
+        return profiling::chunkLengthIn(&bytes_[offset - start_]);
     }
 
     /// @return the system's error that the last call met, else 0
@@ -98,14 +81,14 @@ private:
     std::uint64_t start_ = 0;  ///< of the bytes that are there, in the file
     std::size_t size_ = 0;
     int error_ = 0;
-    std::array<unsigned char, 65536> bytes_;
+    std::array<std::uint8_t, 65536> bytes_;
 };
 
 // A chunk that gave fewer bytes than it has: the file ends before it does, or the system can't read on.
 std::string endOf(const std::string& path, const ChunkReader& chunks) {
     const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
-    std::array<unsigned char, 1> byte{};
-    if (file.isOpen() && readAt(file, chunks.offset() + prefixSize + chunks.bytesRead(), byte) < 0) {
+    std::array<std::uint8_t, 1> byte{};
+    if (file.isOpen() && readAt(file, chunks.offset() + chunkPrefixSize + chunks.bytesRead(), byte) < 0) {
         return "can't be read beyond its first " + std::to_string(chunks.bytesRead()) +
                " bytes: " + errorText(errno);
     }
@@ -115,7 +98,7 @@ std::string endOf(const std::string& path, const ChunkReader& chunks) {
 // A damaged length asks for more memory than the file could ever fill.
 std::string tooLarge(const std::string& path, const ChunkReader& chunks, const MemoryLimit& memory) {
     struct stat status {};
-    const std::uint64_t start = chunks.offset() + prefixSize;
+    const std::uint64_t start = chunks.offset() + chunkPrefixSize;
     if (::stat(path.c_str(), &status) == 0) {
         const auto fileSize = static_cast<std::uint64_t>(status.st_size);
         if (fileSize >= start && fileSize - start < chunks.length()) {
@@ -134,7 +117,7 @@ std::optional<std::string> troubleWithChunk(const std::string& path, ChunkReader
             return endOf(path, chunks);
         }
         const ChunkFault fault = profiling::checkChunk(buffer->bytes());
-        return fault == ChunkFault::none ? std::nullopt : std::optional<std::string>(wordsFor(fault));
+        return fault == ChunkFault::none ? std::nullopt : std::optional(std::string(wordsFor(fault)));
     } catch (const std::bad_alloc&) {
         return tooLarge(path, chunks, memory);
     } catch (const std::length_error&) {
@@ -170,7 +153,7 @@ std::optional<std::string> whyEndedEarly(const std::string& path) {
     LengthReader lengths(file);
     std::uint64_t offset = 0;
     while (const auto length = lengths.lengthAt(offset)) {
-        offset += prefixSize + *length;
+        offset += chunkPrefixSize + *length;
     }
     return lengths.error() == 0 ? std::nullopt
                                 : std::optional("the log can't be read beyond byte " +

@@ -10,21 +10,13 @@
 #include <vector>
 
 #include "Failure.h"
+#include "NamedReaders.h"
 
 namespace zeb::viewer {
 
 namespace {
 
 namespace fs = std::filesystem;
-
-struct NamedReader {
-    std::string_view name;
-    std::string_view fileName;
-};
-constexpr NamedReader namedReaders[] = {
-    {"murl", "libZebMurlProfilingReader.so"},
-    {"generic", "libZebGenericProfilingReader.so"},
-};
 
 // Beside the program, in its ../lib, and where the installation puts libraries on this system.
 constexpr std::string_view libraryDirectories[] = {".", "../lib", ZEB_LIBRARY_DIRECTORY};

@@ -9,6 +9,7 @@
 #include <iostream>
 
 #include "Failure.h"
+#include "FileDescriptor.h"
 
 namespace zeb::viewer {
 
@@ -21,7 +22,7 @@ bool isClosed(int descriptor) {
 // A pipe that somebody has set to non-blocking: wait until it takes more.
 bool waitUntilWritable(int descriptor) {
     pollfd entry{descriptor, POLLOUT, 0};
-    return ::poll(&entry, 1, -1) >= 0 || errno == EINTR;
+    return restarted([&entry] { return ::poll(&entry, 1, -1); }) >= 0;
 }
 
 }  // namespace
@@ -73,10 +74,10 @@ int DescriptorBuffer::sync() {
 
 void DescriptorBuffer::writeAll(std::string_view bytes) {
     while (!bytes.empty() && error_ == 0) {
-        const ssize_t count = ::write(descriptor_, bytes.data(), bytes.size());
+        const ssize_t count = restarted([&] { return ::write(descriptor_, bytes.data(), bytes.size()); });
         if (count >= 0) {
             bytes.remove_prefix(static_cast<std::size_t>(count));
-        } else if (errno != EINTR && !(errno == EAGAIN && waitUntilWritable(descriptor_))) {
+        } else if (errno != EAGAIN || !waitUntilWritable(descriptor_)) {
             error_ = errno;
         }
     }

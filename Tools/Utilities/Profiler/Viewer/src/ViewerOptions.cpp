@@ -2,10 +2,11 @@
 
 #include <CLI/CLI.hpp>
 #include <charconv>
-#include <memory>
+#include <cstddef>
 #include <string_view>
 
 #include "Failure.h"
+#include "text/TwoColumns.h"
 
 namespace zeb::viewer {
 
@@ -13,96 +14,30 @@ namespace {
 
 constexpr int minLevel = -128;
 constexpr int maxLevel = 127;
-constexpr std::size_t helpColumn = 26;
+constexpr std::string_view aboutText = R"(Reads a profiling log and prints the report of its run.
 
-constexpr const char* aboutText = R"(Reads a profiling log and prints the report of its run.
+Usage: zeb-profile-viewer [options] LOG [reader options]
+
+Options:
 )";
 
-constexpr const char* detailsText =
-    R"(Options that the viewer doesn't know go to the reader. Give them behind LOG, and their values as --name=value
+constexpr std::string_view detailsText = R"(
+Options that the viewer doesn't know go to the reader. Give them behind LOG, and their values as --name=value
 or as the words behind the name. A "--" ends the options: what follows it are file names.
 
 LOG may also be a pipe: use /dev/stdin to read the log from standard input.
 
 Exit codes:
-  0  good
-  1  the log can't be read, needs more memory than it may have, or names objects outside of DIR
-  2  wrong usage, or the reader has shown its help
-  3  the CSV file, an object or standard output can't be written; the CSV file is as it was
-  4  the reader plug-in can't be loaded
-  5  the report failed on a value in the log
+)";
 
+constexpr std::string_view examplesText = R"(
 Examples:
   zeb-profile-viewer run.log
   zeb-profile-viewer --csv runs.csv run.log --internal
   zeb-profile-viewer --save-objects=objects run.log
   zeb-profile-viewer --reader generic --level 2 run.log
-  zcat run.log.gz | zeb-profile-viewer /dev/stdin)";
-
-class HelpFormatter final : public CLI::Formatter {
-public:
-    HelpFormatter() { column_width(helpColumn); }
-
-    std::string make_usage(const CLI::App* /*app*/, std::string name) const override {
-        return "Usage: " + name + " [options] LOG [reader options]\n";
-    }
-    std::string make_positionals(const CLI::App* /*app*/) const override { return {}; }
-    std::string make_option_name(const CLI::Option* option, bool /*isPositional*/) const override {
-        return option->get_name();
-    }
-    std::string make_option_opts(const CLI::Option* option) const override {
-        const std::string type = option->get_type_size() == 0 ? "" : option->get_type_name();
-        return type.empty() || type.starts_with('[') ? type : " " + type;
-    }
-};
-
-// The declared options and what they fill. Numbers stay text, so that help is shown whatever they hold.
-struct CommandLine {
-    CommandLine();
-
-    CLI::App app{aboutText, std::string(programName)};
-    ViewerOptions options;
-    std::string level;
-    std::string maxMemory;
-    std::string objectDirectory;
-    bool help = false;
-    bool version = false;
-};
-
-CommandLine::CommandLine() {
-    app.set_help_flag();
-    app.allow_extras();
-    app.formatter(std::make_shared<HelpFormatter>());
-    app.footer(detailsText);
-    app.add_option("LOG", options.log);
-    app.add_option("--reader", options.reader,
-                   "Plug-in that reads the log: murl (default), generic, or the path of a\n"
-                   "library. A name is looked for beside this program, in its ../lib and\n"
-                   "where the loader looks.")
-        ->type_name("NAME|PATH");
-    app.add_option("--csv", options.csv, "Append the CSV report to FILE.")->type_name("FILE");
-    app.add_flag("--raw", options.raw,
-                 "Let control characters in names and texts of the log reach a terminal, where\n"
-                 "they show as \"?\" otherwise. A file or a pipe gets them in any case.");
-    app.add_option("--level", level,
-                   "Visibility level, -128 to 127: messages of this level and above are\n"
-                   "left out. Default 127: everything below it.")
-        ->type_name("N");
-    app.add_flag("--save-objects{.}", objectDirectory,
-                 "Let the reader save object events to files in the directory DIR (default:\n"
-                 "the working directory). Files that are there are not overwritten, and a\n"
-                 "log whose object names lead out of the directory is refused.")
-        ->type_name("[=DIR]")
-        ->multi_option_policy(CLI::MultiOptionPolicy::Throw);
-    app.add_flag("--trust-object-names", options.trustObjectNames,
-                 "Save objects under whatever names the log gives them.");
-    app.add_option("--max-memory", maxMemory,
-                   "The most memory to use, in bytes or with K, M or G behind the number.\n"
-                   "Default: three quarters of the machine's, or of the control group's.")
-        ->type_name("SIZE");
-    app.add_flag("--help", help, "Show this help and that of the reader.");
-    app.add_flag("--version", version, "Show the version.");
-}
+  zcat run.log.gz | zeb-profile-viewer /dev/stdin
+)";
 
 Failure usageFailure(const std::string& line) {
     return {ExitCode::usage, line + "; see " + std::string(programName) + " --help"};
@@ -118,45 +53,169 @@ Failure usageFailure(const CLI::ArgumentMismatch& error) {
     return usageFailure(text.substr(0, text.find(':')), "to be given once, with a value");
 }
 
-// The parser takes the word behind an option that ends in its "=" for its value.
-void refuseEmptyValues(int argc, const char* const* argv) {
-    for (int index = 1; index < argc && std::string_view(argv[index]) != "--"; ++index) {
-        for (const std::string name : {"--reader", "--csv", "--level", "--save-objects", "--max-memory"}) {
-            if (argv[index] == name + "=") {
-                throw usageFailure(name, "needs a value");
-            }
-        }
-    }
-}
-
-void checkValue(const CLI::App& app, const std::string& name, const std::string& value) {
-    if (app.count(name) == 0) {
-        return;
-    }
-    if (value.empty()) {
-        throw usageFailure(name, "needs a value");
-    }
-    if (value.starts_with("--")) {
-        throw usageFailure(name, "needs a value, and " + value + " is an option");
-    }
-}
-
-profiling::VisibilityLevel parseLevel(const std::string& text) {
+profiling::VisibilityLevel parseLevel(const std::string& name, const std::string& text) {
     int level = 0;
     const char* const end = text.data() + text.size();
     const auto [rest, error] = std::from_chars(text.data(), end, level);
     if (error != std::errc() || rest != end || level < minLevel || level > maxLevel) {
-        throw usageFailure("--level", "\"" + text + "\" is no number from -128 to 127");
+        throw usageFailure(name, "\"" + text + "\" is no number from -128 to 127");
     }
     return profiling::VisibilityLevel{static_cast<std::int8_t>(level)};
 }
 
-MemorySize parseMaxMemory(const std::string& text) {
+MemorySize parseMaxMemory(const std::string& name, const std::string& text) {
     const auto size = parseMemorySize(text);
     if (!size) {
-        throw usageFailure("--max-memory", "\"" + text + "\" is no size like 800M, 2G or 1000000");
+        throw usageFailure(name, "\"" + text + "\" is no size like 800M, 2G or 1000000");
     }
     return *size;
+}
+
+// What an option takes. Numbers are read last: help is shown whatever they hold.
+enum class Takes : std::uint8_t { nothing, text, optionalText, number };
+
+struct Given {
+    std::string name;
+    std::string value;
+};
+
+struct OptionRow {
+    std::string name;
+    Takes takes;
+    std::string_view valueForm;  ///< as help shows it behind the name
+    std::string help;
+    void (*apply)(ViewerOptions& options, const Given& given);
+};
+
+std::string readerNames() {
+    std::string names;
+    for (const NamedReader& reader : namedReaders) {
+        names.append(names.empty() ? "" : ", ").append(reader.name);
+        names += &reader == &namedReaders[0] ? " (default)" : "";
+    }
+    return names;
+}
+
+// All options, in the order of the help.
+const std::vector<OptionRow>& optionRows() {
+    static const std::vector<OptionRow> rows = {
+        {"--reader", Takes::text, " NAME|PATH",
+         "Plug-in that reads the log: " + readerNames() +
+             ", or the path of a\n"
+             "library. A name is looked for beside this program, in its ../lib and\n"
+             "where the loader looks.",
+         [](auto& options, const auto& given) { options.reader = given.value; }},
+        {"--csv", Takes::text, " FILE", "Append the CSV report to FILE.",
+         [](auto& options, const auto& given) { options.csv = given.value; }},
+        {"--raw", Takes::nothing, "",
+         "Let control characters in names and texts of the log reach a terminal, where\n"
+         "they show as \"?\" otherwise. A file or a pipe gets them in any case.",
+         [](auto& options, const auto& /*given*/) { options.raw = true; }},
+        {"--level", Takes::number, " N",
+         "Visibility level, -128 to 127: messages of this level and above are\n"
+         "left out. Default 127: everything below it.",
+         [](auto& options, const auto& given) { options.level = parseLevel(given.name, given.value); }},
+        {"--save-objects", Takes::optionalText, "[=DIR]",
+         "Let the reader save object events to files in the directory DIR (default:\n"
+         "the working directory). Files that are there are not overwritten, and a\n"
+         "log whose object names lead out of the directory, or to the CSV file, is\n"
+         "refused.",
+         [](auto& options, const auto& given) { options.objectDirectory = given.value; }},
+        {"--trust-object-names", Takes::nothing, "", "Save objects under whatever names the log gives them.",
+         [](auto& options, const auto& /*given*/) { options.trustObjectNames = true; }},
+        {"--max-memory", Takes::number, " SIZE",
+         "The most memory to use, in bytes or with K, M or G behind the number.\n"
+         "Default: three quarters of the machine's, or of the control group's.",
+         [](auto& options, const auto& given) {
+             options.maxMemory = parseMaxMemory(given.name, given.value);
+         }},
+        {"--help", Takes::nothing, "", "Show this help and that of the reader.",
+         [](auto& options, const auto& /*given*/) { options.action = Action::showHelp; }},
+        {"--version", Takes::nothing, "", "Show the version.",
+         [](auto& options, const auto& /*given*/) {
+             options.action = options.action == Action::showHelp ? Action::showHelp : Action::showVersion;
+         }},
+    };
+    return rows;
+}
+
+// The options as they are declared to the parser, and what it makes of them: text in all cases.
+class CommandLine {
+public:
+    CommandLine() : slots_(optionRows().size()) {
+        app_.set_help_flag();
+        app_.allow_extras();
+        app_.add_option(logName, log_);
+        for (std::size_t index = 0; index < slots_.size(); ++index) {
+            declare(optionRows()[index], slots_[index]);
+        }
+    }
+
+    void parse(int argc, const char* const* argv) { app_.parse(argc, argv); }
+
+    // Puts the options into effect that take a number, or all others.
+    void apply(ViewerOptions& options, bool numbers) const {
+        for (std::size_t index = 0; index < slots_.size(); ++index) {
+            const OptionRow& row = optionRows()[index];
+            const bool isGiven = row.takes == Takes::nothing ? slots_[index].isOn : app_.count(row.name) != 0;
+            if (isGiven && (row.takes == Takes::number) == numbers) {
+                checkValue(row, slots_[index].text);
+                row.apply(options, {row.name, slots_[index].text});
+            }
+        }
+    }
+
+    [[nodiscard]] bool hasLog() const { return app_.count(logName) != 0; }
+    [[nodiscard]] const std::string& log() const { return log_; }
+    [[nodiscard]] std::vector<std::string> remaining() const { return app_.remaining(); }
+
+private:
+    static constexpr const char* logName = "LOG";
+
+    struct Slot {
+        std::string text;
+        bool isOn = false;
+    };
+
+    void declare(const OptionRow& row, Slot& slot) {
+        switch (row.takes) {
+            case Takes::nothing:
+                app_.add_flag(row.name, slot.isOn);
+                break;
+            case Takes::text:
+            case Takes::number:
+                app_.add_option(row.name, slot.text);
+                break;
+            case Takes::optionalText:
+                app_.add_flag(row.name + "{.}", slot.text)
+                    ->multi_option_policy(CLI::MultiOptionPolicy::Throw);
+                break;
+        }
+    }
+
+    static void checkValue(const OptionRow& row, const std::string& value) {
+        if (row.takes == Takes::text && value.empty()) {
+            throw usageFailure(row.name, "needs a value");
+        }
+        if (row.takes == Takes::text && value.starts_with("--")) {
+            throw usageFailure(row.name, "needs a value, and " + value + " is an option");
+        }
+    }
+
+    CLI::App app_;
+    std::string log_;
+    std::vector<Slot> slots_;
+};
+
+// The parser takes the word behind an option that ends in its "=" for its value.
+void refuseEmptyValues(int argc, const char* const* argv) {
+    for (int index = 1; index < argc && std::string_view(argv[index]) != "--"; ++index) {
+        for (const OptionRow& row : optionRows()) {
+            if (row.takes != Takes::nothing && argv[index] == row.name + "=") {
+                throw usageFailure(row.name, "needs a value");
+            }
+        }
+    }
 }
 
 }  // namespace
@@ -165,48 +224,40 @@ ViewerOptions parseCommandLine(int argc, const char* const* argv) {
     refuseEmptyValues(argc, argv);
     CommandLine line;
     try {
-        line.app.parse(argc, argv);
+        line.parse(argc, argv);
     } catch (const CLI::ArgumentMismatch& error) {
         throw usageFailure(error);
     } catch (const CLI::ParseError& error) {
         throw usageFailure(error.what());
     }
-    ViewerOptions& options = line.options;
-    checkValue(line.app, "--reader", options.reader);
-    checkValue(line.app, "--csv", options.csv);
-    options.readerArguments = line.app.remaining();
-    if (line.help || line.version) {
-        options.action = line.help ? Action::showHelp : Action::showVersion;
-        return options;
-    }
-    if (line.app.count("--level") != 0) {
-        options.level = parseLevel(line.level);
-    }
-    if (line.app.count("--max-memory") != 0) {
-        options.maxMemory = parseMaxMemory(line.maxMemory);
-    }
-    if (line.app.count("--save-objects") != 0) {
-        options.objectDirectory = line.objectDirectory;
-    }
-    if (line.app.count("LOG") == 0) {
-        throw usageFailure("no LOG given");
+    ViewerOptions options;
+    options.log = line.log();
+    options.readerArguments = line.remaining();
+    line.apply(options, false);
+    if (options.action == Action::report) {
+        line.apply(options, true);
+        if (!line.hasLog()) {
+            throw usageFailure("no LOG given");
+        }
     }
     return options;
 }
 
 std::vector<std::string> viewerOptionNames() {
-    const CommandLine line;
     std::vector<std::string> names;
-    for (const CLI::Option* const option : line.app.get_options()) {
-        if (!option->get_positional()) {
-            names.push_back(option->get_name());
-        }
+    for (const OptionRow& row : optionRows()) {
+        names.push_back(row.name);
     }
     return names;
 }
 
 std::string helpText() {
-    return CommandLine().app.help();
+    std::vector<profiling::LabelledText> options;
+    for (const OptionRow& row : optionRows()) {
+        options.push_back({row.name + std::string(row.valueForm), row.help});
+    }
+    return std::string(aboutText) + twoColumns(options) + std::string(detailsText) +
+           twoColumns(profiling::rowsOf(meaningOf)) + std::string(examplesText);
 }
 
 }  // namespace zeb::viewer

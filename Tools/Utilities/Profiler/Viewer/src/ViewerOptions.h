@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "MemoryLimit.h"
+#include "NamedReaders.h"
 #include "zeb/profiling/VisibilityLevel.h"
 
 namespace zeb::viewer {
@@ -15,16 +16,16 @@ enum class Action : std::uint8_t { report, showHelp, showVersion };
 /// The command line of the viewer.
 struct ViewerOptions {
     Action action = Action::report;
-    std::string reader = "murl";  ///< name or path of the plug-in
-    std::string csv;              ///< empty: no CSV report
-    bool raw = false;             ///< control characters reach a terminal as they are
+    std::string reader{namedReaders[0].name};  ///< or the path of a plug-in
+    std::string csv;                           ///< empty: no CSV report
+    bool raw = false;                          ///< control characters reach a terminal as they are
     profiling::VisibilityLevel level{127};
     std::optional<std::string> objectDirectory;  ///< nothing: objects are not saved
     bool trustObjectNames = false;
     MemorySize maxMemory = defaultMemorySize();
     std::string log;
-    std::vector<std::string>
-        readerArguments;  ///< what the viewer doesn't know, in its order, with a "--" mark
+    /// What the viewer doesn't know, in its order, with a "--" mark.
+    std::vector<std::string> readerArguments;
 };
 
 /// Help and version win over a missing LOG and values that are no numbers.

@@ -32,6 +32,22 @@ Options verifierOptions() {
 
 }  // namespace
 
+std::string_view wordsFor(ChunkFault fault) {
+    switch (fault) {
+        case ChunkFault::none:
+            return "is sound";
+        case ChunkFault::tooShort:
+            return "is too short to be a chunk";
+        case ChunkFault::tooLong:
+            return "is too long for a FlatBuffer";
+        case ChunkFault::rootOffset:
+            return "has a root offset that leads out of it";
+        case ChunkFault::verification:
+            return "fails verification: a table, vector or string in it is malformed";
+    }
+    return {};
+}
+
 ChunkFault checkChunk(std::span<const std::uint8_t> chunk) {
     if (chunk.size() < minChunkSize) {
         return ChunkFault::tooShort;

@@ -5,19 +5,14 @@
 #include <span>
 #include <system_error>
 
+#include "log/ChunkPrefix.h"
 #include "memory/MemoryBlock.h"
 
 namespace zeb::profiling {
 
 namespace {
 
-constexpr std::size_t prefixSize = 4;
 constexpr std::size_t fileBufferSize = 1U << 16U;  // small chunks are many to a read
-
-std::uint32_t littleEndian32(const std::array<unsigned char, prefixSize>& bytes) {
-    return static_cast<std::uint32_t>(bytes[0]) | static_cast<std::uint32_t>(bytes[1]) << 8U |
-           static_cast<std::uint32_t>(bytes[2]) << 16U | static_cast<std::uint32_t>(bytes[3]) << 24U;
-}
 
 }  // namespace
 
@@ -31,16 +26,16 @@ ChunkReader::ChunkReader(const std::string& path)
 }
 
 bool ChunkReader::nextLength() {
-    std::array<unsigned char, prefixSize> prefix{};
-    file_.read(reinterpret_cast<char*>(prefix.data()), prefixSize);
+    std::array<std::uint8_t, chunkPrefixSize> prefix{};
+    file_.read(reinterpret_cast<char*>(prefix.data()), prefix.size());
     if (!file_) {
         return false;
     }
-    length_ = littleEndian32(prefix);
+    length_ = chunkLengthIn(prefix.data());
     bytesRead_ = 0;
     offset_ = nextOffset_;
     index_ = nextIndex_++;
-    nextOffset_ += prefixSize + length_;
+    nextOffset_ += chunkPrefixSize + length_;
     return true;
 }
 

@@ -11,7 +11,7 @@ bool FlatBufferReaderUtil::openChunk(const LogChunkBuffer& buffer) {
     static std::atomic<std::uint64_t> chunks = 0;
     fault_ = checkChunk(buffer.bytes());
     if (fault_ != ChunkFault::none) {
-        logMessage(ZEB_LOG_LEVEL_ERROR, "Corrupted flatbuffer binary stream");
+        logMessage(ZEB_LOG_LEVEL_ERROR, damagedChunkText);
         return false;
     }
     const schema::LogChunk* const root = schema::GetLogChunk(buffer.data());

@@ -7,6 +7,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "log/ChunkCheck.h"
 #include "log/ChunkReader.h"
 #include "logging/Logger.h"
 #include "reports/ConsoleReport.h"
@@ -25,7 +26,7 @@ std::unique_ptr<const LogChunkBuffer> readChunk(ChunkReader& chunks) {
     try {
         auto buffer = chunks.readBody();
         if (!buffer) {  // the end of the file cuts the chunk off
-            logMessage(ZEB_LOG_LEVEL_ERROR, "Corrupted flatbuffer binary stream");
+            logMessage(ZEB_LOG_LEVEL_ERROR, damagedChunkText);
         }
         return buffer;
     } catch (const std::bad_alloc& error) {
