@@ -1,118 +1,49 @@
 #include "CommandOptions.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <charconv>
 #include <cstddef>
 #include <limits>
-#include <memory>
+#include <vector>
+
+#include "text/TwoColumns.h"
 
 namespace zeb::samplelog {
 
 namespace {
 
-constexpr std::size_t helpColumn = 26;
-constexpr std::uint64_t maxCount = 1'000'000;
+constexpr std::uint32_t maxCount = 1'000'000;
 
-constexpr const char* aboutText = R"(Writes a profiling log as a runtime would write it.
+constexpr std::string_view aboutText = R"(Writes a profiling log as a runtime would write it.
+
+Usage: write-sample-log [options] FILE
+
+Options:
 )";
 
-constexpr const char* detailsText = R"(Kinds of log:
-  network          a run of an image classifier with its layers, times and objects
-  methods          a message of every method and every kind of value, small enough to
-                   check its reports by hand
-  adapter-updater  a log of the adapter updater
-  shared-events    a hostile log: a few kilobytes whose event tables share their
-                   sub-events down to the deepest level that a reader takes, so that
-                   they stand for more than two billion events. It passes every check.
-                   Reading it takes more time and memory than a machine has: limit both.
-
+constexpr std::string_view bytesText = R"(
 The same options give the same bytes, on every machine. FILE may be /dev/stdout. What FILE
 held before is lost.
 
 Exit codes:
-  0  good
-  2  wrong usage
-  3  FILE can't be written
+)";
 
+constexpr std::string_view examplesText = R"(
 Examples:
   write-sample-log sample.zlog
   write-sample-log --async --level internal --executions 100 sample.zlog
-  write-sample-log --kind methods methods.zlog)";
+  write-sample-log --kind methods methods.zlog
+)";
 
-template <typename Meaning>
-struct Choice {
-    std::string_view text;
-    Meaning meaning;
+struct Level {
+    std::string_view name;
+    std::string_view number;
+    ProfileLevel level;
 };
-
-constexpr Choice<LogKind> kinds[] = {{"network", LogKind::network},
-                                     {"methods", LogKind::methods},
-                                     {"adapter-updater", LogKind::adapterUpdater},
-                                     {"shared-events", LogKind::sharedEvents}};
-
-constexpr Choice<ProfileLevel> levels[] = {
-    {"basic", ProfileLevel::basic},       {"detailed", ProfileLevel::detailed},
-    {"internal", ProfileLevel::internal}, {"1", ProfileLevel::basic},
-    {"2", ProfileLevel::detailed},        {"1100", ProfileLevel::internal}};
-
-class HelpFormatter final : public CLI::Formatter {
-public:
-    HelpFormatter() { column_width(helpColumn); }
-
-    std::string make_usage(const CLI::App* /*app*/, std::string name) const override {
-        return "Usage: " + name + " [options] FILE\n";
-    }
-    std::string make_positionals(const CLI::App* /*app*/) const override { return {}; }
-    std::string make_option_opts(const CLI::Option* option) const override {
-        return option->get_type_size() == 0 ? "" : " " + option->get_type_name();
-    }
-};
-
-// The declared options and what they fill. Values stay texts, so that every complaint is worded here.
-struct CommandLine {
-    CommandLine();
-
-    [[nodiscard]] bool has(const std::string& name) const { return app.count(name) != 0; }
-
-    CLI::App app{aboutText, std::string(programName)};
-    std::string file;
-    std::string kind;
-    std::string level;
-    std::string executions;
-    std::string layers;
-    std::string graphs;
-    std::string seed;
-    bool async = false;
-    bool help = false;
-    bool version = false;
-};
-
-CommandLine::CommandLine() {
-    app.set_help_flag();
-    app.formatter(std::make_shared<HelpFormatter>());
-    app.footer(detailsText);
-    app.add_option("FILE", file);
-    app.add_option("--kind", kind,
-                   "Kind of log: network (default), methods, adapter-updater or\n"
-                   "shared-events. The options below are for a network.")
-        ->type_name("KIND");
-    app.add_flag("--async", async, "Execute asynchronously, with queue waits.");
-    app.add_option("--level", level,
-                   "Profiling level: basic (1), detailed (2, default) or internal (1100).\n"
-                   "At level basic there is no data on layers.")
-        ->type_name("LEVEL");
-    app.add_option("--executions", executions, "Executions of each graph, 1 to 1000000. Default 20.")
-        ->type_name("N");
-    app.add_option("--layers", layers,
-                   "ZEB layers of each graph, 1 to 1000000. Default: the 32 that the\n"
-                   "network has. Further ones have about four ORU layers each.")
-        ->type_name("N");
-    app.add_option("--graphs", graphs, "Graphs, 1 to 1000000. Default 1.")->type_name("N");
-    app.add_option("--seed", seed, "Add random variation to the times. Without it nothing is random.")
-        ->type_name("N");
-    app.add_flag("--help", help, "Show this help.");
-    app.add_flag("--version", version, "Show the version.");
-}
+constexpr Level levels[] = {{"basic", "1", ProfileLevel::basic},
+                            {"detailed", "2", ProfileLevel::detailed},
+                            {"internal", "1100", ProfileLevel::internal}};
 
 UsageError usageError(const std::string& line) {
     return UsageError(line + "; see " + std::string(programName) + " --help");
@@ -122,19 +53,6 @@ UsageError usageError(const std::string& line) {
 UsageError usageError(const CLI::ArgumentMismatch& error) {
     const std::string text = error.what();
     return usageError(text.substr(0, text.find(':')) + ": to be given once, with a value");
-}
-
-template <typename Meaning, std::size_t count>
-Meaning parseChoice(const std::string& name, const std::string& value,
-                    const Choice<Meaning> (&choices)[count]) {
-    std::string texts;
-    for (const auto& [text, meaning] : choices) {
-        if (text == value) {
-            return meaning;
-        }
-        texts.append(texts.empty() ? "" : ", ").append(text);
-    }
-    throw usageError(name + ": \"" + value + "\" is none of " + texts);
 }
 
 std::uint64_t parseNumber(const std::string& name, const std::string& value, std::uint64_t min,
@@ -149,78 +67,212 @@ std::uint64_t parseNumber(const std::string& name, const std::string& value, std
     return number;
 }
 
-void parseCounts(const CommandLine& line, NetworkOptions& options) {
-    const struct {
-        const char* name;
-        const std::string& text;
-        std::uint32_t& count;
-    } counts[] = {{"--executions", line.executions, options.executions},
-                  {"--layers", line.layers, options.layers},
-                  {"--graphs", line.graphs, options.graphs}};
-    for (const auto& [name, text, count] : counts) {
-        if (line.has(name)) {
-            count = static_cast<std::uint32_t>(parseNumber(name, text, 1, maxCount));
-        }
+// Names in a row, separated by commas.
+template <typename Rows, typename NameOf>
+std::string namesIn(const Rows& rows, NameOf nameOf) {
+    std::string names;
+    for (const auto& row : rows) {
+        names.append(names.empty() ? "" : ", ").append(nameOf(row));
     }
+    return names;
 }
 
-// An option that would change nothing is a mistake.
-void refuseNetworkOptions(const CommandLine& line) {
-    for (const char* const name : {"--async", "--level", "--executions", "--layers", "--graphs", "--seed"}) {
-        if (line.has(name)) {
-            throw usageError(std::string(name) + ": is for a log of the kind network only");
-        }
-    }
+std::string kindNames() {
+    return namesIn(sampleKinds, [](const SampleKind& kind) { return kind.name; });
 }
 
-NetworkOptions parseNetworkOptions(const CommandLine& line) {
-    NetworkOptions options;
-    options.async = line.async;
-    if (line.has("--level")) {
-        options.level = parseChoice("--level", line.level, levels);
+const SampleKind* parseKind(const std::string& name, const std::string& value) {
+    for (const SampleKind& kind : sampleKinds) {
+        if (kind.name == value) {
+            return &kind;
+        }
     }
-    if (line.has("--seed")) {
-        options.seed = parseNumber("--seed", line.seed, 0, std::numeric_limits<std::uint64_t>::max());
+    throw usageError(name + ": \"" + value + "\" is none of " + kindNames());
+}
+
+ProfileLevel parseLevel(const std::string& name, const std::string& value) {
+    for (const Level& level : levels) {
+        if (level.name == value || level.number == value) {
+            return level.level;
+        }
     }
-    parseCounts(line, options);
-    return options;
+    throw usageError(name + ": \"" + value + "\" is none of " +
+                     namesIn(levels, [](const Level& level) { return level.name; }) + ", " +
+                     namesIn(levels, [](const Level& level) { return level.number; }));
+}
+
+std::uint32_t parseCount(const std::string& name, const std::string& value) {
+    return static_cast<std::uint32_t>(parseNumber(name, value, 1, maxCount));
+}
+
+struct Given {
+    std::string name;
+    std::string value;
+};
+
+struct OptionRow {
+    std::string name;
+    std::string_view valueName;  ///< as help shows it; empty for an option without a value
+    bool isForNetwork;           ///< for a kind of log that takes such options, and else wrong usage
+    std::string help;
+    void (*apply)(CommandOptions& options, const Given& given);
+};
+
+// All options, in the order of the help and in which they take effect.
+const std::vector<OptionRow>& optionRows() {
+    static const std::string counts = "1 to " + std::to_string(maxCount);
+    static const std::vector<OptionRow> rows = {
+        {"--kind", "KIND", false,
+         "Kind of log, see below. Default " + std::string(sampleKinds[0].name) +
+             "; the options that follow are\nfor that kind.",
+         [](auto& options, const auto& given) { options.kind = parseKind(given.name, given.value); }},
+        {"--async", "", true, "Execute asynchronously, with queue waits.",
+         [](auto& options, const auto& /*given*/) { options.network.async = true; }},
+        {"--level", "LEVEL", true,
+         "Profiling level: basic (1), detailed (2, default) or internal (1100).\n"
+         "At level basic there is no data on layers.",
+         [](auto& options, const auto& given) {
+             options.network.level = parseLevel(given.name, given.value);
+         }},
+        {"--executions", "N", true, "Executions of each graph, " + counts + ". Default 20.",
+         [](auto& options, const auto& given) {
+             options.network.executions = parseCount(given.name, given.value);
+         }},
+        {"--layers", "N", true,
+         "ZEB layers of each graph, " + counts +
+             ". Default: the 32 that the\n"
+             "network has. Further ones have about four ORU layers each.",
+         [](auto& options, const auto& given) {
+             options.network.layers = parseCount(given.name, given.value);
+         }},
+        {"--graphs", "N", true, "Graphs, " + counts + ". Default 1.",
+         [](auto& options, const auto& given) {
+             options.network.graphs = parseCount(given.name, given.value);
+         }},
+        {"--seed", "N", true, "Add random variation to the times. Without it nothing is random.",
+         [](auto& options, const auto& given) {
+             options.network.seed =
+                 parseNumber(given.name, given.value, 0, std::numeric_limits<std::uint64_t>::max());
+         }},
+        {"--help", "", false, "Show this help.",
+         [](auto& options, const auto& /*given*/) { options.action = Action::showHelp; }},
+        {"--version", "", false, "Show the version.",
+         [](auto& options, const auto& /*given*/) {
+             options.action = options.action == Action::showHelp ? Action::showHelp : Action::showVersion;
+         }},
+    };
+    return rows;
+}
+
+// The options as they are declared to the parser. Values stay texts, so that every complaint is worded here.
+class CommandLine {
+public:
+    CommandLine() : slots_(optionRows().size()) {
+        app_.set_help_flag();
+        app_.add_option("FILE", file_);
+        for (std::size_t index = 0; index < slots_.size(); ++index) {
+            const OptionRow& row = optionRows()[index];
+            if (row.valueName.empty()) {
+                app_.add_flag(row.name, slots_[index].isOn);
+            } else {
+                app_.add_option(row.name, slots_[index].text);
+            }
+        }
+    }
+
+    void parse(int argc, const char* const* argv) { app_.parse(argc, argv); }
+
+    // Calls with each option that is given.
+    template <typename Call>
+    void forEach(Call call) const {
+        for (std::size_t index = 0; index < slots_.size(); ++index) {
+            const OptionRow& row = optionRows()[index];
+            if (row.valueName.empty() ? slots_[index].isOn : app_.count(row.name) != 0) {
+                call(row, Given{row.name, slots_[index].text});
+            }
+        }
+    }
+
+    [[nodiscard]] const std::string& file() const { return file_; }
+    [[nodiscard]] std::vector<std::string> remaining() const { return app_.remaining(); }
+
+private:
+    struct Slot {
+        std::string text;
+        bool isOn = false;
+    };
+
+    CLI::App app_;
+    std::string file_;
+    std::vector<Slot> slots_;
+};
+
+Action actionOf(const CommandLine& line) {
+    CommandOptions options;
+    line.forEach([&options](const OptionRow& row, const Given& given) {
+        if (row.valueName.empty()) {
+            row.apply(options, given);
+        }
+    });
+    return options.action;
 }
 
 }  // namespace
 
+std::string_view meaningOf(ExitCode exitCode) {
+    switch (exitCode) {
+        case ExitCode::good:
+            return "good";
+        case ExitCode::usage:
+            return "wrong usage";
+        case ExitCode::badOutput:
+            return "FILE can't be written";
+    }
+    return {};
+}
+
 CommandOptions parseCommandLine(int argc, const char* const* argv) {
     CommandLine line;
     try {
-        line.app.parse(argc, argv);
+        line.parse(argc, argv);
     } catch (const CLI::ArgumentMismatch& error) {
         throw usageError(error);
     } catch (const CLI::ExtrasError&) {
-        throw usageError(line.app.remaining().front() + ": no option, and FILE is given");
+        throw usageError(line.remaining().front() + ": no option, and FILE is given");
     } catch (const CLI::ParseError& error) {
         throw usageError(error.what());
     }
     CommandOptions options;
-    if (line.help || line.version) {
-        options.action = line.help ? Action::showHelp : Action::showVersion;
+    options.action = actionOf(line);
+    if (options.action != Action::writeLog) {
         return options;
     }
-    if (line.has("--kind")) {
-        options.kind = parseChoice("--kind", line.kind, kinds);
-    }
-    if (options.kind == LogKind::network) {
-        options.network = parseNetworkOptions(line);
-    } else {
-        refuseNetworkOptions(line);
-    }
-    if (line.file.empty()) {
+    line.forEach([&options](const OptionRow& row, const Given& given) {
+        if (row.isForNetwork && !options.kind->takesNetworkOptions) {  // it would change nothing
+            throw usageError(row.name + ": is for a log of the kind " + std::string(sampleKinds[0].name) +
+                             " only");
+        }
+        row.apply(options, given);
+    });
+    if (line.file().empty()) {
         throw usageError("no FILE given");
     }
-    options.file = line.file;
+    options.file = line.file();
     return options;
 }
 
 std::string helpText() {
-    return CommandLine().app.help();
+    std::vector<profiling::LabelledText> options;
+    for (const OptionRow& row : optionRows()) {
+        options.push_back(
+            {row.name + (row.valueName.empty() ? "" : " ") + std::string(row.valueName), row.help});
+    }
+    std::vector<profiling::LabelledText> kinds;
+    for (const SampleKind& kind : sampleKinds) {
+        kinds.push_back({std::string(kind.name), std::string(kind.help)});
+    }
+    return std::string(aboutText) + twoColumns(options) + "\nKinds of log:\n" + twoColumns(kinds) +
+           std::string(bytesText) + twoColumns(profiling::rowsOf(meaningOf)) + std::string(examplesText);
 }
 
 }  // namespace zeb::samplelog

@@ -5,21 +5,24 @@
 #include <string>
 #include <string_view>
 
-#include "NetworkLog.h"
+#include "SampleKinds.h"
 
 namespace zeb::samplelog {
 
 inline constexpr std::string_view programName = "write-sample-log";
 
-enum class LogKind : std::uint8_t { network, methods, adapterUpdater, sharedEvents };
+enum class ExitCode : std::uint8_t { good = 0, usage = 2, badOutput = 3 };
+
+/// @return what the exit code says; empty for a number that is none
+std::string_view meaningOf(ExitCode exitCode);
 
 enum class Action : std::uint8_t { writeLog, showHelp, showVersion };
 
 /// The command line of write-sample-log.
 struct CommandOptions {
     Action action = Action::writeLog;
-    LogKind kind = LogKind::network;
-    NetworkOptions network;  ///< for the kind network alone
+    const SampleKind* kind = &sampleKinds[0];  ///< never null
+    NetworkOptions network;                    ///< as they are by default unless the kind takes them
     std::string file;
 };
 

@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
-#include <cstdint>
 #include <exception>
 #include <fstream>
 #include <iostream>
@@ -9,17 +8,11 @@
 #include <string>
 #include <system_error>
 
-#include "AdapterUpdaterLog.h"
 #include "CommandOptions.h"
-#include "MethodsLog.h"
-#include "NetworkLog.h"
-#include "SharedEventsLog.h"
 #include "zeb/profiling/Version.h"
 
 namespace zeb::samplelog {
 namespace {
-
-enum class ExitCode : std::uint8_t { good = 0, usage = 2, badOutput = 3 };
 
 bool isControl(char character) {
     const auto code = static_cast<unsigned char>(character);
@@ -33,19 +26,6 @@ ExitCode fail(ExitCode exitCode, std::string line) {
     return exitCode;
 }
 
-void writeKind(std::ostream& out, const CommandOptions& options) {
-    switch (options.kind) {
-        case LogKind::network:
-            return writeNetworkLog(out, options.network);
-        case LogKind::methods:
-            return writeMethodsLog(out);
-        case LogKind::adapterUpdater:
-            return writeAdapterUpdaterLog(out);
-        case LogKind::sharedEvents:
-            return writeSharedEventsLog(out);
-    }
-}
-
 ExitCode writeLog(const CommandOptions& options) {
     // The first write that fails ends the work, and leaves its cause in `errno`.
     std::ofstream out;
@@ -53,7 +33,7 @@ ExitCode writeLog(const CommandOptions& options) {
     try {
         errno = 0;
         out.open(options.file, std::ios::binary | std::ios::trunc);
-        writeKind(out, options);
+        options.kind->write(out, options.network);
         out.close();
     } catch (const std::ios_base::failure&) {
         const int error = errno;
