@@ -18,7 +18,7 @@ class NameHash {
 public:
     /// @return the same number for equal texts
     [[nodiscard]] std::uint32_t operator()(std::string_view text) const {
-        std::uint64_t hash = secret_.first ^ text.size();
+        std::uint64_t hash = secret_.first * (2 * text.size() + 1);  // no byte can make up for another length
         for (std::size_t at = 0; text.size() > at + pairSize; at += pairSize) {
             hash = folded(wordAt(text, at) ^ secret_.second, wordAt(text, at + wordSize) ^ hash);
         }

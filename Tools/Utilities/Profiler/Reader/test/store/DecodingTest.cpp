@@ -190,21 +190,6 @@ TEST(Decoding, EventsOfManyExecutionsFindTheirRecordsInOneWalk) {
     EXPECT_EQ(records.size(), executions);
 }
 
-TEST(NameHash, SpreadsNamesAnewEachTime) {
-    for (const auto makeSecret : {makeHashSecret, makeHashSecretWithoutSystem}) {
-        const HashSecret one = makeSecret();
-        const HashSecret other = makeSecret();
-        EXPECT_NE(one.first, other.first);
-        EXPECT_NE(one.second, other.second);
-        EXPECT_NE(one.first, one.second);
-    }
-    const NameHash one;
-    const NameHash other;
-    EXPECT_NE(std::pair(one("name"), one("a name of more than two words")),
-              std::pair(other("name"), other("a name of more than two words")));
-    EXPECT_EQ(one("name"), one(std::string("name")));
-}
-
 TEST(Decoding, GraphEventsAreFiledByType) {
     TestStore store;
     store.take(message(MethodType::GraphEvents, "i", 0, {initEvent("i")}));

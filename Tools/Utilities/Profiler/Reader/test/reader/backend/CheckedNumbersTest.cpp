@@ -1,10 +1,8 @@
 #include <gtest/gtest.h>
 
-#include <limits>
 #include <stdexcept>
 
 #include "reader/backend/CheckedNumbers.h"
-#include "text/Saturation.h"
 
 namespace zeb::profiling {
 namespace {
@@ -55,12 +53,6 @@ TEST(CheckedNumbers, ConvertOrThrowWithTheirOwnTexts) {
         EXPECT_EQ(outcome(checkedUnsigned64, text), asUnsigned64) << text;
         EXPECT_EQ(outcome(checkedSigned32, text), asSigned32) << text;
     }
-}
-
-TEST(CheckedNumbers, CutToWholeAndNeverOverflow) {
-    EXPECT_EQ(cutToWhole(1.999), 1U);
-    EXPECT_EQ(cutToWhole(18446744073709549568.0), 18446744073709549568U);
-    EXPECT_EQ(cutToWhole(18446744073709551616.0), std::numeric_limits<std::uint64_t>::max());
 }
 
 }  // namespace
