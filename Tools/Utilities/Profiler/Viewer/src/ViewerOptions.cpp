@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cstddef>
 #include <string_view>
+#include <utility>
 
 #include "Failure.h"
 #include "text/TwoColumns.h"
@@ -36,6 +37,8 @@ Examples:
   zeb-profile-viewer --csv runs.csv run.log --internal
   zeb-profile-viewer --save-objects=objects run.log
   zeb-profile-viewer --reader generic --level 2 run.log
+  zeb-profile-viewer --top=20 --filter conv run.log
+  zeb-profile-viewer --json - run.log | jq .graphs[0].spread
   zcat run.log.gz | zeb-profile-viewer /dev/stdin
 )";
 
@@ -71,6 +74,28 @@ MemorySize parseMaxMemory(const std::string& name, const std::string& text) {
     return *size;
 }
 
+std::size_t parseRows(const std::string& name, const std::string& text) {
+    std::size_t rows = 0;
+    const char* const end = text.data() + text.size();
+    const auto [rest, error] = std::from_chars(text.data(), end, rows);
+    if (error != std::errc() || rest != end || rows == 0) {
+        throw usageFailure(name, "\"" + text + "\" is no number of layers");
+    }
+    return rows;
+}
+
+forms::LayerOrder parseOrder(const std::string& name, const std::string& text) {
+    constexpr std::pair<std::string_view, forms::LayerOrder> orders[] = {{"time", forms::LayerOrder::time},
+                                                                         {"order", forms::LayerOrder::order},
+                                                                         {"name", forms::LayerOrder::name}};
+    for (const auto& [orderName, order] : orders) {
+        if (text == orderName) {
+            return order;
+        }
+    }
+    throw usageFailure(name, "\"" + text + "\" is none of time, order and name");
+}
+
 // What an option takes. Numbers are read last: help is shown whatever they hold.
 enum class Takes : std::uint8_t { nothing, text, optionalText, number };
 
@@ -84,6 +109,7 @@ struct OptionRow {
     Takes takes;
     std::string_view valueForm;  ///< as help shows it behind the name
     std::string help;
+    std::string_view valueLeftOut;  ///< what an optional text is where it is not given
     void (*apply)(ViewerOptions& options, const Given& given);
 };
 
@@ -104,34 +130,48 @@ const std::vector<OptionRow>& optionRows() {
              ", or the path of a\n"
              "library. A name is looked for beside this program, in its ../lib and\n"
              "where the loader looks.",
-         [](auto& options, const auto& given) { options.reader = given.value; }},
-        {"--csv", Takes::text, " FILE", "Append the CSV report to FILE.",
+         "", [](auto& options, const auto& given) { options.reader = given.value; }},
+        {"--csv", Takes::text, " FILE", "Append the CSV report to FILE.", "",
          [](auto& options, const auto& given) { options.csv = given.value; }},
         {"--raw", Takes::nothing, "",
          "Let control characters in names and texts of the log reach a terminal, where\n"
          "they show as \"?\" otherwise. A file or a pipe gets them in any case.",
-         [](auto& options, const auto& /*given*/) { options.raw = true; }},
+         "", [](auto& options, const auto& /*given*/) { options.raw = true; }},
         {"--level", Takes::number, " N",
          "Visibility level, -128 to 127: messages of this level and above are\n"
          "left out. Default 127: everything below it.",
-         [](auto& options, const auto& given) { options.level = parseLevel(given.name, given.value); }},
+         "", [](auto& options, const auto& given) { options.level = parseLevel(given.name, given.value); }},
         {"--save-objects", Takes::optionalText, "[=DIR]",
          "Let the reader save object events to files in the directory DIR (default:\n"
          "the working directory). Files that are there are not overwritten, and a\n"
          "log whose object names lead out of the directory, or to the CSV file, is\n"
          "refused.",
-         [](auto& options, const auto& given) { options.objectDirectory = given.value; }},
+         ".", [](auto& options, const auto& given) { options.objectDirectory = given.value; }},
         {"--trust-object-names", Takes::nothing, "", "Save objects under whatever names the log gives them.",
-         [](auto& options, const auto& /*given*/) { options.trustObjectNames = true; }},
+         "", [](auto& options, const auto& /*given*/) { options.trustObjectNames = true; }},
         {"--max-memory", Takes::number, " SIZE",
          "The most memory to use, in bytes or with K, M or G behind the number.\n"
          "Default: three quarters of the machine's, or of the control group's.",
+         "",
          [](auto& options, const auto& given) {
              options.maxMemory = parseMaxMemory(given.name, given.value);
          }},
-        {"--help", Takes::nothing, "", "Show this help and that of the reader.",
+        {"--top", Takes::optionalText, "[=N]",
+         "Behind the report, show where the time of an inference goes, the N costliest\n"
+         "layers (default 10) and what stands out.",
+         "10",
+         [](auto& options, const auto& given) { options.topRows = parseRows(given.name, given.value); }},
+        {"--sort", Takes::text, " ORDER", "Order of the layers of --top: time (default), order or name.", "",
+         [](auto& options, const auto& given) { options.topOrder = parseOrder(given.name, given.value); }},
+        {"--filter", Takes::text, " TEXT", "Show layers of --top whose name holds TEXT, in any case.", "",
+         [](auto& options, const auto& given) { options.topFilter = given.value; }},
+        {"--json", Takes::text, " FILE",
+         "Write all figures of the run to FILE as JSON; \"-\" is standard output,\n"
+         "without a report.",
+         "", [](auto& options, const auto& given) { options.json = given.value; }},
+        {"--help", Takes::nothing, "", "Show this help and that of the reader.", "",
          [](auto& options, const auto& /*given*/) { options.action = Action::showHelp; }},
-        {"--version", Takes::nothing, "", "Show the version.",
+        {"--version", Takes::nothing, "", "Show the version.", "",
          [](auto& options, const auto& /*given*/) {
              options.action = options.action == Action::showHelp ? Action::showHelp : Action::showVersion;
          }},
@@ -165,6 +205,27 @@ public:
         }
     }
 
+    // Options that make sense beside others only, or not beside them.
+    void checkTogether(const ViewerOptions& options) const {
+        for (const char* const name : {"--sort", "--filter"}) {
+            if (app_.count(name) != 0 && !options.topRows) {
+                throw usageFailure(name, "needs --top beside it");
+            }
+        }
+        if (!options.isFormAlone()) {
+            return;
+        }
+        for (const char* const name : {"--csv", "--top", "--save-objects"}) {
+            if (app_.count(name) != 0) {
+                throw usageFailure(name, "standard output has the JSON alone, without a report");
+            }
+        }
+        if (!options.readerArguments.empty()) {
+            throw usageFailure(options.readerArguments.front(),
+                               "no reader is asked for --json -, so it takes no options of one");
+        }
+    }
+
     [[nodiscard]] bool hasLog() const { return app_.count(logName) != 0; }
     [[nodiscard]] const std::string& log() const { return log_; }
     [[nodiscard]] std::vector<std::string> remaining() const { return app_.remaining(); }
@@ -187,7 +248,7 @@ private:
                 app_.add_option(row.name, slot.text);
                 break;
             case Takes::optionalText:
-                app_.add_flag(row.name + "{.}", slot.text)
+                app_.add_flag(row.name + "{" + std::string(row.valueLeftOut) + "}", slot.text)
                     ->multi_option_policy(CLI::MultiOptionPolicy::Throw);
                 break;
         }
@@ -239,6 +300,7 @@ ViewerOptions parseCommandLine(int argc, const char* const* argv) {
         if (!line.hasLog()) {
             throw usageFailure("no LOG given");
         }
+        line.checkTogether(options);
     }
     return options;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -7,6 +8,7 @@
 
 #include "MemoryLimit.h"
 #include "NamedReaders.h"
+#include "TopText.h"
 #include "zeb/profiling/VisibilityLevel.h"
 
 namespace zeb::viewer {
@@ -23,9 +25,18 @@ struct ViewerOptions {
     std::optional<std::string> objectDirectory;  ///< nothing: objects are not saved
     bool trustObjectNames = false;
     MemorySize maxMemory = defaultMemorySize();
+    std::optional<std::size_t> topRows;  ///< nothing: no ranking behind the report
+    forms::LayerOrder topOrder = forms::LayerOrder::time;
+    std::string topFilter;
+    std::string json;  ///< empty: no JSON; "-" is standard output
     std::string log;
     /// What the viewer doesn't know, in its order, with a "--" mark.
     std::vector<std::string> readerArguments;
+
+    /// @return whether more than the plug-in's report is wanted
+    [[nodiscard]] bool wantsForms() const { return topRows || !json.empty(); }
+    /// @return whether one form takes the place of the report, on standard output
+    [[nodiscard]] bool isFormAlone() const { return json == "-"; }
 };
 
 /// Help and version win over a missing LOG and values that are no numbers.

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <exception>
+#include <new>
+#include <string>
+
+#include "Failure.h"
+#include "MemoryLimit.h"
+
+namespace zeb::viewer {
+
+/// A piece of work, and the words in front of the cause when it fails, and when it is memory that it wants.
+struct GuardedStep {
+    ExitCode exitCode;
+    std::string subject;
+    std::string failed;
+    std::string wanting;
+
+    [[nodiscard]] Failure outOfMemory(const std::string& words) const {
+        return {exitCode, subject, wanting + words};
+    }
+};
+
+/// Does the work. An exception becomes a failure that tells the cause, and so does an allocation whose
+/// failure somebody has swallowed.
+/// @param memory the limit that the process has; null before it has one
+/// @return what the work gives
+template <typename Work>
+auto guarded(const GuardedStep& step, MemoryLimit* memory, Work work) {
+    try {
+        auto result = work();
+        if (memory != nullptr && MemoryLimit::wasHit()) {
+            throw std::bad_alloc();
+        }
+        return result;
+    } catch (const Failure&) {
+        throw;
+    } catch (const std::bad_alloc&) {
+        if (memory == nullptr) {
+            throw step.outOfMemory(MemoryLimit::withoutLimit);
+        }
+        memory->releaseReserve();
+        throw step.outOfMemory(memory->words());
+    } catch (const std::exception& error) {
+        throw Failure(step.exitCode, step.subject, step.failed + error.what());
+    } catch (...) {
+        throw Failure(step.exitCode, step.subject, step.failed + "unknown error");
+    }
+}
+
+}  // namespace zeb::viewer

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <exception>
+#include <optional>
+#include <string>
+
+#include "GuardedStep.h"
+#include "MemoryLimit.h"
+#include "ObjectDirectory.h"
+#include "SavedObjects.h"
+#include "StandardOutput.h"
+#include "ViewerOptions.h"
+#include "zeb/profiling/IZebProfileLogReader.h"
+
+namespace zeb::viewer {
+
+/// One report of a plug-in, from the open files to the end.
+class ReportRun {
+public:
+    /// @param reader has its options; it and all else have to outlive the run
+    /// @throws Failure when objects can't be saved
+    ReportRun(profiling::IZebPluginLogReader& reader, const ViewerOptions& options, StandardOutput& output,
+              MemoryLimit& memory);
+
+    /// Loads the log, prints the report and appends the CSV report.
+    /// @throws Failure
+    void show();
+
+private:
+    void checkObjects();
+    void load();
+    void generate();
+    void generateWithCsv();
+    bool generateReports(const std::string& csvPath);
+    bool generateReportsBesideObjects(const std::string& csvPath);
+    [[nodiscard]] Failure noNumber(const std::string& what, const std::exception& error) const;
+
+    profiling::IZebPluginLogReader& reader_;
+    const ViewerOptions& options_;
+    StandardOutput& output_;
+    MemoryLimit& memory_;
+    std::optional<ObjectDirectory> objects_;
+    std::optional<SavedObjects> saved_;
+    GuardedStep loading_;
+    GuardedStep reporting_;
+};
+
+}  // namespace zeb::viewer

@@ -1,0 +1,75 @@
+#include "RunForms.h"
+
+#include <filesystem>
+#include <iostream>
+#include <stdexcept>
+#include <string>
+#include <system_error>
+#include <utility>
+
+#include "LogDiagnosis.h"
+#include "MakeRun.h"
+#include "RunJson.h"
+#include "TerminalStyle.h"
+#include "TopText.h"
+
+namespace zeb::viewer {
+
+RunForms::RunForms(const ViewerOptions& options) : options_(options) {
+    if (!options.wantsForms()) {
+        return;
+    }
+    std::error_code ignored;
+    if (!options.isFormAlone() && !std::filesystem::is_regular_file(options.log, ignored)) {
+        throw Failure(
+            ExitCode::usage, options.log,
+            "the log is no regular file, and it takes a second reading to make more than the report of "
+            "it; write it to a file first");
+    }
+    if (!options.json.empty()) {
+        json_.emplace(options.json, options.log);
+    }
+}
+
+void RunForms::show(StandardOutput& output, MemoryLimit& memory) {
+    if (!options_.wantsForms()) {
+        return;
+    }
+    const GuardedStep printing{ExitCode::badReport, options_.log,
+                               "the figures of the run can't be told: ", "to tell the figures of the run "};
+    guarded(printing, &memory, [&] {
+        const analysis::Run run = readRun(memory);
+        if (options_.topRows) {
+            printTop(run, output);
+        }
+        if (json_) {
+            json_->write([&run](std::ostream& out) { forms::writeRunJson(out, run); });
+        }
+        return true;
+    });
+}
+
+analysis::Run RunForms::readRun(MemoryLimit& memory) const {
+    auto run = analysis::makeRun(options_.log, options_.level);
+    if (!run) {
+        throw Failure(ExitCode::badLog, options_.log, whyRejected(options_.log, memory));
+    }
+    if (const auto trouble = whyEndedEarly(options_.log)) {
+        throw Failure(ExitCode::badLog, options_.log, *trouble);
+    }
+    return std::move(*run);
+}
+
+// What the log's names hold is made fit for a terminal there, and colours have to reach it.
+void RunForms::printTop(const analysis::Run& run, StandardOutput& output) const {
+    output.finish();
+    output.showRaw();
+    forms::printTop(std::cout, run,
+                    {.rows = *options_.topRows,
+                     .order = options_.topOrder,
+                     .filter = options_.topFilter,
+                     .style = styleOfTerminal(STDOUT_FILENO)});
+    output.finish();
+}
+
+}  // namespace zeb::viewer

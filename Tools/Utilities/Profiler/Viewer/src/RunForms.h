@@ -1,0 +1,34 @@
+#pragma once
+
+#include <optional>
+
+#include "FormFile.h"
+#include "GuardedStep.h"
+#include "MemoryLimit.h"
+#include "Run.h"
+#include "StandardOutput.h"
+#include "ViewerOptions.h"
+
+namespace zeb::viewer {
+
+/// The forms that are made of the log itself, whichever plug-in prints the report.
+class RunForms {
+public:
+    /// Opens their files as far as can be done without changing anything.
+    /// @param options has to outlive the forms
+    /// @throws Failure when one can't be written, or the log can't be read again for them
+    explicit RunForms(const ViewerOptions& options);
+
+    /// Reads the log, unless no form is wanted, and prints all of them.
+    /// @throws Failure
+    void show(StandardOutput& output, MemoryLimit& memory);
+
+private:
+    [[nodiscard]] analysis::Run readRun(MemoryLimit& memory) const;
+    void printTop(const analysis::Run& run, StandardOutput& output) const;
+
+    const ViewerOptions& options_;
+    std::optional<FormFile> json_;
+};
+
+}  // namespace zeb::viewer
