@@ -34,11 +34,9 @@ const schema::LogMessage* FlatBufferReaderUtil::nextMessage() {
     if (messageVector_ != nullptr && messageIndex_ < lengthOf(messageVector_)) {
         return tableAt(messageVector_, messageIndex_++);
     }
-    if (const auto logger = loggerFor(ZEB_LOG_LEVEL_DEBUG)) {
-        logMessage(*logger, ZEB_LOG_LEVEL_DEBUG,
-                   "profiling::FlatBufferReaderUtil no more messages! (Message Counter: %d)",
-                   static_cast<int>(messageIndex_));
-    }
+    logFormatted(ZEB_LOG_LEVEL_DEBUG,
+                 "profiling::FlatBufferReaderUtil no more messages! (Message Counter: %d)",
+                 static_cast<int>(messageIndex_));
     return nullptr;
 }
 

@@ -26,8 +26,7 @@ using LogCallback = void (*)(const char* format, std::int32_t level, std::uint64
 struct Logger {
     LogCallback logCallback = nullptr;  ///< null: every message is dropped
     std::int32_t maxLevel = 0;          ///< highest level that this logger takes
-    std::uint64_t startTimeNs =
-        0;  ///< wall clock from which message times are counted, ns since the Unix epoch
+    std::uint64_t startTimeNs = 0;      ///< from which message times are counted, ns since the Unix epoch
 };
 
 /// The handle under which the whole library looks its logger up.
@@ -39,14 +38,12 @@ void setLogger(std::uint64_t handle, std::shared_ptr<const Logger> logger);
 /// @return the logger under `handle`, null when there is none. It stays valid for as long as it is held.
 std::shared_ptr<const Logger> getLogger(std::uint64_t handle);
 
-/// @return the library's logger when it takes messages of `level`, else null. To be asked before the
-/// arguments of a
-///         message are worked out.
-std::shared_ptr<const Logger> loggerFor(std::int32_t level);
-
-/// Passes a message without arguments to the library's logger, if there is one that takes it.
+/// Passes a message to the library's logger, if there is one that takes it.
 /// @param text becomes the format, so a percent sign in it has to be doubled
 void logMessage(std::int32_t level, const char* text);
+
+/// The same with arguments, which are evaluated in any case: what costs more than a look is no argument.
+[[gnu::format(printf, 2, 3)]] void logFormatted(std::int32_t level, const char* format, ...);
 
 /// Passes a message to the logger's callback, unless its level is too high for the logger.
 [[gnu::format(printf, 3, 4)]] void logMessage(const Logger& logger, std::int32_t level, const char* format,

@@ -30,13 +30,9 @@ std::unique_ptr<const LogChunkBuffer> readChunk(ChunkReader& chunks) {
         }
         return buffer;
     } catch (const std::bad_alloc& error) {
-        if (const auto logger = loggerFor(ZEB_LOG_LEVEL_ERROR)) {
-            logMessage(*logger, ZEB_LOG_LEVEL_ERROR, "Unable to allocate memory: %s", error.what());
-        }
+        logFormatted(ZEB_LOG_LEVEL_ERROR, "Unable to allocate memory: %s", error.what());
     } catch (const std::length_error& error) {
-        if (const auto logger = loggerFor(ZEB_LOG_LEVEL_ERROR)) {
-            logMessage(*logger, ZEB_LOG_LEVEL_ERROR, "Length error: %s", error.what());
-        }
+        logFormatted(ZEB_LOG_LEVEL_ERROR, "Length error: %s", error.what());
     }
     return nullptr;
 }
@@ -62,9 +58,7 @@ ZebProfileLogReader::ZebProfileLogReader(std::string logFilePath, VisibilityLeve
 bool ZebProfileLogReader::loadLog(bool saveObjects) {
     ChunkReader chunks(logFilePath_);
     if (!chunks.isOpen()) {
-        if (const auto logger = loggerFor(ZEB_LOG_LEVEL_ERROR)) {
-            logMessage(*logger, ZEB_LOG_LEVEL_ERROR, "Invalid or nonexistent file: %s", logFilePath_.c_str());
-        }
+        logFormatted(ZEB_LOG_LEVEL_ERROR, "Invalid or nonexistent file: %s", logFilePath_.c_str());
         return false;
     }
     while (chunks.nextLength()) {
@@ -120,9 +114,7 @@ bool ZebProfileLogReader::generateReports(const std::string& outputPath) {
     if (!outputPath.empty()) {
         csv = openCsvFile(outputPath);
         if (!csv.is_open()) {
-            if (const auto logger = loggerFor(ZEB_LOG_LEVEL_ERROR)) {
-                logMessage(*logger, ZEB_LOG_LEVEL_ERROR, "Invalid output file: [%s]", outputPath.c_str());
-            }
+            logFormatted(ZEB_LOG_LEVEL_ERROR, "Invalid output file: [%s]", outputPath.c_str());
             return false;
         }
     }

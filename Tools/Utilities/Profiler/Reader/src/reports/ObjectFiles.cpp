@@ -43,9 +43,7 @@ bool isTaken(const std::string& name, int error) {
 }
 
 void logFailure(const std::string& fileName) {
-    if (const auto logger = loggerFor(ZEB_LOG_LEVEL_ERROR)) {
-        logMessage(*logger, ZEB_LOG_LEVEL_ERROR, "Invalid output fileName: [%s]", fileName.c_str());
-    }
+    logFormatted(ZEB_LOG_LEVEL_ERROR, "Invalid output fileName: [%s]", fileName.c_str());
 }
 
 }  // namespace

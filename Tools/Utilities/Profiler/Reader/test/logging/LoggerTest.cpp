@@ -12,18 +12,18 @@ TEST(Logger, TakesMessagesUpToItsLevel) {
     const test::CaughtLog log(ZEB_LOG_LEVEL_WARN);
     for (std::int32_t level = ZEB_LOG_LEVEL_ERROR; level <= ZEB_LOG_LEVEL_DEBUG; ++level) {
         logMessage(level, "a message");
-        EXPECT_EQ(loggerFor(level) != nullptr, level <= ZEB_LOG_LEVEL_WARN);
         logMessage(*getLogger(loggerHandle), level, "number %d of %s", 7, "nine");
+        logFormatted(level, "half of %.1f", 2.5);
     }
-    EXPECT_EQ(log.lines(), (std::vector<std::string>{"1 a message", "1 number 7 of nine", "2 a message",
-                                                     "2 number 7 of nine"}));
+    EXPECT_EQ(log.lines(), (std::vector<std::string>{"1 a message", "1 number 7 of nine", "1 half of 2.5",
+                                                     "2 a message", "2 number 7 of nine", "2 half of 2.5"}));
 }
 
 TEST(Logger, WithoutEntryOrCallbackDropsMessages) {
     EXPECT_EQ(getLogger(loggerHandle), nullptr);
-    EXPECT_EQ(loggerFor(ZEB_LOG_LEVEL_ERROR), nullptr);
     setLogger(loggerHandle, std::make_shared<Logger>(Logger{nullptr, ZEB_LOG_LEVEL_DEBUG, 0}));
     logMessage(ZEB_LOG_LEVEL_ERROR, "nobody hears this");
+    logFormatted(ZEB_LOG_LEVEL_ERROR, "%s", "nobody hears this");
     setLogger(loggerHandle, nullptr);
     logMessage(ZEB_LOG_LEVEL_ERROR, "nor this");
     const auto other = std::make_shared<const Logger>();

@@ -17,7 +17,7 @@ namespace {
 constexpr std::string_view levelName = "Execute Profiling Level";
 constexpr std::string_view graphProfileName = "Graph Execute Profile Data";
 constexpr std::string_view hostTimeName = "HLOS Graph Execution Time";
-constexpr std::array<std::string_view, 2> queueWaitNames = {"graphQueueWaitUs", "dispatcherQueueWaitUs"};
+constexpr std::string_view queueWaitNames[] = {"graphQueueWaitUs", "dispatcherQueueWaitUs"};
 constexpr double hzPerMhz = 1000000.0;
 
 FigureScope wholeRun(const EventStore& store) {
@@ -121,10 +121,8 @@ void loadGraphProfile(BackendFigures& figures, const ProfileEvent& event,
     if (hostTimeUs) {
         figures.execution.ipcTimeUs =
             cutToWhole(averagePerExecution(profile, differenceOrZero(*hostTimeUs, profile.dspGraphTimeUs)));
-        if (const auto logger = loggerFor(ZEB_LOG_LEVEL_INFO)) {
-            logMessage(*logger, ZEB_LOG_LEVEL_INFO, "dsp graph exec time is %u",
-                       static_cast<unsigned>(profile.dspGraphTimeUs));
-        }
+        logFormatted(ZEB_LOG_LEVEL_INFO, "dsp graph exec time is %u",
+                     static_cast<unsigned>(profile.dspGraphTimeUs));
     }
 }
 
@@ -198,9 +196,7 @@ std::optional<ProfileLevel> findProfileLevel(const EventStore& store) {
         case ProfileLevel::internal:
             return level;
     }
-    if (const auto logger = loggerFor(ZEB_LOG_LEVEL_WARN)) {
-        logMessage(*logger, ZEB_LOG_LEVEL_WARN, "Profile Level Value %s not supported.", text->c_str());
-    }
+    logFormatted(ZEB_LOG_LEVEL_WARN, "Profile Level Value %s not supported.", text->c_str());
     return std::nullopt;
 }
 

@@ -25,9 +25,7 @@ bool ZebProfileLogReaderMURL::generateReports(const std::string& outputPath) {
     }
     std::ofstream csv = openCsvFile(outputPath);
     if (!csv.is_open()) {
-        if (const auto logger = loggerFor(ZEB_LOG_LEVEL_ERROR)) {
-            logMessage(*logger, ZEB_LOG_LEVEL_ERROR, "Failed open file: %s", outputPath.c_str());
-        }
+        logFormatted(ZEB_LOG_LEVEL_ERROR, "Failed open file: %s", outputPath.c_str());
         return false;
     }
     writeBackendCsv(csv, source, figures, internalColumns_);
