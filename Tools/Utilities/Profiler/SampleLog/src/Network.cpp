@@ -29,14 +29,14 @@ constexpr std::uint64_t classCount = 1000;
 constexpr std::uint64_t bytesPerFloat = 4;
 constexpr std::uint64_t depthwiseTaps = 9;
 
-constexpr std::array<Block, 11> frontBlocks = {
-    {{64}, {128, true}, {128}, {256, true}, {256}, {512, true}, {512}, {512}, {512}, {512}, {512}}};
-constexpr std::array<Block, 2> rearBlocks = {{{1024, true}, {1024}}};
+constexpr Block frontBlocks[] = {{64},  {128, true}, {128}, {256, true}, {256}, {512, true},
+                                 {512}, {512},       {512}, {512},       {512}};
+constexpr Block rearBlocks[] = {{1024, true}, {1024}};
 constexpr Block furtherBlock{1152};
 
 constexpr std::uint32_t layersOutsideBlocks = 6;
-constexpr std::uint32_t frontLayers = 2 * frontBlocks.size();
-constexpr std::uint32_t rearLayers = 2 * rearBlocks.size();
+constexpr std::uint32_t frontLayers = 2 * std::size(frontBlocks);
+constexpr std::uint32_t rearLayers = 2 * std::size(rearBlocks);
 static_assert(layersOutsideBlocks + frontLayers + rearLayers == designedLayerCount);
 
 // What the accelerator gets done in a cycle.

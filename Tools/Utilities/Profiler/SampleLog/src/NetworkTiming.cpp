@@ -11,7 +11,7 @@ namespace {
 // Pace of an execution in per mille of the usual time.
 constexpr std::uint64_t usualPace = 1000;
 constexpr std::uint64_t warmUpPace = 1380;
-constexpr std::array<std::uint64_t, 7> paces = {1000, 1006, 996, 1011, 992, 1003, 998};
+constexpr auto paces = std::to_array<std::uint64_t>({1000, 1006, 996, 1011, 992, 1003, 998});
 constexpr std::uint64_t graphPhase = 3;
 
 // Random variation under a seed, to either side.

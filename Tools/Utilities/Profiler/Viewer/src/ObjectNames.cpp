@@ -17,6 +17,7 @@
 
 #include "Failure.h"
 #include "log/ChunkReader.h"
+#include "log/EventUnit.h"
 #include "log/FlatBufferReaderUtil.h"
 #include "log/LogAccess.h"
 
@@ -29,8 +30,6 @@ namespace schema = profiling::schema;
 
 using profiling::LogChunkBuffer;
 using EventVector = flatbuffers::Vector<flatbuffers::Offset<schema::LogEvent>>;
-
-constexpr std::uint32_t objectUnit = 5;
 
 // Which places of a chunk have been seen. Events may share what is below them, so that a small chunk stands
 // for a huge tree; each place is looked at once.
@@ -165,7 +164,7 @@ private:
 
     // A name is read once for each of the two, for events may share it.
     void lookAt(const flatbuffers::String* fileName, const schema::LogEvent& event) {
-        const bool isObject = event.unit() == objectUnit;
+        const bool isObject = profiling::unitOf(event.unit()) == profiling::EventUnit::object;
         const auto [place, isNew] = (isObject ? objectNames_ : otherNames_).try_emplace(fileName);
         SavedObjects::Object*& object = place->second;
         if (isNew) {

@@ -1,6 +1,5 @@
 #include "reports/EventText.h"
 
-#include <array>
 #include <cstdint>
 
 #include "text/NumberText.h"
@@ -10,27 +9,26 @@ namespace zeb::profiling {
 namespace {
 
 struct UnitTexts {
-    EventUnit unit;
     std::string_view suffix;
     std::string_view csv;
 };
 
-constexpr UnitTexts microseconds{EventUnit::microseconds, " us", "US"};
-constexpr std::array<UnitTexts, 5> otherUnits = {{
-    {EventUnit::bytes, " bytes", "BYTES"},
-    {EventUnit::cycles, " cycles", "CYCLES"},
-    {EventUnit::count, " count", "COUNT"},
-    {EventUnit::object, " object", ""},
-    {EventUnit::none, " ", "NONE"},
-}};
-
-const UnitTexts& textsOf(EventUnit unit) {
-    for (const UnitTexts& texts : otherUnits) {
-        if (texts.unit == unit) {
-            return texts;
-        }
+UnitTexts textsOf(EventUnit unit) {
+    switch (unit) {
+        case EventUnit::bytes:
+            return {" bytes", "BYTES"};
+        case EventUnit::cycles:
+            return {" cycles", "CYCLES"};
+        case EventUnit::count:
+            return {" count", "COUNT"};
+        case EventUnit::object:
+            return {" object", ""};
+        case EventUnit::none:
+            return {" ", "NONE"};
+        case EventUnit::microseconds:
+            break;
     }
-    return microseconds;
+    return {" us", "US"};
 }
 
 template <typename Integer>

@@ -10,12 +10,6 @@ using EventVector = flatbuffers::Vector<flatbuffers::Offset<schema::LogEvent>>;
 
 constexpr std::string_view namelessEvent = "null";
 
-EventUnit unitOf(std::uint32_t code) {
-    const bool isNamed = code >= static_cast<std::uint32_t>(EventUnit::bytes) &&
-                         code <= static_cast<std::uint32_t>(EventUnit::none);
-    return isNamed ? static_cast<EventUnit>(code) : EventUnit::microseconds;
-}
-
 EventValue decodeEventValue(const schema::LogEvent& event, MessageParts& parts) {
     switch (event.valueSelector()) {
         case schema::ValueSelector::Int:
@@ -31,7 +25,8 @@ EventValue decodeEventValue(const schema::LogEvent& event, MessageParts& parts) 
                 return EventValue::ofText(parts.terminated(text).data());
             }
             break;
-        default:
+        case schema::ValueSelector::None:
+        case schema::ValueSelector::Bytes:
             break;
     }
     return {};

@@ -8,22 +8,12 @@
 #include <span>
 #include <string_view>
 
+#include "log/EventUnit.h"
 #include "memory/ForwardIterator.h"
 #include "store/EventValue.h"
 #include "store/StoredText.h"
 
 namespace zeb::profiling {
-
-/// Unit of an event's value, from `LogEvent.unit`, where every number that is not named here means
-/// microseconds.
-enum class EventUnit : std::uint8_t {
-    microseconds = 0,
-    bytes = 2,
-    cycles = 3,
-    count = 4,
-    object = 5,
-    none = 6
-};
 
 /// Event types that steer decoding and queue waits. All other numbers are opaque.
 inline constexpr std::uint32_t EVENT_TYPE_INIT = 100;
@@ -84,7 +74,10 @@ public:
 
     ProfileEvent() = default;
     ProfileEvent(StoredText eventName, std::uint32_t type, EventUnit unit, EventValue value, EventList below)
-        : name(eventName), subEvents(below), eventType(type), unit_(static_cast<std::uint32_t>(unit) & 7U) {
+        : name(eventName),
+          subEvents(below),
+          eventType(type),
+          unit_(static_cast<std::uint32_t>(unit) & ((1U << unitBits) - 1)) {
         setValue(value);
     }
     /// @param object has the event's value; not null
@@ -167,13 +160,14 @@ private:
     }
 
     // What the payload is: a value of a kind that decoding makes, or the address of an object or of a row.
-    static constexpr std::array<ValueKind, 6> contentKinds = {ValueKind::unset,   ValueKind::int64,
-                                                              ValueKind::uint64,  ValueKind::float32,
-                                                              ValueKind::float64, ValueKind::text};
+    static constexpr auto contentKinds =
+        std::to_array({ValueKind::unset, ValueKind::int64, ValueKind::uint64, ValueKind::float32,
+                       ValueKind::float64, ValueKind::text});
     static constexpr std::uint32_t objectContent = contentKinds.size();
     static constexpr std::uint32_t rowContent = objectContent + 1;
+    static_assert(rowContent < 1U << 3U, "it has three bits");
 
-    std::uint32_t unit_ : 3 = 0;
+    std::uint32_t unit_ : unitBits = 0;
     std::uint32_t content_ : 3 = 0;
     std::uint32_t isLast_ : 1 = 0;
     std::uint32_t occurrences_ : 25 = 1;

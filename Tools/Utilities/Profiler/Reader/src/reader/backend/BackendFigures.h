@@ -21,8 +21,8 @@ enum class ProfileLevel : std::int32_t {
 };
 
 /// The tensor copies that the backend tells, in the order of the reports.
-inline constexpr std::array<std::string_view, 2> tensorCopyNames = {"Input Tensor Copy Time",
-                                                                    "Output Tensor Copy Time"};
+inline constexpr auto tensorCopyNames =
+    std::to_array<std::string_view>({"Input Tensor Copy Time", "Output Tensor Copy Time"});
 
 /// The backend's call that executes a graph, which is also the name of its event.
 constexpr std::string_view executeCallName(bool isAsync) {

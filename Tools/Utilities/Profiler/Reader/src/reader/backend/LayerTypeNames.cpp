@@ -1,14 +1,14 @@
 #include "reader/backend/LayerTypeNames.h"
 
 #include <algorithm>
-#include <array>
+#include <iterator>
 
 namespace zeb::profiling {
 
 namespace {
 
 // ORU layer types, by their number in the layer configuration.
-constexpr std::array<std::string_view, 94> layerTypeNames = {
+constexpr std::string_view layerTypeNames[] = {
     "CONVOLUTION",
     "INNER_PRODUCT",
     "RELU",
@@ -105,17 +105,20 @@ constexpr std::array<std::string_view, 94> layerTypeNames = {
     "MEM_OP",
 };
 
+static_assert(std::size(layerTypeNames) == 94, "the types are numbered from 0 to 93");
+
 constexpr std::string_view unknownLayerType = "Oru Layer Type NA";
 
 constexpr bool fits(std::string_view name) {
     return name.size() <= maxLayerTypeNameLength;
 }
-static_assert(std::all_of(layerTypeNames.begin(), layerTypeNames.end(), fits) && fits(unknownLayerType));
+static_assert(std::all_of(std::begin(layerTypeNames), std::end(layerTypeNames), fits) &&
+              fits(unknownLayerType));
 
 }  // namespace
 
 bool isKnownLayerType(std::uint32_t layerType) {
-    return layerType < layerTypeNames.size();
+    return layerType < std::size(layerTypeNames);
 }
 
 std::string_view layerTypeName(std::uint32_t layerType) {
