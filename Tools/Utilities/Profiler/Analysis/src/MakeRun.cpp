@@ -330,27 +330,23 @@ private:
     std::unordered_map<std::string_view, GraphExecutions*> executions_;
 };
 
-template <typename Entries>
-void addOthers(std::vector<OtherMethod>& others, std::string_view method,
-               const profiling::GraphRecordList& graphs, const Entries& average, const Entries& shortest,
-               const Entries& longest) {
-    for (std::size_t position = 0; position < graphs.size(); ++position) {
-        others.push_back({.method = ownText(method),
-                          .graph = ownText(graphs[position].graphName),
-                          .count = graphs[position].records.size(),
-                          .averageUs = average[position].record->durationUs,
-                          .minUs = shortest[position].record->durationUs,
-                          .maxUs = longest[position].record->durationUs});
+void addOthers(std::vector<OtherMethod>& others, std::string_view name,
+               const profiling::MethodStatistics& method) {
+    for (std::size_t position = 0; position < method.records.size(); ++position) {
+        const GraphMethodRecords& graph = method.records[position];
+        others.push_back({.method = ownText(name),
+                          .graph = ownText(graph.graphName),
+                          .count = graph.records.size(),
+                          .averageUs = method.average[position].record->durationUs,
+                          .minUs = method.min[position].record->durationUs,
+                          .maxUs = method.max[position].record->durationUs});
     }
 }
 
 std::vector<OtherMethod> otherMethodsOf(const EventStore& store) {
     std::vector<OtherMethod> others;
-    addOthers(others, "apply binary section", store.applyBinarySectionRecords,
-              store.applyBinarySectionAverage, store.applyBinarySectionMin, store.applyBinarySectionMax);
-    addOthers(others, "finalize after tensor updates", store.finalizeAfterTensorUpdatesRecords,
-              store.finalizeAfterTensorUpdatesAverage, store.finalizeAfterTensorUpdatesMin,
-              store.finalizeAfterTensorUpdatesMax);
+    addOthers(others, "apply binary section", store.methods.applyBinarySection);
+    addOthers(others, "finalize after tensor updates", store.methods.finalizeAfterTensorUpdates);
     for (const NamedMethodRecord& entry : store.updateBinarySectionRecords) {
         const std::uint64_t us = entry.record->durationUs;
         others.push_back({"update binary section", ownText(entry.name), 1, us, us, us});

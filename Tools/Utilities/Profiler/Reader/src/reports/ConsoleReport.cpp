@@ -1,7 +1,6 @@
 #include "reports/ConsoleReport.h"
 
 #include <algorithm>
-#include <array>
 #include <numeric>
 #include <optional>
 #include <ostream>
@@ -11,7 +10,9 @@
 
 #include "reports/EventReport.h"
 #include "reports/ExecutionRate.h"
+#include "reports/MethodForms.h"
 #include "reports/ReportForms.h"
+#include "store/ContextMethods.h"
 #include "store/Statistics.h"
 #include "text/NumberText.h"
 #include "text/Saturation.h"
@@ -21,14 +22,14 @@ namespace zeb::profiling {
 namespace {
 
 void printInitStats(std::ostream& out, const ReportSource& source) {
-    printSectionHead(out, "Init Stats:", 11);
+    printSectionHead(out, heads::init);
     printTimeLine(out, source.store.initDurationUs);
     printEvents(out, initSectionEvents(source.store), 1, source.objectFiles);
     out << '\n';
 }
 
 void printComposeGraphsStats(std::ostream& out, const ReportSource& source) {
-    printSectionHead(out, "Compose Graphs Stats:", 14);
+    printSectionHead(out, heads::composeGraphs);
     printTimeLine(out, source.store.composeDurationUs);
     out << '\n';
 }
@@ -49,7 +50,7 @@ void printGraphs(std::ostream& out, const ReportSource& source, const Entries& e
 
 void printFinalizeStats(std::ostream& out, const ReportSource& source) {
     const EventStore& store = source.store;
-    printSectionHead(out, "Finalize Stats:", 15);
+    printSectionHead(out, heads::finalize);
     printGraphs(out, source, store.finalizeRecords, store.hasFinalizeEvents);
     if (store.finalizeRecords.empty()) {
         out << '\n';
@@ -57,7 +58,7 @@ void printFinalizeStats(std::ostream& out, const ReportSource& source) {
 }
 
 void printStatisticsOverview(std::ostream& out, const ReportSource& source) {
-    printSectionHead(out, "Zeb Init/Prepare/Finalize/De-Init/Execute/Lib-Load Statistics:", 60);
+    printSectionHead(out, heads::overview);
     printInitStats(out, source);
     printComposeGraphsStats(out, source);
     printFinalizeStats(out, source);
@@ -75,10 +76,9 @@ void printContextRetrievalStats(std::ostream& out, const ReportSource& source) {
     if (!store.hasContextRetrieval) {
         return;
     }
-    printSectionHead(out, "Context Retrieval Stats:", 24);
+    printSectionHead(out, heads::contextRetrieval);
     for (const NamedMethodRecord& entry : store.contextRetrieval) {
-        const bool isSize = entry.name == "CONTEXT GET BINARY SIZE";
-        printContextBlock(out, isSize ? "Get Binary Size" : "Get Binary", entry.record->durationUs);
+        printContextBlock(out, contextLabel(entry.name), entry.record->durationUs);
     }
 }
 
@@ -87,16 +87,16 @@ void printContextSectionRetrievalStats(std::ostream& out, const ReportSource& so
     if (!store.hasContextSectionRetrieval) {
         return;
     }
-    const RecordList& records = store.contextSectionRetrieval[0].records;
+    const auto& [key, records] = store.contextSectionRetrieval[0];
+    const std::string_view label = contextLabel(key);
     EventArena arena;
-    const auto printBlock = [&out](std::string_view title, std::size_t underline,
-                                   const MethodRecord* record) {
-        printSectionHead(out, title, underline);
-        printContextBlock(out, "Get Binary Section Size", record->durationUs);
+    const auto printBlock = [&](const SectionHead& head, const MethodRecord* record) {
+        printSectionHead(out, head);
+        printContextBlock(out, label, record->durationUs);
     };
-    printBlock("Context Section Retrieval Stats (Average):", 47, averageRecords(records, arena));
-    printBlock("Context Section Retrieval Stats (Min):", 42, minRecord(records, arena));
-    printBlock("Context Section Retrieval Stats (Max):", 42, maxRecord(records, arena));
+    printBlock(heads::contextSectionAverage, averageRecords(records, arena));
+    printBlock(heads::contextSectionMin, minRecord(records, arena));
+    printBlock(heads::contextSectionMax, maxRecord(records, arena));
 }
 
 void printExecuteOverallStats(std::ostream& out, const ReportSource& source) {
@@ -104,7 +104,7 @@ void printExecuteOverallStats(std::ostream& out, const ReportSource& source) {
     if (!store.hasExecuteOverall || store.executeOverallRecord.events.size() < executionRateEvents) {
         return;
     }
-    printSectionHead(out, "Execute Stats (Overall):", 24);
+    printSectionHead(out, heads::executeOverall);
     indent(out, 1);
     out << "Marlix IPS (includes IO and misc. time): "
         << fixedPoint(static_cast<double>(executionRate(store.executeOverallRecord)), 4) << " inf/sec \n\n";
@@ -125,10 +125,10 @@ std::uint64_t queueWaitUs(const GraphQueueWait& wait) {
 
 // The queue-wait list is empty, or it has the entries of the statistics list.
 template <typename Waits>
-void printExecuteStats(std::ostream& out, const ReportSource& source, std::string_view title,
+void printExecuteStats(std::ostream& out, const ReportSource& source, const SectionHead& head,
                        const BlockList<NamedMethodRecord>& entries, const std::vector<Waits>& waits) {
-    printSectionHead(out, title, 24);
-    printSectionHead(out, "Total Inference Time: ", 21);
+    printSectionHead(out, head);
+    printSectionHead(out, heads::totalInferenceTime);
     if (entries.empty()) {
         out << '\n';
         return;
@@ -173,12 +173,13 @@ void saveObjectsOfExecutions(const EventStore& store, ObjectFiles& files) {
 
 void printExecuteStatistics(std::ostream& out, const ReportSource& source) {
     const EventStore& store = source.store;
-    printExecuteStats(out, source, "Execute Stats (Average):", store.executeAverage, store.executeQueueWaits);
-    if (source.objectFiles != nullptr && !store.executeAverage.empty()) {
+    const MethodStatistics& execute = store.methods.execute;
+    printExecuteStats(out, source, executeForm.average, execute.average, store.executeQueueWaits);
+    if (source.objectFiles != nullptr && !execute.average.empty()) {
         saveObjectsOfExecutions(store, *source.objectFiles);
     }
-    printExecuteStats(out, source, "Execute Stats (Min):", store.executeMin, store.executeMinQueueWaits);
-    printExecuteStats(out, source, "Execute Stats (Max):", store.executeMax, store.executeMaxQueueWaits);
+    printExecuteStats(out, source, executeForm.min, execute.min, store.executeMinQueueWaits);
+    printExecuteStats(out, source, executeForm.max, execute.max, store.executeMaxQueueWaits);
 }
 
 void printLibLoadStats(std::ostream& out, const ReportSource& source) {
@@ -186,33 +187,23 @@ void printLibLoadStats(std::ostream& out, const ReportSource& source) {
     if (!store.hasLibLoad || store.libLoadRecord.events.empty()) {
         return;
     }
-    printSectionHead(out, "Dynamic Lib Load Stats:", 24);
+    printSectionHead(out, heads::libLoad);
     indent(out, 1);
     out << "Backend Latency: " << store.libLoadRecord.events[0].value().asNumber() << " us\n\n";
 }
 
-// A section that shows one statistics list, graph by graph.
-struct StatisticsSection {
-    std::string_view title;
-    std::size_t underline;
-    bool EventStore::*isPrinted;
-    BlockList<NamedMethodRecord> EventStore::*entries;
-};
-
-constexpr std::array<StatisticsSection, 6> statisticsSections = {{
-    {"ApplyBinarySection Stats (Average):", 35, &EventStore::hasApplyBinarySection,
-     &EventStore::applyBinarySectionAverage},
-    {"ApplyBinarySection Stats (Min):", 35, &EventStore::hasApplyBinarySection,
-     &EventStore::applyBinarySectionMin},
-    {"ApplyBinarySection Stats (Max):", 35, &EventStore::hasApplyBinarySection,
-     &EventStore::applyBinarySectionMax},
-    {"FinalizeAfterTensorUpdates Stats (Average):", 45, &EventStore::hasFinalizeAfterTensorUpdates,
-     &EventStore::finalizeAfterTensorUpdatesAverage},
-    {"FinalizeAfterTensorUpdates Stats (Min):", 40, &EventStore::hasFinalizeAfterTensorUpdates,
-     &EventStore::finalizeAfterTensorUpdatesMin},
-    {"FinalizeAfterTensorUpdates Stats (Max):", 40, &EventStore::hasFinalizeAfterTensorUpdates,
-     &EventStore::finalizeAfterTensorUpdatesMax},
-}};
+void printMethodStats(std::ostream& out, const ReportSource& source, const MethodForm& form) {
+    const MethodStatistics& statistics = source.store.methods.*form.method;
+    if (!statistics.isSeen) {
+        return;
+    }
+    printSectionHead(out, form.average);
+    printGraphs(out, source, statistics.average, true);
+    printSectionHead(out, form.min);
+    printGraphs(out, source, statistics.min, true);
+    printSectionHead(out, form.max);
+    printGraphs(out, source, statistics.max, true);
+}
 
 }  // namespace
 
@@ -223,11 +214,8 @@ void printConsoleReport(std::ostream& out, const ReportSource& source) {
     printExecuteOverallStats(out, source);
     printExecuteStatistics(out, source);
     printLibLoadStats(out, source);
-    for (const StatisticsSection& section : statisticsSections) {
-        if (source.store.*section.isPrinted) {
-            printSectionHead(out, section.title, section.underline);
-            printGraphs(out, source, source.store.*section.entries, true);
-        }
+    for (const MethodForm& form : otherMethodForms) {
+        printMethodStats(out, source, form);
     }
 }
 
@@ -236,7 +224,7 @@ void printUpdateBinarySectionStats(std::ostream& out, const ReportSource& source
     if (!store.hasUpdateBinarySection) {
         return;
     }
-    printSectionHead(out, "UpdateBinarySection Stats:", 32);
+    printSectionHead(out, heads::updateBinarySection);
     if (!store.updateBinarySectionRecords.empty()) {
         const MethodRecord& record = *store.updateBinarySectionRecords.front().record;
         printTimeLine(out, record.durationUs);

@@ -6,6 +6,7 @@
 
 #include "reports/EventReport.h"
 #include "reports/ExecutionRate.h"
+#include "reports/MethodForms.h"
 #include "reports/ReportForms.h"
 #include "text/NumberText.h"
 
@@ -64,22 +65,16 @@ void writeDeInitCsv(std::ostream& out, const ReportSource& source) {
     writeEventRows(out, record.events, record.timestamp, "DE-INIT");
 }
 
-// A section with a row for every record of every graph.
-struct GraphRecordsSection {
-    std::string_view keyword;
-    std::string eventMessage;
-    const GraphRecordList& graphs;
-    bool identifiedByMessage = false;  ///< a record shows its own message in place of the graph's name
-};
-
-void writeGraphRecordsCsv(std::ostream& out, const GraphRecordsSection& section) {
-    for (std::size_t position = 0; position < section.graphs.size(); ++position) {
-        const GraphMethodRecords& graph = section.graphs[position];
+// A row for every record of every graph.
+void writeMethodCsv(std::ostream& out, const EventStore& store, const MethodForm& form) {
+    const GraphRecordList& graphs = (store.methods.*form.method).records;
+    for (std::size_t position = 0; position < graphs.size(); ++position) {
+        const GraphMethodRecords& graph = graphs[position];
         for (const MethodRecord& record : graph.records) {
-            const std::string_view text = section.identifiedByMessage ? record.message : graph.graphName;
-            writeMethodRow(out, record.timestamp, section.keyword, record.durationUs,
+            const StoredText& text = form.csvShowsMessage ? record.message : graph.graphName;
+            writeMethodRow(out, record.timestamp, form.csvMessage, record.durationUs,
                            graphIdentifier(position, text));
-            writeEventRows(out, record.events, record.timestamp, section.eventMessage);
+            writeEventRows(out, record.events, record.timestamp, form.csvEventMessage);
         }
     }
 }
@@ -134,12 +129,12 @@ void writeCsvReport(std::ostream& out, const ReportSource& source) {
     writeComposeGraphsCsv(out, store);
     writeFinalizeCsv(out, source);
     writeDeInitCsv(out, source);
-    writeGraphRecordsCsv(out, {"EXECUTE", "EXECUTE", store.executeRecords});
+    writeMethodCsv(out, store, executeForm);
     writeExecuteIpsCsv(out, store);
     writeLibLoadCsv(out, store);
-    writeGraphRecordsCsv(out, {"APPLY BINARY SECTION", "APPLYBINARY", store.applyBinarySectionRecords});
-    writeGraphRecordsCsv(out, {"FINALIZE AFTER TENSOR UPDATES", "FINALIZE_AFTER_TENSOR_UPDATES",
-                               store.finalizeAfterTensorUpdatesRecords, true});
+    for (const MethodForm& form : otherMethodForms) {
+        writeMethodCsv(out, store, form);
+    }
     writeContextCsv(out, store);
 }
 

@@ -16,8 +16,8 @@ void indent(std::ostream& out, std::uint64_t levels) {
     }
 }
 
-void printSectionHead(std::ostream& out, std::string_view title, std::size_t underline) {
-    out << title << '\n' << std::string(underline, '-') << '\n';
+void printSectionHead(std::ostream& out, const SectionHead& head) {
+    out << head.title << '\n' << std::string(head.underline, '-') << '\n';
 }
 
 void printGraphHead(std::ostream& out, std::size_t position, std::string_view graphName) {
@@ -46,7 +46,7 @@ void printReportHeader(std::ostream& out, const ReportSource& source) {
 
 void printDeInitStats(std::ostream& out, const ReportSource& source) {
     const MethodRecord& record = source.store.deInitRecord;
-    printSectionHead(out, "De-Init Stats:", 14);
+    printSectionHead(out, heads::deInit);
     printTimeLine(out, record.durationUs);
     printEvents(out, record.events, 1, source.objectFiles);
     out << '\n';

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "reports/ReportSource.h"
+#include "reports/SectionHeads.h"
 
 /// The lines and sections that the reports of all readers share. Every line ends in a newline.
 namespace zeb::profiling {
@@ -18,8 +19,7 @@ inline constexpr std::size_t reportIndentWidth = 4;
 /// Writes blanks for that many levels.
 void indent(std::ostream& out, std::uint64_t levels);
 
-/// A title, and a line of "-" below it. The width is the section's own and seldom the title's.
-void printSectionHead(std::ostream& out, std::string_view title, std::size_t underline);
+void printSectionHead(std::ostream& out, const SectionHead& head);
 
 /// @param position of the graph in the list that the section walks, counted from 0
 void printGraphHead(std::ostream& out, std::size_t position, std::string_view graphName);

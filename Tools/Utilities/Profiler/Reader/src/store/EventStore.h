@@ -8,16 +8,12 @@
 #include <vector>
 
 #include "log/ProfileLog_generated.h"
-#include "memory/BlockList.h"
 #include "store/EventArena.h"
 #include "store/MessageParts.h"
 #include "store/MethodRecord.h"
-#include "store/NamedList.h"
+#include "store/MethodStatistics.h"
 
 namespace zeb::profiling {
-
-using GraphRecordList = NamedList<GraphMethodRecords, &GraphMethodRecords::graphName>;
-using NamedRecordList = NamedList<NamedMethodRecord, &NamedMethodRecord::name>;
 
 /// All that is kept of a log: records made from its method messages, and the statistics over them. Nothing in
 /// it points into a chunk. Durations are in us; timestamps are the log's. The reports read the members and
@@ -42,8 +38,8 @@ public:
     /// @return false when there is no event of that name anywhere in the store, which saves searching for it
     [[nodiscard]] bool mayHaveEvent(std::string_view name) const { return arena_.hasName(name); }
 
-    /// @return the record of the latest execution that was stored, null before the first. It stays where it is,
-    /// and its events may still come.
+    /// @return the record of the latest execution that was stored, null before the first. It stays where it
+    /// is, and its events may still come.
     [[nodiscard]] const MethodRecord* latestExecution() const { return latestExecution_; }
 
     // Initialization
@@ -60,40 +56,46 @@ public:
     MethodRecord initRecord;               ///< the latest Init message
     bool hasInitRecord = false;
 
-    // Flags of the collections below: such a message was stored
-    bool hasApplyBinarySection = false;
-    bool hasUpdateBinarySection = false;
-    bool hasFinalizeAfterTensorUpdates = false;
-    bool hasContextRetrieval = false;
+    // Contexts; the keys are those of `contextMethods`
+    bool hasContextRetrieval = false;  ///< such a message was stored
     NamedRecordList contextRetrieval;  ///< the latest message under each key
     bool hasContextSectionRetrieval = false;
     GraphRecordList contextSectionRetrieval;  ///< all messages under the one key
 
-    // Graphs, in order of first appearance
+    // Finalization, graphs in order of first appearance
     NamedRecordList finalizeRecords;
     bool hasFinalize = false;        ///< a Finalize message was stored
     bool hasFinalizeEvents = false;  ///< an event was filed under finalization
-    GraphRecordList executeRecords;
-    GraphRecordList applyBinarySectionRecords;
-    GraphRecordList finalizeAfterTensorUpdatesRecords;
-    bool asyncExecute = false;  ///< an ExecuteAsync message was met, dropped or not
 
-    // Statistics, by aggregation; each list has the entries of its source list in the same order
-    BlockList<NamedMethodRecord> executeAverage;
-    BlockList<NamedMethodRecord> applyBinarySectionAverage;
-    BlockList<NamedMethodRecord> applyBinarySectionMax;
-    BlockList<NamedMethodRecord> applyBinarySectionMin;
-    std::vector<NamedMethodRecord> updateBinarySectionRecords;  ///< the latest message, under an empty name
-    BlockList<NamedMethodRecord> finalizeAfterTensorUpdatesAverage;
-    BlockList<NamedMethodRecord> finalizeAfterTensorUpdatesMax;
-    BlockList<NamedMethodRecord> finalizeAfterTensorUpdatesMin;
-    BlockList<NamedMethodRecord> executeMax;
-    BlockList<NamedMethodRecord> executeMin;
+    // The methods that have statistics, and their parts by a name of their own
+    MeasuredMethods methods;
+    const GraphRecordList& executeRecords = methods.execute.records;
+    const BlockList<NamedMethodRecord>& executeAverage = methods.execute.average;
+    const BlockList<NamedMethodRecord>& executeMax = methods.execute.max;
+    const BlockList<NamedMethodRecord>& executeMin = methods.execute.min;
+    const bool& hasApplyBinarySection = methods.applyBinarySection.isSeen;
+    const GraphRecordList& applyBinarySectionRecords = methods.applyBinarySection.records;
+    const BlockList<NamedMethodRecord>& applyBinarySectionAverage = methods.applyBinarySection.average;
+    const BlockList<NamedMethodRecord>& applyBinarySectionMax = methods.applyBinarySection.max;
+    const BlockList<NamedMethodRecord>& applyBinarySectionMin = methods.applyBinarySection.min;
+    const bool& hasFinalizeAfterTensorUpdates = methods.finalizeAfterTensorUpdates.isSeen;
+    const GraphRecordList& finalizeAfterTensorUpdatesRecords = methods.finalizeAfterTensorUpdates.records;
+    const BlockList<NamedMethodRecord>& finalizeAfterTensorUpdatesAverage =
+        methods.finalizeAfterTensorUpdates.average;
+    const BlockList<NamedMethodRecord>& finalizeAfterTensorUpdatesMax =
+        methods.finalizeAfterTensorUpdates.max;
+    const BlockList<NamedMethodRecord>& finalizeAfterTensorUpdatesMin =
+        methods.finalizeAfterTensorUpdates.min;
+
+    // Queue waits of the executions, by aggregation
+    bool asyncExecute = false;                       ///< an ExecuteAsync message was met, dropped or not
     std::vector<GraphQueueWaits> executeQueueWaits;  ///< empty unless every execution has exactly one wait
     std::vector<GraphQueueWait> executeMaxQueueWaits;
     std::vector<GraphQueueWait> executeMinQueueWaits;
 
-    MethodRecord executeOverallRecord;  ///< the latest ExecuteOverall message
+    bool hasUpdateBinarySection = false;
+    std::vector<NamedMethodRecord> updateBinarySectionRecords;  ///< the latest message, under an empty name
+    MethodRecord executeOverallRecord;                          ///< the latest ExecuteOverall message
     bool hasExecuteOverall = false;
     MethodRecord deInitRecord;   ///< the latest DeInit message
     MethodRecord libLoadRecord;  ///< the latest DynamicLibLoad message
@@ -133,6 +135,8 @@ private:
     GraphEntry graphOf(GraphRecordList& list, std::string_view text, const MethodRecord& first,
                        NameIn nameIn = wholeText);
     const MethodRecord& addRecord(GraphRecordList& list, std::string_view text, const MethodRecord& record,
+                                  NameIn nameIn = wholeText);
+    const MethodRecord& addRecord(MethodStatistics& method, std::string_view text, const MethodRecord& record,
                                   NameIn nameIn = wholeText);
 
     void aggregateQueueWaits(std::ostream& notes);

@@ -19,14 +19,14 @@ namespace {
 constexpr ObjectFiles* saveNone = nullptr;  // but for the De-Init section, whatever the host asked for
 
 void printBackendInitStats(std::ostream& out, const EventStore& store) {
-    printSectionHead(out, "Init Stats:", 11);
+    printSectionHead(out, heads::init);
     printTimeLine(out, store.initDurationUs);
     printEvents(out, initSectionEvents(store), 1, saveNone);
     out << '\n';
 }
 
 void printBackendFinalizeStats(std::ostream& out, const EventStore& store) {
-    printSectionHead(out, "Finalize Stats:", 15);
+    printSectionHead(out, heads::finalize);
     if (store.finalizeRecords.empty()) {
         out << '\n';
         return;
@@ -42,7 +42,7 @@ void printBackendFinalizeStats(std::ostream& out, const EventStore& store) {
 }
 
 void printExecutionStats(std::ostream& out, const EventStore& store, const BackendFigures& figures) {
-    printSectionHead(out, "Execution Stats (Average):", 21);
+    printSectionHead(out, heads::backendExecution);
     if (!figures.execution.hasAverage) {
         out << '\n';
         return;

@@ -8,6 +8,7 @@
 #include "reports/ReportForms.h"
 #include "text/NumberText.h"
 #include "text/Saturation.h"
+#include "text/TableText.h"
 
 namespace zeb::profiling {
 
@@ -115,12 +116,11 @@ constexpr ExecutionLine executionLines[] = {
 }  // namespace
 
 void printExecutionLines(std::ostream& out, const BackendFigures& figures) {
+    TableText table(out, Alignment::left);
     for (const ExecutionLine& line : executionLines) {
         if (const Text value = line.value(figures)) {
-            indent(out, line.level);
-            out << line.label
-                << std::string(line.labelWidth - std::min(line.labelWidth, line.label.size()), ' ') << *value
-                << '\n';
+            table.field("", line.level * reportIndentWidth).field(line.label, line.labelWidth);
+            table.text(*value).endRow();
         }
     }
 }

@@ -1,6 +1,5 @@
 #include "reader/backend/OruTable.h"
 
-#include <array>
 #include <string_view>
 #include <vector>
 
@@ -71,7 +70,7 @@ constexpr ReportColumn forDsp(std::string_view title, Cell cell) {
 constexpr bool internal = true;
 constexpr bool shown = false;
 
-constexpr std::array<ReportColumn, 18> oruColumns = {{
+constexpr ReportColumn oruColumns[] = {
     forAll("Layer Id", number<&LayerStats::layerId>),
     forAll("Layer Type", typeName),
     {"HW Offloaded", shown, offloaded, offloaded, notOffloaded},
@@ -90,7 +89,7 @@ constexpr std::array<ReportColumn, 18> oruColumns = {{
     forCore("Node Count", internal, number<&LayerStats::nodeCount>),
     forCore("Avg Krel Core Cycles", shown, number<&LayerStats::avgCoreCycles>),
     forCore("Avg Krel Core Time (us)", shown, number<&LayerStats::avgCoreTimeUs>),
-}};
+};
 
 std::vector<const ReportColumn*> shownColumns(bool internalColumns) {
     std::vector<const ReportColumn*> columns;
@@ -107,7 +106,7 @@ std::vector<const ReportColumn*> shownColumns(bool internalColumns) {
 void printOruLayerStats(std::ostream& out, const OruLayers& layers, bool internalColumns,
                         Alignment alignment) {
     out << '\n';
-    printSectionHead(out, oruTableTitle, oruTableTitle.size());
+    printSectionHead(out, heads::oruLayers);
     const auto columns = shownColumns(internalColumns);
     TableText table(out, alignment);
     for (const ReportColumn* const column : columns) {
@@ -127,7 +126,7 @@ void printOruLayerStats(std::ostream& out, const OruLayers& layers, bool interna
 }
 
 void writeOruLayerCsv(std::ostream& out, const OruLayers& layers, bool internalColumns) {
-    out << '\n' << oruTableTitle << '\n';
+    out << '\n' << heads::oruLayers.title << '\n';
     const auto columns = shownColumns(internalColumns);
     TableText table(out);
     for (const ReportColumn* const column : columns) {

@@ -12,8 +12,8 @@ namespace zeb::profiling {
 
 namespace {
 
-constexpr std::array<std::string_view, 4> zebColumns = {"Layer Name", "aDSP Time (us)", "Krel Time (us)",
-                                                        "Avg Total Time (us)"};
+constexpr auto zebColumns = std::to_array<std::string_view>(
+    {"Layer Name", "aDSP Time (us)", "Krel Time (us)", "Avg Total Time (us)"});
 
 constexpr std::size_t zebFieldRoom = 2;  // a field of the console table is that much wider than its column
 
@@ -35,10 +35,10 @@ std::size_t defaultNameWidth() {
 
 void printZebLayerStats(std::ostream& out, const std::vector<ZebLayer>& layers, const TimeShare& share,
                         std::size_t nameWidth, Alignment alignment) {
-    const std::array<std::size_t, 4> widths = {nameWidth, columnWidth(zebColumns[1]),
-                                               columnWidth(zebColumns[2]), columnWidth(zebColumns[3])};
+    const std::array<std::size_t, zebColumns.size()> widths = {
+        nameWidth, columnWidth(zebColumns[1]), columnWidth(zebColumns[2]), columnWidth(zebColumns[3])};
     out << '\n';
-    printSectionHead(out, zebTableTitle, zebTableTitle.size());
+    printSectionHead(out, heads::zebLayers);
     TableText table(out, alignment);
     const auto printRow = [&table, &widths](const auto&... cells) {
         std::size_t column = 0;
@@ -54,7 +54,7 @@ void printZebLayerStats(std::ostream& out, const std::vector<ZebLayer>& layers, 
 }
 
 void writeZebLayerCsv(std::ostream& out, const std::vector<ZebLayer>& layers, const TimeShare& share) {
-    out << '\n' << zebTableTitle << '\n';
+    out << '\n' << heads::zebLayers.title << '\n';
     TableText table(out);
     for (const std::string_view title : zebColumns) {
         table.text(title).text(",");
@@ -71,7 +71,7 @@ void writeZebLayerCsv(std::ostream& out, const std::vector<ZebLayer>& layers, co
 void printLayerMapping(std::ostream& out, const std::vector<ZebLayer>& layers, std::size_t nameWidth,
                        Alignment alignment) {
     out << '\n';
-    printSectionHead(out, mappingTableTitle, mappingTableTitle.size());
+    printSectionHead(out, heads::layerMapping);
     TableText table(out, alignment);
     for (const ZebLayer& layer : layers) {
         table.field(layer.name, nameWidth).text(":  ");
@@ -81,7 +81,7 @@ void printLayerMapping(std::ostream& out, const std::vector<ZebLayer>& layers, s
 }
 
 void writeLayerMappingCsv(std::ostream& out, const std::vector<ZebLayer>& layers, std::size_t nameWidth) {
-    out << '\n' << mappingTableTitle << '\n' << "ZEB Layer,ORU Layer(s)\n";
+    out << '\n' << heads::layerMapping.title << '\n' << "ZEB Layer,ORU Layer(s)\n";
     TableText table(out);
     for (const ZebLayer& layer : layers) {
         table.field(layer.name, nameWidth).text(",\"");

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <iosfwd>
+#include <vector>
+
+#include "store/EventArena.h"
+#include "store/MethodStatistics.h"
+
+/// What is derived from the records after the last message. All throw `std::bad_alloc`.
+namespace zeb::profiling {
+
+/// Fills the statistics of a method from its records.
+/// @param arena that of the records
+void aggregate(MethodStatistics& method, EventArena& arena);
+
+/// @return the queue waits of each execution, graph by graph; nothing when one has not exactly one, which is
+///         told: several of them to the user, none to the log
+/// @param notes receives what is to be told to the user, whole lines
+std::vector<GraphQueueWaits> queueWaitsOfAll(const GraphRecordList& graphs, std::ostream& notes);
+
+/// @return the queue wait of each execution of a statistics list; nothing as above
+/// @param noneFound is logged of an execution without one
+std::vector<GraphQueueWait> queueWaitsOfEach(const BlockList<NamedMethodRecord>& records, std::ostream& notes,
+                                             const char* noneFound);
+
+}  // namespace zeb::profiling
