@@ -117,7 +117,10 @@ Header networkHeader() {
 class NetworkRun {
 public:
     NetworkRun(const NetworkOptions& options, std::ostream& out)
-        : options_(options), log_(out, networkHeader()), network_(makeNetwork(options.layers)) {}
+        : options_(options),
+          log_(out, networkHeader()),
+          network_(makeNetwork(options.layers)),
+          runPace_(runPaceOf(options)) {}
 
     void run() {
         initialize();
@@ -146,11 +149,12 @@ private:
     }
 
     void initialize() {
-        call(MethodType::DynamicLibLoad, std::nullopt, libraryLoadUs,
-             {timeEvent("Backend Library Load", libraryLoadUs)});
-        call(MethodType::InitStep, networkName, initStepUs);
+        const std::uint64_t loadUs = runPace_.of(libraryLoadUs);
+        call(MethodType::DynamicLibLoad, std::nullopt, loadUs, {timeEvent("Backend Library Load", loadUs)});
+        call(MethodType::InitStep, networkName, runPace_.of(initStepUs));
         for (std::uint32_t graph = 0; graph < options_.graphs; ++graph) {
-            call(MethodType::ComposeGraphs, graphName(graph), composeUs + options_.layers * composeLayerUs);
+            call(MethodType::ComposeGraphs, graphName(graph),
+                 runPace_.of(composeUs + options_.layers * composeLayerUs));
         }
         for (std::uint32_t graph = 0; graph < options_.graphs; ++graph) {
             finalize(graph);
@@ -158,7 +162,7 @@ private:
     }
 
     void finalize(std::uint32_t graph) {
-        const std::uint64_t us = finalizeUs + options_.layers * finalizeLayerUs;
+        const std::uint64_t us = runPace_.of(finalizeUs + options_.layers * finalizeLayerUs);
         const std::uint64_t backendUs = us - us / 50;
         Event preparation = timeEvent(
             "Graph Preparation", backendUs,
@@ -171,7 +175,7 @@ private:
     }
 
     void executeGraph(std::uint32_t graph) {
-        const NetworkTiming timing(network_, graph, options_.seed);
+        const NetworkTiming timing(network_, graph, options_);
         RunTotals totals;
         for (std::uint32_t position = 0; position < options_.executions; ++position) {
             const ExecutionTimes times = timing.execution(position);
@@ -258,8 +262,9 @@ private:
         const std::uint64_t executions = std::uint64_t{options_.executions} * options_.graphs;
         call(MethodType::ExecuteOverall, std::nullopt, executionUs,
              {timeEvent("duration", executionUs), event("count", executions, count)});
-        const std::uint64_t backendUs = deInitUs - deInitUs / 20;
-        call(MethodType::DeInit, networkName, deInitUs,
+        const std::uint64_t us = runPace_.of(deInitUs);
+        const std::uint64_t backendUs = us - us / 20;
+        call(MethodType::DeInit, networkName, us,
              {timeEvent("Accelerator Release", backendUs,
                         partsOf(backendUs, {{"Context Free", 72}, {"Device Close", 0}}))});
     }
@@ -267,7 +272,8 @@ private:
     // The backend's own view of the start. A reader keeps the init events of the last message that may have
     // any, so they go with the last execution.
     void addInitEvents(std::vector<Event>& events) const {
-        const std::uint64_t backendUs = initStepUs - initStepUs / 10;
+        const std::uint64_t us = runPace_.of(initStepUs);
+        const std::uint64_t backendUs = us - us / 10;
         events.push_back(ofType(
             initEventType,
             timeEvent(
@@ -285,6 +291,7 @@ private:
     const NetworkOptions& options_;
     ChunkedLog log_;
     Network network_;
+    RunPace runPace_;
     std::uint64_t nowUs_ = steadyClockUs + 1'250;
 };
 

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <ostream>
+#include <string>
 
 #include "Network.h"
 
@@ -16,6 +17,12 @@ enum class ProfileLevel : std::uint32_t {
     internal = 1100  ///< with the layers and what only the accelerator's developers ask for
 };
 
+/// A ZEB layer whose times are longer than those of the network as it was designed.
+struct SlowerLayer {
+    std::string name;
+    std::uint32_t millionths = 0;  ///< that its times grow by
+};
+
 /// Each count is at least 1.
 struct NetworkOptions {
     bool async = false;
@@ -25,6 +32,10 @@ struct NetworkOptions {
     std::uint32_t graphs = 1;
     std::optional<std::uint64_t> seed =
         std::nullopt;  ///< adds random variation; without it nothing is random
+    std::uint32_t driftMillionths =
+        0;  ///< standard deviation of one factor on all times, drawn from the seed
+    std::uint32_t slowerMillionths = 0;  ///< that all times grow by
+    std::optional<SlowerLayer> slowerLayer = std::nullopt;
 };
 
 /// Writes the log in chunks, with the messages in the order in which a runtime writes them; the state of the

@@ -58,22 +58,59 @@ std::uint64_t randomPace(std::uint64_t seed, std::uint64_t which, std::uint64_t 
     return usualPace - spread + mixed(mixed(seed) ^ which) % (2 * spread + 1);
 }
 
+// A number around 0 whose standard deviation is the unit and whose spread is close to the normal one: the sum
+// of twelve numbers of equal chance, each of a variance of a twelfth.
+constexpr std::int64_t deviationUnit = 1'000'000;
+constexpr std::uint64_t driftStream = 0x6472696674;  // apart from the draws for layers and executions
+
+std::int64_t randomDeviation(std::uint64_t seed) {
+    std::int64_t sum = -6 * deviationUnit;
+    for (std::uint64_t draw = 0; draw < 12; ++draw) {
+        sum += static_cast<std::int64_t>(mixed(seed + draw) % static_cast<std::uint64_t>(deviationUnit + 1));
+    }
+    return sum;
+}
+
 std::uint64_t atPace(std::uint64_t value, std::uint64_t pace) {
     return value * pace / usualPace;
 }
 
 }  // namespace
 
-NetworkTiming::NetworkTiming(const Network& network, std::uint32_t graph, std::optional<std::uint64_t> seed)
-    : network_(network), graph_(graph), seed_(seed ? std::optional(mixed(*seed) + graph) : std::nullopt) {
+RunPace runPaceOf(const NetworkOptions& options) {
+    std::int64_t driftMillionths = 0;
+    if (options.seed) {
+        const std::int64_t drawn = randomDeviation(mixed(*options.seed) ^ driftStream);
+        driftMillionths = drawn * options.driftMillionths / deviationUnit;
+    }
+    const auto drifted = static_cast<std::uint64_t>(deviationUnit + driftMillionths);
+    return {drifted * (1'000'000U + options.slowerMillionths) / 1'000'000U};
+}
+
+NetworkTiming::NetworkTiming(const Network& network, std::uint32_t graph, const NetworkOptions& options)
+    : network_(network),
+      graph_(graph),
+      seed_(options.seed ? std::optional(mixed(*options.seed) + graph) : std::nullopt),
+      runPace_(runPaceOf(options)) {
     layers_.reserve(network.oruLayers.size());
     for (const OruLayer& layer : network.oruLayers) {
-        const LayerTimes times = timeLayer(layer, layers_.size());
-        sum_.coreCycles += times.coreCycles;
-        sum_.dspCycles += times.dspCycles;
-        sum_.totalNs += times.totalNs;
-        layers_.push_back(times);
+        const auto& slower = options.slowerLayer;
+        const bool isSlower = slower && network.zebLayerNames[layer.zebLayer] == slower->name;
+        addLayer(layer, {1'000'000U + (isSlower ? slower->millionths : 0U)});
     }
+}
+
+void NetworkTiming::addLayer(const OruLayer& layer, RunPace layerPace) {
+    LayerTimes times = timeLayer(layer, layers_.size());
+    for (const auto part :
+         {&LayerTimes::coreCycles, &LayerTimes::dspCycles, &LayerTimes::flushNs, &LayerTimes::krelNs,
+          &LayerTimes::driverNs, &LayerTimes::halNs, &LayerTimes::totalNs}) {
+        times.*part = layerPace.of(times.*part);
+    }
+    sum_.coreCycles += times.coreCycles;
+    sum_.dspCycles += times.dspCycles;
+    sum_.totalNs += times.totalNs;
+    layers_.push_back(times);
 }
 
 NetworkTiming::LayerTimes NetworkTiming::timeLayer(const OruLayer& layer, std::uint64_t position) const {
@@ -118,6 +155,13 @@ ExecutionTimes NetworkTiming::execution(std::uint32_t position) const {
     // The first execution finds the queue empty.
     times.graphQueueWaitUs = position == 0 ? 0 : atPace(queuedUs, paceNow) + position % 4;
     times.dispatcherQueueWaitUs = dispatchedUs + position % 3;
+    for (const auto part :
+         {&ExecutionTimes::coreCycles, &ExecutionTimes::dspCycles, &ExecutionTimes::acceleratorUs,
+          &ExecutionTimes::dspGraphUs, &ExecutionTimes::hlosUs, &ExecutionTimes::inputCopyNs,
+          &ExecutionTimes::outputCopyNs, &ExecutionTimes::backendUs, &ExecutionTimes::roundTripUs,
+          &ExecutionTimes::graphQueueWaitUs, &ExecutionTimes::dispatcherQueueWaitUs}) {
+        times.*part = runPace_.of(times.*part);
+    }
     return times;
 }
 
@@ -126,8 +170,8 @@ std::vector<LayerRecord> NetworkTiming::layerRecords(std::uint32_t executions) c
     for (std::uint32_t position = 0; position < executions; ++position) {
         paceSum += pace(position);
     }
-    const auto total = [paceSum](std::uint64_t value) { return atPace(value, paceSum); };
-    const auto totalUs = [paceSum](std::uint64_t ns) { return atPace(ns, paceSum) / 1000; };
+    const auto total = [&](std::uint64_t value) { return atPace(runPace_.of(value), paceSum); };
+    const auto totalUs = [&](std::uint64_t ns) { return total(ns) / 1000; };
     std::vector<LayerRecord> records;
     records.reserve(layers_.size());
     for (std::size_t position = 0; position < layers_.size(); ++position) {

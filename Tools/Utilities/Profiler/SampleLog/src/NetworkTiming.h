@@ -6,6 +6,7 @@
 
 #include "BackendObjectWriter.h"
 #include "Network.h"
+#include "NetworkLog.h"
 
 /// How long the network takes on the accelerator and on the host, worked out in whole numbers from the cycles
 /// of its layers, so that every machine comes to the same times.
@@ -32,13 +33,23 @@ struct ExecutionTimes {
     [[nodiscard]] std::uint64_t queueWaitUs() const { return graphQueueWaitUs + dispatcherQueueWaitUs; }
 };
 
+/// A factor on times, in millionths.
+struct RunPace {
+    std::uint64_t millionths = 1'000'000;
+
+    [[nodiscard]] std::uint64_t of(std::uint64_t value) const { return value * millionths / 1'000'000; }
+};
+
+/// @return the factor on all times of a run, from its drift and from what it is slower by
+RunPace runPaceOf(const NetworkOptions& options);
+
 /// The times of one graph. The first execution is slower than the rest, which differ by a few per mille.
 class NetworkTiming {
 public:
     /// @param network has to outlive the timing
     /// @param graph position among the graphs; each has a rhythm of its own
-    /// @param seed adds random variation to all times; without it nothing is random
-    NetworkTiming(const Network& network, std::uint32_t graph, std::optional<std::uint64_t> seed);
+    /// @param options tell the seed and what is slower than designed
+    NetworkTiming(const Network& network, std::uint32_t graph, const NetworkOptions& options);
 
     /// @return the times of an execution, by its position among the executions of the graph
     [[nodiscard]] ExecutionTimes execution(std::uint32_t position) const;
@@ -58,12 +69,14 @@ private:
         std::uint64_t totalNs = 0;
     };
 
+    void addLayer(const OruLayer& layer, RunPace layerPace);
     [[nodiscard]] LayerTimes timeLayer(const OruLayer& layer, std::uint64_t position) const;
     [[nodiscard]] std::uint64_t pace(std::uint32_t execution) const;
 
     const Network& network_;
     std::uint32_t graph_;
     std::optional<std::uint64_t> seed_;
+    RunPace runPace_;
     std::vector<LayerTimes> layers_;
     LayerTimes sum_;
 };

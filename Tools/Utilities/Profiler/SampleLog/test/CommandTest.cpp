@@ -46,6 +46,9 @@ TEST_F(Command, WritesWhatTheOptionsSay) {
         {"--level 1 --layers 40 --graphs 2 --seed 18446744073709551615",
          {false, ProfileLevel::basic, 20, 40, 2, 18'446'744'073'709'551'615U}},
         {"--kind network --level 2", {}},
+        {"--seed 3 --drift 2.5", {.seed = 3, .driftMillionths = 25'000}},
+        {"--slower 10 --slower-layer conv1=0.0001",
+         {.slowerMillionths = 100'000, .slowerLayer = SlowerLayer{"conv1", 1}}},
     };
     for (const auto& [arguments, options] : cases) {
         std::ostringstream log;
@@ -81,6 +84,16 @@ TEST_F(Command, RefusesWrongUsage) {
         {"a --layers 3 --layers 4", once},
         {"a --level 3", "--level: \"3\" is none of basic, detailed, internal, 1, 2, 1100"},
         {"a --kind x", "--kind: \"x\" is none of network, methods, adapter-updater, shared-events"},
+        {"a --drift 2", "--drift: takes a --seed"},
+        {"a --seed 1 --drift 16",
+         "--drift: \"16\" is no per cent from 0 to 15, with four digits at most behind the point"},
+        {"a --slower -1",
+         "--slower: \"-1\" is no per cent from 0 to 1000, with four digits at most behind the point"},
+        {"a --slower 1.00001",
+         "--slower: \"1.00001\" is no per cent from 0 to 1000, with four digits at most behind the point"},
+        {"a --slower-layer conv1", "--slower-layer: \"conv1\" is no NAME=PERCENT"},
+        {"a --layers 2 --slower-layer conv_pw_1=5", "--slower-layer: the network has no layer \"conv_pw_1\""},
+        {"a --kind methods --slower 5", "--slower: is for a log of the kind network only"},
         {"a --kind methods --async", "--async: is for a log of the kind network only"},
         {"a --kind shared-events --seed 1", "--seed: is for a log of the kind network only"},
     };

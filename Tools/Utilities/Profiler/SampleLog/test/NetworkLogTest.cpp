@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <numeric>
 #include <set>
 
@@ -186,9 +187,74 @@ TEST(NetworkLog, ScalesToTheNumberOfGraphsAndExecutions) {
     EXPECT_GT(durations.size(), 20U);
 }
 
+// Per cent by which the times of the changed network exceed those of the other one.
+double growth(std::uint64_t base, std::uint64_t changed) {
+    return (static_cast<double>(changed) / static_cast<double>(base) - 1.0) * 100.0;
+}
+
+// Both are cut to whole microseconds.
+bool isLonger(std::uint64_t base, std::uint64_t changed, double factor) {
+    return std::abs(static_cast<double>(changed) - static_cast<double>(base) * factor) < 1.0 + factor;
+}
+
+TEST(NetworkLog, ASlowerRunIsSlowerInAllThatItMeasures) {
+    for (const bool async : {false, true}) {
+        const LoadedRun base({.async = async, .executions = 4, .seed = 4});
+        const LoadedRun slower({.async = async, .executions = 4, .seed = 4, .slowerMillionths = 250'000});
+        EXPECT_NEAR(growth(base.records[1].durationUs, slower.records[1].durationUs), 25.0, 0.1);
+        EXPECT_NEAR(growth(base.profile.acceleratorTimeUs, slower.profile.acceleratorTimeUs), 25.0, 0.1);
+        EXPECT_NEAR(growth(base.value("Input Tensor Copy Time"), slower.value("Input Tensor Copy Time")),
+                    25.0, 1.0);
+        EXPECT_NEAR(growth(base.store.finalizeRecords[0].record->durationUs,
+                           slower.store.finalizeRecords[0].record->durationUs),
+                    25.0, 0.1);
+        for (std::size_t position = 0; position < base.profile.layerRecords.size(); ++position) {
+            const auto& from = base.profile.layerRecords[position];
+            const auto& to = slower.profile.layerRecords[position];
+            EXPECT_TRUE(isLonger(from.totalTimeUs, to.totalTimeUs, 1.25));
+            EXPECT_NEAR(growth(from.totalDspCycles + 1, to.totalDspCycles + 1), from.totalDspCycles ? 25 : 0,
+                        0.1);
+        }
+        expectTimesThatHoldOneAnother(slower);
+    }
+}
+
+TEST(NetworkLog, ASlowerLayerSlowsItsOwnOruLayersAndTheWhole) {
+    const LoadedRun base({.executions = 4});
+    const LoadedRun slower({.executions = 4, .slowerLayer = SlowerLayer{"conv_pw_3", 500'000}});
+    std::uint64_t addedUs = 0;
+    for (std::size_t position = 0; position < base.profile.layerRecords.size(); ++position) {
+        const auto from = base.profile.layerRecords[position].totalTimeUs;
+        const auto to = slower.profile.layerRecords[position].totalTimeUs;
+        const bool isSlower = slower.mapping[position].zebLayerName == "conv_pw_3";
+        EXPECT_TRUE(isSlower ? isLonger(from, to, 1.5) : to == from);
+        addedUs += to - from;
+    }
+    EXPECT_GT(addedUs, 0U);
+    EXPECT_NEAR(static_cast<double>(slower.profile.acceleratorTimeUs - base.profile.acceleratorTimeUs),
+                static_cast<double>(addedUs), 8.0);
+    expectTimesThatHoldOneAnother(slower);
+}
+
+TEST(NetworkLog, TheDriftHasTheDeviationThatItIsGiven) {
+    constexpr int seeds = 2000;
+    double sum = 0.0;
+    double squares = 0.0;
+    for (int seed = 0; seed < seeds; ++seed) {
+        const RunPace pace = runPaceOf({.seed = seed, .driftMillionths = 20'000});
+        const double percent = growth(1'000'000, pace.millionths);
+        sum += percent;
+        squares += percent * percent;
+    }
+    EXPECT_NEAR(sum / seeds, 0.0, 0.15);
+    EXPECT_NEAR(std::sqrt(squares / seeds), 2.0, 0.1);
+    EXPECT_EQ(runPaceOf({.seed = 3}).millionths, 1'000'000U);
+}
+
 TEST(NetworkLog, TheSameOptionsGiveTheSameBytesAndASeedOthers) {
     std::set<Bytes> logs;
-    const std::vector<NetworkOptions> runs = {{}, {.seed = 1}, {.seed = 2}, {.async = true}};
+    const std::vector<NetworkOptions> runs = {
+        {}, {.seed = 1}, {.seed = 2}, {.async = true}, {.seed = 1, .driftMillionths = 20'000}};
     for (const NetworkOptions& options : runs) {
         const Bytes log = networkLog(options);
         EXPECT_EQ(log, networkLog(options));

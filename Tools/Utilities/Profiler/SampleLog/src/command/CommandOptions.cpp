@@ -14,6 +14,8 @@ namespace zeb::samplelog {
 namespace {
 
 constexpr std::uint32_t maxCount = 1'000'000;
+constexpr std::uint32_t maxDrift = 15;  // per cent; no draw is further off than six times that
+constexpr std::uint32_t maxSlower = 1000;
 
 constexpr std::string_view aboutText = R"(Writes a profiling log as a runtime would write it.
 
@@ -105,6 +107,50 @@ std::uint32_t parseCount(const std::string& name, const std::string& value) {
     return static_cast<std::uint32_t>(parseNumber(name, value, 1, maxCount));
 }
 
+// A per cent with four digits at most behind its point, in millionths of the whole.
+std::uint32_t parsePercent(const std::string& name, const std::string& value, std::uint32_t maxPercent) {
+    const auto areDigits = [](std::string_view text) {
+        return text.size() <= 4 && std::all_of(text.begin(), text.end(), [](char character) {
+                   return character >= '0' && character <= '9';
+               });
+    };
+    const std::size_t point = std::min(value.find('.'), value.size());
+    const std::string whole = value.substr(0, point);
+    const std::string fraction = value.substr(std::min(point + 1, value.size()));
+    const std::uint32_t tooMuch = maxPercent * 10'000 + 1;
+    std::uint32_t millionths = tooMuch;
+    if (!whole.empty() && areDigits(whole) && areDigits(fraction)) {
+        millionths =
+            static_cast<std::uint32_t>(std::stoul(whole + fraction + std::string(4 - fraction.size(), '0')));
+    }
+    if (millionths >= tooMuch) {
+        throw usageError(name + ": \"" + value + "\" is no per cent from 0 to " + std::to_string(maxPercent) +
+                         ", with four digits at most behind the point");
+    }
+    return millionths;
+}
+
+std::uint32_t parseDrift(const std::string& name, const std::string& value, const NetworkOptions& options) {
+    if (!options.seed) {
+        throw usageError(name + ": takes a --seed");
+    }
+    return parsePercent(name, value, maxDrift);
+}
+
+SlowerLayer parseSlowerLayer(const std::string& name, const std::string& value,
+                             const NetworkOptions& options) {
+    const std::size_t equals = value.rfind('=');
+    if (equals == std::string::npos) {
+        throw usageError(name + ": \"" + value + "\" is no NAME=PERCENT");
+    }
+    const std::string layer = value.substr(0, equals);
+    const std::vector<std::string> layers = makeNetwork(options.layers).zebLayerNames;
+    if (std::find(layers.begin(), layers.end(), layer) == layers.end()) {
+        throw usageError(name + ": the network has no layer \"" + layer + "\"");
+    }
+    return {layer, parsePercent(name, value.substr(equals + 1), maxSlower)};
+}
+
 struct Given {
     std::string name;
     std::string value;
@@ -153,6 +199,23 @@ const std::vector<OptionRow>& optionRows() {
          [](auto& options, const auto& given) {
              options.network.seed =
                  parseNumber(given.name, given.value, 0, std::numeric_limits<std::uint64_t>::max());
+         }},
+        {"--drift", "PERCENT", true,
+         "Multiply all times of the log by one random factor with this standard\n"
+         "deviation, 0 to " +
+             std::to_string(maxDrift) + ". It takes a --seed.",
+         [](auto& options, const auto& given) {
+             options.network.driftMillionths = parseDrift(given.name, given.value, options.network);
+         }},
+        {"--slower", "PERCENT", true,
+         "Make all times longer by 0 to " + std::to_string(maxSlower) + " per cent.",
+         [](auto& options, const auto& given) {
+             options.network.slowerMillionths = parsePercent(given.name, given.value, maxSlower);
+         }},
+        {"--slower-layer", "NAME=PERCENT", true,
+         "Make the times of the ZEB layer NAME longer by 0 to " + std::to_string(maxSlower) + " per cent.",
+         [](auto& options, const auto& given) {
+             options.network.slowerLayer = parseSlowerLayer(given.name, given.value, options.network);
          }},
         {"--help", "", false, "Show this help.",
          [](auto& options, const auto& /*given*/) { options.action = Action::showHelp; }},
