@@ -5,6 +5,8 @@
 #include <utility>
 #include <vector>
 
+#include "BackendObjectWriter.h"
+#include "EventMakers.h"
 #include "LogWriter.h"
 #include "SharedTextLog.h"
 
@@ -77,20 +79,13 @@ constexpr std::array<const char*, 12> eventNames = {
 
 Event event(std::string name, Value value, std::vector<Event> subEvents = {}) {
     constexpr std::uint32_t plainType = 400;
-    return {.name = std::move(name),
-            .value = std::move(value),
-            .unit = samplelog::cycles,
-            .type = plainType,
-            .fileName = std::nullopt,
-            .subEvents = std::move(subEvents)};
+    Event made = samplelog::event(std::move(name), std::move(value), samplelog::cycles, std::move(subEvents));
+    made.type = plainType;
+    return made;
 }
 
 Event object(std::string name, Bytes bytes) {
-    return {.name = std::move(name),
-            .value = std::move(bytes),
-            .unit = samplelog::object,
-            .fileName = std::nullopt,
-            .subEvents = {}};
+    return samplelog::objectEvent(std::move(name), std::move(bytes), {});
 }
 
 Message message(MethodType type, std::string graph, std::uint64_t durationUs, std::vector<Event> events) {
@@ -208,87 +203,58 @@ void writeNewNames(ChunkedLog& log, std::size_t executions) {
     }
 }
 
-void put(Bytes& bytes, std::uint64_t number, std::size_t width) {
-    for (std::size_t index = 0; index < width; ++index) {
-        bytes.push_back(static_cast<std::uint8_t>(number >> (8U * index)));
-    }
-}
-
 // @param share how many layers have the same name
 Bytes nodeMapping(std::size_t layers, std::size_t share) {
-    Bytes bytes;
-    put(bytes, layers, 4);
+    std::vector<samplelog::NodeMappingEntry> entries(layers);
     for (std::size_t layer = 0; layer < layers; ++layer) {
-        put(bytes, layer, 4);
-        put(bytes, 1, 4);  // number of values; the one value is the name's index
-        put(bytes, layer / share, 4);
+        entries[layer] = {static_cast<std::uint32_t>(layer), {static_cast<std::uint32_t>(layer / share)}};
     }
-    return bytes;
+    return samplelog::encodeNodeMapping(entries);
 }
 
-template <typename NameOf>
-Bytes nodeNames(std::size_t names, NameOf nameOf) {
-    Bytes bytes;
-    Bytes texts;
-    put(bytes, names, 4);
-    const std::size_t textsAt = 4 + 8 * names;
-    for (std::size_t index = 0; index < names; ++index) {
-        put(bytes, 0, 4);
-        put(bytes, textsAt + texts.size(), 4);
-        const std::string name = nameOf(index);
-        texts.insert(texts.end(), name.begin(), name.end());
-        texts.push_back(0);
+Bytes nodeNames(std::size_t layers) {
+    std::vector<std::string> names;
+    for (std::size_t index = 0; index < layers; ++index) {
+        names.push_back(zebLayerName(index));
     }
-    bytes.insert(bytes.end(), texts.begin(), texts.end());
-    return bytes;
+    return samplelog::encodeNameTable(names);
 }
 
 Bytes layerConfiguration(std::size_t layers) {
-    Bytes bytes;
-    put(bytes, 1'000'000'000, 4);  // clock of the core
-    put(bytes, 800'000'000, 4);    // clock of the DSP
-    put(bytes, layers, 4);
-    put(bytes, 0, 4);
+    samplelog::LayerConfig config{.krelClockHz = 1'000'000'000,
+                                  .dspClockHz = 800'000'000,
+                                  .layerCount = static_cast<std::uint32_t>(layers),
+                                  .entries = {}};
     for (std::size_t layer = 0; layer < layers; ++layer) {
         const LayerFigures figures = layerFigures(layer);
-        put(bytes, figures.id, 4);
-        put(bytes, figures.type, 4);
-        put(bytes, figures.offloaded ? 1 : 0, 4);
-        put(bytes, 0, 4);
+        config.entries.push_back(
+            {.layerId = figures.id, .layerType = figures.type, .offloaded = figures.offloaded});
     }
-    return bytes;
+    return samplelog::encodeLayerConfig(config);
 }
 
 Bytes graphProfile(std::size_t layers) {
-    Bytes bytes;
-    put(bytes, 0, 16);
-    put(bytes, 500'000, 8);  // accelerator time
-    put(bytes, 0, 32);
-    put(bytes, 10, 4);  // executions
-    put(bytes, 0, 4);
-    put(bytes, layers, 4);
-    put(bytes, 0, 4);
-    put(bytes, 400'000, 8);  // DSP time
+    samplelog::GraphProfile profile{.acceleratorTimeUs = 500'000,
+                                    .executionCount = 10,
+                                    .layerCount = static_cast<std::uint32_t>(layers),
+                                    .dspGraphTimeUs = 400'000,
+                                    .layerRecords = {}};
     for (std::size_t layer = 0; layer < layers; ++layer) {
         const LayerFigures figures = layerFigures(layer);
-        put(bytes, 0, 4);
-        put(bytes, 3, 4);
-        put(bytes, figures.executions, 4);
-        put(bytes, figures.orderKey, 4);
-        put(bytes, 0, 16);
-        put(bytes, figures.timeUs, 8);
-        put(bytes, 0, 16);
-        put(bytes, figures.dspCycles, 8);
-        put(bytes, figures.coreCycles, 8);
-        put(bytes, 0, 16);
+        profile.layerRecords.push_back({.nodeCount = 3,
+                                        .execCount = figures.executions,
+                                        .orderKey = figures.orderKey,
+                                        .totalTimeUs = figures.timeUs,
+                                        .totalDspCycles = figures.dspCycles,
+                                        .totalCoreCycles = figures.coreCycles});
     }
-    return bytes;
+    return samplelog::encodeGraphProfile(profile);
 }
 
 void writeLayers(ChunkedLog& log, std::size_t layers) {
     log.add(message(MethodType::Init, "", 3000,
                     {object("node mapping", nodeMapping(layers, oruLayersPerZebLayer)),
-                     object("node names", nodeNames(layers / oruLayersPerZebLayer, zebLayerName))}));
+                     object("node names", nodeNames(layers / oruLayersPerZebLayer))}));
     log.add(message(MethodType::Finalize, "main graph", 4000,
                     {object("layer configuration", layerConfiguration(layers))}));
     log.add(message(MethodType::Execute, "main graph", 50'000,
@@ -308,10 +274,10 @@ void writeSharedText(ChunkedLog& log, std::size_t references) {
 }
 
 void writeSharedLayer(ChunkedLog& log, std::size_t layers) {
-    const auto name = [layers](std::size_t /*index*/) { return std::string(layers * textPerReference, 'n'); };
-    log.add(message(
-        MethodType::Init, "", 3000,
-        {object("node mapping", nodeMapping(layers, layers)), object("node names", nodeNames(1, name))}));
+    const std::vector<std::string> names = {std::string(layers * textPerReference, 'n')};
+    log.add(message(MethodType::Init, "", 3000,
+                    {object("node mapping", nodeMapping(layers, layers)),
+                     object("node names", samplelog::encodeNameTable(names))}));
 }
 
 constexpr std::array<Shape, 14> shapes = {{

@@ -18,6 +18,7 @@ using samplelog::Bytes;
 using test::event;
 using test::message;
 using test::MethodType;
+using test::put32;
 
 // A chunk without its length prefix.
 Bytes chunkOf(const std::vector<test::Message>& messages) {
@@ -27,10 +28,6 @@ Bytes chunkOf(const std::vector<test::Message>& messages) {
 
 Bytes executionWith(test::Event made) {
     return chunkOf({message(MethodType::Execute, "net", 5, {std::move(made)})});
-}
-
-void put32(Bytes& bytes, std::size_t at, std::size_t value) {
-    std::memcpy(bytes.data() + at, &value, 4);
 }
 
 std::uint32_t get32(const Bytes& bytes, std::size_t at) {

@@ -20,6 +20,12 @@ void catchLine(const char* format, std::int32_t level, std::uint64_t /*timestamp
 
 }  // namespace
 
+void put32(samplelog::Bytes& bytes, std::size_t at, std::uint64_t number) {
+    for (std::size_t index = 0; index < 4; ++index) {
+        bytes.at(at + index) = static_cast<std::uint8_t>(number >> (8U * index));
+    }
+}
+
 Message message(MethodType type, std::string text, std::uint64_t durationUs, std::vector<Event> events,
                 std::uint64_t timestamp) {
     Message made;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -36,6 +37,9 @@ inline Event object(std::string name, samplelog::Bytes bytes, std::string fileNa
 inline Value number(std::uint64_t value) {
     return value;
 }
+
+/// Puts the low 32 bits of a number in place of the bytes at `at`.
+void put32(samplelog::Bytes& bytes, std::size_t at, std::uint64_t number);
 
 /// A message that ran for that many us. Its timestamp is 1000 unless it is given.
 Message message(MethodType type, std::string text, std::uint64_t durationUs, std::vector<Event> events = {},

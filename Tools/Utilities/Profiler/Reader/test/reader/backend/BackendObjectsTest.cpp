@@ -7,11 +7,13 @@
 #include "BackendObjectWriter.h"
 #include "reader/backend/BackendObjects.h"
 #include "reader/backend/ZebLayers.h"
+#include "support/TestLog.h"
 
 namespace zeb::profiling {
 namespace {
 
 using samplelog::Bytes;
+using test::put32;
 using Numbers = std::vector<std::uint64_t>;
 
 constexpr std::uint32_t huge = 4294967295U;
@@ -24,12 +26,6 @@ std::span<const std::byte> spanOf(const Bytes& bytes) {
 // Each copy is exactly as long as it says, so that the sanitizer sees what is read behind it.
 Bytes cut(const Bytes& bytes, std::size_t size) {
     return {bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(size)};
-}
-
-void put32(Bytes& bytes, std::size_t at, std::uint32_t value) {
-    for (std::size_t index = 0; index < 4; ++index, value >>= 8U) {
-        bytes.at(at + index) = static_cast<std::uint8_t>(value & 0xFFU);
-    }
 }
 
 std::uint64_t wideAt(std::uint64_t offset) {
@@ -153,7 +149,7 @@ TEST(NodeMapping, FindsLongNamesByWhereTheyStand) {
     std::string expected;
     std::vector<samplelog::NodeMappingEntry> entries;
     for (std::uint32_t index = 0; index < 8; ++index) {
-        put32(names, 8 + 8 * index, static_cast<std::uint32_t>(offsets[index]));
+        put32(names, 8 + 8 * index, offsets[index]);
         entries.push_back({index, {index}});
         const std::size_t inText = (offsets[index] - first) % 1002;
         expected += std::to_string(index) + "=" + text.substr(inText) + "b ";

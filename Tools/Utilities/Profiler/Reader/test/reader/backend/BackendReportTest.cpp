@@ -253,8 +253,8 @@ TEST(BackendReport, SurvivesCountsThatPromiseTooMuchAndHasNoTablesAtTheFirstLeve
     const std::vector<samplelog::NodeMappingEntry> entries = {{0, {0}}, {huge, {1}}, {1, {huge}}};
     Bytes mapping = samplelog::encodeNodeMapping(entries);
     Bytes names = samplelog::encodeNameTable(Lines{"conv", "pool"});
-    std::fill_n(mapping.begin(), 4, std::uint8_t{255});
-    std::fill_n(names.begin(), 4, std::uint8_t{255});
+    test::put32(mapping, 0, huge);
+    test::put32(names, 0, huge);
     for (const std::uint64_t level : {1U, 1100U}) {
         Loaded loaded({message(MethodType::Init, "", 1, {object("m", mapping), object("n", names)}),
                        message(MethodType::Finalize, "net", 1, {object("c", config)}),
