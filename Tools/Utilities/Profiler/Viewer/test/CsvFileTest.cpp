@@ -70,6 +70,18 @@ TEST_F(CsvFile, IsCreatedWhereALinkLeadsAndAppendedTo) {
     EXPECT_EQ(fileText(path), "first\nsecond\n");
 }
 
+// To see whether there is room for more, some is written behind the report.
+TEST_F(CsvFile, IsMadeOfAReportThatLooksForRoomAndLeavesNoTrace) {
+    const CsvSpool spool(path);
+    for (const std::size_t size : {0U, 5U, 70000U}) {
+        const std::string report(size, 'r');
+        std::ofstream(spool.path()) << report;
+        EXPECT_EQ(spool.size(), size);
+        EXPECT_EQ(spool.size(), size);
+        EXPECT_EQ(fileText(spool.path()), report);
+    }
+}
+
 // The limit is met by the report while it is made, or by the file. A report of just its size is whole.
 TEST_F(CsvFile, IsAsBeforeWhenAFileMayNotBeThatLarge) {
     const auto appendingUnder = [this](rlim_t limit, std::size_t size) {
@@ -99,6 +111,9 @@ TEST_F(CsvFile, IsAsBeforeWhenADiskFillsUp) {
     EXPECT_EQ(appending(full, std::string(200000, 'o')), "");
     EXPECT_EQ(appending(full, std::string(200000, 'n')), failed(full, "No space left on device"));
     EXPECT_EQ(fileText(full), std::string(200000, 'o'));
+    const std::string fresh = disk + "/fresh.csv";
+    EXPECT_EQ(appending(fresh, std::string(200000, 'n')), failed(fresh, "No space left on device"));
+    EXPECT_FALSE(fs::exists(fresh)) << "was not there before";
     ::setenv("TMPDIR", disk.c_str(), 1);
     EXPECT_EQ(appending("/dev/null", std::string(200000, 'n')),
               "3 /dev/null: the CSV report can't be written in " + disk +
@@ -109,10 +124,15 @@ TEST_F(CsvFile, IsAsBeforeWhenADiskFillsUp) {
 
 // Some file systems tell on closing only that there was no room.
 TEST_F(CsvFile, IsAsBeforeWhenItIsClosingThatFails) {
-    files.write("runs.csv", "old\n");
-    test::nextCloseFails = true;
-    EXPECT_EQ(appending(path, "new\n"), failed(path, "Disk quota exceeded"));
-    EXPECT_EQ(fileText(path), "old\n");
+    for (const bool isThere : {false, true}) {
+        if (isThere) {
+            files.write("runs.csv", "old\n");
+        }
+        test::nextCloseFails = true;
+        EXPECT_EQ(appending(path, "new\n"), failed(path, "Disk quota exceeded"));
+        EXPECT_EQ(fs::exists(path), isThere);
+        EXPECT_EQ(fileText(path), isThere ? "old\n" : "");
+    }
 }
 
 // Somebody who doesn't ask for the lock appends as soon as there is room for the report.

@@ -1,6 +1,6 @@
 // A reader plug-in that reads nothing and does what its options tell it:
 //   --args=complain|throw   --load=refuse|throw|memory|grow|odd|note|shrink|fault
-//   --report=throw|memory|grow|swallow|odd|refuse|text|object
+//   --report=throw|memory|grow|swallow|odd|refuse|text|object|half
 //   --trace               tells each call on standard error
 // Its report is the values of --say, one a line, on standard output, and "csv" as its CSV report.
 
@@ -41,6 +41,7 @@ const std::map<std::string, std::function<void()>> acts = {
     {"note", [] { std::cout << "note\n"; }},
     {"complain", [] { std::cerr << "the fake reader's own words\n"; }},
     {"object", [] { std::ofstream("object.bin") << "bytes"; }},
+    {"half", [] { std::cout << "half \xC3"; }},
     {"memory", [] { throw std::bad_alloc(); }},
     {"grow", askForMemory},
     {"swallow", askForMemoryByText},

@@ -45,6 +45,45 @@ TEST(TerminalText, ShowsWhatATerminalWouldObey) {
     EXPECT_EQ(TerminalText(TerminalText::Newlines::kept).shown("a\nb\n"), "a\nb\n");
 }
 
+// What `write` leaves in a pipe, through a buffer for a terminal.
+template <typename Write>
+std::string throughTerminalBuffer(Write write) {
+    std::array<int, 2> ends{};
+    EXPECT_EQ(::pipe2(ends.data(), O_CLOEXEC), 0);
+    const FileDescriptor reading(ends[0]);
+    const FileDescriptor writing(ends[1]);
+    DescriptorBuffer buffer(writing.get());
+    buffer.setTerminalText(true);
+    std::ostream out(&buffer);
+    write(out, buffer);
+    EXPECT_EQ(::write(writing.get(), ".", 1), 1);
+    std::string text(1000, '\0');
+    text.resize(static_cast<std::size_t>(::read(reading.get(), text.data(), text.size())));
+    return text;
+}
+
+TEST(StandardOutput, KeepsACharacterUntilItIsWholeAndTellsTheOneThatNeverIs) {
+    EXPECT_EQ(throughTerminalBuffer([](std::ostream& out, DescriptorBuffer& /*buffer*/) {
+                  out << "a\xE2" << std::flush << "\x82" << std::flush;
+              }),
+              "a.");
+    EXPECT_EQ(throughTerminalBuffer([](std::ostream& out, DescriptorBuffer& /*buffer*/) {
+                  out << "a\xE2" << std::flush << "\x82\xAC" << std::flush;
+              }),
+              "a\xE2\x82\xAC.");
+    EXPECT_EQ(throughTerminalBuffer([](std::ostream& out, DescriptorBuffer& buffer) {
+                  out << "a\xE2\x82";
+                  buffer.finish();
+              }),
+              "a?.");
+    EXPECT_EQ(throughTerminalBuffer([](std::ostream& out, DescriptorBuffer& buffer) {
+                  out << "a\xE2\x82";
+                  buffer.setTerminalText(false);
+                  out << "\xAC\x1B" << std::flush;
+              }),
+              "a?\xAC\x1B.");
+}
+
 // Somebody who shares the pipe may have set it so.
 TEST(StandardOutput, WaitsForAPipeThatDoesNot) {
     std::array<int, 2> ends{};

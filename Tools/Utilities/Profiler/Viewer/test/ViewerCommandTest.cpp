@@ -206,6 +206,7 @@ TEST_F(ViewerCommand, KeepsControlCharactersFromATerminal) {
         return shown;
     };
     EXPECT_EQ(onTerminal({log, "--say", text}), "?[31mred?2J ?\xC3\xA9\r\n");
+    EXPECT_EQ(onTerminal({log, "--report=half"}), "half ?");
     EXPECT_EQ(onTerminal({log, "--raw", "--say", text}), text + "\r\n");
     EXPECT_EQ(view({log, "--say", text}).out, text + "\n");
 }

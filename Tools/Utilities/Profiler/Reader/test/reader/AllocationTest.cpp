@@ -74,9 +74,10 @@ const char* endingOf(const std::function<const char*()>& work) {
     }
 }
 
-// Whatever has failed before, a reader can be asked for all that it has.
+// Whatever has failed before, a reader can be asked for all that it has. No chunk is open any more.
 const char* useAgain(IZebPluginLogReader& reader) {
     return endingOf([&reader] {
+        EXPECT_FALSE(reader.readNextMessage());
         reader.printHeader();
         return reader.generateReports("again") ? "good" : "false report";
     });
