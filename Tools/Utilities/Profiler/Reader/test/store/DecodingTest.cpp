@@ -256,6 +256,56 @@ TEST(Decoding, AnEventTreeComesOutInTheOrderOfTheLog) {
     EXPECT_EQ(events[1].objectFileName(), "o.bin") << "not what stands behind its NUL";
 }
 
+// Short texts and long ones are kept in different ways, and what stands behind the NUL may make the
+// difference.
+TEST(Decoding, TextsEndAtTheirFirstNul) {
+    for (const auto& [length, behind] : {std::pair{3U, 5U}, {3U, 500U}, {300U, 5U}}) {
+        const std::string shown(length, 'a');
+        const std::string text = shown + '\0' + std::string(behind, 'b');
+        TestStore store;
+        for (const std::string& graph : {text, shown}) {
+            store.take(
+                message(MethodType::Execute, graph, 1, {test::object(text, {1}, text), event("e", text)}));
+            store.take(message(MethodType::Finalize, graph, 1));
+            store.take(message(MethodType::FinalizeAfterTensorUpdates, graph, 1));
+            store.take(message(MethodType::ComposeGraphs, graph, 1));
+        }
+        store.take(message(MethodType::InitStep, text, 1));
+        store.take(message(MethodType::DeInit, text, 1));
+        EXPECT_EQ(graphsIn(store.executeRecords), shown + ":2 ");
+        const EventList& events = store.executeRecords[0].records[0].events;
+        EXPECT_EQ(events[0].name, shown);
+        EXPECT_EQ(events[0].objectFileName(), shown);
+        EXPECT_EQ(formatEventValue(events[1].value()), shown);
+        EXPECT_EQ(store.finalizeRecords.size(), 1U);
+        EXPECT_EQ(store.finalizeRecords[0].name, shown);
+        EXPECT_EQ(graphsIn(store.finalizeAfterTensorUpdatesRecords), shown + ":2 ");
+        EXPECT_EQ(store.finalizeAfterTensorUpdatesRecords[0].records[0].message, shown);
+        EXPECT_EQ(store.composeGraphNames, shown + "; " + shown);
+        EXPECT_EQ(store.initStepMessage, shown);
+        EXPECT_EQ(store.deInitRecord.message, shown);
+    }
+}
+
+// One text names an entry in two lists, which need not stand at the same position.
+TEST(Decoding, AGraphHasItsOwnPlaceInEachList) {
+    for (const std::size_t length : {3U, 300U}) {
+        const std::string graph(length, 'g');
+        TestStore store;
+        store.take(message(MethodType::Execute, "first", 7, {event("own")}));
+        store.take(
+            message(MethodType::GraphEvents, graph, 0, {ofType(finalizeEventType, event("f")), event("x")}));
+        store.take(message(MethodType::Execute, graph, 8));
+        EXPECT_EQ(graphsIn(store.executeRecords), "first:1 " + graph + ":2 ");
+        EXPECT_EQ(store.executeRecords[1].records[0].durationUs, 0U);
+        EXPECT_EQ(inLine(store.executeRecords[1].records[0].events), "x=");
+        EXPECT_EQ(store.executeRecords[1].records[1].durationUs, 8U);
+        ASSERT_EQ(store.finalizeRecords.size(), 1U);
+        EXPECT_EQ(store.finalizeRecords[0].name, graph);
+        EXPECT_EQ(inLine(store.finalizeRecords[0].record->events), "f=");
+    }
+}
+
 // What has to be one and the same place in all events of such a log.
 std::set<const void*> placesIn(const EventList& events) {
     return {events[0].objectBytes().data(), events[0].objectFileName().data(), events[1].value().asText()};
