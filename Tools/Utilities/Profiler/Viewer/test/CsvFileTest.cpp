@@ -13,6 +13,7 @@
 #include <chrono>
 #include <csignal>
 #include <fstream>
+#include <optional>
 #include <thread>
 
 #include "CsvFile.h"
@@ -124,14 +125,15 @@ TEST_F(CsvFile, IsAsBeforeWhenADiskFillsUp) {
 
 // Some file systems tell on closing only that there was no room.
 TEST_F(CsvFile, IsAsBeforeWhenItIsClosingThatFails) {
-    for (const bool isThere : {false, true}) {
-        if (isThere) {
-            files.write("runs.csv", "old\n");
+    for (const auto& old : {std::optional<std::string>(), std::optional<std::string>(""),
+                            std::optional<std::string>("old\n")}) {
+        if (old) {
+            files.write("runs.csv", *old);
         }
         test::nextCloseFails = true;
         EXPECT_EQ(appending(path, "new\n"), failed(path, "Disk quota exceeded"));
-        EXPECT_EQ(fs::exists(path), isThere);
-        EXPECT_EQ(fileText(path), isThere ? "old\n" : "");
+        EXPECT_EQ(fs::exists(path), old.has_value());
+        EXPECT_EQ(fileText(path), old.value_or(""));
     }
 }
 

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 #include <sys/mount.h>
-#include <sys/stat.h>
 
 #include <filesystem>
 #include <sstream>
@@ -175,14 +174,6 @@ TEST_F(ObjectNames, OfADamagedLogAreLookedAtUpToTheDamage) {
     EXPECT_EQ(checking(log.substr(0, log.size() - 1)), "");
     EXPECT_EQ(checking(test::prefixOf(12) + std::string(12, '\xFF') + log), "");
     EXPECT_EQ(checking(""), "");
-}
-
-TEST_F(ObjectNames, NeedADirectoryThatCanBeWritten) {
-    EXPECT_EQ(ObjectDirectory(objects + "/in").path(), objects + "/sub/deep");
-    ASSERT_EQ(::chmod(files.path("").c_str(), 0755) + ::chmod(objects.c_str(), 0555), 0);
-    const test::OrdinaryUser user;
-    EXPECT_EQ(test::failureOf([this] { const ObjectDirectory directory(objects); }),
-              "3 " + objects + ": objects can't be saved there: Permission denied");
 }
 
 class SavedObjectsTest : public testing::Test {
