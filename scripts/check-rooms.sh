@@ -17,7 +17,7 @@ Reader/src/commandline        zeb/profiling
 Reader/src/reader/backend     reader reports store text log logging commandline zeb/profiling
 Viewer/src                    log logging text flatbuffers zeb/profiling
 Analysis/src                  reader/backend reports store text log memory zeb/profiling
-Forms/src                     text log store
+Forms/src                     text log store zeb/profiling
 SampleLog/src                 log flatbuffers
 SampleLog/src/command         log text zeb/profiling
 '
