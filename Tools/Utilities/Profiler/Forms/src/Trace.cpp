@@ -496,9 +496,9 @@ private:
                                      : cutInMiddle(tracks_.parts().visible(message.text()), longestTraceText);
         const std::uint64_t us = slice.endUs - slice.startUs;
         const auto wait = execution ? execution->queueWaitUs : std::nullopt;
-        const bool isNamedByGraph = form.textField == graphField && !execution;
-        file_.addSlice(isNamedByGraph ? std::string(form.name) + " " + text : std::string(form.name), track,
-                       slice, [&](JsonObject& arguments) {
+        const bool isNamedByGraph = form.textField == graphField && !execution && !text.empty();
+        file_.addSlice(std::string(form.name) + (isNamedByGraph ? " " + text : ""), track, slice,
+                       [&](JsonObject& arguments) {
                            if (form.name == unknownMethod) {
                                arguments.addNumber(
                                    "method", std::int64_t{static_cast<std::int8_t>(message.methodType())});
@@ -518,7 +518,7 @@ private:
                            }
                            EventArguments(tracks_.parts(), arguments).add(message.events());
                        });
-        if (wait && *wait > 0) {
+        if (wait && *wait > 0 && us > 0) {
             addQueueWait(*wait, slice, track);
         }
     }

@@ -6,8 +6,10 @@ namespace zeb::forms {
 
 namespace {
 
-bool areDisjoint(TimeSpan one, TimeSpan other) {
-    return one.endUs <= other.startUs || other.endUs <= one.startUs;
+// One of no length that begins with another and comes later would be stacked on it.
+bool areDisjoint(TimeSpan later, TimeSpan earlier) {
+    return earlier.endUs <= later.startUs ||
+           (later.endUs <= earlier.startUs && later.startUs < earlier.startUs);
 }
 
 bool standsAround(TimeSpan later, TimeSpan earlier) {
