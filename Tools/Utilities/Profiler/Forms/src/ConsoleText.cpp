@@ -54,6 +54,20 @@ std::string shownName(std::string_view name, std::size_t mostColumns, bool hasUn
     return std::string(firstOf(front, kept - kept / 2)).append(gap).append(lastOf(back, kept / 2));
 }
 
+std::vector<std::string> wrapped(std::string_view text, std::size_t columns) {
+    std::vector<std::string> lines;
+    while (!text.empty()) {
+        const std::string_view word = text.substr(0, text.find(' '));
+        text.remove_prefix(std::min(text.size(), word.size() + 1));
+        if (!lines.empty() && columnsOf(lines.back()) + 1 + columnsOf(word) <= columns) {
+            lines.back().append(" ").append(word);
+        } else {
+            lines.emplace_back(word);
+        }
+    }
+    return lines;
+}
+
 std::vector<std::string> ConsoleTable::lines(std::size_t indentation) const {
     std::vector<std::size_t> widths;
     for (std::size_t column = 0; column < columns_.size(); ++column) {

@@ -14,6 +14,9 @@ std::size_t columnsOf(std::string_view text);
 /// @return the name on one line; cut in its middle when it has more columns than that
 std::string shownName(std::string_view name, std::size_t mostColumns, bool hasUnicode);
 
+/// @return the words of a text on lines of that many columns at most, a longer word on a line of its own
+std::vector<std::string> wrapped(std::string_view text, std::size_t columns);
+
 enum class Side : bool { left, right };
 
 /// A table whose columns are as wide as their content.

@@ -66,13 +66,14 @@ public:
 
     /// A bar of two parts, each of its own character, so that they are told apart without colour.
     [[nodiscard]] std::string bar(double dspShare, double krelShare) const {
-        const auto cells = [](double share) {
-            return static_cast<std::size_t>(std::lround(std::clamp(share, 0.0, 1.0) * barWidth));
-        };
         const std::size_t all = cells(dspShare + krelShare);
         const std::size_t krelCells = std::min(all, cells(krelShare));
         return krel(repeated(style_.hasUnicode ? "\xE2\x96\x88" : "#", krelCells)) +
                dsp(repeated(style_.hasUnicode ? "\xE2\x96\x92" : "=", all - krelCells));
+    }
+
+    [[nodiscard]] std::string bar(double share) const {
+        return repeated(style_.hasUnicode ? "\xE2\x96\x86" : "-", cells(share));
     }
 
     [[nodiscard]] std::string legend() const {
@@ -99,11 +100,17 @@ public:
         return !style_.width || columns <= *style_.width;
     }
 
-    [[nodiscard]] std::size_t width() const { return style_.width.value_or(100); }
+    [[nodiscard]] bool hasUnicode() const { return style_.hasUnicode; }
+    /// For running text.
+    [[nodiscard]] std::size_t width() const { return std::max<std::size_t>(style_.width.value_or(100), 40); }
 
 private:
     [[nodiscard]] std::string coloured(std::string_view code, const std::string& text) const {
         return style_.hasColour && !text.empty() ? std::string(code) + text + "\x1B[0m" : text;
+    }
+
+    static std::size_t cells(double share) {
+        return static_cast<std::size_t>(std::lround(std::clamp(share, 0.0, 1.0) * barWidth));
     }
 
     static std::string repeated(std::string_view part, std::size_t count) {
@@ -139,11 +146,14 @@ void printTitle(std::ostream& out, const Style& style, const std::string& title)
     out << '\n' << style.strong(title) << '\n';
 }
 
+enum class BarOf : std::uint8_t { any, krel, dsp };
+
 // A share of an inference, and its own shares.
 struct Part {
     std::string label;
     double us = 0.0;
     std::vector<Part> parts;
+    BarOf bar = BarOf::any;
 };
 
 double sumOf(const std::vector<Part>& parts) {
@@ -170,7 +180,8 @@ std::vector<Part> backendParts(const Graph& graph) {
     const double dsp = static_cast<double>(graph.layersDspUs());
     const double krel = static_cast<double>(graph.layersKrelUs());
     if (!parts.empty() && dsp + krel > 0.0) {
-        parts.back().parts = {{"Layers on the Krel core", krel, {}}, {"Layers on the DSP", dsp, {}}};
+        parts.back().parts = {{"Layers on the Krel core", krel, {}, BarOf::krel},
+                              {"Layers on the DSP", dsp, {}, BarOf::dsp}};
         addRest(parts.back(), "in no layer");
     }
     add("IPC", breakdown.ipcUs);
@@ -206,7 +217,7 @@ public:
 
     void add(const Part& part, const std::string& front, const std::string& below) {
         table_.add({front + part.label, us(part.us), percent(shareOf(part.us, wholeUs_))});
-        bars_.push_back(style_.bar(0.0, wholeUs_ > 0.0 ? part.us / wholeUs_ : 0.0));
+        bars_.push_back(barOf(part));
         for (std::size_t position = 0; position < part.parts.size(); ++position) {
             const bool isLast = position + 1 == part.parts.size();
             add(part.parts[position], below + std::string(style_.branch(isLast)),
@@ -217,6 +228,19 @@ public:
     void print(std::ostream& out) const { printTable(out, style_, table_, bars_); }
 
 private:
+    [[nodiscard]] std::string barOf(const Part& part) const {
+        const double share = wholeUs_ > 0.0 ? part.us / wholeUs_ : 0.0;
+        switch (part.bar) {
+            case BarOf::krel:
+                return style_.bar(0.0, share);
+            case BarOf::dsp:
+                return style_.bar(share, 0.0);
+            case BarOf::any:
+                break;
+        }
+        return style_.bar(share);
+    }
+
     const Style& style_;
     double wholeUs_;
     ConsoleTable table_;
@@ -224,7 +248,10 @@ private:
 };
 
 void printInference(std::ostream& out, const Style& style, const Graph& graph) {
-    printTitle(out, style, "Where an inference goes");
+    const std::uint64_t count = graph.spread.count;
+    printTitle(out, style,
+               "Where an inference goes (average of " + std::to_string(count) +
+                   (count == 1 ? " execution)" : " executions)"));
     Tree tree(style, static_cast<double>(graph.average.durationUs));
     tree.add(inferenceOf(graph), "", "");
     tree.print(out);
@@ -239,7 +266,13 @@ void printFindings(std::ostream& out, const Style& style, const std::vector<anal
     }
     printTitle(out, style, "What stands out");
     for (const analysis::Finding& finding : findings) {
-        out << "  " << style.bullet() << shownName(finding.text, 1000, true) << '\n';
+        constexpr std::size_t mostColumns = 300;  // a name in it may have any length
+        constexpr std::size_t bulletWidth = 4;
+        std::string_view front = style.bullet();
+        for (const std::string& line :
+             wrapped(shownName(finding.text, mostColumns, style.hasUnicode()), style.width() - bulletWidth)) {
+            out << "  " << std::exchange(front, "  ") << line << '\n';
+        }
     }
 }
 

@@ -16,15 +16,16 @@ enum class LayerOrder : std::uint8_t { time, order, name };
 /// What a console shows.
 struct ConsoleStyle {
     bool hasColour = false;
-    bool hasUnicode = false;           ///< bars, tree lines and the sign of a cut
-    std::optional<std::size_t> width;  ///< columns; nothing where lines may have any length, as in a pipe
+    bool hasUnicode = false;  ///< bars, tree lines and the sign of a cut
+    std::optional<std::size_t> width =
+        {};  ///< columns; nothing where lines may have any length, as in a pipe
 };
 
 struct TopOptions {
     std::size_t rows = 10;  ///< ZEB layers shown of each graph
     LayerOrder order = LayerOrder::time;
-    std::string filter;  ///< of ZEB layers' names and of types' names, in any case; empty: all
-    ConsoleStyle style;
+    std::string filter = {};  ///< of ZEB layers' names and of types' names, in any case; empty: all
+    ConsoleStyle style = {};
 };
 
 /// Writes the sections of all graphs. Control characters in names show as question marks.

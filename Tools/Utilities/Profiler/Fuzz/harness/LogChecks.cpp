@@ -15,7 +15,7 @@
 #include "harness/LogRun.h"
 #include "harness/LogShape.h"
 #include "log/ChunkCheck.h"
-#include "reader/backend/TableForms.h"
+#include "reports/SectionHeads.h"
 #include "support/TestLog.h"
 
 namespace zeb::fuzz {
@@ -36,9 +36,9 @@ struct Table {
     std::ptrdiff_t moreConsoleLines;
 };
 constexpr std::array<Table, 3> tables = {{
-    {profiling::oruTableTitle, 1},
-    {profiling::zebTableTitle, 2},
-    {profiling::mappingTableTitle, 0},
+    {profiling::heads::oruLayers.title, 1},
+    {profiling::heads::zebLayers.title, 2},
+    {profiling::heads::layerMapping.title, 0},
 }};
 
 // Number of lines of each table; nothing when the titles don't stand there once, in their order. A text of

@@ -1,0 +1,310 @@
+// The model of a run, made of logs.
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <numeric>
+
+#include "Findings.h"
+#include "MakeRun.h"
+#include "MethodsLog.h"
+#include "NetworkLog.h"
+#include "Spread.h"
+#include "reader/backend/BackendFigures.h"
+#include "reader/backend/ZebProfileLogReaderMURL.h"
+#include "support/TestLog.h"
+#include "support/TestReader.h"
+
+namespace zeb::analysis {
+namespace {
+
+using profiling::VisibilityLevel;
+using samplelog::NetworkOptions;
+using test::event;
+using test::Message;
+using test::MethodType;
+using test::number;
+
+constexpr VisibilityLevel allMessages{127};
+
+class MadeRun : public testing::Test {
+protected:
+    template <typename Write>
+    std::string write(Write writeLog) const {
+        std::ofstream log(directory.path("log"), std::ios::binary);
+        writeLog(log);
+        return directory.path("log");
+    }
+    analysis::Run runOf(const NetworkOptions& options) const {
+        return makeRun(write([&](std::ostream& out) { writeNetworkLog(out, options); }), allMessages).value();
+    }
+    analysis::Run runOf(const std::vector<Message>& messages, VisibilityLevel level = allMessages) const {
+        return makeRun(directory.write("log", test::logOf({messages})), level).value();
+    }
+
+    test::TempDir directory;
+};
+
+// With one graph the report's figures and the model's are the same.
+TEST_F(MadeRun, AgreesWithTheReportOnOneGraph) {
+    for (const bool isAsync : {false, true}) {
+        const analysis::Run run =
+            runOf({.async = isAsync, .level = samplelog::ProfileLevel::internal, .seed = 3});
+        profiling::ZebProfileLogReaderMURL reader(directory.path("log"), allMessages);
+        ASSERT_TRUE(reader.loadLog(false));
+        const auto figures = workOutFigures(reader.store(), readProfileLevel(reader.store()));
+        const profiling::ExecutionFigures& execution = figures.execution;
+        ASSERT_EQ(run.graphs.size(), 1U);
+        const Graph& graph = run.graphs[0];
+        EXPECT_EQ(run.level, Level::internal);
+        EXPECT_EQ(run.isAsync, isAsync);
+        EXPECT_EQ(graph.average.durationUs, execution.onlyGraphUs);
+        ASSERT_TRUE(graph.breakdown);
+        EXPECT_EQ(graph.breakdown->executionCount, execution.executionCount);
+        EXPECT_EQ(graph.breakdown->backendUs, execution.apiUs);
+        EXPECT_EQ(graph.breakdown->queueWaitUs,
+                  isAsync ? std::optional(execution.queueWaitUs) : std::nullopt);
+        EXPECT_EQ(graph.breakdown->inputCopyUs, execution.tensorCopyUs[0]);
+        EXPECT_EQ(graph.breakdown->outputCopyUs, execution.tensorCopyUs[1]);
+        EXPECT_EQ(graph.breakdown->ipcUs, execution.ipcTimeUs);
+        EXPECT_EQ(graph.breakdown->acceleratorUs, execution.acceleratorTimeUs);
+        EXPECT_EQ(graph.dspClockHz, figures.layerConfig.dspClockHz);
+        EXPECT_EQ(graph.krelClockHz, figures.layerConfig.krelClockHz);
+        ASSERT_EQ(graph.oruLayers.size(), figures.oruLayers.size());
+        for (std::size_t row = 0; row < graph.oruLayers.size(); ++row) {
+            EXPECT_EQ(graph.oruLayers[row].id, figures.oruLayers[row].layerId);
+            EXPECT_EQ(graph.oruLayers[row].averageUs, figures.oruLayers[row].avgTimeUs);
+            EXPECT_EQ(graph.oruLayers[row].coreUs, figures.oruLayers[row].avgCoreTimeUs);
+        }
+        ASSERT_EQ(graph.zebLayers.size(), figures.zebLayers.layers.size());
+        std::uint64_t dspUs = 0;
+        std::uint64_t krelUs = 0;
+        for (std::size_t row = 0; row < graph.zebLayers.size(); ++row) {
+            EXPECT_EQ(graph.zebLayers[row].name, figures.zebLayers.layers[row].name);
+            dspUs += figures.zebLayers.layers[row].dspTimeUs;
+            krelUs += figures.zebLayers.layers[row].krelTimeUs;
+        }
+        EXPECT_EQ(graph.layersDspUs(), dspUs);
+        EXPECT_EQ(graph.layersKrelUs(), krelUs);
+        EXPECT_NEAR(100.0 * static_cast<double>(dspUs) / static_cast<double>(dspUs + krelUs),
+                    figures.zebTimeShare.dspTimePercent, 1e-9);
+    }
+}
+
+TEST_F(MadeRun, WorksOutEachGraphByItself) {
+    const analysis::Run run = runOf({.executions = 5, .graphs = 3, .seed = 8});
+    ASSERT_EQ(run.graphs.size(), 3U);
+    for (const Graph& graph : run.graphs) {
+        ASSERT_TRUE(graph.breakdown) << graph.name;
+        EXPECT_EQ(graph.executions.count(), 5U);
+        EXPECT_EQ(graph.zebLayers.size(), samplelog::designedLayerCount);
+        EXPECT_EQ(graph.oruLayers.size(), run.graphs[0].oruLayers.size());
+        // Of its own executions: the backend is a little less than the average, whatever the other graphs
+        // are.
+        EXPECT_LT(*graph.breakdown->backendUs, graph.average.durationUs);
+        EXPECT_GT(*graph.breakdown->backendUs + 60, graph.average.durationUs);
+    }
+    EXPECT_NE(run.graphs[0].breakdown->acceleratorUs, run.graphs[2].breakdown->acceleratorUs);
+    std::uint64_t finalizations = 0;
+    for (const Step& step : run.steps) {
+        finalizations += step.kind == StepKind::finalize && !step.events.empty() ? 1 : 0;
+    }
+    EXPECT_EQ(finalizations, 3U);
+}
+
+Message timed(Message message, std::optional<std::uint64_t> start, std::optional<std::uint64_t> end) {
+    message.timing.startTime = start;
+    message.timing.endTime = end;
+    return message;
+}
+
+TEST_F(MadeRun, TakesTheTimesOfExecutionsAsTheyStand) {
+    const auto execute = [](const char* graph, std::optional<std::uint64_t> start,
+                            std::optional<std::uint64_t> end, std::vector<test::Event> events = {}) {
+        return timed(test::message(MethodType::ExecuteAsync, graph, 0, std::move(events)), start, end);
+    };
+    const auto wait = [](std::uint64_t us) { return ofType(405, event("wait", number(us))); };
+    Message hidden = execute("a", 1, 2);
+    hidden.level = 5;
+    const analysis::Run run =
+        runOf({execute("a", 10, 30, {wait(4)}), execute("b", 11, 12), hidden,
+               execute("a", {}, 30, {wait(4), wait(5)}), execute("a", 40, 40),
+               execute("a", 50, {}, {event("e", number(1), {wait(7)})}), execute("a", 60, 55),
+               test::message(MethodType::GraphEvents, "events alone", 0, {event("e", number(2))})},
+              VisibilityLevel{5});
+    ASSERT_EQ(run.graphs.size(), 3U);
+    using Column = std::vector<std::optional<std::uint64_t>>;
+    const Executions& executions = run.graphs[0].executions;
+    EXPECT_EQ(executions.startUs, (Column{10, {}, 40, 50, 60}));
+    EXPECT_EQ(executions.durationUs, (Column{20, {}, 0, {}, 0}));
+    EXPECT_EQ(executions.queueWaitUs, (Column{4, {}, {}, 7, {}}));
+    EXPECT_EQ(run.graphs[0].spread.count, 1U) << "those without a duration have no place in it";
+    EXPECT_EQ(run.graphs[0].average.durationUs, 20U);
+    EXPECT_EQ(run.graphs[1].name, "b");
+    EXPECT_EQ(run.graphs[1].executions.count(), 1U);
+    EXPECT_EQ(run.graphs[2].name, "events alone");
+    EXPECT_EQ(run.graphs[2].executions.count(), 0U);
+    EXPECT_FALSE(run.graphs[2].breakdown);
+    EXPECT_EQ(run.level, std::nullopt);
+}
+
+TEST_F(MadeRun, GivesEventsToTheLatestStepOfAKind) {
+    const analysis::Run run =
+        runOf({timed(test::message(MethodType::InitStep, "first", 0), 5, 8),
+               test::message(MethodType::InitStep, "second", 3),
+               test::message(MethodType::Finalize, "a", 1, {event("old")}),
+               test::message(MethodType::Finalize, "b", 1, {event("of b")}),
+               timed(test::message(MethodType::Finalize, "a", 1, {event("new", -2.5)}), {}, 9),
+               test::message(MethodType::Execute, "a", 7, {ofType(100, event("start"))}),
+               test::message(MethodType::DeInit, "", 2, {event("end", std::string("text"))})});
+    std::string told;
+    for (const Step& step : run.steps) {
+        told += std::to_string(static_cast<int>(step.kind)) + ' ' + step.text + ' ' +
+                (step.durationUs ? std::to_string(*step.durationUs) : "-");
+        for (const Event& each : step.events) {
+            told += " " + each.name;
+        }
+        told += '\n';
+    }
+    EXPECT_EQ(told, "1 first 3\n1 second 3 start\n4 a 1\n4 b 1 of b\n4 a - new\n5  2 end\n");
+    EXPECT_EQ(run.steps[0].startUs, 5U);
+    EXPECT_EQ(std::get<double>(run.steps[4].events[0].value), -2.5);
+    EXPECT_EQ(std::get<std::string>(run.steps[5].events[0].value), "text");
+}
+
+TEST_F(MadeRun, IsNothingForADamagedLog) {
+    EXPECT_FALSE(makeRun(directory.path("none"), allMessages));
+    EXPECT_FALSE(makeRun(directory.write("log", std::string_view("\x08\0\0\0damaged!", 12)), allMessages));
+    const analysis::Run empty = makeRun(directory.write("log", ""), allMessages).value();
+    EXPECT_FALSE(empty.header);
+    EXPECT_TRUE(empty.graphs.empty());
+}
+
+Graph graphOf(std::vector<std::uint64_t> durations) {
+    Graph graph;
+    for (const std::uint64_t us : durations) {
+        graph.executions.durationUs.emplace_back(us);
+    }
+    graph.executions.startUs.resize(durations.size());
+    graph.executions.queueWaitUs.resize(durations.size());
+    return graph;
+}
+
+TEST(Spread, LiesInProportionBetweenTheNearestValues) {
+    const Graph graph = graphOf({50, 10, 20, 0, 40, 30});
+    const Spread spread = spreadOf(graph.executions);
+    EXPECT_EQ(spread.count, 5U);
+    EXPECT_DOUBLE_EQ(spread.minUs, 10.0);
+    EXPECT_DOUBLE_EQ(spread.medianUs, 30.0);
+    EXPECT_DOUBLE_EQ(spread.p90Us, 46.0);
+    EXPECT_DOUBLE_EQ(spread.p99Us, 49.6);
+    EXPECT_DOUBLE_EQ(spread.maxUs, 50.0);
+    EXPECT_DOUBLE_EQ(spread.firstUs, 50.0);
+    EXPECT_DOUBLE_EQ(spreadOf(graphOf({7}).executions).p99Us, 7.0);
+    EXPECT_EQ(spreadOf(graphOf({0}).executions).count, 0U);
+}
+
+OruLayer oru(bool isOffloaded, std::uint64_t us, const char* type = "ADD") {
+    OruLayer layer;
+    layer.typeName = type;
+    layer.isOffloaded = isOffloaded;
+    if (isOffloaded) {
+        layer.coreUs = static_cast<std::uint32_t>(us);
+    } else {
+        layer.averageUs = us;
+    }
+    return layer;
+}
+
+// A graph that no rule finds anything in.
+Graph quietGraph() {
+    Graph graph = graphOf({100, 100, 100, 100, 100, 100});
+    graph.spread = spreadOf(graph.executions);
+    graph.average.durationUs = 100;
+    graph.breakdown.emplace().executionCount = 6;
+    graph.breakdown->acceleratorUs = 90;
+    for (const std::uint64_t us : {22, 22, 22, 22}) {
+        graph.oruLayers.push_back(oru(true, us));
+        graph.zebLayers.push_back({.name = "layer", .dspUs = 0, .krelUs = us, .oruLayers = {}});
+    }
+    graph.layerTypes = {{"ADD", 0, 4, 88}};
+    return graph;
+}
+
+std::string rulesOf(Graph graph, Level level = Level::detailed) {
+    Run run;
+    run.level = level;
+    graph.spread = spreadOf(graph.executions);
+    addFindings(graph, run);
+    std::string rules;
+    for (const Finding& finding : graph.findings) {
+        rules += finding.rule + ' ';
+    }
+    return rules;
+}
+
+TEST(Findings, SpeakWhereTheirRuleHoldsAlone) {
+    const struct {
+        const char* rules;
+        void (*change)(Graph&);
+    } cases[] = {
+        {"", [](Graph&) {}},
+        {"no-backend-data ", [](Graph& graph) { graph.breakdown.reset(); }},
+        {"counts-disagree ", [](Graph& graph) { graph.breakdown->executionCount = 7; }},
+        {"outside-accelerator layers-do-not-add-up ",
+         [](Graph& graph) { graph.breakdown->acceleratorUs = 60; }},
+        {"", [](Graph& graph) { graph.breakdown->acceleratorUs = 81; }},
+        {"outside-accelerator ", [](Graph& graph) { graph.average.durationUs = 120; }},
+        {"queue-wait ", [](Graph& graph) { graph.breakdown->queueWaitUs = 5; }},
+        {"", [](Graph& graph) { graph.breakdown->queueWaitUs = 4; }},
+        {"dsp-between-offloaded ",
+         [](Graph& graph) { graph.oruLayers.insert(graph.oruLayers.begin() + 1, oru(false, 5)); }},
+        {"", [](Graph& graph) { graph.oruLayers.insert(graph.oruLayers.begin(), oru(false, 5)); }},
+        {"", [](Graph& graph) { graph.oruLayers.push_back(oru(false, 5)); }},
+        {"offload-overhead ",
+         [](Graph& graph) {
+             graph.oruLayers[0].krelExecUs = 100;
+             graph.oruLayers[0].halUs = 120;
+         }},
+        {"data-movement ",
+         [](Graph& graph) {
+             graph.layerTypes.push_back({"LAYOUT_PAD", 1, 0, 9});
+         }},
+        {"",
+         [](Graph& graph) {
+             graph.layerTypes.push_back({"LAYOUT_PAD", 1, 0, 8});
+         }},
+        {"dominant-layer ",
+         [](Graph& graph) {
+             graph.zebLayers = {{"a", 0, 40, {}}, {"b", 24, 0, {}}, {"c", 24, 0, {}}};
+         }},
+        {"warm-up ", [](Graph& graph) { graph.executions.durationUs[0] = 125; }},
+        {"", [](Graph& graph) { graph.executions.durationUs[0] = 124; }},
+        {"outliers spread ", [](Graph& graph) { graph.executions.durationUs[3] = 151; }},
+    };
+    for (const auto& [rules, change] : cases) {
+        Graph graph = quietGraph();
+        change(graph);
+        EXPECT_EQ(rulesOf(graph), rules);
+    }
+    EXPECT_EQ(rulesOf(quietGraph(), Level::basic), "level-basic ");
+}
+
+TEST(Findings, TellWhichExecutionsAreOutliers) {
+    Graph graph =
+        graphOf({900, 100, 100, 100, 100, 100, 100, 100, 100, 100, 100, 100, 100, 100, 100, 100, 100});
+    for (const std::size_t position : {2U, 4U, 5U, 8U, 9U, 12U}) {
+        graph.executions.durationUs[position] = 151 + position;
+    }
+    graph.spread = spreadOf(graph.executions);
+    addFindings(graph, {});
+    std::string text;
+    for (const Finding& finding : graph.findings) {
+        text += finding.rule == "outliers" ? finding.text : "";
+    }
+    EXPECT_EQ(text,
+              "6 executions take more than 150 us, 1.5 times the median: numbers 3, 5, 6, 9, 10 and others.");
+}
+
+}  // namespace
+}  // namespace zeb::analysis

@@ -1,0 +1,135 @@
+// The JSON of a run, written and read back.
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <functional>
+#include <limits>
+#include <sstream>
+
+#include "AdapterUpdaterLog.h"
+#include "MakeRun.h"
+#include "MethodsLog.h"
+#include "NetworkLog.h"
+#include "RunJson.h"
+#include "support/TestLog.h"
+
+namespace zeb::forms {
+namespace {
+
+using analysis::Run;
+
+std::string jsonOf(const Run& run, BigNumbers bigNumbers = BigNumbers::exact) {
+    std::ostringstream out;
+    writeRunJson(out, run, bigNumbers);
+    return out.str();
+}
+
+Run readBack(const std::string& json) {
+    std::istringstream in(json);
+    return readRunJson(in);
+}
+
+using WriteLog = std::function<void(std::ostream&)>;
+
+WriteLog network(const samplelog::NetworkOptions& options) {
+    return [options](std::ostream& out) { writeNetworkLog(out, options); };
+}
+
+const std::vector<std::pair<std::string, WriteLog>>& kinds() {
+    static const std::vector<std::pair<std::string, WriteLog>> all = {
+        {"network", network({})},
+        {"async", network({.async = true, .level = samplelog::ProfileLevel::internal})},
+        {"graphs", network({.executions = 3, .layers = 4, .graphs = 3})},
+        {"basic", network({.level = samplelog::ProfileLevel::basic})},
+        {"methods", samplelog::writeMethodsLog},
+        {"adapter-updater", samplelog::writeAdapterUpdaterLog},
+        {"empty", [](std::ostream&) {}},
+    };
+    return all;
+}
+
+Run runOf(const test::TempDir& place, const std::string& name, const WriteLog& write) {
+    {
+        std::ofstream log(place.path(name), std::ios::binary);
+        write(log);
+    }
+    return analysis::makeRun(place.path(name), profiling::VisibilityLevel{127}).value();
+}
+
+TEST(RunJson, IsTheSameAfterItWasReadBack) {
+    const test::TempDir place;
+    for (const auto& [name, write] : kinds()) {
+        const std::string json = jsonOf(runOf(place, name, write));
+        EXPECT_TRUE(json.starts_with("{\"schema\":\"zeb-profile-run/1\",\"log\":\"")) << name;
+        EXPECT_EQ(json.find('\n'), json.size() - 1) << name << ": one line";
+        EXPECT_EQ(jsonOf(readBack(json)), json) << name;
+    }
+}
+
+TEST(RunJson, IsAsItsSchemaSaysForEveryKindOfLog) {
+    const test::TempDir place;
+    std::string command = ZEB_CHECK_SCHEMA;
+    for (const auto& [name, write] : kinds()) {
+        command += ' ' + place.write(name + ".json", jsonOf(runOf(place, name, write)));
+    }
+    EXPECT_EQ(std::system(command.c_str()), 0) << command;
+}
+
+TEST(RunJson, KeepsNumbersAndReplacesWhatIsNoText) {
+    constexpr auto largest = std::numeric_limits<std::uint64_t>::max();
+    analysis::Run run;
+    run.logFile = "q\"b\\\n\x01\xFF\xC3";
+    run.header.emplace().epochUs = largest;
+    run.header->timeScale = std::numeric_limits<double>::infinity();
+    analysis::Step step;
+    for (const analysis::Value& value : std::initializer_list<analysis::Value>{
+             std::int64_t{-9007199254740993}, largest, 0.1, std::numeric_limits<double>::quiet_NaN(),
+             std::string("t"), std::monostate()}) {
+        step.events.emplace_back().value = value;
+    }
+    run.steps.push_back(step);
+    const std::string json = jsonOf(run);
+    for (const char* const part :
+         {R"("log":"q\"b\\\n\u0001)", "\xEF\xBF\xBD", R"("epoch_us":18446744073709551615)",
+          R"("time_scale":null)", R"("value":-9007199254740993)", R"("value":18446744073709551615)",
+          R"("value":0.1,)", R"("value":null)"}) {
+        EXPECT_NE(json.find(part), std::string::npos) << part << " in " << json;
+    }
+    const std::string asText = jsonOf(run, BigNumbers::asText);
+    EXPECT_NE(asText.find(R"("value":"-9007199254740993")"), std::string::npos) << asText;
+    EXPECT_NE(asText.find(R"("epoch_us":"18446744073709551615")"), std::string::npos) << asText;
+}
+
+TEST(RunJson, RefusesWhatIsNoRun) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"", "it is no JSON object"},
+        {"[1]", "it is no JSON object"},
+        {R"({"schema":"zeb-profile-run/2"})", "it is no object of the schema zeb-profile-run/1"},
+        {R"({"log":"x"})", "it is no object of the schema zeb-profile-run/1"},
+        {R"({"schema":"zeb-profile-run/1","log":1})", "the value of \"log\" is no text"},
+        {R"({"schema":"zeb-profile-run/1","graphs":{}})", "the value of \"graphs\" is no list"},
+        {R"({"schema":"zeb-profile-run/1","graphs":[7]})", "the value of \"graphs\" is no object"},
+        {R"({"schema":"zeb-profile-run/1","level":"deep"})",
+         "the value of \"level\" is no name that is known"},
+        {R"({"schema":"zeb-profile-run/1","asynchronous":0})",
+         "the value of \"asynchronous\" is no truth value"},
+        {R"({"schema":"zeb-profile-run/1","graphs":[{"krel_clock_hz":4294967296}]})",
+         "the value of \"krel_clock_hz\" is no whole number that fits"},
+        {R"({"schema":"zeb-profile-run/1","graphs":[{"executions":{"duration_us":[1]}}]})",
+         "the columns of \"executions\" differ in length"},
+    };
+    for (const auto& [json, cause] : cases) {
+        try {
+            readBack(json);
+            ADD_FAILURE() << json << " was read";
+        } catch (const std::runtime_error& error) {
+            EXPECT_STREQ(error.what(), cause) << json;
+        }
+    }
+    EXPECT_EQ(readBack(R"({"schema":"zeb-profile-run/1","new key":[{}],"log":"l"})").logFile, "l");
+}
+
+}  // namespace
+}  // namespace zeb::forms
