@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <ostream>
@@ -12,11 +11,6 @@
 /// A log as a timeline, in the Trace Event format that the trace viewers of browsers open: docs/trace.md
 /// tells what it shows and what of that is assumed.
 namespace zeb::forms {
-
-/// Texts of a log stand in a trace with that many bytes at most: from longer ones the middle is left out.
-inline constexpr std::size_t longestTraceText = 120;
-/// A slice shows that many of its events at most.
-inline constexpr std::size_t maxTraceEvents = 32;
 
 struct TraceOptions {
     profiling::VisibilityLevel level{};  ///< messages of this level and above are left out

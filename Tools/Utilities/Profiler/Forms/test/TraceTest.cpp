@@ -12,6 +12,7 @@
 #include "NetworkLog.h"
 #include "SharedTextLog.h"
 #include "Trace.h"
+#include "TraceEvents.h"
 #include "support/TestReader.h"
 
 namespace zeb::forms {
@@ -151,7 +152,7 @@ TEST(Trace, EverySampleIsShownWhole) {
 }
 
 TEST(Trace, OverlappingCallsCanBeStackedByAViewer) {
-    for (std::uint32_t seed = 0; seed < 8; ++seed) {
+    for (std::uint32_t seed = 0; seed < 5; ++seed) {
         std::mt19937 random(seed);
         std::vector<Message> messages;
         for (int count = 0; count < 2'000; ++count) {
