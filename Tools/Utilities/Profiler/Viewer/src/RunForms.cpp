@@ -1,5 +1,6 @@
 #include "RunForms.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <iostream>
 #include <stdexcept>
@@ -12,8 +13,15 @@
 #include "RunJson.h"
 #include "TerminalStyle.h"
 #include "TopText.h"
+#include "Trace.h"
 
 namespace zeb::viewer {
+
+namespace {
+
+constexpr std::uint64_t mostBytesOfBrowsers = std::uint64_t{256} << 20U;
+
+}  // namespace
 
 RunForms::RunForms(const ViewerOptions& options) : options_(options) {
     if (!options.wantsForms()) {
@@ -28,6 +36,9 @@ RunForms::RunForms(const ViewerOptions& options) : options_(options) {
     }
     if (!options.json.empty()) {
         json_.emplace(options.json, options.log);
+    }
+    if (!options.trace.empty()) {
+        trace_.emplace(options.trace, options.log);
     }
 }
 
@@ -44,6 +55,9 @@ void RunForms::show(StandardOutput& output, MemoryLimit& memory) {
         }
         if (json_) {
             json_->write([&run](std::ostream& out) { forms::writeRunJson(out, run); });
+        }
+        if (trace_) {
+            writeTrace(run);
         }
         return true;
     });
@@ -70,6 +84,28 @@ void RunForms::printTop(const analysis::Run& run, StandardOutput& output) const 
                      .filter = options_.topFilter,
                      .style = styleOfTerminal(STDOUT_FILENO)});
     output.finish();
+}
+
+void RunForms::writeTrace(const analysis::Run& run) {
+    std::optional<forms::TraceResult> result;
+    trace_->write([&](std::ostream& out) {
+        result = forms::writeTrace(
+            out, run, options_.log,
+            {.level = options_.level, .fromMs = options_.traceFromMs, .toMs = options_.traceToMs});
+        if (!result) {
+            throw Failure(ExitCode::badLog, options_.log, "the log has changed while it was read");
+        }
+    });
+    const auto tell = [this](const std::string& what) { printErrorLine(options_.trace + ": " + what); };
+    if (result->leftOutForTracks + result->leftOutAsTooLate > 0) {
+        tell("note: " + std::to_string(result->leftOutForTracks) +
+             " messages overlap too many others to be drawn, and " +
+             std::to_string(result->leftOutAsTooLate) + " lie too far behind the first");
+    }
+    if (result->bytes > mostBytesOfBrowsers) {
+        tell("note: " + std::to_string(result->bytes >> 20U) +
+             " MB are more than most browsers open; --trace-from and --trace-to cut it");
+    }
 }
 
 }  // namespace zeb::viewer

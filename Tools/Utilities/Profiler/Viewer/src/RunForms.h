@@ -26,9 +26,11 @@ public:
 private:
     [[nodiscard]] analysis::Run readRun(MemoryLimit& memory) const;
     void printTop(const analysis::Run& run, StandardOutput& output) const;
+    void writeTrace(const analysis::Run& run);
 
     const ViewerOptions& options_;
     std::optional<FormFile> json_;
+    std::optional<FormFile> trace_;
 };
 
 }  // namespace zeb::viewer

@@ -38,6 +38,7 @@ Examples:
   zeb-profile-viewer --save-objects=objects run.log
   zeb-profile-viewer --reader generic --level 2 run.log
   zeb-profile-viewer --top=20 --filter conv run.log
+  zeb-profile-viewer --trace run.json run.log
   zeb-profile-viewer --json - run.log | jq .graphs[0].spread
   zcat run.log.gz | zeb-profile-viewer /dev/stdin
 )";
@@ -82,6 +83,16 @@ std::size_t parseRows(const std::string& name, const std::string& text) {
         throw usageFailure(name, "\"" + text + "\" is no number of layers");
     }
     return rows;
+}
+
+double parseMs(const std::string& name, const std::string& text) {
+    double ms = 0.0;
+    const char* const end = text.data() + text.size();
+    const auto [rest, error] = std::from_chars(text.data(), end, ms);
+    if (error != std::errc() || rest != end || !(ms >= 0.0)) {
+        throw usageFailure(name, "\"" + text + "\" is no number of milliseconds");
+    }
+    return ms;
 }
 
 forms::LayerOrder parseOrder(const std::string& name, const std::string& text) {
@@ -169,6 +180,15 @@ const std::vector<OptionRow>& optionRows() {
          "Write all figures of the run to FILE as JSON; \"-\" is standard output,\n"
          "without a report.",
          "", [](auto& options, const auto& given) { options.json = given.value; }},
+        {"--trace", Takes::text, " FILE",
+         "Write the log's timeline to FILE, for the trace viewers of browsers; \"-\" is\n"
+         "standard output, without a report.",
+         "", [](auto& options, const auto& given) { options.trace = given.value; }},
+        {"--trace-from", Takes::number, " MS",
+         "Leave out of the timeline what ends before MS, from its start.", "",
+         [](auto& options, const auto& given) { options.traceFromMs = parseMs(given.name, given.value); }},
+        {"--trace-to", Takes::number, " MS", "Leave out of the timeline what begins behind MS.", "",
+         [](auto& options, const auto& given) { options.traceToMs = parseMs(given.name, given.value); }},
         {"--help", Takes::nothing, "", "Show this help and that of the reader.", "",
          [](auto& options, const auto& /*given*/) { options.action = Action::showHelp; }},
         {"--version", Takes::nothing, "", "Show the version.", "",
@@ -212,17 +232,29 @@ public:
                 throw usageFailure(name, "needs --top beside it");
             }
         }
-        if (!options.isFormAlone()) {
-            return;
+        for (const char* const name : {"--trace-from", "--trace-to"}) {
+            if (app_.count(name) != 0 && options.trace.empty()) {
+                throw usageFailure(name, "needs --trace beside it");
+            }
+        }
+        if (options.isFormAlone()) {
+            checkFormAlone(options);
+        }
+    }
+
+    // What is on standard output has it for itself, and no reader is asked.
+    void checkFormAlone(const ViewerOptions& options) const {
+        if (options.json == options.trace) {
+            throw usageFailure("--trace", "standard output takes one form, and --json has it");
         }
         for (const char* const name : {"--csv", "--top", "--save-objects"}) {
             if (app_.count(name) != 0) {
-                throw usageFailure(name, "standard output has the JSON alone, without a report");
+                throw usageFailure(name, "there is no report while a form goes to standard output");
             }
         }
         if (!options.readerArguments.empty()) {
             throw usageFailure(options.readerArguments.front(),
-                               "no reader is asked for --json -, so it takes no options of one");
+                               "no reader is asked while a form goes to standard output");
         }
     }
 

@@ -28,15 +28,18 @@ struct ViewerOptions {
     std::optional<std::size_t> topRows;  ///< nothing: no ranking behind the report
     forms::LayerOrder topOrder = forms::LayerOrder::time;
     std::string topFilter;
-    std::string json;  ///< empty: no JSON; "-" is standard output
+    std::string json;                   ///< empty: no JSON; "-" is standard output
+    std::string trace;                  ///< the same for the timeline
+    std::optional<double> traceFromMs;  ///< behind the smallest start; so is the next one
+    std::optional<double> traceToMs;
     std::string log;
     /// What the viewer doesn't know, in its order, with a "--" mark.
     std::vector<std::string> readerArguments;
 
     /// @return whether more than the plug-in's report is wanted
-    [[nodiscard]] bool wantsForms() const { return topRows || !json.empty(); }
+    [[nodiscard]] bool wantsForms() const { return topRows || !json.empty() || !trace.empty(); }
     /// @return whether one form takes the place of the report, on standard output
-    [[nodiscard]] bool isFormAlone() const { return json == "-"; }
+    [[nodiscard]] bool isFormAlone() const { return json == "-" || trace == "-"; }
 };
 
 /// Help and version win over a missing LOG and values that are no numbers.

@@ -1,7 +1,7 @@
 // A reader plug-in that reads nothing and does what its options tell it:
 //   --args=complain|throw   --load=refuse|throw|memory|grow|odd|note|shrink|fault
 //   --report=throw|memory|grow|swallow|odd|refuse|text|object|half
-//   --trace               tells each call on standard error
+//   --calls               tells each call on standard error
 // Its report is the values of --say, one a line, on standard output, and "csv" as its CSV report.
 
 #include <filesystem>
@@ -64,7 +64,7 @@ public:
             std::cerr << "help of the fake reader\n";
             return false;
         }
-        trace_ = args.lookup("--trace").found;
+        trace_ = args.lookup("--calls").found;
         trace("createReader " + log_ + " " + std::to_string(level_));
         trace("parseBackendArgs");
         load_ = valueOf(args, "--load");

@@ -42,7 +42,7 @@ protected:
 };
 
 TEST_F(ViewerCommand, DrivesTheReaderInItsOrder) {
-    const CommandResult result = view({"--level=-128", "--save-objects=" + files.path(""), log, "--trace",
+    const CommandResult result = view({"--level=-128", "--save-objects=" + files.path(""), log, "--calls",
                                        "--say", "first", "second", "--load=note"});
     EXPECT_EQ(result.exitCode, 0);
     EXPECT_EQ(result.out, "note\nfirst\nsecond\n");
@@ -50,7 +50,7 @@ TEST_F(ViewerCommand, DrivesTheReaderInItsOrder) {
                               " -128\nparseBackendArgs\nzeb-profile-viewer: objects go to " +
                               fs::canonical(files.path("")).string() +
                               "\nloadLog saving\ngenerateReports\ndeleteReader\n");
-    EXPECT_EQ(view({log, "--trace", "--load=refuse"}).err,
+    EXPECT_EQ(view({log, "--calls", "--load=refuse"}).err,
               "createReader " + log + " 127\nparseBackendArgs\nloadLog\ndeleteReader\nzeb-profile-viewer: " +
                   log + ": the log can't be read, though all of its chunks are sound\n");
 }
@@ -71,11 +71,11 @@ TEST_F(ViewerCommand, RefusesWrongUsage) {
         {{"--save-objects", "/dev/stdin"},
          "/dev/stdin: the log is no regular file, so --save-objects can't check its object names first; "
          "--trust-object-names goes without"},
-        {{log, "--tracee"}, "--tracee: unknown option, did you mean --trace?"},
+        {{log, "--callss"}, "--callss: unknown option, did you mean --calls?"},
         {{log, "--levle=3"}, "--levle: unknown option, did you mean --level?"},
         {{log, "--frobnicate"}, "--frobnicate: unknown option" + seeHelp},
         {{log, "other.log"}, "other.log: a word too many, there is one LOG"},
-        {{log, "--", "--trace"}, "--trace: a word too many, there is one LOG"},
+        {{log, "--", "--calls"}, "--calls: a word too many, there is one LOG"},
         {{log, "--csv", log}, log + ": the CSV file is the log itself"},
         {{log, "--args=throw"}, ZEB_FAKE_READER ": the reader failed on its options: the cat sat on it"},
     };

@@ -1,0 +1,141 @@
+// What the viewer makes of a log besides the report: --top, --json and --trace.
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "MethodsLog.h"
+#include "NetworkLog.h"
+#include "support/Command.h"
+
+namespace zeb::viewer::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+class RunForms : public testing::Test {
+protected:
+    static CommandResult view(Strings arguments, const std::string& output = output::captured) {
+        arguments.insert(arguments.begin(), ZEB_VIEWER);
+        return runCommand(arguments, output);
+    }
+    template <typename Write>
+    std::string write(const std::string& name, Write writeLog) const {
+        std::ostringstream bytes;
+        writeLog(bytes);
+        return files.write(name, bytes.str());
+    }
+    static std::string textOf(const std::string& path) {
+        std::ifstream file(path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+    std::size_t filesThere() const {
+        return static_cast<std::size_t>(std::distance(fs::directory_iterator(files.directory()), {}));
+    }
+
+    TempDir files;
+    std::string log =
+        write("run.log", [](std::ostream& out) { samplelog::writeNetworkLog(out, {.executions = 3}); });
+    std::string json = files.path("run.json");
+    std::string trace = files.path("trace.json");
+};
+
+TEST_F(RunForms, StandBehindTheReportOfWhicheverReader) {
+    for (const char* const reader : {"--reader=murl", "--reader=generic"}) {
+        const CommandResult report = view({log, reader});
+        const CommandResult withForms = view({log, reader, "--top=2", "--json", json, "--trace", trace});
+        EXPECT_EQ(withForms.exitCode, 0);
+        EXPECT_EQ(withForms.err, "");
+        ASSERT_TRUE(withForms.out.starts_with(report.out));
+        EXPECT_TRUE(withForms.out.substr(report.out.size()).starts_with("\nGraph mobilenet_v1_224\n"));
+        EXPECT_NE(withForms.out.find("Costliest ZEB layers (2 of 32)"), std::string::npos);
+        EXPECT_TRUE(textOf(json).starts_with("{\"schema\":\"zeb-profile-run/1\",\"log\":\"" + log + "\""));
+        EXPECT_TRUE(textOf(trace).starts_with("{"));
+    }
+    const CommandResult top = view({log, "--top", "--sort", "name", "--filter", "DW_1"});
+    EXPECT_NE(top.out.find("ZEB layers (5 of 32)\n"), std::string::npos) << top.out;
+    EXPECT_EQ(view({"--json", "-", log}).out, textOf(json));
+    EXPECT_EQ(view({"--trace", "-", log}).out, textOf(trace));
+}
+
+TEST_F(RunForms, RefuseWhatMakesNoSenseTogether) {
+    const std::string alone = "there is no report while a form goes to standard output";
+    const std::pair<Strings, std::string> cases[] = {
+        {{"--sort", "name"}, "--sort: needs --top beside it"},
+        {{"--filter", "a"}, "--filter: needs --top beside it"},
+        {{"--trace-from", "1"}, "--trace-from: needs --trace beside it"},
+        {{"--trace-to=1"}, "--trace-to: needs --trace beside it"},
+        {{"--trace=t", "--trace-to=-1"}, "--trace-to: \"-1\" is no number of milliseconds"},
+        {{"--trace=t", "--trace-to=nan"}, "--trace-to: \"nan\" is no number of milliseconds"},
+        {{"--top=0"}, "--top: \"0\" is no number of layers"},
+        {{"--top", "--sort=size"}, "--sort: \"size\" is none of time, order and name"},
+        {{"--json=-", "--top"}, "--top: " + alone},
+        {{"--json=-", "--csv=c"}, "--csv: " + alone},
+        {{"--trace=-", "--save-objects"}, "--save-objects: " + alone},
+        {{"--json=-", "--trace=-"}, "--trace: standard output takes one form, and --json has it"},
+        {{"--json=-", "--internal"}, "--internal: no reader is asked while a form goes to standard output"},
+    };
+    for (auto [arguments, line] : cases) {
+        arguments.insert(arguments.begin(), log);
+        const CommandResult result = view(arguments);
+        expectFailure(result, 2, line + "; see zeb-profile-viewer --help");
+        EXPECT_EQ(result.out, "");
+    }
+    expectFailure(view({log, "--json", log}), 2, log + ": the file is the log itself");
+    expectFailure(
+        view({"/dev/stdin", "--top"}), 2,
+        "/dev/stdin: the log is no regular file, and it takes a second reading to make more than the "
+        "report of it; write it to a file first");
+}
+
+TEST_F(RunForms, LeaveFilesWholeOrAsTheyWere) {
+    const std::string damaged = files.write("damaged.log", std::string_view("\x08\0\0\0damaged!", 12));
+    files.write("run.json", "old");
+    ::chmod(json.c_str(), 0640);
+    EXPECT_EQ(view({damaged, "--json", json}).exitCode, 1);
+    EXPECT_EQ(view({damaged, "--json", "-"}).exitCode, 1);
+    EXPECT_EQ(textOf(json), "old");
+    const std::size_t before = filesThere();
+    EXPECT_EQ(view({log, "--json", json, "--trace", files.path("none/t")}).exitCode, 3);
+    EXPECT_EQ(textOf(json), "old");
+    EXPECT_EQ(filesThere(), before) << "no file beside it";
+
+    // A link stays a link, the file its mode.
+    const std::string link = files.path("link.json");
+    fs::create_symlink("run.json", link);
+    EXPECT_EQ(view({log, "--json", link}).exitCode, 0);
+    EXPECT_TRUE(fs::is_symlink(link));
+    EXPECT_TRUE(textOf(json).starts_with("{"));
+    struct stat status {};
+    EXPECT_EQ(::stat(json.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777U, 0640U);
+
+    // What is no file is written straight.
+    EXPECT_EQ(view({log, "--json", "/dev/null"}).exitCode, 0);
+    const CommandResult full = view({log, "--json", "/dev/full"});
+    EXPECT_EQ(full.exitCode, 3);
+    EXPECT_EQ(full.err,
+              "zeb-profile-viewer: /dev/full: the file can't be written: No space left on device\n");
+    EXPECT_EQ(view({"--json", "-", log}, output::full).exitCode, 3);
+    EXPECT_EQ(view({log, "--json", files.path("")}).exitCode, 3);
+}
+
+TEST_F(RunForms, TellAValueThatIsNoNumber) {
+    const std::string odd = write("odd.log", [](std::ostream& out) {
+        const samplelog::Event level{
+            "Execute Profiling Level", std::string("deep"), samplelog::none, 0, {}, {}, {}};
+        const auto bytes = samplelog::encodeLog(
+            {}, {samplelog::Message{samplelog::MethodType::Execute, "net", {0, 9}, 0, {level}, 0}});
+        out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    });
+    expectFailure(view({odd, "--json", "-"}), 5,
+                  odd + ": the figures of the run can't be told: invalid stoi argument");
+    const std::string methods = write("methods.log", samplelog::writeMethodsLog);
+    EXPECT_EQ(view({methods, "--top", "--json", json}).exitCode, 0);
+}
+
+}  // namespace
+}  // namespace zeb::viewer::test
