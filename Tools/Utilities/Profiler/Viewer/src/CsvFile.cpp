@@ -9,13 +9,13 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <csignal>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <utility>
 
 #include "Failure.h"
+#include "HeldSignals.h"
 
 namespace zeb::viewer {
 
@@ -108,26 +108,6 @@ Target openLocked(const std::string& path) {
         }
     }
 }
-
-// Holds back, as long as it lives, the signals that end the process: one in the middle of a write would leave
-// a part of the report behind.
-class HeldSignals {
-public:
-    HeldSignals() {
-        sigset_t ending;
-        sigemptyset(&ending);
-        for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM}) {
-            sigaddset(&ending, signal);
-        }
-        static_cast<void>(::pthread_sigmask(SIG_BLOCK, &ending, &before_));
-    }
-    HeldSignals(const HeldSignals&) = delete;
-    HeldSignals& operator=(const HeldSignals&) = delete;
-    ~HeldSignals() { static_cast<void>(::pthread_sigmask(SIG_SETMASK, &before_, nullptr)); }
-
-private:
-    sigset_t before_{};
-};
 
 // Copies bytes from where `offset` stands in one file to where the other stands; gives how many, and moves
 // `offset` on by them. Negative for an error.

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-#include "FileDescriptor.h"
+#include "NamelessFile.h"
 
 namespace zeb::viewer {
 
@@ -17,7 +17,7 @@ public:
     explicit CsvSpool(std::string csvPath);
 
     /// @return a path that a reader can open for appending; valid within this process as long as this lives
-    [[nodiscard]] std::string path() const;
+    [[nodiscard]] std::string path() const { return spool_.path(); }
 
     /// @return bytes of the report
     /// @throws Failure when it has been cut off, which a reader doesn't tell: the disk is full, or a file may
@@ -25,12 +25,11 @@ public:
     [[nodiscard]] std::uint64_t size() const;
 
     /// @return the open file, for reading
-    [[nodiscard]] const FileDescriptor& file() const { return file_; }
+    [[nodiscard]] const FileDescriptor& file() const { return spool_.file; }
 
 private:
     std::string csvPath_;
-    std::string directory_;
-    FileDescriptor file_;
+    NamelessFile spool_;
 };
 
 }  // namespace zeb::viewer

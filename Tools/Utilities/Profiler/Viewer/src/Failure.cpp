@@ -19,11 +19,13 @@ std::string_view meaningOf(ExitCode exitCode) {
         case ExitCode::usage:
             return "wrong usage, or the reader has shown its help";
         case ExitCode::badOutput:
-            return "the CSV file, an object or standard output can't be written; the CSV file is as it was";
+            return "a file, an object or standard output can't be written; a file is as it was";
         case ExitCode::badPlugin:
             return "the reader plug-in can't be loaded";
         case ExitCode::badReport:
             return "the report failed on a value in the log";
+        case ExitCode::closedPipe:
+            return "nobody reads standard output any more; files are written all the same";
     }
     return {};
 }

@@ -16,6 +16,7 @@ enum class ExitCode : std::uint8_t {
     badOutput = 3,
     badPlugin = 4,
     badReport = 5,
+    closedPipe = 141,  ///< as a shell tells the signal of a pipe that nobody reads any more
 };
 
 /// @return what the exit code says, as help and README have it, in several lines where it is long; empty for

@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "Failure.h"
+#include "HeldSignals.h"
 #include "StandardOutput.h"
 
 namespace zeb::viewer {
@@ -70,7 +71,8 @@ void printTo(int descriptor, const std::string& path, const std::function<void(s
     out.imbue(std::locale::classic());
     print(out);
     buffer.finish();
-    if (buffer.error() != 0) {
+    const bool isClosedPipe = buffer.error() == EPIPE && descriptor == STDOUT_FILENO;
+    if (buffer.error() != 0 && !isClosedPipe) {
         throw fileFailure(path, buffer.error());
     }
 }
@@ -154,6 +156,7 @@ void FormFile::write(const std::function<void(std::ostream&)>& print) {
 }
 
 void FormFile::putInPlace() {
+    const HeldSignals held;
     if (beside_->name.empty()) {
         const std::string self = "/proc/self/fd/" + std::to_string(beside_->file.get());
         beside_->name = makeBeside(place_, [&self](const std::string& each) {

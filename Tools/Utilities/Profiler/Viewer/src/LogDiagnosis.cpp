@@ -11,6 +11,7 @@
 #include <new>
 #include <span>
 #include <stdexcept>
+#include <string_view>
 
 #include "Failure.h"
 #include "FileDescriptor.h"
@@ -125,6 +126,35 @@ std::optional<std::string> troubleWithChunk(const std::string& path, ChunkReader
     }
 }
 
+// How compressed files begin, and what reads them. The first bytes of a sound log may be the same.
+struct Compression {
+    std::string_view firstBytes;
+    std::string_view name;
+    std::string_view command;
+};
+constexpr Compression compressions[] = {
+    {"\x1F\x8B", "gzip", "zcat"},
+    {"\x28\xB5\x2F\xFD", "zstd", "zstdcat"},
+    {std::string_view("\xFD\x37zXZ\0", 6), "xz", "xzcat"},
+};
+
+std::optional<std::string> compressionOf(const std::string& path) {
+    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    std::array<std::uint8_t, 6> bytes{};
+    if (!file.isOpen() || readAt(file, 0, bytes) < 2) {
+        return std::nullopt;
+    }
+    const std::string_view first(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    for (const Compression& compression : compressions) {
+        if (first.starts_with(compression.firstBytes)) {
+            return "the log can't be read: it seems to be compressed by " + std::string(compression.name) +
+                   "; try " + std::string(compression.command) + ' ' + path + " | " +
+                   std::string(programName) + " -";
+        }
+    }
+    return std::nullopt;
+}
+
 }  // namespace
 
 std::optional<std::string> troubleWithPath(const std::string& path) {
@@ -167,6 +197,9 @@ std::string whyRejected(const std::string& path, const MemoryLimit& memory) {
     }
     if (!S_ISREG(status.st_mode)) {
         return "the log can't be read, and, being no regular file, not a second time to find out why";
+    }
+    if (const auto compression = compressionOf(path)) {
+        return *compression;
     }
     ChunkReader chunks(path);
     if (!chunks.isOpen()) {

@@ -6,6 +6,7 @@
 
 #include "CsvFile.h"
 #include "CsvSpool.h"
+#include "LoadProgress.h"
 #include "LogDiagnosis.h"
 #include "ObjectNames.h"
 
@@ -63,7 +64,11 @@ void ReportRun::checkObjects() {
 }
 
 void ReportRun::load() {
-    if (!reader_.loadLog(objects_.has_value())) {
+    const bool isLoaded = [this] {
+        const LoadProgress progress(options_.log);
+        return reader_.loadLog(objects_.has_value());
+    }();
+    if (!isLoaded) {
         throw Failure(ExitCode::badLog, options_.log, whyRejected(options_.log, memory_));
     }
     if (const auto trouble = whyEndedEarly(options_.log)) {

@@ -1,13 +1,12 @@
 #include "RunForms.h"
 
 #include <cstdint>
-#include <filesystem>
 #include <iostream>
 #include <stdexcept>
 #include <string>
-#include <system_error>
 #include <utility>
 
+#include "LoadProgress.h"
 #include "LogDiagnosis.h"
 #include "MakeRun.h"
 #include "RunJson.h"
@@ -24,16 +23,6 @@ constexpr std::uint64_t mostBytesOfBrowsers = std::uint64_t{256} << 20U;
 }  // namespace
 
 RunForms::RunForms(const ViewerOptions& options) : options_(options) {
-    if (!options.wantsForms()) {
-        return;
-    }
-    std::error_code ignored;
-    if (!options.isFormAlone() && !std::filesystem::is_regular_file(options.log, ignored)) {
-        throw Failure(
-            ExitCode::usage, options.log,
-            "the log is no regular file, and it takes a second reading to make more than the report of "
-            "it; write it to a file first");
-    }
     if (!options.json.empty()) {
         json_.emplace(options.json, options.log);
     }
@@ -64,7 +53,10 @@ void RunForms::show(StandardOutput& output, MemoryLimit& memory) {
 }
 
 analysis::Run RunForms::readRun(MemoryLimit& memory) const {
-    auto run = analysis::makeRun(options_.log, options_.level);
+    auto run = [this] {
+        const LoadProgress progress(options_.log);
+        return analysis::makeRun(options_.log, options_.level);
+    }();
     if (!run) {
         throw Failure(ExitCode::badLog, options_.log, whyRejected(options_.log, memory));
     }

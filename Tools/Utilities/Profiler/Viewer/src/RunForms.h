@@ -16,7 +16,7 @@ class RunForms {
 public:
     /// Opens their files as far as can be done without changing anything.
     /// @param options has to outlive the forms
-    /// @throws Failure when one can't be written, or the log can't be read again for them
+    /// @throws Failure when one can't be written
     explicit RunForms(const ViewerOptions& options);
 
     /// Reads the log, unless no form is wanted, and prints all of them.

@@ -58,6 +58,11 @@ void DescriptorBuffer::setTerminalText(bool isOn) {
     }
 }
 
+void DescriptorBuffer::setMuted(bool isMuted) {
+    finish();
+    isMuted_ = isMuted;
+}
+
 void DescriptorBuffer::finish() {
     sync();
     if (terminalText_) {
@@ -73,7 +78,7 @@ int DescriptorBuffer::sync() {
 }
 
 void DescriptorBuffer::writeAll(std::string_view bytes) {
-    while (!bytes.empty() && error_ == 0) {
+    while (!bytes.empty() && error_ == 0 && !isMuted_) {
         const ssize_t count = restarted([&] { return ::write(descriptor_, bytes.data(), bytes.size()); });
         if (count >= 0) {
             bytes.remove_prefix(static_cast<std::size_t>(count));
@@ -97,10 +102,18 @@ void StandardOutput::finish() {
     buffer_.finish();
     const int stdioError = std::fflush(stdout) == 0 ? 0 : errno;  // a plug-in may write past `std::cout`
     const int error = buffer_.error() != 0 ? buffer_.error() : stdioError;
+    if (error == EPIPE) {
+        std::cout.clear();
+        return;
+    }
     if (error != 0 || !std::cout) {
         throw Failure(ExitCode::badOutput, "standard output",
                       error != 0 ? "it can't be written: " + errorText(error) : "it can't be written");
     }
+}
+
+bool StandardOutput::isPipeClosed() const {
+    return buffer_.error() == EPIPE;
 }
 
 }  // namespace zeb::viewer

@@ -25,6 +25,9 @@ public:
     /// Brings out everything, also a character that is not whole.
     void finish();
 
+    /// Drops what is written from here on, or no longer does.
+    void setMuted(bool isMuted);
+
     /// @return the `errno` of the first write that failed, else 0
     [[nodiscard]] int error() const { return error_; }
 
@@ -37,6 +40,7 @@ private:
 
     int descriptor_;
     int error_ = 0;
+    bool isMuted_ = false;
     std::optional<forms::TerminalText> terminalText_;
     std::array<char, 65536> buffer_{};
 };
@@ -54,9 +58,16 @@ public:
     /// Lets a terminal have the bytes as they are too.
     void showRaw() { buffer_.setTerminalText(false); }
 
-    /// Brings out what was written so far.
+    /// Drops what is written from here on, or no longer does.
+    void setMuted(bool isMuted) { buffer_.setMuted(isMuted); }
+
+    /// Brings out what was written so far. A pipe that nobody reads any more is no failure: what is written
+    /// is dropped then.
     /// @throws Failure when some of it could not be written
     void finish();
+
+    /// @return whether nobody reads the pipe any more
+    [[nodiscard]] bool isPipeClosed() const;
 
 private:
     DescriptorBuffer buffer_;

@@ -9,9 +9,11 @@
 
 #include "CsvFile.h"
 #include "GuardedStep.h"
+#include "LoadProgress.h"
 #include "LogDiagnosis.h"
 #include "MemoryLimit.h"
 #include "NearestName.h"
+#include "PipedLog.h"
 #include "PluginLibrary.h"
 #include "ReportRun.h"
 #include "RunForms.h"
@@ -50,10 +52,12 @@ void showHelp(const ViewerOptions& options, StandardOutput& output) {
     output.finish();
 }
 
-void checkLog(const ViewerOptions& options) {
-    if (const auto trouble = troubleWithPath(options.log)) {
-        throw Failure(ExitCode::badLog, options.log, *trouble);
+// The log may be read from here on, as often as it takes.
+void prepareLog(PipedLog& log) {
+    if (const auto trouble = troubleWithPath(log.given())) {
+        throw Failure(ExitCode::badLog, log.given(), *trouble);
     }
+    log.keep();
 }
 
 void refuseLeftovers(const ViewerArgs& args) {
@@ -73,7 +77,7 @@ void refuseLeftovers(const ViewerArgs& args) {
 }
 
 // The report of a plug-in; nothing when the reader has shown its help.
-std::optional<MemoryLimit> showReport(const ViewerOptions& options, StandardOutput& output) {
+std::optional<MemoryLimit> showReport(const ViewerOptions& options, PipedLog& pipe, StandardOutput& output) {
     const PluginLibrary plugin(options.reader);
     const ReaderPtr reader = plugin.createReader(options.log, options.level);
     ViewerArgs args(options.readerArguments);
@@ -81,25 +85,31 @@ std::optional<MemoryLimit> showReport(const ViewerOptions& options, StandardOutp
         return std::nullopt;  // the reader has said why
     }
     refuseLeftovers(args);
-    checkLog(options);
     if (!options.csv.empty()) {
         checkCsvPath(options.csv, options.log);
     }
+    prepareLog(pipe);
     std::optional<MemoryLimit> memory(std::in_place, options.maxMemory);
+    output.setMuted(options.quiet);
     ReportRun(*reader, options, output, *memory).show();
+    output.setMuted(false);
     return memory;
 }
 
-ExitCode show(const ViewerOptions& options, StandardOutput& output) {
+ExitCode show(ViewerOptions options, StandardOutput& output) {
+    if (options.quiet) {
+        LoadProgress::silence();
+    }
+    PipedLog pipe(options.log);
+    options.log = pipe.path();
+    RunForms forms(options);
     if (options.isFormAlone()) {
-        checkLog(options);
-        RunForms forms(options);
+        prepareLog(pipe);
         MemoryLimit memory(options.maxMemory);
         forms.show(output, memory);
         return ExitCode::good;
     }
-    RunForms forms(options);
-    auto memory = showReport(options, output);
+    auto memory = showReport(options, pipe, output);
     if (!memory) {
         return ExitCode::usage;
     }
@@ -113,18 +123,20 @@ ExitCode run(int argc, const char* const* argv) {
     if (options.raw) {
         output.showRaw();
     }
+    ExitCode exitCode = ExitCode::good;
     switch (options.action) {
         case Action::showHelp:
             showHelp(options, output);
-            return ExitCode::good;
+            break;
         case Action::showVersion:
             std::cout << programName << ' ' << profiling::versionText << '\n';
             output.finish();
-            return ExitCode::good;
+            break;
         case Action::report:
+            exitCode = show(options, output);
             break;
     }
-    return show(options, output);
+    return output.isPipeClosed() ? ExitCode::closedPipe : exitCode;
 }
 
 }  // namespace

@@ -26,7 +26,7 @@ constexpr std::string_view detailsText = R"(
 Options that the viewer doesn't know go to the reader. Give them behind LOG, and their values as --name=value
 or as the words behind the name. A "--" ends the options: what follows it are file names.
 
-LOG may also be a pipe: use /dev/stdin to read the log from standard input.
+LOG may also be a pipe, and "-" is standard input.
 
 Exit codes:
 )";
@@ -40,7 +40,7 @@ Examples:
   zeb-profile-viewer --top=20 --filter conv run.log
   zeb-profile-viewer --trace run.json run.log
   zeb-profile-viewer --json - run.log | jq .graphs[0].spread
-  zcat run.log.gz | zeb-profile-viewer /dev/stdin
+  zcat run.log.gz | zeb-profile-viewer -
 )";
 
 Failure usageFailure(const std::string& line) {
@@ -148,6 +148,8 @@ const std::vector<OptionRow>& optionRows() {
          "Let control characters in names and texts of the log reach a terminal, where\n"
          "they show as \"?\" otherwise. A file or a pipe gets them in any case.",
          "", [](auto& options, const auto& /*given*/) { options.raw = true; }},
+        {"--quiet", Takes::nothing, "", "Leave out the console report, and all progress.", "",
+         [](auto& options, const auto& /*given*/) { options.quiet = true; }},
         {"--level", Takes::number, " N",
          "Visibility level, -128 to 127: messages of this level and above are\n"
          "left out. Default 127: everything below it.",
@@ -324,13 +326,16 @@ ViewerOptions parseCommandLine(int argc, const char* const* argv) {
         throw usageFailure(error.what());
     }
     ViewerOptions options;
-    options.log = line.log();
+    options.log = line.log() == "-" ? "/dev/stdin" : line.log();
     options.readerArguments = line.remaining();
     line.apply(options, false);
     if (options.action == Action::report) {
         line.apply(options, true);
         if (!line.hasLog()) {
             throw usageFailure("no LOG given");
+        }
+        if (options.csv == "-") {
+            throw usageFailure("--csv", "standard output has the report, so the CSV report can't go there");
         }
         line.checkTogether(options);
     }

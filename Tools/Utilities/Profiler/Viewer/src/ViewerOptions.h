@@ -20,6 +20,7 @@ struct ViewerOptions {
     Action action = Action::report;
     std::string reader{namedReaders[0].name};  ///< or the path of a plug-in
     std::string csv;                           ///< empty: no CSV report
+    bool quiet = false;                        ///< no console report and no progress
     bool raw = false;                          ///< control characters reach a terminal as they are
     profiling::VisibilityLevel level{127};
     std::optional<std::string> objectDirectory;  ///< nothing: objects are not saved

@@ -69,10 +69,52 @@ TEST_F(RealReader, ReportsAGoodLogAndAppendsToTheCsvFile) {
 TEST_F(RealReader, ReadsAPipeThatGivesAFewBytesAtATime) {
     const std::string script =
         "{ head -c 3 \"$2\"; sleep 0.05; tail -c +4 \"$2\" | head -c 40; sleep 0.05; tail -c +44 \"$2\"; } | "
-        "\"$1\" /dev/stdin";
+        "\"$1\" -";
     const CommandResult result = runCommand({"/bin/sh", "-c", script, "sh", ZEB_VIEWER, log});
     EXPECT_EQ(result.exitCode, 0);
+    expectPart(result.out, "Input Log File Location: /dev/stdin\n");
     expectPart(result.out, "    Marlix: 200 us\n");
+}
+
+// What takes a second reading works too: a diagnosis, the check of object names, forms.
+TEST_F(RealReader, ReadsAPipeMoreThanOnce) {
+    const auto through = [this](const std::string& bytes, const std::string& command) {
+        return runCommand(
+            {"/bin/bash", "-c", "cat \"$2\" | " + command, "sh", ZEB_VIEWER, files.write("piped", bytes)});
+    };
+    const CommandResult forms =
+        through(chunk, "\"$1\" - --save-objects=" + files.path("") + " --top --json -");
+    EXPECT_EQ(forms.exitCode, 2);
+    const CommandResult top = through(chunk, "\"$1\" - --quiet --top --json " + files.path("j"));
+    EXPECT_EQ(top.exitCode, 0) << top.err;
+    expectPart(top.out, "Where an inference goes");
+    expectPart(fileText(files.path("j")), "\"log\":\"/dev/stdin\"");
+    expectFailure(through(chunk + std::string("\x08\0\0\0damaged!", 12), "\"$1\" /dev/stdin"), 1,
+                  "/dev/stdin: the log can't be read: chunk 2 at byte " + std::to_string(chunk.size()) +
+                      ", 8 bytes long, is too short to be a chunk");
+    const CommandResult inherited = through(chunk, "\"$1\" --quiet --top <(cat)");
+    EXPECT_EQ(inherited.exitCode, 0) << inherited.err;
+    expectPart(inherited.out, "Where an inference goes");
+    const std::string pipe = files.path("fifo");
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    const CommandResult named =
+        through(chunk, "tee \"" + pipe + "\" >/dev/null & \"$1\" --quiet --top \"" + pipe + "\"");
+    EXPECT_EQ(named.exitCode, 0) << named.err;
+    expectPart(named.out, "Where an inference goes");
+}
+
+TEST_F(RealReader, TellsWhatCompressesALog) {
+    for (const auto& [bytes, words] : {std::pair{std::string("\x1F\x8B\x08 zip"), "gzip; try zcat "},
+                                       {std::string("\x28\xB5\x2F\xFD zstd"), "zstd; try zstdcat "},
+                                       {std::string("\xFD"
+                                                    "7zXZ\0 xz",
+                                                    9),
+                                        "xz; try xzcat "}}) {
+        const std::string packed = files.write("packed.log", bytes);
+        expectFailure(view({packed}), 1,
+                      packed + ": the log can't be read: it seems to be compressed by " + words + packed +
+                          " | zeb-profile-viewer -");
+    }
 }
 
 TEST_F(RealReader, TellsWhatIsWrongWithALog) {

@@ -85,10 +85,6 @@ TEST_F(RunForms, RefuseWhatMakesNoSenseTogether) {
         EXPECT_EQ(result.out, "");
     }
     expectFailure(view({log, "--json", log}), 2, log + ": the file is the log itself");
-    expectFailure(
-        view({"/dev/stdin", "--top"}), 2,
-        "/dev/stdin: the log is no regular file, and it takes a second reading to make more than the "
-        "report of it; write it to a file first");
 }
 
 TEST_F(RunForms, LeaveFilesWholeOrAsTheyWere) {

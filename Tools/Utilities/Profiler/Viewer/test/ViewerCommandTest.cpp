@@ -63,6 +63,8 @@ TEST_F(ViewerCommand, RefusesWrongUsage) {
         {{log, "--csv"}, once},
         {{log, "--csv", "a", "--csv", "b"}, once},
         {{log, "--csv", ""}, "--csv: needs a value" + seeHelp},
+        {{log, "--csv", "-"},
+         "--csv: standard output has the report, so the CSV report can't go there" + seeHelp},
         {{"--csv", "--save-objects", log}, "--csv: needs a value, and --save-objects is an option" + seeHelp},
         {{"--level", "128", log}, "--level: \"128\" is no number from -128 to 127" + seeHelp},
         {{"--level", "2x", log}, "--level: \"2x\" is no number from -128 to 127" + seeHelp},
@@ -112,8 +114,9 @@ TEST_F(ViewerCommand, NamesWhatKeepsTheLogFromBeingRead) {
     }
     const std::string pipe = "log=\"$4\"; cat \"$log\" | \"$1\" \"$2\" \"$3\" /dev/stdin --load=refuse";
     expectFailure(viewThrough(pipe, {log}), 1,
-                  "/dev/stdin: the log can't be read, and, being no regular file, not a second time to find "
-                  "out why");
+                  "/dev/stdin: the log can't be read: chunk 1 at byte 0, " + std::to_string(length) +
+                      " bytes long, is cut off at the end of the file: only " + std::to_string(length - 1) +
+                      " bytes of it are there");
     EXPECT_EQ(view({"/dev/null"}).exitCode, 0);
 }
 
@@ -179,7 +182,6 @@ TEST_F(ViewerCommand, NoticesThatStandardOutputCannotBeWritten) {
         {log, "--say=x", "--csv", csv}, {log, "--load=note"}, {"--help"}, {"--version"}};
     const std::pair<std::string, std::string> cases[] = {
         {output::full, "No space left on device"},
-        {output::brokenPipe, "Broken pipe"},
         {output::closed, "Bad file descriptor"},
     };
     for (const auto& [output, cause] : cases) {
@@ -188,6 +190,23 @@ TEST_F(ViewerCommand, NoticesThatStandardOutputCannotBeWritten) {
         }
     }
     EXPECT_FALSE(fs::exists(csv));
+}
+
+TEST_F(ViewerCommand, EndsWithoutAWordWhenNobodyReadsAnyMore) {
+    for (const Strings& arguments : {Strings{log, "--say=x", "--csv", csv}, {"--help"}, {"--version"}}) {
+        const CommandResult result = view(arguments, output::brokenPipe);
+        EXPECT_EQ(result.exitCode, 141);
+        EXPECT_EQ(result.err, arguments.front() == "--help" ? "help of the fake reader\n" : "");
+    }
+    EXPECT_EQ(fileText(csv), "csv \n") << "what goes to files is written all the same";
+}
+
+TEST_F(ViewerCommand, LeavesOutTheReportWhenItIsToBeQuiet) {
+    const CommandResult result = view({log, "--quiet", "--load=note", "--say=x", "--csv", csv});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.out + result.err, "");
+    EXPECT_EQ(fileText(csv), "csv \n");
+    EXPECT_EQ(view({"--quiet", "--version"}).out, view({"--version"}).out);
 }
 
 // A terminal, a file, and a terminal whose user wants the bytes.
@@ -243,7 +262,7 @@ TEST_F(ViewerCommand, ShowsItsHelpAndThatOfTheReader) {
     EXPECT_EQ(help.err, "help of the fake reader\n");
     for (const char* const part :
          {"Usage: zeb-profile-viewer [options] LOG [reader options]\n", "--reader NAME|PATH", "--csv FILE",
-          "--level N", "  --save-objects[=DIR]  ", "Exit codes:\n  0  good\n", "Examples:\n"}) {
+          "--level N", "  --save-objects[=DIR]  ", "Exit codes:\n  0    good\n", "Examples:\n"}) {
         EXPECT_NE(help.out.find(part), std::string::npos) << part;
     }
     expectFailure(runCommand({ZEB_VIEWER, "--help", "--reader", "./no.so"}), 0,

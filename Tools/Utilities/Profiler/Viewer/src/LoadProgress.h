@@ -1,0 +1,49 @@
+#pragma once
+
+#include <condition_variable>
+#include <cstdint>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <thread>
+
+namespace zeb::viewer {
+
+/// Shows on standard error how far a log has been read, as long as it lives: once that takes more than a
+/// second, and only on a terminal, which it leaves as it was. It looks at the position of the file that is
+/// open for reading beside it, so it needs no help of who reads.
+class LoadProgress {
+public:
+    enum class Measure : bool {
+        position,  ///< of a file whose size is known
+        growth,    ///< the size of a file that a pipe is kept in
+    };
+
+    /// @param descriptor stays open for as long as this lives
+    LoadProgress(int descriptor, Measure measure);
+    /// @param path of the log that somebody opens
+    explicit LoadProgress(const std::string& path);
+    LoadProgress(const LoadProgress&) = delete;
+    LoadProgress& operator=(const LoadProgress&) = delete;
+    ~LoadProgress();
+
+    /// No progress is shown from here on, whoever reads.
+    static void silence();
+
+private:
+    void start();
+    void run();
+    [[nodiscard]] std::optional<std::uint64_t> bytesDone() const;
+    [[nodiscard]] std::string line(std::uint64_t done, double seconds) const;
+
+    std::string path_;
+    int descriptor_ = -1;
+    Measure measure_;
+    std::uint64_t size_ = 0;  ///< 0: not known
+    std::mutex mutex_;
+    std::condition_variable ended_;
+    bool isEnded_ = false;
+    std::thread thread_;
+};
+
+}  // namespace zeb::viewer
