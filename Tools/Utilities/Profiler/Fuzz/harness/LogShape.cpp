@@ -5,11 +5,12 @@
 #include <cstdint>
 #include <cstring>
 
+#include "log/ChunkPrefix.h"
+
 namespace zeb::fuzz {
 
 namespace {
 
-constexpr std::size_t prefixSize = 4;
 constexpr std::size_t maxTables = 20'000;
 constexpr std::size_t maxTextBytes = 4'000'000;
 constexpr std::size_t maxMissingBytes = 16'000'000;
@@ -115,9 +116,9 @@ LogShape shapeOf(std::span<const std::uint8_t> log) {
     LogShape shape;
     const Bytes bytes(log);
     std::size_t at = 0;
-    while (shape.isAffordable && bytes.has(at, prefixSize)) {
+    while (shape.isAffordable && bytes.has(at, profiling::chunkPrefixSize)) {
         const std::uint32_t length = bytes.number<std::uint32_t>(at);
-        at += prefixSize;
+        at += profiling::chunkPrefixSize;
         if (!bytes.has(at, length)) {
             shape.isCutOff = true;
             shape.isAffordable = length - (log.size() - at) <= maxMissingBytes;

@@ -36,6 +36,7 @@ EncodedValue encodeValue(Builder& builder, const Value& value) {
 // Gives the selector that goes with the value.
 schema::ValueSelector addValue(schema::LogEventBuilder& table, const Value& value,
                                const EncodedValue& encoded) {
+    static_assert(std::variant_size_v<Value> == 7, "each alternative is below");
     switch (value.index()) {
         case 1:
             table.add_intValue(std::get<std::int64_t>(value));

@@ -25,9 +25,21 @@ double asReal(const EventValue& value) {
             return static_cast<double>(value.asFloat());
         case ValueKind::float64:
             return value.asDouble();
-        default:
-            return 0.0;
+        case ValueKind::int8:
+        case ValueKind::int16:
+        case ValueKind::int32:
+        case ValueKind::int64:
+        case ValueKind::uint8:
+        case ValueKind::uint16:
+        case ValueKind::uint32:
+        case ValueKind::uint64:
+        case ValueKind::int16Alternate:
+        case ValueKind::uint8Alternate:
+        case ValueKind::text:
+        case ValueKind::unset:
+            break;
     }
+    return 0.0;
 }
 
 // A value that grows by the values of further events.
@@ -51,14 +63,13 @@ public:
         if (count_ == 1) {
             return value_;
         }
-        switch (value_.kind) {
-            case ValueKind::float32:
-                return EventValue::ofFloat(static_cast<float>(realSum_ / static_cast<double>(count_)));
-            case ValueKind::float64:
-                return EventValue::ofDouble(realSum_ / static_cast<double>(count_));
-            default:
-                return EventValue::ofUint(value_.payload / count_);
+        if (value_.kind == ValueKind::float32) {
+            return EventValue::ofFloat(static_cast<float>(realSum_ / static_cast<double>(count_)));
         }
+        if (value_.kind == ValueKind::float64) {
+            return EventValue::ofDouble(realSum_ / static_cast<double>(count_));
+        }
+        return EventValue::ofUint(value_.payload / count_);
     }
 
 private:

@@ -45,11 +45,21 @@ TEST(EventText, FollowsKindAndUnit) {
         EXPECT_EQ(formatEventValue({static_cast<ValueKind>(kind), bits}), text) << "kind " << kind;
     }
     EXPECT_EQ(formatEventValue(EventValue::ofDouble(-std::numeric_limits<double>::max())).size(), 317U);
-    for (const std::uint32_t unit : {1U, 7U, 0xFFFF'FFFFU}) {
-        EXPECT_EQ(unitSuffix(static_cast<EventUnit>(unit)), " us");
-        EXPECT_EQ(unitCsvText(static_cast<EventUnit>(unit)), "US");
+}
+
+TEST(EventText, NamesTheUnitOfANumberInTheLog) {
+    const struct {
+        std::uint32_t number;
+        const char* console;
+        const char* csv;
+    } cases[] = {{0, " us", "US"},           {1, " us", "US"},       {2, " bytes", "BYTES"},
+                 {3, " cycles", "CYCLES"},   {4, " count", "COUNT"}, {5, " object", ""},
+                 {6, " ", "NONE"},           {7, " us", "US"},       {0x102, " us", "US"},
+                 {0xFFFF'FFFFU, " us", "US"}};
+    for (const auto& [number, console, csv] : cases) {
+        EXPECT_EQ(unitSuffix(unitOf(number)), console) << number;
+        EXPECT_EQ(unitCsvText(unitOf(number)), csv) << number;
     }
-    EXPECT_EQ(unitSuffix(EventUnit::object), " object");
 }
 
 test::Event objectAbove(test::Event below) {
