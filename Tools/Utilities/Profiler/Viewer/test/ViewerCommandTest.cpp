@@ -50,6 +50,7 @@ TEST_F(ViewerCommand, DrivesTheReaderInItsOrder) {
                               " -128\nparseBackendArgs\nzeb-profile-viewer: objects go to " +
                               fs::canonical(files.path("")).string() +
                               "\nloadLog saving\ngenerateReports\ndeleteReader\n");
+    EXPECT_EQ(view({log, "--level", "127"}).exitCode, 0);
     EXPECT_EQ(view({log, "--calls", "--load=refuse"}).err,
               "createReader " + log + " 127\nparseBackendArgs\nloadLog\ndeleteReader\nzeb-profile-viewer: " +
                   log + ": the log can't be read, though all of its chunks are sound\n");
@@ -67,8 +68,11 @@ TEST_F(ViewerCommand, RefusesWrongUsage) {
          "--csv: standard output has the report, so the CSV report can't go there" + seeHelp},
         {{"--csv", "--save-objects", log}, "--csv: needs a value, and --save-objects is an option" + seeHelp},
         {{"--level", "128", log}, "--level: \"128\" is no number from -128 to 127" + seeHelp},
+        {{"--level", "-129", log}, "--level: \"-129\" is no number from -128 to 127" + seeHelp},
         {{"--level", "2x", log}, "--level: \"2x\" is no number from -128 to 127" + seeHelp},
-        {{"--save-objects=", log}, "--save-objects: needs a value" + seeHelp},
+        {{"--level", "", log}, "--level: \"\" is no number from -128 to 127" + seeHelp},
+        {{"--save-objects=a", log, "--save-objects=b"},
+         "--save-objects: to be given once, with a value" + seeHelp},
         {{"--max-memory", "5T", log}, "--max-memory: \"5T\" is no size like 800M, 2G or 1000000" + seeHelp},
         {{"--save-objects", "/dev/stdin"},
          "/dev/stdin: the log is no regular file, so --save-objects can't check its object names first; "
@@ -78,6 +82,7 @@ TEST_F(ViewerCommand, RefusesWrongUsage) {
         {{log, "--frobnicate"}, "--frobnicate: unknown option" + seeHelp},
         {{log, "other.log"}, "other.log: a word too many, there is one LOG"},
         {{log, "--", "--calls"}, "--calls: a word too many, there is one LOG"},
+        {{log, "--", "--csv="}, "--csv=: a word too many, there is one LOG"},
         {{log, "--csv", log}, log + ": the CSV file is the log itself"},
         {{log, "--args=throw"}, ZEB_FAKE_READER ": the reader failed on its options: the cat sat on it"},
     };
@@ -86,6 +91,10 @@ TEST_F(ViewerCommand, RefusesWrongUsage) {
         expectFailure(result, 2, line);
         EXPECT_EQ(result.out, "");
     }
+    for (const std::string name : {"--reader", "--csv", "--level", "--save-objects", "--max-memory"}) {
+        expectFailure(view({name + "=", log}), 2, name + ": needs a value" + seeHelp);
+    }
+    expectFailure(runCommand({ZEB_VIEWER, "--reader", "", log}), 2, "--reader: needs a value" + seeHelp);
     const CommandResult refused = view({log, "--args=complain", "--unknown"});
     EXPECT_EQ(refused.exitCode, 2);
     EXPECT_EQ(refused.err, "the fake reader's own words\n");
@@ -146,6 +155,9 @@ TEST_F(ViewerCommand, SavesObjectsInTheirDirectoryAndFindsAllElseFromItsOwn) {
     EXPECT_EQ(result.exitCode, 0) << result.err;
     EXPECT_EQ(fileText(files.path("objects/object.bin")), "bytes");
     EXPECT_EQ(fileText(csv), "csv \n");
+    const std::string here = "mkdir " + files.path("here") + "; cd " + files.path("here") + "; exec \"$@\"";
+    EXPECT_EQ(viewThrough(here, {"--save-objects", log, "--report=object"}).exitCode, 0);
+    EXPECT_EQ(fileText(files.path("here/object.bin")), "bytes");
     for (const auto& [directory, cause] :
          {std::pair{files.path("no"), "No such file or directory"}, std::pair{log, "Not a directory"}}) {
         expectFailure(view({log, "--save-objects=" + directory, "--load=throw"}), 3,
@@ -238,6 +250,8 @@ TEST_F(ViewerCommand, AppendsToTheCsvFileOrLeavesItAsItWas) {
     expectFailure(view({log, "--csv", files.path("no/runs.csv"), "--load=throw"}), 3,
                   files.path("no/runs.csv") + ": the CSV file can't be created in " + files.path("no") +
                       ": No such file or directory");
+    expectFailure(view({log, "--csv", "-no/runs.csv"}), 3,
+                  "-no/runs.csv: the CSV file can't be created in -no: No such file or directory");
     expectFailure(view({log, "--csv", csv, "--report=refuse"}), 3,
                   csv + ": the reader can't write the CSV report");
     EXPECT_FALSE(fs::exists(csv));
