@@ -40,7 +40,6 @@ struct MethodForm {
 
 constexpr std::string_view graphField = "graph";
 constexpr std::string_view textField = "text";
-constexpr std::string_view unknownMethod = "unknown method";
 
 constexpr std::array methodForms = {
     MethodForm{MethodType::DynamicLibLoad, "load library", MethodGroup::setUp, textField},
@@ -68,7 +67,7 @@ MethodForm formOf(MethodType method) {
     const auto* const known = std::find_if(methodForms.begin(), methodForms.end(),
                                            [method](MethodForm form) { return form.method == method; });
     return known != methodForms.end() ? *known
-                                      : MethodForm{method, unknownMethod, MethodGroup::others, textField};
+                                      : MethodForm{method, "unknown method", MethodGroup::others, textField};
 }
 
 // The times of a `GraphEvents` message mean nothing.
@@ -207,20 +206,19 @@ private:
     TrackGroup tearDown_{Sharing::nested};
 };
 
-std::optional<std::uint64_t> inUs(std::optional<double> ms, double (*toWhole)(double)) {
-    constexpr double usOfMs = 1000.0;
-    return ms ? std::optional(profiling::cutToWhole(std::max(0.0, toWhole(*ms * usOfMs)))) : std::nullopt;
-}
+constexpr double usOfMs = 1000.0;
 
 // The second pass: makes slices of the messages.
 class RunSlices {
 public:
     RunSlices(TraceFile& file, const analysis::Run& run, const TraceOptions& options, std::uint64_t zeroUs)
         : file_(file), tracks_(file, run), zeroUs_(zeroUs) {
-        fromUs_ = inUs(options.fromMs, [](double us) { return std::ceil(us); }).value_or(0);
-        toUs_ = inUs(options.toMs, [](double us) {
-                    return std::floor(us);
-                }).value_or(std::numeric_limits<std::uint64_t>::max());
+        if (options.fromMs) {
+            fromUs_ = profiling::cutToWhole(std::max(0.0, std::ceil(*options.fromMs * usOfMs)));
+        }
+        if (options.toMs) {
+            toUs_ = profiling::cutToWhole(std::max(0.0, std::floor(*options.toMs * usOfMs)));
+        }
         file_.nameProcess(runProcess, "run, as measured");
     }
 
@@ -256,33 +254,34 @@ private:
         const std::string text = message.text() == nullptr
                                      ? std::string()
                                      : cutInMiddle(tracks_.parts().visible(message.text()), longestTraceText);
-        const std::uint64_t us = slice.endUs - slice.startUs;
-        const auto wait = execution ? execution->queueWaitUs : std::nullopt;
         const bool isNamedByGraph = form.textField == graphField && !execution && !text.empty();
+        const auto waitUs = execution ? execution->queueWaitUs : std::nullopt;
+        const std::uint64_t us = slice.endUs - slice.startUs;
         file_.addSlice(std::string(form.name) + (isNamedByGraph ? " " + text : ""), track, slice,
                        [&](JsonObject& arguments) {
-                           if (form.name == unknownMethod) {
-                               arguments.addNumber(
-                                   "method", std::int64_t{static_cast<std::int8_t>(message.methodType())});
-                           }
                            if (message.text() != nullptr) {
                                arguments.addText(form.textField, text);
                            }
-                           arguments.addNumber("level", std::int64_t{message.level()});
-                           arguments.addNumber("durationUs", us);
-                           if (*message.timing()->endTime() < *message.timing()->startTime()) {
-                               arguments.addTrue("endsBeforeStart");
-                           }
-                           if (wait) {
-                               arguments.addNumber("queueWaitUs", *wait);
-                               arguments.addNumber("withoutQueueWaitUs",
-                                                   profiling::differenceOrZero(us, *wait));
-                           }
-                           addEvents(arguments, message, tracks_.parts());
+                           addArguments(arguments, message, us, waitUs);
                        });
-        if (wait && *wait > 0 && us > 0) {
-            addQueueWait(*wait, slice, track);
+        if (waitUs && *waitUs > 0 && us > 0) {
+            addQueueWait(*waitUs, slice, track);
         }
+    }
+
+    void addArguments(JsonObject& arguments, const LogMessage& message, std::uint64_t us,
+                      std::optional<std::uint64_t> waitUs) {
+        arguments.addNumber("method", std::int64_t{static_cast<std::int8_t>(message.methodType())});
+        arguments.addNumber("level", std::int64_t{message.level()});
+        arguments.addNumber("durationUs", us);
+        if (*message.timing()->endTime() < *message.timing()->startTime()) {
+            arguments.addTrue("endsBeforeStart");
+        }
+        if (waitUs) {
+            arguments.addNumber("queueWaitUs", *waitUs);
+            arguments.addNumber("withoutQueueWaitUs", profiling::differenceOrZero(us, *waitUs));
+        }
+        addEvents(arguments, message, tracks_.parts());
     }
 
     // The log tells how long it was and not when.
@@ -299,7 +298,7 @@ private:
     RunTracks tracks_;
     std::uint64_t zeroUs_;
     std::uint64_t fromUs_ = 0;
-    std::uint64_t toUs_ = 0;
+    std::uint64_t toUs_ = std::numeric_limits<std::uint64_t>::max();
     TraceResult result_;
 };
 

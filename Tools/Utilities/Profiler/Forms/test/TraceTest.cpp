@@ -96,15 +96,15 @@ TEST(Trace, ALogIsWrittenAnEventALine) {
 {"name":"process_sort_index","ph":"M","pid":1,"tid":0,"args":{"sort_index":1}},
 {"name":"thread_name","ph":"M","pid":1,"tid":1,"args":{"name":"Set-up"}},
 {"name":"thread_sort_index","ph":"M","pid":1,"tid":1,"args":{"sort_index":1}},
-{"name":"finalize g","ph":"X","pid":1,"tid":1,"ts":1000,"dur":600,"args":{"graph":"g","level":0,"durationUs":600,"events":{"prepare [us]":580,"prepare > plan [cycles]":0.5}}},
-{"name":"init","ph":"X","pid":1,"tid":1,"ts":0,"dur":2000,"args":{"level":0,"durationUs":2000}},
+{"name":"finalize g","ph":"X","pid":1,"tid":1,"ts":1000,"dur":600,"args":{"graph":"g","method":2,"level":0,"durationUs":600,"events":{"prepare [us]":580,"prepare > plan [cycles]":0.5}}},
+{"name":"init","ph":"X","pid":1,"tid":1,"ts":0,"dur":2000,"args":{"method":4,"level":0,"durationUs":2000}},
 {"name":"thread_name","ph":"M","pid":1,"tid":129,"args":{"name":"Executions of g"}},
 {"name":"thread_sort_index","ph":"M","pid":1,"tid":129,"args":{"sort_index":129}},
-{"name":"execute","ph":"X","pid":1,"tid":129,"ts":3000,"dur":500,"args":{"graph":"g","level":0,"durationUs":500,"queueWaitUs":60,"withoutQueueWaitUs":440,"events":{"wait [us]":60}}},
+{"name":"execute","ph":"X","pid":1,"tid":129,"ts":3000,"dur":500,"args":{"graph":"g","method":1,"level":0,"durationUs":500,"queueWaitUs":60,"withoutQueueWaitUs":440,"events":{"wait [us]":60}}},
 {"name":"queue wait","ph":"X","pid":1,"tid":129,"ts":3000,"dur":60,"args":{"placed":"assumed","queueWaitUs":60}},
 {"name":"thread_name","ph":"M","pid":1,"tid":193,"args":{"name":"Tear-down"}},
 {"name":"thread_sort_index","ph":"M","pid":1,"tid":193,"args":{"sort_index":193}},
-{"name":"de-init","ph":"X","pid":1,"tid":193,"ts":4000,"dur":0,"args":{"text":"bye","level":0,"durationUs":0,"endsBeforeStart":true}}
+{"name":"de-init","ph":"X","pid":1,"tid":193,"ts":4000,"dur":0,"args":{"text":"bye","method":5,"level":0,"durationUs":0,"endsBeforeStart":true}}
 ],"otherData":{"logFile":"log","generator":"","generatorVersion":"","backendVersion":"","epochUs":0,"smallestStartUs":4000,"slices":4,"messagesWithoutTimes":0,"messagesCutAway":0,"messagesWithoutTrack":0,"messagesTooLate":0}}
 )");
 }
@@ -246,7 +246,7 @@ TEST(Trace, AllMessagesAreAccountedFor) {
                call(MethodType::Execute, last - 1, last, "g"), call(MethodType::Execute, last, 3, "g"),
                call(static_cast<MethodType>(-7), 30, 40, "new"), call(MethodType::Execute, 50, 60)});
     EXPECT_EQ(checked(written.text, "method"),
-              "run, as measured | Set-up: 1\nrun, as measured | Other calls: 2 -7\n"
+              "run, as measured | Set-up: 1 4\nrun, as measured | Other calls: 2 -7 1\n"
               "messagesWithoutTimes 2 messagesTooLate 2\n");
     const auto late = trace({call(MethodType::Execute, last - 1, last, "g")});
     EXPECT_PRED2(holds, late.text, R"("ts":0,"dur":1,)");
