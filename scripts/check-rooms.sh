@@ -18,6 +18,7 @@ Reader/src/reader/backend     reader reports store text log logging commandline 
 Viewer/src                    log logging text flatbuffers zeb/profiling
 Analysis/src                  reader/backend reports store text log memory zeb/profiling
 Forms/src                     text log store zeb/profiling
+Compare/src                   text zeb/profiling
 SampleLog/src                 log flatbuffers
 SampleLog/src/command         log text zeb/profiling
 '

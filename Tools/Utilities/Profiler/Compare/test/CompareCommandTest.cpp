@@ -1,0 +1,216 @@
+// The command from end to end: its exit codes and their order, its messages, its inputs.
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include "CompareFailure.h"
+#include "MakeRun.h"
+#include "MemoryLimit.h"
+#include "NetworkLog.h"
+#include "RunJson.h"
+#include "support/Command.h"
+#include "support/TestFiles.h"
+
+namespace zeb::compare {
+namespace {
+
+using samplelog::NetworkOptions;
+using viewer::test::CommandResult;
+using viewer::test::Strings;
+namespace output = viewer::test::output;
+
+class CompareCommand : public testing::Test {
+protected:
+    std::string log(const std::string& name, const NetworkOptions& options = {}) const {
+        std::ofstream out(files.path(name), std::ios::binary);
+        writeNetworkLog(out, options);
+        return files.path(name);
+    }
+
+    // Five logs of the seeds from `first`.
+    Strings logs(const std::string& name, std::uint64_t first, NetworkOptions options = {}) const {
+        Strings paths;
+        for (std::uint64_t number = 0; number < 5; ++number) {
+            options.seed = first + number;
+            options.driftMillionths = 10'000;
+            paths.push_back(log(name + std::to_string(number), options));
+        }
+        return paths;
+    }
+
+    static CommandResult run(Strings arguments, const std::string& to = output::captured) {
+        arguments.insert(arguments.begin(), ZEB_COMPARE);
+        return viewer::test::runCommand(arguments, to);
+    }
+
+    static void expectFailure(const Strings& arguments, int exitCode, const std::string& line,
+                              const std::string& to = output::captured) {
+        const CommandResult result = run(arguments, to);
+        EXPECT_EQ(result.exitCode, exitCode) << line;
+        EXPECT_EQ(result.err, "zeb-profile-compare: " + line + "\n");
+    }
+
+    static Strings joined(Strings words, const Strings& more) {
+        words.insert(words.end(), more.begin(), more.end());
+        return words;
+    }
+
+    const test::TempDir files;
+};
+
+bool holds(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+TEST_F(CompareCommand, ComparesOneLogWithOne) {
+    const CommandResult result =
+        run({log("a"), log("b", {.slowerLayer = samplelog::SlowerLayer{"conv_pw_3", 300'000}})});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.err, "");
+    EXPECT_TRUE(holds(result.out, "One log against one")) << result.out;
+    EXPECT_TRUE(holds(result.out, "\n  conv_pw_3     "));
+    EXPECT_TRUE(holds(result.out, "\n  [31 others]"));
+    EXPECT_TRUE(holds(result.out, "\n  SUPERCONV "));
+    EXPECT_FALSE(holds(result.out, "\x1B"));
+}
+
+TEST_F(CompareCommand, GatesSeveralLogs) {
+    const Strings sides = joined(joined({"--base"}, logs("a", 1)),
+                                 joined({"--new"}, logs("b", 11, {.slowerMillionths = 100'000})));
+    EXPECT_EQ(run(sides).exitCode, 0);
+    const CommandResult slower = run(joined({"--fail-above", "5%"}, sides));
+    EXPECT_EQ(slower.exitCode, 6);
+    EXPECT_TRUE(
+        holds(slower.err, "zeb-profile-compare: Graph mobilenet_v1_224: the time for Marlix grew by "))
+        << slower.err;
+    EXPECT_TRUE(holds(slower.out, "  slower\n"));
+    const Strings passing[] = {{"--fail-above", "20"}, {"--fail-above=5", "--min-change-us=1000"}};
+    for (const Strings& gate : passing) {
+        const CommandResult passed = run(joined(gate, sides));
+        EXPECT_EQ(passed.exitCode, 0);
+        EXPECT_TRUE(holds(passed.out, "\nThe gate passes: no time for Marlix grew")) << passed.out;
+    }
+    EXPECT_EQ(run(joined({"--fail-above", "5", "--gate", "layers"}, sides)).exitCode, 6);
+}
+
+TEST_F(CompareCommand, EndsWithTheExitCodeThatWeighsMost) {
+    const std::string good = log("good");
+    const std::string slow = log("slow", {.slowerMillionths = 200'000});
+    const std::string basic = log("basic", {.level = samplelog::ProfileLevel::basic});
+    const std::string none = files.path("none");
+    const std::string gone = none + ": there is no such file";
+    EXPECT_EQ(run({"--fail-above", "5", good, slow}).exitCode, 6);
+    expectFailure({"--fail-above", "5", good, basic}, 7,
+                  "The versions can't be compared: the logs have different profiling levels.");
+    expectFailure({"--fail-above", "5", "--gate", "layers", basic, basic}, 7,
+                  "Graph mobilenet_v1_224: it can't be compared: a time for ZEB layers is in 0 of 1 base "
+                  "logs and in 0 of 1 new ones.");
+    expectFailure({"--fail-above", "5", "--base", good, good, "--new", good, good, good, good}, 7,
+                  "The versions can't be compared: several logs a side have to be 4 at least, and there "
+                  "are 2 and 4.");
+    for (const std::string& log : {slow, basic}) {  // 3 before 6 and 7
+        const CommandResult result = run({"--fail-above", "5", good, log}, output::full);
+        EXPECT_EQ(result.exitCode, 3) << result.err;
+    }
+    expectFailure({"--fail-above", "5", good, none}, 1, gone, output::full);
+    expectFailure({"--hide-below", "x", good, none}, 2,
+                  "--hide-below: \"x\" is no per cent like 5, 0.5 or 5%; see zeb-profile-compare --help");
+}
+
+TEST_F(CompareCommand, RefusesWrongUsage) {
+    const std::pair<Strings, std::string> cases[] = {
+        {{}, "no BASE given"},
+        {{"a"}, "no NEW given"},
+        {{"--base", "a"}, "no NEW given"},
+        {{"--new", "a"}, "no BASE given"},
+        {{"a", "b", "c"}, "c: a word too many; several logs go behind --base and --new"},
+        {{"x", "--base", "a", "--new", "b"}, "x: a word too many beside --base and --new"},
+        {{"--fail-abov", "5", "a", "b"}, "--fail-abov: unknown option, did you mean --fail-above?"},
+        {{"--fail-above", "-5", "a", "b"}, "--fail-above: \"-5\" is no per cent like 5, 0.5 or 5%"},
+        {{"--fail-above", "", "a", "b"}, "--fail-above: needs a value"},
+        {{"--gate", "layers", "a", "b"}, "--gate: takes --fail-above"},
+        {{"--min-change-us", "5", "a", "b"}, "--min-change-us: takes --fail-above"},
+        {{"--fail-above", "5", "--gate", "ipc", "a", "b"},
+         "--gate: \"ipc\" is none of marlix, accelerator, layers"},
+        {{"--fail-above", "5", "--min-change-us", "nan", "a", "b"},
+         "--min-change-us: \"nan\" is no number of microseconds"},
+        {{"--fail-above", "5", "--fail-above", "6", "a", "b"},
+         "--fail-above: to be given once, with a value"},
+        {{"--rename", "a=", "a", "b"}, "--rename: \"a=\" is no OLD=NEW"},
+        {{"--max-memory", "1T", "a", "b"}, "--max-memory: \"1T\" is no size like 800M, 2G or 1000000"},
+    };
+    for (const auto& [arguments, line] : cases) {
+        expectFailure(arguments, 2, line + "; see zeb-profile-compare --help");
+    }
+}
+
+TEST_F(CompareCommand, TellsWhyALogCannotBeRead) {
+    const std::string good = log("good");
+    const std::string bytes = test::fileText(good);
+    const std::string cut = files.write("cut", bytes.substr(0, bytes.size() / 2));
+    const std::string empty = files.write("empty", std::string());
+    const std::string json = files.write("json", R"({"schema":"zeb-profile-run/9"})");
+    EXPECT_EQ(run({good, cut}).exitCode, 1);
+    EXPECT_TRUE(holds(run({good, cut}).err, cut + ": the log can't be read: chunk "));
+    expectFailure({empty, good}, 1, empty + ": the file is empty");
+    EXPECT_EQ(run({json, good}).exitCode, 1);
+    EXPECT_TRUE(holds(run({json, good}).err, json + ": the run can't be read: "));
+}
+
+TEST_F(CompareCommand, TakesTheJsonOfARunForItsLog) {
+    const std::string base = log("a");
+    const std::string changed = log("b", {.slowerMillionths = 50'000});
+    const auto jsonOf = [this](const std::string& path, const std::string& before) {
+        std::ostringstream out;
+        forms::writeRunJson(out, analysis::makeRun(path, profiling::VisibilityLevel{127}).value());
+        return files.write("json", before + out.str());
+    };
+    const auto tablesOf = [](const std::string& text) { return text.substr(text.find("\nGraph")); };
+    const std::string expected = tablesOf(run({base, changed}).out);
+    for (const std::string before : {"", "\n  "}) {
+        const std::string json = jsonOf(base, before);
+        const CommandResult result = run({json, changed});
+        EXPECT_EQ(result.err, "");
+        EXPECT_EQ(tablesOf(result.out), expected);
+    }
+}
+
+TEST_F(CompareCommand, ManyLogsTakeTheMemoryOfOne) {
+    if (!viewer::MemoryLimit::canBeSet) {
+        GTEST_SKIP() << "a sanitizer needs more than any limit";
+    }
+    const std::string large = log("large", {.executions = 20'000});
+    const auto with = [&large](const std::string& size, int count) {
+        Strings arguments = {"--max-memory", size, "--base"};
+        arguments.insert(arguments.end(), static_cast<std::size_t>(count), large);
+        arguments.emplace_back("--new");
+        arguments.insert(arguments.end(), static_cast<std::size_t>(count), large);
+        return run(arguments);
+    };
+    int megabytes = 8;
+    while (with(std::to_string(megabytes) + "M", 1).exitCode != 0 && megabytes < 1024) {
+        megabytes += megabytes / 4;
+    }
+    EXPECT_EQ(with(std::to_string(megabytes + megabytes / 4) + "M", 6).exitCode, 0) << megabytes;
+    const CommandResult result = with("4M", 1);
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_EQ(result.err, "zeb-profile-compare: " + large + ": needs more than 4M of memory\n");
+}
+
+TEST_F(CompareCommand, ShowsHelpAndVersion) {
+    const CommandResult help = run({"--version", "--help", "--gate", "x"});
+    EXPECT_EQ(help.exitCode, 0);
+    for (const std::string text :
+         {"Usage: zeb-profile-compare [options] BASE NEW\n", "  --base LOG...", "  --rename OLD=NEW",
+          "  7  --fail-above has nothing that it can compare\n", "A build pipeline"}) {
+        EXPECT_TRUE(holds(help.out, text)) << text;
+    }
+    EXPECT_EQ(run({"--version"}).out, "zeb-profile-compare v2.51.0.260929181845\n");
+    EXPECT_EQ(run({"--help"}, output::full).exitCode, 3);
+}
+
+}  // namespace
+}  // namespace zeb::compare
