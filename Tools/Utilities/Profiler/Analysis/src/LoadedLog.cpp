@@ -22,11 +22,12 @@ public:
     explicit MessageNotes(LoadedLog& log) : log_(log) {}
 
     void add(const LogMessage& message, const profiling::OpenChunk& chunk) {
+        parts_.enter(chunk);
         if (message.methodType() == MethodType::Execute || message.methodType() == MethodType::ExecuteAsync) {
-            addExecution(message, chunk);
+            addExecution(message);
         } else if (const auto kind = stepOf(message.methodType())) {
             log_.steps.push_back({.kind = *kind,
-                                  .text = ownText(message),
+                                  .text = textOf(message),
                                   .startUs = startOf(message),
                                   .durationUs = durationOf(message),
                                   .events = {}});
@@ -66,13 +67,11 @@ private:
         return isTimed(message) ? std::optional(profiling::durationOf(message)) : std::nullopt;
     }
 
-    static std::string ownText(const LogMessage& message) {
-        return message.text() == nullptr ? std::string()
-                                         : std::string(profiling::visibleText(message.text()));
+    std::string textOf(const LogMessage& message) {
+        return message.text() == nullptr ? std::string() : stepText(parts_.visible(message.text()));
     }
 
-    void addExecution(const LogMessage& message, const profiling::OpenChunk& chunk) {
-        parts_.enter(chunk);
+    void addExecution(const LogMessage& message) {
         const std::string_view text = parts_.visible(message.text());
         const auto whole = [](std::string_view name) { return name; };
         const NamedGraph& named = parts_.entryOf(graphs_, text, whole, [&] {
@@ -96,6 +95,15 @@ private:
 };
 
 }  // namespace
+
+std::string stepText(std::string_view text) {
+    if (text.size() <= longestStepText) {
+        return std::string(text);
+    }
+    constexpr std::string_view gap = "...";
+    constexpr std::size_t half = (longestStepText - gap.size()) / 2;
+    return std::string(text.substr(0, half)).append(gap).append(text.substr(text.size() - half));
+}
 
 bool loadLog(const std::string& path, LoadedLog& log) {
     profiling::ChunkReader chunks(path);

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "Run.h"
@@ -12,6 +13,13 @@
 #include "zeb/profiling/VisibilityLevel.h"
 
 namespace zeb::analysis {
+
+/// Bytes of a step's text at most: a log may have a long text in one place and refer to it from any number of
+/// steps.
+inline constexpr std::size_t longestStepText = 256;
+
+/// @return the text of a step, without its middle where it is longer
+std::string stepText(std::string_view text);
 
 /// The executions of one graph as the log has them.
 struct GraphExecutions {

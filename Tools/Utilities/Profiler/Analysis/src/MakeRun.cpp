@@ -106,7 +106,7 @@ private:
             }
         }
         for (const NamedMethodRecord& entry : store_.finalizeRecords) {
-            if (const auto found = latest.find(entry.name.text()); found != latest.end()) {
+            if (const auto found = latest.find(stepText(entry.name)); found != latest.end()) {
                 steps_[found->second].events = eventsOf(entry.record->events);
             }
         }

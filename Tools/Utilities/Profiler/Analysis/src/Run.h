@@ -44,7 +44,7 @@ enum class StepKind : std::uint8_t { libraryLoad, initStep, compose, init, final
 /// One measured step of the start or the end of a run.
 struct Step {
     StepKind kind = StepKind::init;
-    std::string text;                         ///< the graph, where the step has one
+    std::string text;                         ///< the graph, where the step has one; no longer than 256 bytes
     std::optional<std::uint64_t> startUs;     ///< of the log's clock
     std::optional<std::uint64_t> durationUs;  ///< nothing when the log does not have both times
     std::vector<Event> events;                ///< of the latest step of a kind, and of a graph

@@ -9,6 +9,7 @@
 #include "MakeRun.h"
 #include "MethodsLog.h"
 #include "NetworkLog.h"
+#include "SharedTextLog.h"
 #include "Spread.h"
 #include "reader/backend/BackendFigures.h"
 #include "reader/backend/ZebProfileLogReaderMURL.h"
@@ -170,6 +171,21 @@ TEST_F(MadeRun, GivesEventsToTheLatestStepOfAKind) {
     EXPECT_EQ(run.steps[0].startUs, 5U);
     EXPECT_EQ(std::get<double>(run.steps[4].events[0].value), -2.5);
     EXPECT_EQ(std::get<std::string>(run.steps[5].events[0].value), "text");
+}
+
+// A hostile log refers to one long text from many places: neither time nor memory follow the product.
+TEST_F(MadeRun, TakesALongTextThatManyStepsShareInPart) {
+    const auto bytes = samplelog::encodeSharedTextLog({.methodType = MethodType::Finalize,
+                                                       .messages = 30'000,
+                                                       .text = "begin" + std::string(1'000'000, 'x') + "end",
+                                                       .payloadSize = 8,
+                                                       .payloadStep = 0});
+    const auto run = makeRun(directory.write("log", bytes), allMessages).value();
+    ASSERT_EQ(run.steps.size(), 30'000U);
+    EXPECT_EQ(run.steps[9].text.size(), 255U);
+    EXPECT_TRUE(run.steps[9].text.starts_with("begin") && run.steps[9].text.ends_with("xend"));
+    EXPECT_TRUE(run.steps[9].events.empty());
+    EXPECT_FALSE(run.steps.back().events.empty());
 }
 
 TEST_F(MadeRun, IsNothingForADamagedLog) {
