@@ -239,7 +239,7 @@ Graph quietGraph() {
     graph.average.durationUs = 100;
     graph.breakdown.emplace().executionCount = 6;
     graph.breakdown->acceleratorUs = 90;
-    for (const std::uint64_t us : {22, 22, 22, 22}) {
+    for (const std::uint64_t us : {22U, 22U, 22U, 22U}) {
         graph.oruLayers.push_back(oru(true, us));
         graph.zebLayers.push_back({.name = "layer", .dspUs = 0, .krelUs = us, .oruLayers = {}});
     }

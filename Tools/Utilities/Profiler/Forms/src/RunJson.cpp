@@ -58,7 +58,7 @@ private:
     {
         char before = '{';
         fieldsOf(value, [this, &before](std::string_view key, const auto& member) {
-            putField(std::exchange(before, ','), key, member);
+            this->putField(std::exchange(before, ','), key, member);
         });
         out_ << '}';
     }

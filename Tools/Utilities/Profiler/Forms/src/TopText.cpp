@@ -95,7 +95,7 @@ public:
     }
     [[nodiscard]] std::string_view bullet() const { return style_.hasUnicode ? "\xE2\x80\xA2 " : "- "; }
 
-    /// Sets what stands behind a line, unless the line would be longer than the console is wide.
+    /// @return whether a line of that many columns fits
     [[nodiscard]] bool hasRoomFor(std::size_t columns) const {
         return !style_.width || columns <= *style_.width;
     }

@@ -89,6 +89,9 @@ void PipedLog::keep() {
     }
     if (!descriptor_) {
         const FileDescriptor pipe(restarted([this] { return ::open(log_.c_str(), O_RDONLY | O_CLOEXEC); }));
+        if (!pipe.isOpen()) {
+            throw Failure(ExitCode::badLog, log_, "the log can't be read: " + errorText(errno));
+        }
         copy(log_, pipe.get(), *kept_);
         return;
     }

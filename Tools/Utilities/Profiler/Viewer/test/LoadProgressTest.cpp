@@ -15,41 +15,57 @@
 namespace zeb::viewer {
 namespace {
 
-// What stands on a terminal that takes the place of standard error during the call.
-template <typename Call>
-std::string onTerminal(Call call) {
-    const FileDescriptor terminal(::posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK));
-    EXPECT_TRUE(terminal.isOpen() && ::grantpt(terminal.get()) == 0 && ::unlockpt(terminal.get()) == 0);
-    const FileDescriptor user(::open(::ptsname(terminal.get()), O_RDWR | O_NOCTTY));
-    const FileDescriptor before(::dup(STDERR_FILENO));
-    ::dup2(user.get(), STDERR_FILENO);
-    call();
-    ::dup2(before.get(), STDERR_FILENO);
-    std::string shown(4096, '\0');
-    shown.resize(
-        static_cast<std::size_t>(std::max<ssize_t>(::read(terminal.get(), shown.data(), shown.size()), 0)));
-    return shown;
-}
+// A terminal that takes the place of standard error for as long as it lives.
+class Terminal {
+public:
+    Terminal() : terminal_(::posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK)), before_(::dup(STDERR_FILENO)) {
+        EXPECT_TRUE(terminal_.isOpen() && ::grantpt(terminal_.get()) == 0 &&
+                    ::unlockpt(terminal_.get()) == 0);
+        user_ = FileDescriptor(::open(::ptsname(terminal_.get()), O_RDWR | O_NOCTTY));
+        ::dup2(user_.get(), STDERR_FILENO);
+    }
+    Terminal(const Terminal&) = delete;
+    Terminal& operator=(const Terminal&) = delete;
+    ~Terminal() { ::dup2(before_.get(), STDERR_FILENO); }
+
+    // What it has been told so far.
+    const std::string& text() {
+        std::string part(4096, '\0');
+        const ssize_t count = ::read(terminal_.get(), part.data(), part.size());
+        text_.append(part, 0, static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+        return text_;
+    }
+    // Waits for a part of it, however slow the machine is.
+    bool shows(const std::string& part) {
+        using namespace std::chrono_literals;
+        for (int tries = 0; tries < 3000 && text().find(part) == std::string::npos; ++tries) {
+            std::this_thread::sleep_for(10ms);
+        }
+        return text_.find(part) != std::string::npos;
+    }
+
+private:
+    FileDescriptor terminal_;
+    FileDescriptor before_;
+    FileDescriptor user_{-1};
+    std::string text_;
+};
 
 TEST(LoadProgress, IsShownOnATerminalAfterASecondAndGoesAway) {
-    using namespace std::chrono_literals;
     const test::TempDir files;
     const std::string path = files.write("log", std::string(2'000'000, 'x'));
     const FileDescriptor reader(::open(path.c_str(), O_RDONLY));
     EXPECT_EQ(::lseek(reader.get(), 500'000, SEEK_SET), 500'000);
-    const std::string shown = onTerminal([&path] {
+    Terminal terminal;
+    {
         const LoadProgress progress(path);
-        std::this_thread::sleep_for(1300ms);
-    });
-    EXPECT_NE(shown.find("25% of 2 MB, "), std::string::npos) << shown;
-    EXPECT_NE(shown.find(" s left"), std::string::npos) << shown;
-    EXPECT_TRUE(shown.ends_with("\r\x1B[K")) << shown;
-    const std::string kept = onTerminal([&reader] {
-        const LoadProgress progress(reader.get(), LoadProgress::Measure::growth);
-        std::this_thread::sleep_for(1100ms);
-    });
-    EXPECT_NE(kept.find("2 MB read, "), std::string::npos) << kept;
-    EXPECT_EQ(onTerminal([&path] { const LoadProgress progress(path); }), "") << "it took no second";
+        EXPECT_EQ(terminal.text(), "") << "it took no second";
+        EXPECT_TRUE(terminal.shows("25% of 2 MB, "));
+        EXPECT_TRUE(terminal.shows(" s left"));
+    }
+    EXPECT_TRUE(terminal.text().ends_with("\r\x1B[K")) << terminal.text();
+    const LoadProgress progress(reader.get(), LoadProgress::Measure::growth);
+    EXPECT_TRUE(terminal.shows("2 MB read, "));
 }
 
 }  // namespace
