@@ -336,7 +336,7 @@ void addOthers(std::vector<OtherMethod>& others, std::string_view name,
         const GraphMethodRecords& graph = method.records[position];
         others.push_back({.method = ownText(name),
                           .graph = ownText(graph.graphName),
-                          .count = graph.records.size(),
+                          .count = graph.records.countByWalking(),
                           .averageUs = method.average[position].record->durationUs,
                           .minUs = method.min[position].record->durationUs,
                           .maxUs = method.max[position].record->durationUs});

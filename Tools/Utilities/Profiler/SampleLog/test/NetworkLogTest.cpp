@@ -45,9 +45,9 @@ struct LoadedRun {
         EXPECT_TRUE(loaded.isLoaded);
         EXPECT_EQ(loaded.notes, "");
         EXPECT_EQ(store.executeRecords.size(), options.graphs);
-        EXPECT_EQ(records.size(), options.executions);
+        EXPECT_EQ(records.countByWalking(), options.executions);
         const EventList& lastEvents = records.back().events;
-        const auto profiles = objectsOf(lastEvents[lastEvents.size() - 1].subEvents);
+        const auto profiles = objectsOf(lastEvents.walkTo(lastEvents.countByWalking() - 1).subEvents);
         const auto configs = objectsOf(store.finalizeRecords[0].record->events);
         const auto mappings = objectsOf(store.initEvents);
         profile = profiling::readGraphProfile(profiles.at(0), true);
@@ -181,8 +181,8 @@ TEST(NetworkLog, ScalesToTheNumberOfGraphsAndExecutions) {
     EXPECT_EQ(run.store.executeRecords[39].graphName, "mobilenet_v1_224_40");
     std::set<std::uint64_t> durations;
     for (const auto& graph : run.store.executeRecords) {
-        EXPECT_EQ(graph.records.size(), 3U);
-        durations.insert(graph.records[1].durationUs);
+        EXPECT_EQ(graph.records.countByWalking(), 3U);
+        durations.insert(graph.records.walkTo(1).durationUs);
     }
     EXPECT_GT(durations.size(), 20U);
 }
@@ -201,7 +201,8 @@ TEST(NetworkLog, ASlowerRunIsSlowerInAllThatItMeasures) {
     for (const bool async : {false, true}) {
         const LoadedRun base({.async = async, .executions = 4, .seed = 4});
         const LoadedRun slower({.async = async, .executions = 4, .seed = 4, .slowerMillionths = 250'000});
-        EXPECT_NEAR(growth(base.records[1].durationUs, slower.records[1].durationUs), 25.0, 0.1);
+        EXPECT_NEAR(growth(base.records.walkTo(1).durationUs, slower.records.walkTo(1).durationUs), 25.0,
+                    0.1);
         EXPECT_NEAR(growth(base.profile.acceleratorTimeUs, slower.profile.acceleratorTimeUs), 25.0, 0.1);
         EXPECT_NEAR(growth(base.value("Input Tensor Copy Time"), slower.value("Input Tensor Copy Time")),
                     25.0, 1.0);

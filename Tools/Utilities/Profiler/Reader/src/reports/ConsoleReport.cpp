@@ -101,7 +101,8 @@ void printContextSectionRetrievalStats(std::ostream& out, const ReportSource& so
 
 void printExecuteOverallStats(std::ostream& out, const ReportSource& source) {
     const EventStore& store = source.store;
-    if (!store.hasExecuteOverall || store.executeOverallRecord.events.size() < executionRateEvents) {
+    if (!store.hasExecuteOverall ||
+        store.executeOverallRecord.events.countByWalking() < executionRateEvents) {
         return;
     }
     printSectionHead(out, heads::executeOverall);
@@ -189,7 +190,7 @@ void printLibLoadStats(std::ostream& out, const ReportSource& source) {
     }
     printSectionHead(out, heads::libLoad);
     indent(out, 1);
-    out << "Backend Latency: " << store.libLoadRecord.events[0].value().asNumber() << " us\n\n";
+    out << "Backend Latency: " << store.libLoadRecord.events.front().value().asNumber() << " us\n\n";
 }
 
 void printMethodStats(std::ostream& out, const ReportSource& source, const MethodForm& form) {

@@ -81,7 +81,7 @@ void writeMethodCsv(std::ostream& out, const EventStore& store, const MethodForm
 
 void writeExecuteIpsCsv(std::ostream& out, const EventStore& store) {
     const MethodRecord& record = store.executeOverallRecord;
-    if (store.hasExecuteOverall && record.events.size() >= executionRateEvents) {
+    if (store.hasExecuteOverall && record.events.countByWalking() >= executionRateEvents) {
         out << record.timestamp << ",EXECUTE IPS,"
             << fixedPoint(static_cast<double>(executionRate(record)), 6) << ",INF/SEC,MARLIX,ROOT,null\n";
     }
@@ -90,7 +90,8 @@ void writeExecuteIpsCsv(std::ostream& out, const EventStore& store) {
 void writeLibLoadCsv(std::ostream& out, const EventStore& store) {
     const MethodRecord& record = store.libLoadRecord;
     if (store.hasLibLoad && !record.events.empty()) {
-        writeMethodRow(out, record.timestamp, "DLOPEN LATENCY", record.events[0].value().asNumber(), "null");
+        writeMethodRow(out, record.timestamp, "DLOPEN LATENCY", record.events.front().value().asNumber(),
+                       "null");
     }
 }
 

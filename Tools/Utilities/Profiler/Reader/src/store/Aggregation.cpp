@@ -39,7 +39,7 @@ std::vector<GraphQueueWaits> queueWaitsOfAll(const GraphRecordList& graphs, std:
     std::vector<GraphQueueWaits> all;
     for (const GraphMethodRecords& graph : graphs) {
         GraphQueueWaits waits{graph.graphName, {}};
-        waits.queueWaits.reserve(graph.records.size());
+        waits.queueWaits.reserve(graph.records.countByWalking());
         for (const MethodRecord& record : graph.records) {
             const QueueWait wait = queueWaitOf(record.events);
             if (wait.count != 1) {

@@ -155,7 +155,8 @@ private:
             return;
         }
         if (!sum.subEvents) {
-            sum.subEvents = std::make_unique<MergedList>(arena_, Place::below, event.subEvents.size());
+            sum.subEvents =
+                std::make_unique<MergedList>(arena_, Place::below, event.subEvents.countByWalking());
             sum.subEvents->begin(event.subEvents);
         }
         sum.subEvents->merge(incoming.subEvents);
@@ -221,7 +222,7 @@ EventList averageEvents(const RecordList& records, EventArena& arena) {
     if (isOnlyOne && std::none_of(first->events.begin(), first->events.end(), isObject)) {
         return first->events;
     }
-    MergedList merged(arena, MergedList::Place::outermost, first->events.size());
+    MergedList merged(arena, MergedList::Place::outermost, first->events.countByWalking());
     std::for_each(first, records.end(),
                   [&merged](const MethodRecord& record) { merged.merge(record.events); });
     return merged.divide();

@@ -9,7 +9,7 @@ ProfileEvent& EventListBuilder::add(const ProfileEvent& event) {
         addRow();
     }
     last_ = &free_.front();
-    *last_ = event.unlisted();
+    *last_ = event.copyForAnotherList();
     first_ = first_ == nullptr ? last_ : first_;
     free_ = free_.subspan(1);
     return *last_;

@@ -56,11 +56,15 @@ public:
     [[nodiscard]] bool empty() const { return first_ == nullptr; }
     [[nodiscard]] Iterator begin() const { return Iterator({first_}); }
     [[nodiscard]] Iterator end() const { return {}; }
+    [[nodiscard]] const MethodRecord& front() const { return first_->record; }
     [[nodiscard]] const MethodRecord& back() const { return last_->record; }
-    /// Counts the records.
-    [[nodiscard]] std::size_t size() const { return static_cast<std::size_t>(std::distance(begin(), end())); }
-    /// Walks to the record.
-    [[nodiscard]] const MethodRecord& operator[](std::size_t index) const {
+
+    /// Both take time for each record that they pass.
+    [[nodiscard]] std::size_t countByWalking() const {
+        return static_cast<std::size_t>(std::distance(begin(), end()));
+    }
+    /// @param index below the count
+    [[nodiscard]] const MethodRecord& walkTo(std::size_t index) const {
         return *std::next(begin(), static_cast<std::ptrdiff_t>(index));
     }
 

@@ -40,7 +40,7 @@ double processorSecondsOf(const std::function<void()>& work) {
 std::string graphsIn(const GraphRecordList& graphs) {
     std::string text;
     for (const GraphMethodRecords& graph : graphs) {
-        text += std::string(graph.graphName) + ":" + std::to_string(graph.records.size()) + " ";
+        text += std::string(graph.graphName) + ":" + std::to_string(graph.records.countByWalking()) + " ";
     }
     return text;
 }
@@ -133,17 +133,17 @@ TEST(Decoding, GraphsKeepTheOrderOfTheirFirstAppearanceAndNeedAName) {
         store.take(message(MethodType::FinalizeAfterTensorUpdates, text, 5));
     }
     EXPECT_EQ(graphsIn(store.finalizeAfterTensorUpdatesRecords), "net:3 net[3]:1 :1 [:1 ");
-    EXPECT_EQ(store.finalizeAfterTensorUpdatesRecords[0].records[2].message, "net [1] [2]");
+    EXPECT_EQ(store.finalizeAfterTensorUpdatesRecords[0].records.walkTo(2).message, "net [1] [2]");
 }
 
 TEST(Decoding, InitEventsComeFromTheLatestMessageThatCanHaveThem) {
     TestStore store;
     store.take(message(MethodType::Execute, "net", 5, {event("a"), initEvent("i"), event("b")}));
     EXPECT_EQ(inLine(store.initEvents), "i=");
-    EXPECT_EQ(inLine(store.executeRecords[0].records[0].events), "a= b=");
+    EXPECT_EQ(inLine(store.executeRecords[0].records.front().events), "a= b=");
     store.take(message(MethodType::ApplyBinarySection, "net", 5, {initEvent("kept")}));
     EXPECT_EQ(inLine(store.initEvents), "i=");
-    EXPECT_EQ(inLine(store.applyBinarySectionRecords[0].records[0].events), "kept=");
+    EXPECT_EQ(inLine(store.applyBinarySectionRecords[0].records.front().events), "kept=");
     store.take(message(MethodType::Finalize, "net", 5, {event("f")}));
     EXPECT_TRUE(store.hasInitEvents);
     EXPECT_TRUE(store.initEvents.empty());
@@ -187,7 +187,7 @@ TEST(Decoding, EventsOfManyExecutionsFindTheirRecordsInOneWalk) {
                   }
               }),
               3.0);
-    EXPECT_EQ(records.size(), executions);
+    EXPECT_EQ(records.countByWalking(), executions);
 }
 
 TEST(Decoding, GraphEventsAreFiledByType) {
@@ -199,11 +199,22 @@ TEST(Decoding, GraphEventsAreFiledByType) {
                         ofType(finalizeEventType, event("f2"))}));
     EXPECT_EQ(inLine(store.initEvents), "i2=");
     EXPECT_EQ(inLine(store.finalizeRecords[0].record->events), "f1= f2=");
-    EXPECT_EQ(inLine(store.executeRecords[0].records[0].events), "x1= x2=");
+    EXPECT_EQ(inLine(store.executeRecords[0].records.front().events), "x1= x2=");
     EXPECT_FALSE(store.hasFinalize);
     store.take(message(MethodType::GraphEvents, "other", 0, {event("x")}));
     EXPECT_EQ(store.finalizeRecords.size(), 2U)
         << "once there are events of finalization, every graph gets its entry";
+}
+
+TEST(Decoding, GraphEventsLeaveTheTimesOfTheirGraphsFinalization) {
+    TestStore store;
+    store.take(message(MethodType::Finalize, "net", 7, {event("old")}, 77));
+    store.take(message(MethodType::GraphEvents, "net", 99, {ofType(finalizeEventType, event("new"))}, 88));
+    ASSERT_EQ(store.finalizeRecords.size(), 1U);
+    const MethodRecord& record = *store.finalizeRecords[0].record;
+    EXPECT_EQ(inLine(record.events), "new=");
+    EXPECT_EQ(record.durationUs, 7U);
+    EXPECT_EQ(record.timestamp, 77U);
 }
 
 TEST(Decoding, TheSelectorDecidesOnTheValue) {
@@ -233,7 +244,7 @@ TEST(Decoding, TheSelectorDecidesOnTheValue) {
         made.valueSelector = selector == own ? std::nullopt : std::optional(selector);
         TestStore store;
         store.take(message(MethodType::Init, "", 0, {made}));
-        const EventValue value = store.initRecord.events[0].value();
+        const EventValue value = store.initRecord.events.front().value();
         EXPECT_EQ(value.kind, kind);
         EXPECT_EQ(formatEventValue(value), text);
     }
@@ -249,11 +260,11 @@ TEST(Decoding, AnEventTreeComesOutInTheOrderOfTheLog) {
                         event(std::string("cut\0off", 7))}));
     const EventList events = store.initRecord.events;
     EXPECT_EQ(inLine(events), "null=(b=1(c=2 d=3) e=) o= cut=");
-    EXPECT_EQ(events[0].unit(), EventUnit::cycles);
-    EXPECT_TRUE(events[0].objectBytes().empty());
-    ASSERT_EQ(events[1].objectBytes().size(), 3U);
-    EXPECT_EQ(std::to_integer<int>(events[1].objectBytes()[2]), 9);
-    EXPECT_EQ(events[1].objectFileName(), "o.bin") << "not what stands behind its NUL";
+    EXPECT_EQ(events.front().unit(), EventUnit::cycles);
+    EXPECT_TRUE(events.front().objectBytes().empty());
+    ASSERT_EQ(events.walkTo(1).objectBytes().size(), 3U);
+    EXPECT_EQ(std::to_integer<int>(events.walkTo(1).objectBytes()[2]), 9);
+    EXPECT_EQ(events.walkTo(1).objectFileName(), "o.bin") << "not what stands behind its NUL";
 }
 
 // Short texts and long ones are kept in different ways, and what stands behind the NUL may make the
@@ -273,14 +284,14 @@ TEST(Decoding, TextsEndAtTheirFirstNul) {
         store.take(message(MethodType::InitStep, text, 1));
         store.take(message(MethodType::DeInit, text, 1));
         EXPECT_EQ(graphsIn(store.executeRecords), shown + ":2 ");
-        const EventList& events = store.executeRecords[0].records[0].events;
-        EXPECT_EQ(events[0].name, shown);
-        EXPECT_EQ(events[0].objectFileName(), shown);
-        EXPECT_EQ(formatEventValue(events[1].value()), shown);
+        const EventList& events = store.executeRecords[0].records.front().events;
+        EXPECT_EQ(events.front().name, shown);
+        EXPECT_EQ(events.front().objectFileName(), shown);
+        EXPECT_EQ(formatEventValue(events.walkTo(1).value()), shown);
         EXPECT_EQ(store.finalizeRecords.size(), 1U);
         EXPECT_EQ(store.finalizeRecords[0].name, shown);
         EXPECT_EQ(graphsIn(store.finalizeAfterTensorUpdatesRecords), shown + ":2 ");
-        EXPECT_EQ(store.finalizeAfterTensorUpdatesRecords[0].records[0].message, shown);
+        EXPECT_EQ(store.finalizeAfterTensorUpdatesRecords[0].records.front().message, shown);
         EXPECT_EQ(store.composeGraphNames, shown + "; " + shown);
         EXPECT_EQ(store.initStepMessage, shown);
         EXPECT_EQ(store.deInitRecord.message, shown);
@@ -297,9 +308,9 @@ TEST(Decoding, AGraphHasItsOwnPlaceInEachList) {
             message(MethodType::GraphEvents, graph, 0, {ofType(finalizeEventType, event("f")), event("x")}));
         store.take(message(MethodType::Execute, graph, 8));
         EXPECT_EQ(graphsIn(store.executeRecords), "first:1 " + graph + ":2 ");
-        EXPECT_EQ(store.executeRecords[1].records[0].durationUs, 0U);
-        EXPECT_EQ(inLine(store.executeRecords[1].records[0].events), "x=");
-        EXPECT_EQ(store.executeRecords[1].records[1].durationUs, 8U);
+        EXPECT_EQ(store.executeRecords[1].records.front().durationUs, 0U);
+        EXPECT_EQ(inLine(store.executeRecords[1].records.front().events), "x=");
+        EXPECT_EQ(store.executeRecords[1].records.walkTo(1).durationUs, 8U);
         ASSERT_EQ(store.finalizeRecords.size(), 1U);
         EXPECT_EQ(store.finalizeRecords[0].name, graph);
         EXPECT_EQ(inLine(store.finalizeRecords[0].record->events), "f=");
@@ -308,7 +319,8 @@ TEST(Decoding, AGraphHasItsOwnPlaceInEachList) {
 
 // What has to be one and the same place in all events of such a log.
 std::set<const void*> placesIn(const EventList& events) {
-    return {events[0].objectBytes().data(), events[0].objectFileName().data(), events[1].value().asText()};
+    return {events.front().objectBytes().data(), events.front().objectFileName().data(),
+            events.walkTo(1).value().asText()};
 }
 
 TEST(Decoding, ALongTextIsKeptOnceHoweverManyReferToIt) {
@@ -320,11 +332,11 @@ TEST(Decoding, ALongTextIsKeptOnceHoweverManyReferToIt) {
     const RecordList& records = store.finalizeAfterTensorUpdatesRecords[0].records;
     for (const MethodRecord& record : records) {
         EXPECT_EQ(record.message, text + " [1]");
-        EXPECT_EQ(record.message.text().data(), records[0].message.text().data());
-        EXPECT_EQ(record.events[0].name, text + " [1]");
-        EXPECT_EQ(formatEventValue(record.events[1].value()), text + " [1]");
-        EXPECT_EQ(record.events[0].objectBytes().size(), 900U);
-        EXPECT_EQ(placesIn(record.events), placesIn(records[0].events));
+        EXPECT_EQ(record.message.text().data(), records.front().message.text().data());
+        EXPECT_EQ(record.events.front().name, text + " [1]");
+        EXPECT_EQ(formatEventValue(record.events.walkTo(1).value()), text + " [1]");
+        EXPECT_EQ(record.events.front().objectBytes().size(), 900U);
+        EXPECT_EQ(placesIn(record.events), placesIn(records.front().events));
     }
     ASSERT_FALSE(testing::Test::HasFailure()) << "what follows would take more memory than there is";
     // With so many references, a tenth of a millisecond for each would be 20 s.
@@ -346,16 +358,16 @@ TEST(Decoding, PayloadsThatOverlapTakeNoMoreMemoryThanTheirChunk) {
         messages));
     const RecordList& records = store.executeRecords[0].records;
     for (std::size_t position = 1; position < messages; ++position) {
-        const auto bytes = records[position].events[0].objectBytes();
+        const auto bytes = records.walkTo(position).events.front().objectBytes();
         ASSERT_EQ(bytes.size(), 2000U);
         EXPECT_EQ(std::to_integer<int>(bytes[0]), 2000 % 256);
         if (position > messages / 2) {
-            EXPECT_EQ(bytes.data(), records[position - 1].events[0].objectBytes().data() + 20);
+            EXPECT_EQ(bytes.data(), records.walkTo(position - 1).events.front().objectBytes().data() + 20);
         }
     }
     const std::string next(300, 'b');
     ASSERT_TRUE(store.takeLog(samplelog::encodeSharedTextLog({MethodType::Execute, 1, next, 600}), 1));
-    EXPECT_EQ(formatEventValue(store.executeRecords[1].records[0].events[1].value()), next);
+    EXPECT_EQ(formatEventValue(store.executeRecords[1].records.front().events.walkTo(1).value()), next);
 }
 
 TEST(Decoding, AnAddressTellsNothingOfTheNextChunk) {
@@ -369,9 +381,10 @@ TEST(Decoding, AnAddressTellsNothingOfTheNextChunk) {
         ASSERT_TRUE(store.takeLog(log, 1, chunk));
     }
     ASSERT_EQ(store.executeRecords.size(), 2U);
-    EXPECT_EQ(store.executeRecords[1].records[0].events[0].name, std::string(1000, 'b'));
-    EXPECT_EQ(store.executeRecords[1].records[0].events[0].objectFileName(), std::string(1000, 'b'));
-    const auto payload = store.executeRecords[1].records[1].events[0].objectBytes();
+    EXPECT_EQ(store.executeRecords[1].records.front().events.front().name, std::string(1000, 'b'));
+    EXPECT_EQ(store.executeRecords[1].records.front().events.front().objectFileName(),
+              std::string(1000, 'b'));
+    const auto payload = store.executeRecords[1].records.walkTo(1).events.front().objectBytes();
     EXPECT_EQ(std::to_integer<int>(payload[0]), 904 / 2 % 256);
 }
 

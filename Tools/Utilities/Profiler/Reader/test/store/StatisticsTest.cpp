@@ -56,7 +56,7 @@ TEST(Statistics, PickDurationsTimestampsAndEvents) {
         EventArena arena;
         RecordList records;
         for (const std::uint64_t durationUs : expected.durations) {
-            const std::uint64_t position = records.size();
+            const std::uint64_t position = records.countByWalking();
             const std::span<ProfileEvent> events = arena.makeEvents(1);
             events[0] = {arena.keepName("e"), 0, {}, EventValue::ofUint(position), {}};
             records.add({durationUs, timestampAt(position), arena.keepText("text"), EventList(events)},
@@ -149,7 +149,7 @@ TEST(Merging, WideListsMergeLikeNarrowOnesAndLeaveTheRecordsAsTheyAre) {
     TestStore store;
     store.takeAll(executions({{event("p", number(1), {event("s", number(4))})},
                               {event("p", number(5), {event("s", number(8))})}}));
-    EXPECT_EQ(inLine(store.executeRecords[0].records[0].events), "p=1(s=4)");
+    EXPECT_EQ(inLine(store.executeRecords[0].records.front().events), "p=1(s=4)");
     EXPECT_EQ(inLine(store.executeMax[0].record->events), "p=5(s=8)");
 }
 
