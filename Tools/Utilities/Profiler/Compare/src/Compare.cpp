@@ -80,7 +80,7 @@ ExitCode compareVersions(const CompareOptions& options, viewer::StandardOutput& 
         return exitCode;
     } catch (const std::bad_alloc&) {
         memory.releaseReserve();
-        throw CompareFailure(ExitCode::badLog, "the comparison " + memory.words());
+        throw CompareFailure(ExitCode::badLog, "the comparison " + memory.cause());
     }
 }
 

@@ -90,10 +90,10 @@ Run loadRun(const std::string& path, viewer::MemoryLimit& memory) {
         return run;
     } catch (const std::bad_alloc&) {
         memory.releaseReserve();
-        throw badLog(path, memory.words());
+        throw badLog(path, memory.cause());
     } catch (const std::length_error&) {
         memory.releaseReserve();
-        throw badLog(path, memory.words());
+        throw badLog(path, memory.cause());
     }
 }
 

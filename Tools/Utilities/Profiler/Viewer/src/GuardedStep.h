@@ -40,7 +40,7 @@ auto guarded(const GuardedStep& step, MemoryLimit* memory, Work work) {
             throw step.outOfMemory(MemoryLimit::withoutLimit);
         }
         memory->releaseReserve();
-        throw step.outOfMemory(memory->words());
+        throw step.outOfMemory(memory->cause());
     } catch (const std::exception& error) {
         throw Failure(step.exitCode, step.subject, step.failed + error.what());
     } catch (...) {

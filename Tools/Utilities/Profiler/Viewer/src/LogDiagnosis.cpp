@@ -106,7 +106,7 @@ std::string tooLarge(const std::string& path, const ChunkReader& chunks, const M
             return cutOff(fileSize - start);
         }
     }
-    return memory.words();
+    return memory.cause();
 }
 
 // What is wrong with the current chunk, nothing when it is sound.

@@ -159,12 +159,12 @@ MemorySize defaultMemorySize() {
 }
 
 MemoryLimit::MemoryLimit(const MemorySize& size)
-    : words_(withoutLimit), reserve_(std::make_unique<std::byte[]>(reserveSize)) {
+    : cause_(withoutLimit), reserve_(std::make_unique<std::byte[]>(reserveSize)) {
     if (canBeSet) {
         const std::uint64_t before = currentLimit();
         limitData(size.bytes);
         std::set_new_handler(noteFailedAllocation);
-        words_ = "needs more than " + (before < size.bytes ? memorySizeOf(before) : size).text + " of memory";
+        cause_ = "needs more than " + (before < size.bytes ? memorySizeOf(before) : size).text + " of memory";
     }
 }
 

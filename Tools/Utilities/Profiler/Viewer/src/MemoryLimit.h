@@ -54,10 +54,10 @@ public:
 
     /// @return the cause of such a failure, "needs more than 2G of memory", to follow the name of what needs
     /// it
-    [[nodiscard]] const std::string& words() const { return words_; }
+    [[nodiscard]] const std::string& cause() const { return cause_; }
 
 private:
-    std::string words_;
+    std::string cause_;
     std::unique_ptr<std::byte[]> reserve_;
 };
 

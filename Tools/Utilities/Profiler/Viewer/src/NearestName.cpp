@@ -11,7 +11,7 @@ namespace zeb::viewer {
 namespace {
 
 // Dashes in front and the case of letters say nothing about what was meant.
-std::string essence(const std::string& name) {
+std::string withoutDashesInLowerCase(const std::string& name) {
     std::string letters = name.substr(std::min(name.find_first_not_of('-'), name.size()));
     std::transform(letters.begin(), letters.end(), letters.begin(), [](char letter) {
         return static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
@@ -41,12 +41,12 @@ std::size_t distance(const std::string& given, const std::string& known) {
 }  // namespace
 
 std::optional<std::string> nearestName(const std::string& name, const std::vector<std::string>& knownNames) {
-    const std::string given = essence(name);
+    const std::string given = withoutDashesInLowerCase(name);
     // Up to two slips, three in a long name, and never all of it.
     std::size_t nearest = std::min(given.size(), std::max<std::size_t>(3, given.size() / 3 + 1));
     std::optional<std::string> result;
     for (const std::string& known : knownNames) {
-        if (const std::size_t apart = distance(given, essence(known)); apart < nearest) {
+        if (const std::size_t apart = distance(given, withoutDashesInLowerCase(known)); apart < nearest) {
             nearest = apart;
             result = known;
         }

@@ -41,15 +41,15 @@ public:
     /// @throws std::bad_alloc, with the list as it was
     Entry& add(const Entry& entry) {
         makeRoom();
-        return *std::construct_at(place(size_++), entry);
+        return *std::construct_at(addressOf(size_++), entry);
     }
 
     [[nodiscard]] bool empty() const { return size_ == 0; }
     [[nodiscard]] std::size_t size() const { return size_; }
-    [[nodiscard]] Entry& operator[](std::size_t position) { return *place(position); }
-    [[nodiscard]] const Entry& operator[](std::size_t position) const { return *place(position); }
-    [[nodiscard]] const Entry& front() const { return *place(0); }
-    [[nodiscard]] const Entry& back() const { return *place(size_ - 1); }
+    [[nodiscard]] Entry& operator[](std::size_t position) { return *addressOf(position); }
+    [[nodiscard]] const Entry& operator[](std::size_t position) const { return *addressOf(position); }
+    [[nodiscard]] const Entry& front() const { return *addressOf(0); }
+    [[nodiscard]] const Entry& back() const { return *addressOf(size_ - 1); }
     [[nodiscard]] Iterator begin() const { return Iterator({this, 0}); }
     [[nodiscard]] Iterator end() const { return Iterator({this, size_}); }
 
@@ -80,7 +80,7 @@ private:
         capacity_ = capacity;
     }
 
-    [[nodiscard]] Entry* place(std::size_t position) const {
+    [[nodiscard]] Entry* addressOf(std::size_t position) const {
         return reinterpret_cast<Entry*>(blocks_[position / entriesEach].get()) + position % entriesEach;
     }
 

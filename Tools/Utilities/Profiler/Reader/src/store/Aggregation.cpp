@@ -16,7 +16,7 @@ constexpr std::string_view multipleQueueWaits =
     "Multiple queue-wait time events found per execution. Cannot calculate Host Round-Trip excluding queue "
     "wait\n";
 
-void tellMissingQueueWait(const QueueWait& wait, std::ostream& notes, const char* noneFound) {
+void noteMissingQueueWait(const QueueWait& wait, std::ostream& notes, const char* noneFound) {
     if (wait.count > 1) {
         notes << multipleQueueWaits;
     } else {
@@ -43,7 +43,7 @@ std::vector<GraphQueueWaits> queueWaitsOfAll(const GraphRecordList& graphs, std:
         for (const MethodRecord& record : graph.records) {
             const QueueWait wait = queueWaitOf(record.events);
             if (wait.count != 1) {
-                tellMissingQueueWait(wait, notes, "No queue-wait time event found per execution.");
+                noteMissingQueueWait(wait, notes, "No queue-wait time event found per execution.");
                 return {};
             }
             waits.queueWaits.push_back(wait.lastUs);
@@ -59,7 +59,7 @@ std::vector<GraphQueueWait> queueWaitsOfEach(const BlockList<NamedMethodRecord>&
     for (const NamedMethodRecord& entry : records) {
         const QueueWait wait = queueWaitOf(entry.record->events);
         if (wait.count != 1) {
-            tellMissingQueueWait(wait, notes, noneFound);
+            noteMissingQueueWait(wait, notes, noneFound);
             return {};
         }
         waits.push_back({entry.name, wait.lastUs});

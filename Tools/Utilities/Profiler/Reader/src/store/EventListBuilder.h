@@ -16,6 +16,8 @@ public:
     /// @param expectedSize how many events the first row has room for
     EventListBuilder(EventArena& arena, std::size_t expectedSize)
         : arena_(arena), nextRow_(std::max<std::size_t>(expectedSize, 1)) {}
+    EventListBuilder(const EventListBuilder&) = delete;  // both would write to the same row
+    EventListBuilder& operator=(const EventListBuilder&) = delete;
 
     /// Adds a copy of an event.
     /// @throws std::bad_alloc

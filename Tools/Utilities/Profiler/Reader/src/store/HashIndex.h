@@ -56,6 +56,9 @@ private:
 
 /// Finds the position of an entry in a list by its name, in constant time. The list and the comparison of
 /// names are its user's.
+///
+/// It is a table of its own because a log may be all names, each looked up in vain and then added: with the
+/// flat hash set of Abseil loading such a log takes 1.3 times as long, with `std::unordered_set` 2.6 times.
 class HashIndex {
 public:
     /// @param matches tells whether the entry at a position, which most likely has the name, is the one

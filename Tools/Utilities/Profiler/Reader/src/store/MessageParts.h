@@ -26,6 +26,8 @@ class MessageParts {
 public:
     /// @param arena has to outlive the parts
     explicit MessageParts(EventArena& arena) : arena_(arena) {}
+    MessageParts(const MessageParts&) = delete;
+    MessageParts& operator=(const MessageParts&) = delete;
 
     /// To be called before each message: addresses of another chunk are forgotten.
     void enter(const OpenChunk& chunk);

@@ -43,8 +43,8 @@ public:
     [[nodiscard]] std::uint32_t layerId(std::size_t position) const { return entries_[position].layerId; }
     [[nodiscard]] std::uint32_t orderKey(std::size_t position) const { return records_[position].orderKey; }
 
-    /// Lets the memory of a layer that is soon to be asked for be fetched.
-    void expect(std::size_t position) const {
+    /// Has the memory of a layer that is soon to be asked for fetched into the caches.
+    void prefetch(std::size_t position) const {
         const auto* const record = reinterpret_cast<const char*>(&records_[position]);
         __builtin_prefetch(record);
         __builtin_prefetch(record + sizeof(LayerRecord) - 1);

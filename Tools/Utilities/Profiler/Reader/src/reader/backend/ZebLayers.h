@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <span>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "reader/backend/BackendObjects.h"
@@ -26,8 +27,15 @@ struct TimeShare {
     double krelTimePercent = 0.0;
 };
 
-/// The layers of a graph, and the memory behind their lists of ids. To be moved, not copied.
+/// The layers of a graph, and the memory behind their lists of ids: a copy would refer into the original.
 struct ZebLayers {
+    ZebLayers() = default;
+    /// @param gathered have their lists of ids in `ids`
+    ZebLayers(std::vector<ZebLayer> gathered, std::vector<std::uint32_t> ids)
+        : layers(std::move(gathered)), oruLayerIds(std::move(ids)) {}
+    ZebLayers(ZebLayers&&) = default;
+    ZebLayers& operator=(ZebLayers&&) = default;
+
     std::vector<ZebLayer> layers;  ///< in report order
     std::vector<std::uint32_t> oruLayerIds;
 };
