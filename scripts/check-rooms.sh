@@ -21,6 +21,7 @@ Forms/src                     text log store zeb/profiling
 Compare/src                   text zeb/profiling
 SampleLog/src                 log flatbuffers
 SampleLog/src/command         log text zeb/profiling
+Manual/src                    text command reader/backend zeb/profiling
 '
 
 {

@@ -9,13 +9,13 @@
 #include <vector>
 
 #include "Failure.h"
-#include "NearestName.h"
 #include "ViewerArgs.h"
 #include "ViewerOptions.h"
 #include "commandline/AppArgManagerImpl.h"
 #include "harness/FuzzTarget.h"
 #include "harness/LogChecks.h"
 #include "reader/backend/ZebProfileLogReaderMURL.h"
+#include "text/NearestName.h"
 
 namespace {
 
@@ -111,7 +111,7 @@ void checkReaderOptions(const Arguments& arguments, bool isInFull) {
     const auto leftover = args.firstLeftover();
     const Arguments asked(args.askedNames().begin(), args.askedNames().end());
     if (goesOn && leftover && leftover->isOption) {
-        viewer::nearestName(leftover->name, asked);
+        profiling::nearestName(leftover->name, asked);
         require(!viewer::ViewerArgs({leftover->name}).lookup("--internal").found,
                 "an asked option is not left over");
     }

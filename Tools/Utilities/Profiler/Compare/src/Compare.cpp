@@ -89,7 +89,7 @@ ExitCode run(int argc, const char* const* argv) {
     const CompareOptions options = parseCommandLine(argc, argv);
     switch (options.action) {
         case Action::showHelp:
-            std::cout << helpText();
+            std::cout << helpText(compareManual());
             break;
         case Action::showVersion:
             std::cout << programName << ' ' << profiling::versionText << '\n';

@@ -6,38 +6,13 @@
 #include <string_view>
 
 #include "CompareFailure.h"
-#include "NearestName.h"
-#include "text/TwoColumns.h"
+#include "text/NearestName.h"
 
 namespace zeb::compare {
 
 namespace {
 
 using Words = std::vector<std::string>;
-
-constexpr std::string_view aboutText = R"(Compares two versions by the profiling logs of their runs.
-
-Usage: zeb-profile-compare [options] BASE NEW
-       zeb-profile-compare [options] --base BASE... --new NEW...
-
-Options:
-)";
-
-constexpr std::string_view detailsText = R"(
-A log may also be a file with the JSON of a run, as the viewer writes it. Give four logs or more of each
-version, taken in turns: with fewer a change can't be told from chance.
-
-Exit codes, the first that holds of 2, 1, 3, 7, 6:
-)";
-
-constexpr std::string_view examplesText = R"(
-Examples:
-  zeb-profile-compare old.zlog new.zlog
-  zeb-profile-compare --base old-*.zlog --new new-*.zlog
-  zeb-profile-compare --rename conv1=stem --hide-below 0 old.zlog new.zlog
-A build pipeline that fails when an inference gets slower by more than 5 % and 20 us:
-  zeb-profile-compare --fail-above 5 --min-change-us 20 --base main-*.zlog --new change-*.zlog
-)";
 
 CompareFailure usageFailure(const std::string& line) {
     return {ExitCode::usage, line + "; see " + std::string(programName) + " --help"};
@@ -90,10 +65,10 @@ constexpr GateName gateNames[] = {{"marlix", analysis::Total::marlix},
                                   {"accelerator", analysis::Total::accelerator},
                                   {"layers", analysis::Total::layers}};
 
-std::string namesOfGates() {
-    std::string names;
+Words namesOfGates() {
+    Words names;
     for (const GateName& gate : gateNames) {
-        names.append(names.empty() ? "" : ", ").append(gate.name);
+        names.emplace_back(gate.name);
     }
     return names;
 }
@@ -104,7 +79,10 @@ analysis::Total parseGate(const std::string& name, const std::string& text) {
             return gate.total;
         }
     }
-    throw usageFailure(name, "\"" + text + "\" is none of " + namesOfGates());
+    const std::string cause = "\"" + text + "\" is none of " + profiling::namesInARow(namesOfGates());
+    const auto meant = profiling::nearestName(text, namesOfGates());
+    throw meant ? CompareFailure(ExitCode::usage, name + ": " + cause + ", did you mean " + *meant + "?")
+                : usageFailure(name, cause);
 }
 
 enum class Takes : std::uint8_t { nothing, one, several };
@@ -156,7 +134,8 @@ const std::vector<OptionRow>& optionRows() {
              given.isGated = true;
              given.gate.maxGrowth = parsePercent(name, value);
          }},
-        {"--gate", Takes::one, " TIME", true, "The time to judge: " + namesOfGates() + ". Default marlix.",
+        {"--gate", Takes::one, " TIME", true,
+         "The time to judge: " + profiling::namesInARow(namesOfGates()) + ". Default marlix.",
          [](auto& given, const auto& name, const auto& value) { given.gate.total = parseGate(name, value); }},
         {"--min-change-us", Takes::one, " N", true, "Let a growth by less than N microseconds pass.",
          [](auto& given, const auto& name, const auto& value) {
@@ -257,7 +236,7 @@ Words filesAmong(const Words& words) {
             areAllFiles = true;
         } else if (!areAllFiles && word.size() > 1 && word.starts_with('-')) {
             const std::string name = word.substr(0, word.find('='));
-            const auto meant = viewer::nearestName(name, optionNames());
+            const auto meant = profiling::nearestName(name, optionNames());
             throw usageFailure(name, "unknown option" + (meant ? ", did you mean " + *meant + "?" : ""));
         } else {
             files.push_back(word);
@@ -343,13 +322,27 @@ CompareOptions parseCommandLine(int argc, const char* const* argv) {
     return given.options;
 }
 
-std::string helpText() {
-    std::vector<profiling::LabelledText> options;
+profiling::CommandManual compareManual() {
+    profiling::CommandManual manual{
+        .name = std::string(programName),
+        .summary = "Compares two versions by the profiling logs of their runs.",
+        .usages = {"[options] BASE NEW", "[options] --base BASE... --new NEW..."},
+        .options = {},
+        .tables = {},
+        .paragraphs =
+            {"A log may also be a file with the JSON of a run, as the viewer writes it. Give four logs or "
+             "more of each version, taken in turns: with fewer a change can't be told from chance."},
+        .exitCodes = {"Exit codes, the first that holds of 2, 1, 3, 7, 6", profiling::rowsOf(meaningOf)},
+        .examples = {{"", "zeb-profile-compare old.zlog new.zlog"},
+                     {"", "zeb-profile-compare --base old-*.zlog --new new-*.zlog"},
+                     {"", "zeb-profile-compare --rename conv1=stem --hide-below 0 old.zlog new.zlog"},
+                     {"A build pipeline that fails when an inference gets slower by more than 5 %",
+                      "zeb-profile-compare --fail-above 5 --base main-*.zlog --new change-*.zlog"}}};
     for (const OptionRow& row : optionRows()) {
-        options.push_back({row.name + std::string(row.valueForm), row.help});
+        manual.options.push_back({row.name, std::string(row.valueForm), row.help,
+                                  row.name == "--gate" ? namesOfGates() : Words()});
     }
-    return std::string(aboutText) + twoColumns(options) + std::string(detailsText) +
-           twoColumns(profiling::rowsOf(meaningOf)) + std::string(examplesText);
+    return manual;
 }
 
 }  // namespace zeb::compare

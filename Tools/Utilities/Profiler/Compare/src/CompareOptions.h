@@ -8,6 +8,7 @@
 #include "Comparison.h"
 #include "Gate.h"
 #include "MemoryLimit.h"
+#include "text/CommandManual.h"
 
 namespace zeb::compare {
 
@@ -28,6 +29,7 @@ struct CompareOptions {
 /// @throws CompareFailure for wrong usage
 CompareOptions parseCommandLine(int argc, const char* const* argv);
 
-std::string helpText();
+/// @return what the command says about itself
+profiling::CommandManual compareManual();
 
 }  // namespace zeb::compare

@@ -145,6 +145,8 @@ TEST_F(CompareCommand, RefusesWrongUsage) {
     for (const auto& [arguments, line] : cases) {
         expectFailure(arguments, 2, line + "; see zeb-profile-compare --help");
     }
+    expectFailure({"--fail-above", "5", "--gate", "layer", "a", "b"}, 2,
+                  "--gate: \"layer\" is none of marlix, accelerator, layers, did you mean layers?");
 }
 
 TEST_F(CompareCommand, TellsWhyALogCannotBeRead) {

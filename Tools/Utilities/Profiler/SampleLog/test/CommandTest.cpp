@@ -100,6 +100,9 @@ TEST_F(Command, RefusesWrongUsage) {
     for (const auto& [arguments, line] : cases) {
         expectFailure(arguments, 2, line + "; see write-sample-log --help");
     }
+    expectFailure("a --kind netwrok", 2,
+                  "--kind: \"netwrok\" is none of network, methods, adapter-updater, shared-events, did you "
+                  "mean network?");
     EXPECT_TRUE(std::filesystem::is_empty(files.directory()));
 }
 

@@ -14,8 +14,7 @@ std::string_view meaningOf(ExitCode exitCode) {
             return "good";
         case ExitCode::badLog:
             return "the log can't be read, needs more memory than it may have (--max-memory), or has an "
-                   "object\n"
-                   "that would be saved outside of the directory for objects, or as the CSV file";
+                   "object that would be saved outside of the directory for objects, or as the CSV file";
         case ExitCode::usage:
             return "wrong usage, or the reader has shown its help";
         case ExitCode::badOutput:

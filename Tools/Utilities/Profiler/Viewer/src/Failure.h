@@ -19,9 +19,7 @@ enum class ExitCode : std::uint8_t {
     closedPipe = 141,  ///< as a shell tells the signal of a pipe that nobody reads any more
 };
 
-/// @return what the exit code says, as help and README have it, in several lines where it is long; empty for
-/// a
-///         number that is none
+/// @return what the exit code says, as help and README have it; empty for a number that is none
 std::string_view meaningOf(ExitCode exitCode);
 
 /// Ends the command with an exit code and one line on standard error.

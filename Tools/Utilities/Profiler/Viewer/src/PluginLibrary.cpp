@@ -11,6 +11,7 @@
 
 #include "Failure.h"
 #include "NamedReaders.h"
+#include "text/NearestName.h"
 
 namespace zeb::viewer {
 
@@ -63,6 +64,16 @@ std::string loaderError(const std::string& name) {
     return error.starts_with(name + ": ") ? error.substr(name.size() + 2) : error;
 }
 
+// Whoever names a reader that there is not may have misspelt one.
+std::string suggestion(const std::string& reader) {
+    std::vector<std::string> names;
+    for (const NamedReader& known : namedReaders) {
+        names.emplace_back(known.name);
+    }
+    const auto meant = profiling::nearestName(reader, names);
+    return meant ? "did you mean " + *meant + "? " : "";
+}
+
 std::string textOf(const std::vector<fs::path>& places) {
     std::string text = "looked in ";
     for (const fs::path& place : places) {
@@ -89,7 +100,8 @@ OpenedLibrary open(const std::string& reader) {
     }
     const std::string cause = "the reader plug-in can't be loaded: " + loaderError(name);
     const bool isFound = name.find('/') != std::string::npos;
-    throw Failure(ExitCode::badPlugin, name, isFound ? cause : cause + " (" + textOf(places) + ")");
+    throw Failure(ExitCode::badPlugin, name,
+                  isFound ? cause : cause + " (" + suggestion(reader) + textOf(places) + ")");
 }
 
 template <typename Function>

@@ -12,7 +12,6 @@
 #include "LoadProgress.h"
 #include "LogDiagnosis.h"
 #include "MemoryLimit.h"
-#include "NearestName.h"
 #include "PipedLog.h"
 #include "PluginLibrary.h"
 #include "ReportRun.h"
@@ -20,6 +19,7 @@
 #include "StandardOutput.h"
 #include "ViewerArgs.h"
 #include "ViewerOptions.h"
+#include "text/NearestName.h"
 #include "zeb/profiling/Version.h"
 
 namespace zeb::viewer {
@@ -42,7 +42,7 @@ void showReaderHelp(const ViewerOptions& options) {
 }
 
 void showHelp(const ViewerOptions& options, StandardOutput& output) {
-    std::cout << helpText();
+    std::cout << helpText(viewerManual());
     output.finish();
     try {
         showReaderHelp(options);
@@ -70,7 +70,7 @@ void refuseLeftovers(const ViewerArgs& args) {
     }
     std::vector<std::string> known = viewerOptionNames();
     known.insert(known.end(), args.askedNames().begin(), args.askedNames().end());
-    const auto meant = nearestName(leftover->name, known);
+    const auto meant = profiling::nearestName(leftover->name, known);
     throw Failure(ExitCode::usage, leftover->name,
                   meant ? "unknown option, did you mean " + *meant + "?"
                         : "unknown option; see " + std::string(programName) + " --help");

@@ -4,10 +4,9 @@
 #include <charconv>
 #include <cstddef>
 #include <string_view>
-#include <utility>
 
 #include "Failure.h"
-#include "text/TwoColumns.h"
+#include "text/NearestName.h"
 
 namespace zeb::viewer {
 
@@ -15,33 +14,6 @@ namespace {
 
 constexpr int minLevel = -128;
 constexpr int maxLevel = 127;
-constexpr std::string_view aboutText = R"(Reads a profiling log and prints the report of its run.
-
-Usage: zeb-profile-viewer [options] LOG [reader options]
-
-Options:
-)";
-
-constexpr std::string_view detailsText = R"(
-Options that the viewer doesn't know go to the reader. Give them behind LOG, and their values as --name=value
-or as the words behind the name. A "--" ends the options: what follows it are file names.
-
-LOG may also be a pipe, and "-" is standard input.
-
-Exit codes:
-)";
-
-constexpr std::string_view examplesText = R"(
-Examples:
-  zeb-profile-viewer run.log
-  zeb-profile-viewer --csv runs.csv run.log --internal
-  zeb-profile-viewer --save-objects=objects run.log
-  zeb-profile-viewer --reader generic --level 2 run.log
-  zeb-profile-viewer --top=20 --filter conv run.log
-  zeb-profile-viewer --trace run.json run.log
-  zeb-profile-viewer --json - run.log | jq .graphs[0].spread
-  zcat run.log.gz | zeb-profile-viewer -
-)";
 
 Failure usageFailure(const std::string& line) {
     return {ExitCode::usage, line + "; see " + std::string(programName) + " --help"};
@@ -95,16 +67,36 @@ double parseMs(const std::string& name, const std::string& text) {
     return ms;
 }
 
+struct LayerOrderName {
+    std::string_view name;
+    forms::LayerOrder order;
+};
+constexpr LayerOrderName layerOrders[] = {{"time", forms::LayerOrder::time},
+                                          {"order", forms::LayerOrder::order},
+                                          {"name", forms::LayerOrder::name}};
+
+template <typename Rows>
+std::vector<std::string> namesOf(const Rows& rows) {
+    std::vector<std::string> names;
+    for (const auto& row : rows) {
+        names.emplace_back(row.name);
+    }
+    return names;
+}
+
 forms::LayerOrder parseOrder(const std::string& name, const std::string& text) {
-    constexpr std::pair<std::string_view, forms::LayerOrder> orders[] = {{"time", forms::LayerOrder::time},
-                                                                         {"order", forms::LayerOrder::order},
-                                                                         {"name", forms::LayerOrder::name}};
-    for (const auto& [orderName, order] : orders) {
+    for (const auto& [orderName, order] : layerOrders) {
         if (text == orderName) {
             return order;
         }
     }
-    throw usageFailure(name, "\"" + text + "\" is none of time, order and name");
+    std::vector<std::string> names = namesOf(layerOrders);
+    const auto meant = profiling::nearestName(text, names);
+    const std::string last = names.back();
+    names.pop_back();
+    const std::string cause = "\"" + text + "\" is none of " + profiling::namesInARow(names) + " and " + last;
+    throw meant ? Failure(ExitCode::usage, name, cause + ", did you mean " + *meant + "?")
+                : usageFailure(name, cause);
 }
 
 // What an option takes. Numbers are read last: help is shown whatever they hold.
@@ -131,6 +123,13 @@ std::string readerNames() {
         names += &reader == &namedReaders[0] ? " (default)" : "";
     }
     return names;
+}
+
+// The values of an option that can be named.
+std::vector<std::string> valuesOf(std::string_view option) {
+    return option == "--reader" ? namesOf(namedReaders)
+           : option == "--sort" ? namesOf(layerOrders)
+                                : std::vector<std::string>();
 }
 
 // All options, in the order of the help.
@@ -343,20 +342,34 @@ ViewerOptions parseCommandLine(int argc, const char* const* argv) {
 }
 
 std::vector<std::string> viewerOptionNames() {
-    std::vector<std::string> names;
-    for (const OptionRow& row : optionRows()) {
-        names.push_back(row.name);
-    }
-    return names;
+    return namesOf(optionRows());
 }
 
-std::string helpText() {
-    std::vector<profiling::LabelledText> options;
+profiling::CommandManual viewerManual() {
+    profiling::CommandManual manual{
+        .name = std::string(programName),
+        .summary = "Reads a profiling log and prints the report of its run.",
+        .usages = {"[options] LOG [reader options]"},
+        .options = {},
+        .tables = {},
+        .paragraphs =
+            {"Options that the viewer doesn't know go to the reader. Give them behind LOG, and their "
+             "values as --name=value or as the words behind the name. A \"--\" ends the options: what "
+             "follows it are file names.",
+             "LOG may also be a pipe, and \"-\" is standard input."},
+        .exitCodes = {"Exit codes", profiling::rowsOf(meaningOf)},
+        .examples = {{"", "zeb-profile-viewer run.log"},
+                     {"", "zeb-profile-viewer --csv runs.csv run.log --internal"},
+                     {"", "zeb-profile-viewer --save-objects=objects run.log"},
+                     {"", "zeb-profile-viewer --reader generic --level 2 run.log"},
+                     {"", "zeb-profile-viewer --top=20 --filter conv run.log"},
+                     {"", "zeb-profile-viewer --trace run.json run.log"},
+                     {"", "zeb-profile-viewer --json - run.log | jq .graphs[0].spread"},
+                     {"", "zcat run.log.gz | zeb-profile-viewer -"}}};
     for (const OptionRow& row : optionRows()) {
-        options.push_back({row.name + std::string(row.valueForm), row.help});
+        manual.options.push_back({row.name, std::string(row.valueForm), row.help, valuesOf(row.name)});
     }
-    return std::string(aboutText) + twoColumns(options) + std::string(detailsText) +
-           twoColumns(profiling::rowsOf(meaningOf)) + std::string(examplesText);
+    return manual;
 }
 
 }  // namespace zeb::viewer

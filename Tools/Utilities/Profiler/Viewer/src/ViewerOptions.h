@@ -9,6 +9,7 @@
 #include "MemoryLimit.h"
 #include "NamedReaders.h"
 #include "TopText.h"
+#include "text/CommandManual.h"
 #include "zeb/profiling/VisibilityLevel.h"
 
 namespace zeb::viewer {
@@ -50,7 +51,7 @@ ViewerOptions parseCommandLine(int argc, const char* const* argv);
 /// @return the names of the viewer's own options, with their dashes
 std::vector<std::string> viewerOptionNames();
 
-/// @return the help text of the viewer, without that of a reader
-std::string helpText();
+/// @return what the viewer says about itself, without what a reader does
+profiling::CommandManual viewerManual();
 
 }  // namespace zeb::viewer

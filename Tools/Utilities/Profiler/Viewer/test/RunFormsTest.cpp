@@ -84,6 +84,8 @@ TEST_F(RunForms, RefuseWhatMakesNoSenseTogether) {
         expectFailure(result, 2, line + "; see zeb-profile-viewer --help");
         EXPECT_EQ(result.out, "");
     }
+    expectFailure(view({log, "--top", "--sort=tiem"}), 2,
+                  "--sort: \"tiem\" is none of time, order and name, did you mean time?");
     expectFailure(view({log, "--json", log}), 2, log + ": the file is the log itself");
 }
 

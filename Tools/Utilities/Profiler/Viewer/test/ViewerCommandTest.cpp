@@ -311,6 +311,8 @@ TEST_F(ViewerCommand, FindsNamedReadersBesideItselfAndInItsLibraryDirectory) {
         "object file: No such file or directory (looked in " +
         files.path("bin") + ", " + files.path("lib") + ", "))
         << missing.err;
+    EXPECT_NE(runCommand({viewer, "--reader", "murk", log}).err.find(" (did you mean murl? looked in "),
+              std::string::npos);
     fs::copy_file(ZEB_FAKE_READER, files.path("lib/libZebMurlProfilingReader.so"));
     fs::copy_file(ZEB_FAKE_READER, files.path("bin/libZebGenericProfilingReader.so"));
     for (const char* const option : {"--level=3", "--reader=murl", "--reader=generic"}) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <limits>
 #include <span>
 #include <string>
@@ -9,13 +10,21 @@
 
 namespace zeb::profiling {
 
-/// A row of a help: what is explained, and the explanation, which may have several lines.
+inline constexpr std::size_t helpWidth = 80;  ///< columns of a terminal
+
+/// A row of a help: what is explained, and the explanation, whose line feeds are blanks.
 struct LabelledText {
     std::string label;
     std::string text;
 };
 
-/// Lays rows out in two columns, the first one indented and as wide as its longest label asks for.
+/// @return the text in lines of `width` characters at most, as far as no word is longer; blanks and line
+/// feeds
+///         alike part words
+std::vector<std::string> wrappedLines(std::string_view text, std::size_t width);
+
+/// Lays rows out in two columns, the first one indented and as wide as its longest label asks for, in lines
+/// of `helpWidth` columns.
 /// @return whole lines
 std::string twoColumns(std::span<const LabelledText> rows);
 

@@ -7,7 +7,7 @@
 #include <limits>
 #include <vector>
 
-#include "text/TwoColumns.h"
+#include "text/NearestName.h"
 
 namespace zeb::samplelog {
 
@@ -16,27 +16,6 @@ namespace {
 constexpr std::uint32_t maxCount = 1'000'000;
 constexpr std::uint32_t maxDrift = 15;  // per cent; no draw is further off than six times that
 constexpr std::uint32_t maxSlower = 1000;
-
-constexpr std::string_view aboutText = R"(Writes a profiling log as a runtime would write it.
-
-Usage: write-sample-log [options] FILE
-
-Options:
-)";
-
-constexpr std::string_view bytesText = R"(
-The same options give the same bytes, on every machine. FILE may be /dev/stdout. What FILE
-held before is lost.
-
-Exit codes:
-)";
-
-constexpr std::string_view examplesText = R"(
-Examples:
-  write-sample-log sample.zlog
-  write-sample-log --async --level internal --executions 100 sample.zlog
-  write-sample-log --kind methods methods.zlog
-)";
 
 struct Level {
     std::string_view name;
@@ -57,6 +36,12 @@ UsageError usageError(const CLI::ArgumentMismatch& error) {
     return usageError(text.substr(0, text.find(':')) + ": to be given once, with a value");
 }
 
+UsageError noneOf(const std::string& name, const std::string& value, const std::vector<std::string>& names) {
+    const std::string line = name + ": \"" + value + "\" is none of " + profiling::namesInARow(names);
+    const auto meant = profiling::nearestName(value, names);
+    return meant ? UsageError(line + ", did you mean " + *meant + "?") : usageError(line);
+}
+
 std::uint64_t parseNumber(const std::string& name, const std::string& value, std::uint64_t min,
                           std::uint64_t max) {
     std::uint64_t number = 0;
@@ -69,18 +54,13 @@ std::uint64_t parseNumber(const std::string& name, const std::string& value, std
     return number;
 }
 
-// Names in a row, separated by commas.
-template <typename Rows, typename NameOf>
-std::string namesIn(const Rows& rows, NameOf nameOf) {
-    std::string names;
+template <typename Rows>
+std::vector<std::string> namesOf(const Rows& rows) {
+    std::vector<std::string> names;
     for (const auto& row : rows) {
-        names.append(names.empty() ? "" : ", ").append(nameOf(row));
+        names.emplace_back(row.name);
     }
     return names;
-}
-
-std::string kindNames() {
-    return namesIn(sampleKinds, [](const SampleKind& kind) { return kind.name; });
 }
 
 const SampleKind* parseKind(const std::string& name, const std::string& value) {
@@ -89,18 +69,25 @@ const SampleKind* parseKind(const std::string& name, const std::string& value) {
             return &kind;
         }
     }
-    throw usageError(name + ": \"" + value + "\" is none of " + kindNames());
+    throw noneOf(name, value, namesOf(sampleKinds));
 }
 
 ProfileLevel parseLevel(const std::string& name, const std::string& value) {
+    std::vector<std::string> names = namesOf(levels);
     for (const Level& level : levels) {
         if (level.name == value || level.number == value) {
             return level.level;
         }
+        names.emplace_back(level.number);
     }
-    throw usageError(name + ": \"" + value + "\" is none of " +
-                     namesIn(levels, [](const Level& level) { return level.name; }) + ", " +
-                     namesIn(levels, [](const Level& level) { return level.number; }));
+    throw noneOf(name, value, names);
+}
+
+// The values of an option that can be named.
+std::vector<std::string> valuesOf(std::string_view option) {
+    return option == "--kind"    ? namesOf(sampleKinds)
+           : option == "--level" ? namesOf(levels)
+                                 : std::vector<std::string>();
 }
 
 std::uint32_t parseCount(const std::string& name, const std::string& value) {
@@ -324,18 +311,28 @@ CommandOptions parseCommandLine(int argc, const char* const* argv) {
     return options;
 }
 
-std::string helpText() {
-    std::vector<profiling::LabelledText> options;
+profiling::CommandManual commandManual() {
+    profiling::CommandManual manual{
+        .name = std::string(programName),
+        .summary = "Writes a profiling log as a runtime would write it.",
+        .usages = {"[options] FILE"},
+        .options = {},
+        .tables = {{"Kinds of log", {}}},
+        .paragraphs =
+            {"The same options give the same bytes, on every machine. FILE may be /dev/stdout. What "
+             "FILE held before is lost."},
+        .exitCodes = {"Exit codes", profiling::rowsOf(meaningOf)},
+        .examples = {{"", "write-sample-log sample.zlog"},
+                     {"", "write-sample-log --async --level internal --executions 100 sample.zlog"},
+                     {"", "write-sample-log --kind methods methods.zlog"}}};
     for (const OptionRow& row : optionRows()) {
-        options.push_back(
-            {row.name + (row.valueName.empty() ? "" : " ") + std::string(row.valueName), row.help});
+        manual.options.push_back({row.name, (row.valueName.empty() ? "" : " ") + std::string(row.valueName),
+                                  row.help, valuesOf(row.name)});
     }
-    std::vector<profiling::LabelledText> kinds;
     for (const SampleKind& kind : sampleKinds) {
-        kinds.push_back({std::string(kind.name), std::string(kind.help)});
+        manual.tables[0].rows.push_back({std::string(kind.name), std::string(kind.help)});
     }
-    return std::string(aboutText) + twoColumns(options) + "\nKinds of log:\n" + twoColumns(kinds) +
-           std::string(bytesText) + twoColumns(profiling::rowsOf(meaningOf)) + std::string(examplesText);
+    return manual;
 }
 
 }  // namespace zeb::samplelog

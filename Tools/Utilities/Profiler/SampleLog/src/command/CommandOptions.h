@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "SampleKinds.h"
+#include "text/CommandManual.h"
 
 namespace zeb::samplelog {
 
@@ -36,6 +37,7 @@ public:
 /// @throws UsageError
 CommandOptions parseCommandLine(int argc, const char* const* argv);
 
-std::string helpText();
+/// @return what the command says about itself
+profiling::CommandManual commandManual();
 
 }  // namespace zeb::samplelog

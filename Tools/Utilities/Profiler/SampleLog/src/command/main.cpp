@@ -55,7 +55,7 @@ ExitCode run(int argc, const char* const* argv) {
         const CommandOptions options = parseCommandLine(argc, argv);
         switch (options.action) {
             case Action::showHelp:
-                return show(helpText());
+                return show(helpText(commandManual()));
             case Action::showVersion:
                 return show(std::string(programName) + " " + std::string(profiling::versionText) + "\n");
             case Action::writeLog:

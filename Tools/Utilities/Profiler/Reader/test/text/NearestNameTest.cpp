@@ -1,13 +1,13 @@
 #include <gtest/gtest.h>
 
-#include "NearestName.h"
+#include "text/NearestName.h"
 
-namespace zeb::viewer {
+namespace zeb::profiling {
 namespace {
 
 TEST(NearestName, IsWhatWasMostLikelyMeantOrNothing) {
-    const std::vector<std::string> known = {"--level",  "--csv",        "--help",
-                                            "--reader", "--extra_help", "--internal"};
+    const std::vector<std::string> known = {"--level",      "--csv",      "--help", "--reader",
+                                            "--extra_help", "--internal", "time"};
     const std::pair<std::string, std::string> cases[] = {
         {"--levle", "--level"},  // two letters changed places
         {"-csv", "--csv"},
@@ -16,6 +16,8 @@ TEST(NearestName, IsWhatWasMostLikelyMeantOrNothing) {
         {"-h", "--help"},
         {"--int", "--internal"},
         {"--lvl", "--level"},
+        {"tiem", "time"},
+        {"size", ""},  // two letters of four
         {"--reader-name", ""},
         {"--xyz", ""},
         {"-x", ""},
@@ -28,4 +30,4 @@ TEST(NearestName, IsWhatWasMostLikelyMeantOrNothing) {
 }
 
 }  // namespace
-}  // namespace zeb::viewer
+}  // namespace zeb::profiling

@@ -1,4 +1,4 @@
-#include "NearestName.h"
+#include "text/NearestName.h"
 
 #include <algorithm>
 #include <cctype>
@@ -6,7 +6,7 @@
 #include <numeric>
 #include <string_view>
 
-namespace zeb::viewer {
+namespace zeb::profiling {
 
 namespace {
 
@@ -19,19 +19,25 @@ std::string withoutDashesInLowerCase(const std::string& name) {
     return letters;
 }
 
-// Insertions, deletions and replacements that it takes to come from one to the other.
+// Insertions, deletions, replacements and swaps of neighbours that it takes to come from one to the other.
 std::size_t editDistance(std::string_view from, std::string_view to) {
+    std::vector<std::size_t> beforeLast(to.size() + 1);
+    std::vector<std::size_t> last(to.size() + 1);
     std::vector<std::size_t> row(to.size() + 1);
-    std::iota(row.begin(), row.end(), std::size_t{0});
-    for (const char letter : from) {
-        std::size_t diagonal = row.front()++;
-        for (std::size_t column = 0; column < to.size(); ++column) {
-            const std::size_t replaced = diagonal + (letter == to[column] ? 0 : 1);
-            diagonal = row[column + 1];
-            row[column + 1] = std::min({replaced, diagonal + 1, row[column] + 1});
+    std::iota(last.begin(), last.end(), std::size_t{0});
+    for (std::size_t i = 1; i <= from.size(); ++i) {
+        row[0] = i;
+        for (std::size_t j = 1; j <= to.size(); ++j) {
+            const std::size_t replaced = last[j - 1] + (from[i - 1] == to[j - 1] ? 0 : 1);
+            row[j] = std::min({replaced, last[j] + 1, row[j - 1] + 1});
+            if (i > 1 && j > 1 && from[i - 1] == to[j - 2] && from[i - 2] == to[j - 1]) {
+                row[j] = std::min(row[j], beforeLast[j - 2] + 1);
+            }
         }
+        beforeLast.swap(last);
+        last.swap(row);
     }
-    return row.back();
+    return last.back();
 }
 
 std::size_t distance(const std::string& given, const std::string& known) {
@@ -42,11 +48,13 @@ std::size_t distance(const std::string& given, const std::string& known) {
 
 std::optional<std::string> nearestName(const std::string& name, const std::vector<std::string>& knownNames) {
     const std::string given = withoutDashesInLowerCase(name);
-    // Up to two slips, three in a long name, and never all of it.
+    // Up to two slips, three in a long name, and in a short one fewer than half of its letters.
     std::size_t nearest = std::min(given.size(), std::max<std::size_t>(3, given.size() / 3 + 1));
     std::optional<std::string> result;
     for (const std::string& known : knownNames) {
-        if (const std::size_t apart = distance(given, withoutDashesInLowerCase(known)); apart < nearest) {
+        const std::string letters = withoutDashesInLowerCase(known);
+        const std::size_t apart = distance(given, letters);
+        if (apart < nearest && 2 * apart < std::max(given.size(), letters.size())) {
             nearest = apart;
             result = known;
         }
@@ -54,4 +62,4 @@ std::optional<std::string> nearestName(const std::string& name, const std::vecto
     return result;
 }
 
-}  // namespace zeb::viewer
+}  // namespace zeb::profiling

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <vector>
+
+#include "text/CommandManual.h"
+
+namespace zeb::manual {
+
+/// @return the options that the readers add to those of the viewer, from the help that they show
+std::vector<profiling::ManualOption> readerOptions();
+
+}  // namespace zeb::manual
