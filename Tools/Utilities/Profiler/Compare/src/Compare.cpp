@@ -16,6 +16,7 @@
 #include "StandardOutput.h"
 #include "TerminalStyle.h"
 #include "TerminalText.h"
+#include "text/BuildText.h"
 #include "zeb/profiling/Version.h"
 
 namespace zeb::compare {
@@ -92,7 +93,7 @@ ExitCode run(int argc, const char* const* argv) {
             std::cout << helpText(compareManual());
             break;
         case Action::showVersion:
-            std::cout << programName << ' ' << profiling::versionText << '\n';
+            std::cout << profiling::versionLines(programName, profiling::versionText);
             break;
         case Action::compare:
             return compareVersions(options, output);

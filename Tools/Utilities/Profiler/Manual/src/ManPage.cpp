@@ -64,7 +64,7 @@ std::string entries(const ManualTable& table) {
 }
 
 std::string exampleText(const ManualExample& example) {
-    const std::string purpose = example.purpose.empty() ? "" : literal(example.purpose) + ":\n";
+    const std::string purpose = example.purpose.empty() ? "" : ".PP\n" + literal(example.purpose) + ":\n";
     return purpose + ".EX\n    " + literal(example.command) + "\n.EE\n";
 }
 

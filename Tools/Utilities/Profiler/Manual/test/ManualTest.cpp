@@ -72,7 +72,7 @@ TEST(Manual, PagesHaveNoCharacterThatFormattingChanges) {
               ".SH THINGS\n.TP\n\\fBthing\\fR\n\\&.is\n"
               ".SH EXIT STATUS\nExit codes:\n.TP\n\\fB0\\fR\ngood\n"
               ".SH EXAMPLES\n.EX\n    try\\-it A\n.EE\n"
-              "Why:\n.EX\n    try\\-it \\-\\- \\(aq\\(rsn\\(aq | x\n.EE\n"
+              ".PP\nWhy:\n.EX\n    try\\-it \\-\\- \\(aq\\(rsn\\(aq | x\n.EE\n"
               ".SH SEE ALSO\n.BR one (1) ,\n.BR two (1)\n");
 }
 

@@ -14,6 +14,7 @@ import time
 TIMEOUT_SECONDS = 60
 
 VIEWER = "zeb-profile-viewer"
+COMPARE = "zeb-profile-compare"
 SAMPLE = "write-sample-log"
 
 # What is typed behind the command, and the words that it is completed to.
@@ -32,6 +33,8 @@ CASES = [
     (VIEWER, "run --int\t", [["run", "--internal"]]),
     (VIEWER, "--trust\tru\t", [["--trust-object-names", "run one.log"]]),
     (VIEWER, "-- --rea\t", [["--", "--rea"]]),
+    (COMPARE, "--gate acc\t", [["--gate", "accelerator"]]),
+    (COMPARE, "--base ru\tru\t --new=ru\t", [["--base", "run one.log", "run one.log", "--new=run one.log"]]),
     (SAMPLE, "--kind met\tru\t", [["--kind", "methods", "run one.log"]]),
     (SAMPLE, "--level=inte\t", [["--level=internal"]]),
     (SAMPLE, "--slower-l\tru\t", [["--slower-layer", "ru"], ["--slower-layer=ru"]]),
@@ -97,8 +100,8 @@ def main(shell, directory):
         for name in ("run one.log", "libOwn.so", "objects-of-a-file"):
             open(os.path.join(place, name), "w").close()
         terminal = Terminal(shell, place)
-        for command in (VIEWER, SAMPLE):
-            terminal.type(terminal.setup.format(command=command, directory=directory))
+        for command in (VIEWER, COMPARE, SAMPLE):
+            terminal.type(terminal.setup.format(command=command, directory=os.path.abspath(directory)))
         terminal.type("echo REA''DY\n")
         terminal.read_until("READY")
         for command, typed, expected in CASES:

@@ -19,6 +19,7 @@
 #include "StandardOutput.h"
 #include "ViewerArgs.h"
 #include "ViewerOptions.h"
+#include "text/BuildText.h"
 #include "text/NearestName.h"
 #include "zeb/profiling/Version.h"
 
@@ -129,7 +130,7 @@ ExitCode run(int argc, const char* const* argv) {
             showHelp(options, output);
             break;
         case Action::showVersion:
-            std::cout << programName << ' ' << profiling::versionText << '\n';
+            std::cout << profiling::versionLines(programName, profiling::versionText);
             output.finish();
             break;
         case Action::report:

@@ -282,7 +282,7 @@ TEST_F(ViewerCommand, ShowsItsHelpAndThatOfTheReader) {
     expectFailure(runCommand({ZEB_VIEWER, "--help", "--reader", "./no.so"}), 0,
                   "note: no help of the reader: ./no.so: the reader plug-in can't be loaded: cannot open "
                   "shared object file: No such file or directory");
-    EXPECT_EQ(view({"--version"}).out, "zeb-profile-viewer v2.51.0.260929181845\n");
+    EXPECT_TRUE(view({"--version"}).out.starts_with("zeb-profile-viewer v2.51.0.260929181845\nBuilt by "));
 }
 
 TEST_F(ViewerCommand, TellsWhyAPluginCannotBeLoaded) {

@@ -9,6 +9,7 @@
 #include <system_error>
 
 #include "CommandOptions.h"
+#include "text/BuildText.h"
 #include "zeb/profiling/Version.h"
 
 namespace zeb::samplelog {
@@ -57,7 +58,7 @@ ExitCode run(int argc, const char* const* argv) {
             case Action::showHelp:
                 return show(helpText(commandManual()));
             case Action::showVersion:
-                return show(std::string(programName) + " " + std::string(profiling::versionText) + "\n");
+                return show(profiling::versionLines(programName, profiling::versionText));
             case Action::writeLog:
                 break;
         }
