@@ -66,7 +66,7 @@ Comparison severalLogs() {
     ipc.p = 0.5;
     Comparison comparison;
     comparison.basis = Basis::several;
-    comparison.baseLogs = {"a1", "a2", "a3", "a4", "a5"};
+    comparison.baseLogs = {"a1", "a\x1B\n2", "a3", "a4", "a5"};
     comparison.newLogs = {"b1", "b2"};
     comparison.warnings = {"The backend versions differ: base v1; new v\n2."};
     comparison.graphs = {graphOf(
@@ -81,7 +81,7 @@ Comparison severalLogs() {
 }
 
 TEST(ComparisonText, ShowsWhatIsSureAndCountsWhatIsSmall) {
-    EXPECT_EQ(textOf(severalLogs()), R"(Base  5 logs: a1, a2, a3 and 2 more
+    EXPECT_EQ(textOf(severalLogs()), R"(Base  5 logs: a1, a??2, a3 and 2 more
 New   2 logs: b1, b2
 A change stands where it is sure, else "~"; the interval holds the true change of a total with 95%.
 Warning: The backend versions differ: base v1; new v?2.
