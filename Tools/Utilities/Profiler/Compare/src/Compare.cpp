@@ -6,12 +6,15 @@
 #include <exception>
 #include <iostream>
 #include <new>
+#include <optional>
 #include <string_view>
 #include <vector>
 
 #include "CompareOptions.h"
+#include "ComparisonJson.h"
 #include "ComparisonText.h"
 #include "Failure.h"
+#include "FormFile.h"
 #include "LoadRun.h"
 #include "StandardOutput.h"
 #include "TerminalStyle.h"
@@ -51,9 +54,10 @@ ExitCode exitCodeOf(analysis::GateOutcome outcome) {
     return ExitCode::incomparable;
 }
 
-ExitCode judgeBy(const analysis::Comparison& comparison, const analysis::Gate& gate) {
+// The gate's words are a part of the text.
+ExitCode judgeBy(const analysis::Comparison& comparison, const analysis::Gate& gate, bool hasText) {
     const analysis::GateResult result = analysis::judge(comparison, gate);
-    if (result.outcome == analysis::GateOutcome::pass) {
+    if (result.outcome == analysis::GateOutcome::pass && hasText) {
         std::cout << "\nThe gate passes: no time for " << nameOf(gate.total)
                   << " grew by more than is allowed.\n";
     }
@@ -63,20 +67,37 @@ ExitCode judgeBy(const analysis::Comparison& comparison, const analysis::Gate& g
     return exitCodeOf(result.outcome);
 }
 
+void writeJson(const CompareOptions& options, const analysis::Comparison& comparison) {
+    std::optional<viewer::FormFile> file;
+    for (const auto* const side : {&options.base, &options.changed}) {
+        for (const std::string& log : *side) {
+            file.emplace(options.json, log);  // which is to be none of them
+        }
+    }
+    file->write([&](std::ostream& out) { forms::writeComparisonJson(out, comparison, options.gate); });
+}
+
 ExitCode compareVersions(const CompareOptions& options, viewer::StandardOutput& output) {
     viewer::MemoryLimit memory(options.maxMemory);
     try {
         const std::vector<analysis::RunSummary> base = load(options.base, memory);
         const std::vector<analysis::RunSummary> changed = load(options.changed, memory);
         const analysis::Comparison comparison = analysis::compare(base, changed, options.renames);
-        // Names are made fit for a terminal where they are printed; the colours have to pass.
-        output.showRaw();
-        const forms::ConsoleStyle style = viewer::styleOfTerminal(STDOUT_FILENO);
-        forms::printComparison(
-            std::cout, comparison,
-            {.hasColour = style.hasColour, .hasUnicode = style.hasUnicode, .hideBelow = options.hideBelow});
+        if (!options.json.empty()) {
+            writeJson(options, comparison);
+        }
+        const bool hasText = options.json != viewer::FormFile::standardOutput;
+        if (hasText) {
+            output
+                .showRaw();  // names are made fit for a terminal where they are printed; colours have to pass
+            const forms::ConsoleStyle style = viewer::styleOfTerminal(STDOUT_FILENO);
+            forms::printComparison(std::cout, comparison,
+                                   {.hasColour = style.hasColour,
+                                    .hasUnicode = style.hasUnicode,
+                                    .hideBelow = options.hideBelow});
+        }
         output.finish();
-        const ExitCode exitCode = options.gate ? judgeBy(comparison, *options.gate) : ExitCode::good;
+        const ExitCode exitCode = options.gate ? judgeBy(comparison, *options.gate, hasText) : ExitCode::good;
         output.finish();
         return exitCode;
     } catch (const std::bad_alloc&) {

@@ -141,6 +141,9 @@ const std::vector<OptionRow>& optionRows() {
          [](auto& given, const auto& name, const auto& value) {
              given.gate.minChangeUs = parseNumber(name, value, "number of microseconds");
          }},
+        {"--json", Takes::one, " FILE", false,
+         "Write the comparison to FILE as JSON; \"-\" is standard output, without the\ntext.",
+         [](auto& given, const auto& /*name*/, const auto& value) { given.options.json = value; }},
         {"--max-memory", Takes::one, " SIZE", false,
          "The most memory to use, in bytes or with K, M or G behind the number.\n"
          "Default: three quarters of the machine's, or of the control group's.",
@@ -275,7 +278,7 @@ std::string_view meaningOf(ExitCode exitCode) {
         case ExitCode::usage:
             return "wrong usage";
         case ExitCode::badOutput:
-            return "standard output can't be written";
+            return "standard output or the JSON can't be written";
         case ExitCode::slower:
             return "a time grew by more than --fail-above allows";
         case ExitCode::incomparable:

@@ -22,6 +22,7 @@ struct CompareOptions {
     std::vector<analysis::Rename> renames;
     double hideBelow = 0.005;            ///< a share
     std::optional<analysis::Gate> gate;  ///< nothing: every change is good
+    std::string json;                    ///< empty: no JSON; "-": on standard output, without the text
     viewer::MemorySize maxMemory = viewer::defaultMemorySize();
 };
 

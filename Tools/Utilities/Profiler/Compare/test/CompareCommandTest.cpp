@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -179,6 +180,30 @@ TEST_F(CompareCommand, TakesTheJsonOfARunForItsLog) {
         EXPECT_EQ(tablesOf(result.out), expected);
         EXPECT_TRUE(holds(result.out.substr(0, result.out.find('\n')), "/json")) << result.out;
     }
+}
+
+TEST_F(CompareCommand, WritesJsonThatKeepsToItsSchema) {
+    const std::string good = log("good");
+    const std::string basic = log("basic", {.level = samplelog::ProfileLevel::basic, .graphs = 2});
+    const Strings several = joined(joined({"--base"}, logs("a", 1)),
+                                   joined({"--new"}, logs("b", 11, {.slowerMillionths = 100'000})));
+    const std::string json = files.path("json");
+    const Strings comparisons[] = {
+        {good, good}, {good, basic, "--fail-above=5"}, joined({"--fail-above=5", "--gate=layers"}, several)};
+    for (const Strings& arguments : comparisons) {
+        const CommandResult toFile = run(joined({"--json=" + json}, arguments));
+        EXPECT_TRUE(holds(toFile.out, "\nTotals\n") || holds(toFile.out, "nothing to compare"));
+        const CommandResult toOutput = run(joined({"--json=-"}, arguments));
+        EXPECT_EQ(toOutput.out, test::fileText(json));
+        EXPECT_EQ(toOutput.err, toFile.err);
+        EXPECT_EQ(toOutput.exitCode, toFile.exitCode);
+        EXPECT_EQ(std::system((ZEB_CHECK_SCHEMA " " + json).c_str()), 0) << toOutput.out;
+    }
+    EXPECT_TRUE(holds(test::fileText(json), R"("outcome":"slower")"));
+    const std::string before = test::fileText(good);
+    EXPECT_EQ(run({"--json", good, basic, good}).exitCode, 2);  // it would overwrite a log
+    EXPECT_EQ(test::fileText(good), before);
+    EXPECT_EQ(run({"--json", files.path("none/json"), good, good}).exitCode, 3);
 }
 
 TEST_F(CompareCommand, ManyLogsTakeTheMemoryOfOne) {

@@ -5,6 +5,7 @@
 #include <sstream>
 #include <string>
 
+#include "ComparisonJson.h"
 #include "ComparisonText.h"
 
 namespace zeb::forms {
@@ -169,6 +170,34 @@ TEST(ComparisonText, TooFewLogsMakeEveryChangeUnsure) {
     EXPECT_NE(text.find("conv1    100.0   200.0     +100.0       ~\n"), std::string::npos);
     comparison.graphs.clear();
     EXPECT_NE(textOf(comparison).find("No graph was executed on both sides"), std::string::npos);
+}
+
+TEST(ComparisonJson, HoldsAllThatWasCompared) {
+    Comparison comparison = severalLogs();
+    comparison.warnings = {"\xFF"};
+    comparison.graphs[0].totals.pop_back();
+    comparison.graphs[0].layers.resize(2);
+    comparison.graphs[0].executions = {{19, 100, 120.5}, {7, 90, 95}};
+    std::ostringstream out;
+    writeComparisonJson(out, comparison, analysis::Gate{.maxGrowth = 0.05, .minChangeUs = 3});
+    EXPECT_EQ(out.str(),
+              R"({"schema":"zeb-profile-comparison/1","basis":"several","base":["a1","a\u001b\n2",)"
+              R"("a3","a4","a5"],"new":["b1","b2"],"different_levels":false,"warnings":[")"
+              "\xEF\xBF\xBD"
+              R"("],"graphs":[{"base_name":"net","new_name":"net","base_logs":0,"new_logs":0,)"
+              R"("base_executions":{"count":19,"median_us":100.0,"p90_us":120.5},)"
+              R"("new_executions":{"count":7,"median_us":90.0,"p90_us":95.0},"totals":[)"
+              R"({"total":"marlix","base":{"logs":5,"median_us":1000.0,"min_us":990.0,)"
+              R"("max_us":1010.0},"new":{"logs":5,"median_us":1100.0,"min_us":1090.0,)"
+              R"("max_us":1120.0},"change_us":100.0,"change":0.1,"low":0.08,"high":0.125,)"
+              R"("p":0.0079365,"verdict":"slower"}],"layers":[{"name":"conv1","base_us":100.0,)"
+              R"("new_us":200.0,"change_us":100.0,"change":1.0,"p":1e-05,"verdict":"slower"},)"
+              R"({"name":"old","base_us":60.0,"new_us":0.0,"change_us":-60.0,"change":null,)"
+              R"("p":null,"verdict":"gone"}],"types":[]}],"gone_graphs":["less"],)"
+              R"("new_graphs":["more"],"gate":{"total":"marlix","fail_above":0.05,)"
+              R"("min_change_us":3.0,"outcome":"slower","reasons":["Graph net: the time for )"
+              R"(Marlix grew by 10.0% (8.0% to 12.5%), and 5.0% is allowed."]}})"
+              "\n");
 }
 
 }  // namespace
