@@ -5,6 +5,9 @@ set -euo pipefail
 source "$(dirname "$0")/setup.sh"
 
 install_packages
+if ! command -v chromium chromium-browser google-chrome google-chrome-stable >/dev/null; then
+    echo "No browser is installed: the tests that open the page in one are skipped. apt-get install chromium" >&2
+fi
 for preset in release sanitize; do
     build "$preset"
     ctest --preset "$preset" -j "$(nproc)"

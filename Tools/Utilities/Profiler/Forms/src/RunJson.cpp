@@ -36,7 +36,8 @@ std::string_view nameOf(Enum value) {
 // Writes values straight to the stream: a document in between would hold a run twice.
 class Writer {
 public:
-    Writer(std::ostream& out, BigNumbers bigNumbers) : out_(out), bigNumbers_(bigNumbers) {}
+    Writer(std::ostream& out, BigNumbers bigNumbers, std::size_t mostExecutions)
+        : out_(out), bigNumbers_(bigNumbers), mostExecutions_(mostExecutions) {}
 
     void put(const Run& run) {
         out_ << "{\"schema\":\"" << runSchema << '"';
@@ -51,11 +52,19 @@ private:
         put(member);
     }
 
+    void put(const analysis::Executions& executions) {
+        static const analysis::Executions none;
+        putFields(executions.count() > mostExecutions_ ? none : executions);
+    }
+
     template <typename Struct>
     void put(const Struct& value) requires requires {
         fieldsOf(value, [](std::string_view, const auto&) {});
     }
-    {
+    { putFields(value); }
+
+    template <typename Struct>
+    void putFields(const Struct& value) {
         char before = '{';
         fieldsOf(value, [this, &before](std::string_view key, const auto& member) {
             this->putField(std::exchange(before, ','), key, member);
@@ -115,6 +124,7 @@ private:
 
     std::ostream& out_;
     BigNumbers bigNumbers_;
+    std::size_t mostExecutions_;
 };
 
 [[noreturn]] void refuse(std::string_view key, std::string_view what) {
@@ -133,7 +143,7 @@ public:
         }
         fieldsOf(into, [this, &value](std::string_view name, auto& member) {
             if (const auto found = value.find(name); found != value.end()) {
-                read(*found, name, member);
+                this->read(*found, name, member);
             }
         });
     }
@@ -227,8 +237,8 @@ void checkColumns(const analysis::Executions& executions) {
 
 }  // namespace
 
-void writeRunJson(std::ostream& out, const Run& run, BigNumbers bigNumbers) {
-    Writer(out, bigNumbers).put(run);
+void writeRunJson(std::ostream& out, const Run& run, BigNumbers bigNumbers, std::size_t mostExecutions) {
+    Writer(out, bigNumbers, mostExecutions).put(run);
     out << '\n';
 }
 

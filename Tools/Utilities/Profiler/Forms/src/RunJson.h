@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <istream>
+#include <limits>
 #include <ostream>
 
 #include "Run.h"
@@ -15,7 +17,9 @@ enum class BigNumbers : bool {
 
 /// Writes the object and a newline. Text that is no UTF-8 is replaced, numbers that are not finite are null.
 /// It takes no memory in proportion to the run.
-void writeRunJson(std::ostream& out, const analysis::Run& run, BigNumbers bigNumbers = BigNumbers::exact);
+/// @param mostExecutions of a graph that has more of them the columns are empty
+void writeRunJson(std::ostream& out, const analysis::Run& run, BigNumbers bigNumbers = BigNumbers::exact,
+                  std::size_t mostExecutions = std::numeric_limits<std::size_t>::max());
 
 /// Reads such an object, of this version. Keys that are not known are passed over, and what is missing is
 /// empty.

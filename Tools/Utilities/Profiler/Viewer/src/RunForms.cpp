@@ -9,6 +9,7 @@
 #include "LoadProgress.h"
 #include "LogDiagnosis.h"
 #include "MakeRun.h"
+#include "Page.h"
 #include "RunJson.h"
 #include "TerminalStyle.h"
 #include "TopText.h"
@@ -29,6 +30,9 @@ RunForms::RunForms(const ViewerOptions& options) : options_(options) {
     if (!options.trace.empty()) {
         trace_.emplace(options.trace, options.log);
     }
+    if (!options.html.empty()) {
+        html_.emplace(options.html, options.log);
+    }
 }
 
 void RunForms::show(StandardOutput& output, MemoryLimit& memory) {
@@ -47,6 +51,9 @@ void RunForms::show(StandardOutput& output, MemoryLimit& memory) {
         }
         if (trace_) {
             writeTrace(run);
+        }
+        if (html_) {
+            html_->write([&run](std::ostream& out) { forms::writePage(out, run); });
         }
         return true;
     });

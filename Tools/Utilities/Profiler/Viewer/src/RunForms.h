@@ -31,6 +31,7 @@ private:
     const ViewerOptions& options_;
     std::optional<FormFile> json_;
     std::optional<FormFile> trace_;
+    std::optional<FormFile> html_;
 };
 
 }  // namespace zeb::viewer

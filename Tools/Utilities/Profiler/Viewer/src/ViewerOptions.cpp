@@ -1,8 +1,10 @@
 #include "ViewerOptions.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <charconv>
 #include <cstddef>
+#include <iterator>
 #include <string_view>
 
 #include "Failure.h"
@@ -190,6 +192,9 @@ const std::vector<OptionRow>& optionRows() {
          [](auto& options, const auto& given) { options.traceFromMs = parseMs(given.name, given.value); }},
         {"--trace-to", Takes::number, " MS", "Leave out of the timeline what begins behind MS.", "",
          [](auto& options, const auto& given) { options.traceToMs = parseMs(given.name, given.value); }},
+        {"--html", Takes::text, " FILE",
+         "Write the run to FILE as a page for a browser; \"-\" as for --json.", "",
+         [](auto& options, const auto& given) { options.html = given.value; }},
         {"--help", Takes::nothing, "", "Show this help and that of the reader.", "",
          [](auto& options, const auto& /*given*/) { options.action = Action::showHelp; }},
         {"--version", Takes::nothing, "", "Show the version.", "",
@@ -238,16 +243,32 @@ public:
                 throw usageFailure(name, "needs --trace beside it");
             }
         }
+        checkFormsApart(options);
         if (options.isFormAlone()) {
             checkFormAlone(options);
         }
     }
 
+    // What is written goes to a place of its own.
+    static void checkFormsApart(const ViewerOptions& options) {
+        const Given files[] = {{"--csv", options.csv},
+                               {"--json", options.json},
+                               {"--trace", options.trace},
+                               {"--html", options.html}};
+        for (const Given* later = std::begin(files); later != std::end(files); ++later) {
+            const Given* const other = std::find_if(
+                std::begin(files), later, [&](const Given& file) { return file.value == later->value; });
+            if (other != later && !later->value.empty()) {
+                throw usageFailure(later->name,
+                                   later->value == "-"
+                                       ? "standard output takes one form, and " + other->name + " has it"
+                                       : "goes to where " + other->name + " goes");
+            }
+        }
+    }
+
     // What is on standard output has it for itself, and no reader is asked.
     void checkFormAlone(const ViewerOptions& options) const {
-        if (options.json == options.trace) {
-            throw usageFailure("--trace", "standard output takes one form, and --json has it");
-        }
         for (const char* const name : {"--csv", "--top", "--save-objects"}) {
             if (app_.count(name) != 0) {
                 throw usageFailure(name, "there is no report while a form goes to standard output");
@@ -364,6 +385,7 @@ profiling::CommandManual viewerManual() {
                      {"", "zeb-profile-viewer --reader generic --level 2 run.log"},
                      {"", "zeb-profile-viewer --top=20 --filter conv run.log"},
                      {"", "zeb-profile-viewer --trace run.json run.log"},
+                     {"", "zeb-profile-viewer --html run.html run.log"},
                      {"", "zeb-profile-viewer --json - run.log | jq .graphs[0].spread"},
                      {"", "zcat run.log.gz | zeb-profile-viewer -"}}};
     for (const OptionRow& row : optionRows()) {

@@ -31,7 +31,8 @@ struct ViewerOptions {
     forms::LayerOrder topOrder = forms::LayerOrder::time;
     std::string topFilter;
     std::string json;                   ///< empty: no JSON; "-" is standard output
-    std::string trace;                  ///< the same for the timeline
+    std::string html;                   ///< the same for the page
+    std::string trace;                  ///< and for the timeline
     std::optional<double> traceFromMs;  ///< behind the smallest start; so is the next one
     std::optional<double> traceToMs;
     std::string log;
@@ -39,9 +40,11 @@ struct ViewerOptions {
     std::vector<std::string> readerArguments;
 
     /// @return whether more than the plug-in's report is wanted
-    [[nodiscard]] bool wantsForms() const { return topRows || !json.empty() || !trace.empty(); }
+    [[nodiscard]] bool wantsForms() const {
+        return topRows || !json.empty() || !trace.empty() || !html.empty();
+    }
     /// @return whether one form takes the place of the report, on standard output
-    [[nodiscard]] bool isFormAlone() const { return json == "-" || trace == "-"; }
+    [[nodiscard]] bool isFormAlone() const { return json == "-" || trace == "-" || html == "-"; }
 };
 
 /// Help and version win over a missing LOG and values that are no numbers.

@@ -157,6 +157,22 @@ TEST_F(RealReader, HasTheLastWordOnItsOptions) {
                   "--internal: unknown option; see zeb-profile-viewer --help");
 }
 
+TEST_F(RealReader, WritesAPageBesideTheReportOrInItsPlace) {
+    const std::string page = files.path("run.html");
+    const CommandResult beside = view({log, "--html", page});
+    EXPECT_EQ(beside.exitCode, 0);
+    expectPart(beside.out, "    Marlix: 200 us\n");
+    const CommandResult alone = view({log, "--html", "-"});
+    EXPECT_EQ(alone.exitCode, 0);
+    EXPECT_EQ(alone.out, fileText(page));
+    EXPECT_TRUE(alone.out.starts_with("<!DOCTYPE html>\n"));
+    EXPECT_TRUE(alone.out.ends_with("</html>\n"));
+
+    const std::string broken = files.write("broken.log", chunk + chunk.substr(0, 90));
+    EXPECT_EQ(view({broken, "--html", page}).exitCode, 1);
+    EXPECT_EQ(fileText(page), alone.out) << "a page of before is kept whole";
+}
+
 TEST(PluginLibrary, IsClosedWhenItGoes) {
     const std::string path = fs::path(ZEB_VIEWER).parent_path() / "../lib/libZebGenericProfilingReader.so";
     const auto isLoaded = [&path] {

@@ -78,6 +78,12 @@ TEST_F(ViewerCommand, RefusesWrongUsage) {
          "/dev/stdin: the log is no regular file, so --save-objects can't check its object names first; "
          "--trust-object-names goes without"},
         {{log, "--callss"}, "--callss: unknown option, did you mean --calls?"},
+        {{log, "--html", "-", "--json", "-"},
+         "--html: standard output takes one form, and --json has it" + seeHelp},
+        {{log, "--html", "a", "--trace", "a"}, "--html: goes to where --trace goes" + seeHelp},
+        {{log, "--html", "a", "--csv", "a"}, "--html: goes to where --csv goes" + seeHelp},
+        {{log, "--html", "-", "--csv", "a.csv"},
+         "--csv: there is no report while a form goes to standard output" + seeHelp},
         {{log, "--levle=3"}, "--levle: unknown option, did you mean --level?"},
         {{log, "--frobnicate"}, "--frobnicate: unknown option" + seeHelp},
         {{log, "other.log"}, "other.log: a word too many, there is one LOG"},

@@ -1,0 +1,129 @@
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include "PageSupport.h"
+#include "RunJson.h"
+
+namespace zeb::forms {
+namespace {
+
+using test::pageOf;
+using test::runOf;
+
+constexpr std::string_view dataMark = R"(<script type="application/json" id="run-data">)";
+
+// What a browser takes for the run's data: all up to the first end of a script.
+std::string dataOf(const std::string& page) {
+    const std::size_t start = page.find(dataMark) + dataMark.size();
+    return page.substr(start, page.find("</", start) - start);
+}
+
+std::string jsonOf(const analysis::Run& run) {
+    std::ostringstream json;
+    writeRunJson(json, run, BigNumbers::asText);
+    return json.str();
+}
+
+std::size_t countOf(const std::string& text, std::string_view part) {
+    std::size_t count = 0;
+    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) {
+        ++count;
+    }
+    return count;
+}
+
+TEST(Page, HoldsTheRunAndNothingOfALogEndsItsPlace) {
+    const analysis::Run run = test::hostileRun();
+    const std::string page = pageOf(run);
+    EXPECT_EQ(countOf(page, "<script"), 3U);
+    EXPECT_EQ(countOf(page, "</script"), 3U);
+    EXPECT_EQ(countOf(page, "<!--"), 0U);
+    const std::string data = dataOf(page);
+    EXPECT_EQ(data.find_first_of("<>&"), std::string::npos);
+    std::istringstream json(data);
+    EXPECT_EQ(jsonOf(readRunJson(json)), jsonOf(run));
+}
+
+TEST(Page, EscapesAcrossWhateverPiecesTheDataIsWrittenIn) {
+    analysis::Run run;
+    for (std::size_t size : {0U, 1U, 8190U, 8191U, 8192U, 8193U, 20'000U}) {
+        run.logFile = std::string(size, '<') + "a" + std::string(size, 'b') + "&>";
+        std::istringstream json(dataOf(pageOf(run)));
+        EXPECT_EQ(readRunJson(json).logFile, run.logFile);
+    }
+}
+
+TEST(Page, ItsPolicyAllowsItsOwnScriptAndStyleAlone) {
+    EXPECT_EQ(test::check(pageOf(runOf(samplelog::NetworkOptions{})), "--policy").text,
+              "the policy names one script and one style\n");
+}
+
+TEST(Page, AsksForNothingFromElsewhere) {
+    const std::string page = pageOf(runOf(samplelog::NetworkOptions{}));
+    for (const std::string_view part :
+         {"src=", "href=\"h", "@import", "innerHTML", "outerHTML", "insertAdjacent", "document.write",
+          "eval(", "fetch(", "XMLHttpRequest"}) {
+        EXPECT_EQ(countOf(page, part), 0U) << part;
+    }
+    EXPECT_EQ(countOf(page, "http"), 2U);  // http-equiv, the name space of SVG, and nothing else
+}
+
+TEST(Page, StaysSmallHoweverLongTheRun) {
+    EXPECT_LT(pageOf(runOf(samplelog::NetworkOptions{})).size(), 300'000U);
+    for (const std::size_t graphs : {1U, 250U}) {
+        analysis::Run run;
+        run.graphs.resize(graphs);
+        for (analysis::Graph& graph : run.graphs) {
+            graph.executions.startUs.assign(1'000'000 / graphs, 1'790'845'200'000'000);
+            graph.executions.durationUs.assign(1'000'000 / graphs, 2'123'456);
+            graph.executions.durationUs[3] = 9'123'456;
+            graph.executions.queueWaitUs.assign(1'000'000 / graphs, 143);
+            graph.spread = {1, 2'123'456, 2'123'456, 2'123'456, 2'123'456, 9'123'456, 2'123'456};
+        }
+        const std::string page = pageOf(run);
+        EXPECT_LT(page.size(), 3'000'000U);
+        EXPECT_EQ(countOf(page, "9123456]]"), graphs) << "an outlier of each graph";
+    }
+}
+
+TEST(Page, ExecutionsAreWholeUpToALimitAndBinnedBehindIt) {
+    const auto timesShown = [](std::size_t count) {
+        analysis::Run run;
+        run.graphs.resize(1);
+        run.graphs[0].executions.durationUs.assign(count, 7'654'321);
+        run.graphs[0].executions.startUs.resize(count);
+        run.graphs[0].executions.queueWaitUs.resize(count);
+        run.graphs[0].spread = {count, 1.0, 8e6, 8e6, 8e6, 8e6, 8e6};  // none of them is an outlier
+        return countOf(pageOf(run), "7654321");
+    };
+    EXPECT_EQ(timesShown(4000), 2U * 4000U);  // in the run and in its picture
+    EXPECT_EQ(timesShown(4001), 3U * 801U);   // five a bin, with shortest, median and longest
+}
+
+// Takes what it is given, but for the one piece that holds a word.
+class LosesAPiece : public std::stringbuf {
+protected:
+    std::streamsize xsputn(const char* text, std::streamsize size) override {
+        const bool isLost = std::string_view(text, static_cast<std::size_t>(size)).find("zeb-profile-run") !=
+                            std::string_view::npos;
+        return isLost ? 0 : std::stringbuf::xsputn(text, size);
+    }
+};
+
+TEST(Page, TellsItsStreamWhenTheDataIsNotWhole) {
+    LosesAPiece buffer;
+    std::ostream out(&buffer);
+    writePage(out, runOf(samplelog::NetworkOptions{}));
+    EXPECT_FALSE(out);
+}
+
+TEST(Page, TellsItsStreamOfAFullDisk) {
+    std::ofstream full("/dev/full");
+    writePage(full, runOf(samplelog::NetworkOptions{}));
+    full.flush();
+    EXPECT_FALSE(full);
+}
+
+}  // namespace
+}  // namespace zeb::forms
