@@ -15,6 +15,7 @@ Reader/src/reports            store text logging zeb/profiling
 Reader/src/reader             reports store text log logging zeb/profiling
 Reader/src/commandline        zeb/profiling
 Reader/src/reader/backend     reader reports store text log logging commandline zeb/profiling
+Command/src                   text log
 Viewer/src                    log logging text flatbuffers zeb/profiling
 Analysis/src                  reader/backend reports store text log memory zeb/profiling
 Forms/src                     text log store zeb/profiling

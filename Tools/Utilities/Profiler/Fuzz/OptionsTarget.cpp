@@ -79,8 +79,8 @@ ViewerOutcome parseAsViewer(const Arguments& arguments) {
                 .trustObjectNames = options.trustObjectNames,
                 .maxMemory = options.maxMemory.bytes,
                 .readerArguments = options.readerArguments};
-    } catch (const viewer::Failure& failure) {
-        require(failure.exitCode() == viewer::ExitCode::usage, "wrong options are wrong usage");
+    } catch (const command::Failure& failure) {
+        require(failure.exitCode() == command::ExitCode::usage, "wrong options are wrong usage");
         ViewerOutcome refused;
         refused.refusal = failure.what();
         return refused;

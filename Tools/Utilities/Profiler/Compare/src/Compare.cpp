@@ -2,8 +2,6 @@
 
 #include <unistd.h>
 
-#include <cstdio>
-#include <exception>
 #include <iostream>
 #include <new>
 #include <optional>
@@ -18,7 +16,6 @@
 #include "LoadRun.h"
 #include "StandardOutput.h"
 #include "TerminalStyle.h"
-#include "TerminalText.h"
 #include "text/BuildText.h"
 #include "zeb/profiling/Version.h"
 
@@ -26,15 +23,13 @@ namespace zeb::compare {
 
 namespace {
 
-void printErrorLine(std::string_view text) noexcept {
-    try {
-        std::cerr << std::string(programName).append(": ").append(forms::shownOnOneLine(text)).append("\n");
-    } catch (...) {
-        std::fputs("zeb-profile-compare: there is not enough memory\n", stderr);
-    }
-}
+using command::Action;
+using command::ExitCode;
+using command::Failure;
+using command::MemoryLimit;
+using command::StandardOutput;
 
-std::vector<analysis::RunSummary> load(const std::vector<std::string>& logs, viewer::MemoryLimit& memory) {
+std::vector<analysis::RunSummary> load(const std::vector<std::string>& logs, MemoryLimit& memory) {
     std::vector<analysis::RunSummary> runs;
     for (const std::string& log : logs) {
         runs.push_back(analysis::summarize(loadRun(log, memory)));
@@ -62,13 +57,13 @@ ExitCode judgeBy(const analysis::Comparison& comparison, const analysis::Gate& g
                   << " grew by more than is allowed.\n";
     }
     for (const std::string& reason : result.reasons) {
-        printErrorLine(reason);
+        command::printErrorLine(programName, reason);
     }
     return exitCodeOf(result.outcome);
 }
 
 void writeJson(const CompareOptions& options, const analysis::Comparison& comparison) {
-    std::optional<viewer::FormFile> file;
+    std::optional<command::FormFile> file;
     for (const auto* const side : {&options.base, &options.changed}) {
         for (const std::string& log : *side) {
             file.emplace(options.json, log);  // which is to be none of them
@@ -77,8 +72,8 @@ void writeJson(const CompareOptions& options, const analysis::Comparison& compar
     file->write([&](std::ostream& out) { forms::writeComparisonJson(out, comparison, options.gate); });
 }
 
-ExitCode compareVersions(const CompareOptions& options, viewer::StandardOutput& output) {
-    viewer::MemoryLimit memory(options.maxMemory);
+ExitCode compareVersions(const CompareOptions& options, StandardOutput& output) {
+    MemoryLimit memory(options.maxMemory);
     try {
         const std::vector<analysis::RunSummary> base = load(options.base, memory);
         const std::vector<analysis::RunSummary> changed = load(options.changed, memory);
@@ -86,11 +81,11 @@ ExitCode compareVersions(const CompareOptions& options, viewer::StandardOutput& 
         if (!options.json.empty()) {
             writeJson(options, comparison);
         }
-        const bool hasText = options.json != viewer::FormFile::standardOutput;
+        const bool hasText = options.json != command::FormFile::standardOutput;
         if (hasText) {
-            output
-                .showRaw();  // names are made fit for a terminal where they are printed; colours have to pass
-            const forms::ConsoleStyle style = viewer::styleOfTerminal(STDOUT_FILENO);
+            // Names are made fit for a terminal where they are printed; the colours have to pass.
+            output.showRaw();
+            const forms::ConsoleStyle style = command::styleOfTerminal(STDOUT_FILENO);
             forms::printComparison(std::cout, comparison,
                                    {.hasColour = style.hasColour,
                                     .hasUnicode = style.hasUnicode,
@@ -102,12 +97,14 @@ ExitCode compareVersions(const CompareOptions& options, viewer::StandardOutput& 
         return exitCode;
     } catch (const std::bad_alloc&) {
         memory.releaseReserve();
-        throw CompareFailure(ExitCode::badLog, "the comparison " + memory.cause());
+        throw Failure(ExitCode::badLog, "the comparison " + memory.cause());
     }
 }
 
-ExitCode run(int argc, const char* const* argv) {
-    viewer::StandardOutput output;
+}  // namespace
+
+ExitCode runCompare(int argc, const char* const* argv) {
+    StandardOutput output;
     const CompareOptions options = parseCommandLine(argc, argv);
     switch (options.action) {
         case Action::showHelp:
@@ -116,30 +113,11 @@ ExitCode run(int argc, const char* const* argv) {
         case Action::showVersion:
             std::cout << profiling::versionLines(programName, profiling::versionText);
             break;
-        case Action::compare:
+        case Action::work:
             return compareVersions(options, output);
     }
     output.finish();
     return ExitCode::good;
-}
-
-}  // namespace
-
-ExitCode runCompare(int argc, const char* const* argv) noexcept {
-    try {
-        return run(argc, argv);
-    } catch (const CompareFailure& failure) {
-        printErrorLine(failure.what());
-        return failure.exitCode();
-    } catch (const viewer::Failure& failure) {  // of standard output, and of a memory limit that can't be set
-        printErrorLine(failure.what());
-        return failure.exitCode() == viewer::ExitCode::badOutput ? ExitCode::badOutput : ExitCode::usage;
-    } catch (const std::exception& error) {
-        printErrorLine(error.what());
-    } catch (...) {
-        printErrorLine("unknown error");
-    }
-    return ExitCode::badLog;
 }
 
 }  // namespace zeb::compare

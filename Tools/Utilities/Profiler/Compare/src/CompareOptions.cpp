@@ -1,60 +1,55 @@
 #include "CompareOptions.h"
 
-#include <CLI/CLI.hpp>
 #include <charconv>
 #include <cstddef>
 #include <string_view>
 
-#include "CompareFailure.h"
-#include "text/NearestName.h"
+#include "CommandLine.h"
 
 namespace zeb::compare {
 
 namespace {
 
-using Words = std::vector<std::string>;
+using command::CommandLine;
+using command::ExitCode;
+using command::Given;
+using command::Takes;
+using command::Words;
+using command::wrongUsage;
 
-CompareFailure usageFailure(const std::string& line) {
-    return {ExitCode::usage, line + "; see " + std::string(programName) + " --help"};
-}
-
-CompareFailure usageFailure(const std::string& argument, const std::string& cause) {
-    return usageFailure(argument + ": " + cause);
-}
-
-double parseNumber(const std::string& name, const std::string& text, std::string_view form) {
+// An amount in fixed notation that is not negative.
+std::optional<double> amountOf(std::string_view text) {
     double number = 0.0;
     const char* const end = text.data() + text.size();
     const auto [rest, error] = std::from_chars(text.data(), end, number, std::chars_format::fixed);
-    if (error != std::errc() || rest != end || !(number >= 0.0) || number > 1e12) {
-        throw usageFailure(name, "\"" + text + "\" is no " + std::string(form));
-    }
-    return number;
+    const bool isGood = error == std::errc() && rest == end && number >= 0.0 && number <= 1e12;
+    return isGood ? std::optional(number) : std::nullopt;
 }
 
-double parsePercent(const std::string& name, const std::string& text) {
-    const bool hasSign = text.ends_with('%');
-    try {
-        return parseNumber(name, text.substr(0, text.size() - (hasSign ? 1 : 0)), "") / 100.0;
-    } catch (const CompareFailure&) {
-        throw usageFailure(name, "\"" + text + "\" is no per cent like 5, 0.5 or 5%");
+double shareOf(const Given& given) {
+    std::string_view text = given.value;
+    text.remove_suffix(text.ends_with('%') ? 1 : 0);
+    const auto percent = amountOf(text);
+    if (!percent) {
+        throw wrongUsage(given.name, "\"" + given.value + "\" is no per cent like 5, 0.5 or 5%");
     }
+    return *percent / 100.0;
 }
 
-analysis::Rename parseRename(const std::string& name, const std::string& text) {
-    const std::size_t equals = text.find('=');
-    if (equals == std::string::npos || equals == 0 || equals + 1 == text.size()) {
-        throw usageFailure(name, "\"" + text + "\" is no OLD=NEW");
+double usOf(const Given& given) {
+    const auto us = amountOf(given.value);
+    if (!us) {
+        throw wrongUsage(given.name, "\"" + given.value + "\" is no number of microseconds");
     }
-    return {text.substr(0, equals), text.substr(equals + 1)};
+    return *us;
 }
 
-viewer::MemorySize parseMaxMemory(const std::string& name, const std::string& text) {
-    const auto size = viewer::parseMemorySize(text);
-    if (!size) {
-        throw usageFailure(name, "\"" + text + "\" is no size like 800M, 2G or 1000000");
+analysis::Rename renameOf(const Given& given) {
+    const std::size_t equals = given.value.find('=');
+    if (equals == std::string::npos || equals == 0 || equals + 1 == given.value.size()) {
+        throw wrongUsage(given.name, "\"" + given.value + "\" is no OLD=NEW");
     }
-    return *size;
+    return {given.value.substr(0, equals), given.value.substr(equals + 1)};
 }
 
 struct GateName {
@@ -65,168 +60,67 @@ constexpr GateName gateNames[] = {{"marlix", analysis::Total::marlix},
                                   {"accelerator", analysis::Total::accelerator},
                                   {"layers", analysis::Total::layers}};
 
-Words namesOfGates() {
-    Words names;
+analysis::Total totalOf(const Given& given) {
     for (const GateName& gate : gateNames) {
-        names.emplace_back(gate.name);
-    }
-    return names;
-}
-
-analysis::Total parseGate(const std::string& name, const std::string& text) {
-    for (const GateName& gate : gateNames) {
-        if (gate.name == text) {
+        if (gate.name == given.value) {
             return gate.total;
         }
     }
-    const std::string cause = "\"" + text + "\" is none of " + profiling::namesInARow(namesOfGates());
-    const auto meant = profiling::nearestName(text, namesOfGates());
-    throw meant ? CompareFailure(ExitCode::usage, name + ": " + cause + ", did you mean " + *meant + "?")
-                : usageFailure(name, cause);
+    throw noneOf(given, command::namesOf(gateNames));
 }
 
-enum class Takes : std::uint8_t { nothing, one, several };
+constexpr const char* baseName = "--base";
+constexpr const char* newName = "--new";
+constexpr const char* failName = "--fail-above";
+constexpr const char* gateName = "--gate";
+constexpr const char* minChangeName = "--min-change-us";
 
 // What is given, before the gate is put together: its options make none unless a growth is forbidden.
 struct GivenOptions {
     CompareOptions options;
     analysis::Gate gate;
-    bool isGated = false;
 };
 
-struct OptionRow {
-    std::string name;
-    Takes takes;
-    std::string_view valueForm;  ///< as help shows it behind the name
-    bool needsGate;              ///< would change nothing without --fail-above
-    std::string help;
-    void (*apply)(GivenOptions& given, const std::string& name, const std::string& value);
-};
+using OptionRows = std::vector<command::OptionRow<GivenOptions>>;
 
-constexpr const char* baseName = "--base";
-constexpr const char* newName = "--new";
-constexpr const char* failName = "--fail-above";
-
-// All options, in the order of the help. One that takes several values is applied to each.
-const std::vector<OptionRow>& optionRows() {
-    static const std::vector<OptionRow> rows = {
-        {baseName, Takes::several, " LOG...", false, "The logs of the base.",
-         [](auto& given, const auto& /*name*/, const auto& value) { given.options.base.push_back(value); }},
-        {newName, Takes::several, " LOG...", false, "The logs of the new version.",
-         [](auto& given, const auto& /*name*/, const auto& value) {
-             given.options.changed.push_back(value);
-         }},
-        {"--rename", Takes::several, " OLD=NEW", false,
-         "The ZEB layer OLD of the base is NEW in the new version. May be given again.",
-         [](auto& given, const auto& name, const auto& value) {
-             given.options.renames.push_back(parseRename(name, value));
-         }},
-        {"--hide-below", Takes::one, " PERCENT", false,
-         "Only count layers whose change is a smaller share of the base's layer sum.\n"
-         "Default 0.5.",
-         [](auto& given, const auto& name, const auto& value) {
-             given.options.hideBelow = parsePercent(name, value);
-         }},
-        {failName, Takes::one, " PERCENT", false,
-         "Fail when a graph's time grew by more. With several logs a side a growth\n"
-         "counts only where it is sure; with one a side the change alone decides.",
-         [](auto& given, const auto& name, const auto& value) {
-             given.isGated = true;
-             given.gate.maxGrowth = parsePercent(name, value);
-         }},
-        {"--gate", Takes::one, " TIME", true,
-         "The time to judge: " + profiling::namesInARow(namesOfGates()) + ". Default marlix.",
-         [](auto& given, const auto& name, const auto& value) { given.gate.total = parseGate(name, value); }},
-        {"--min-change-us", Takes::one, " N", true, "Let a growth by less than N microseconds pass.",
-         [](auto& given, const auto& name, const auto& value) {
-             given.gate.minChangeUs = parseNumber(name, value, "number of microseconds");
-         }},
-        {"--json", Takes::one, " FILE", false,
-         "Write the comparison to FILE as JSON; \"-\" is standard output, without the\ntext.",
-         [](auto& given, const auto& /*name*/, const auto& value) { given.options.json = value; }},
-        {"--max-memory", Takes::one, " SIZE", false,
-         "The most memory to use, in bytes or with K, M or G behind the number.\n"
-         "Default: three quarters of the machine's, or of the control group's.",
-         [](auto& given, const auto& name, const auto& value) {
-             given.options.maxMemory = parseMaxMemory(name, value);
-         }},
-        {"--help", Takes::nothing, "", false, "Show this help.",
-         [](auto& given, const auto& /*name*/, const auto& /*value*/) {
-             given.options.action = Action::showHelp;
-         }},
-        {"--version", Takes::nothing, "", false, "Show the version.",
-         [](auto& given, const auto& /*name*/, const auto& /*value*/) {
-             given.options.action =
-                 given.options.action == Action::showHelp ? Action::showHelp : Action::showVersion;
-         }},
+// All options, in the order of the help.
+const OptionRows& optionRows() {
+    static const OptionRows rows = {
+        {{baseName, " LOG...", "The logs of the base."},
+         Takes::values,
+         [](auto& all, const auto& given) { all.options.base.push_back(given.value); }},
+        {{newName, " LOG...", "The logs of the new version."},
+         Takes::values,
+         [](auto& all, const auto& given) { all.options.changed.push_back(given.value); }},
+        {{"--rename", " OLD=NEW",
+          "The ZEB layer OLD of the base is NEW in the new version. May be given again."},
+         Takes::valueEachTime,
+         [](auto& all, const auto& given) { all.options.renames.push_back(renameOf(given)); }},
+        {{"--hide-below", " PERCENT",
+          "Only count layers whose change is a smaller share of the base's layer sum. Default 0.5."},
+         Takes::value,
+         [](auto& all, const auto& given) { all.options.hideBelow = shareOf(given); }},
+        {{failName, " PERCENT",
+          "Fail when a graph's time grew by more. With several logs a side a growth counts only where it is "
+          "sure; with one a side the change alone decides."},
+         Takes::value,
+         [](auto& all, const auto& given) { all.gate.maxGrowth = shareOf(given); }},
+        {{gateName, " TIME",
+          "The time to judge: " + profiling::namesInARow(command::namesOf(gateNames)) + ". Default marlix.",
+          command::namesOf(gateNames)},
+         Takes::value,
+         [](auto& all, const auto& given) { all.gate.total = totalOf(given); }},
+        {{minChangeName, " N", "Let a growth by less than N microseconds pass."},
+         Takes::value,
+         [](auto& all, const auto& given) { all.gate.minChangeUs = usOf(given); }},
+        {{"--json", " FILE",
+          "Write the comparison to FILE as JSON; \"-\" is standard output, without the text."},
+         Takes::value,
+         [](auto& all, const auto& given) { all.options.json = given.value; }},
+        {command::maxMemoryOption(), Takes::value,
+         [](auto& all, const auto& given) { all.options.maxMemory = command::maxMemoryOf(given); }},
     };
     return rows;
-}
-
-// The options as they are declared to the parser. Values stay texts, so that every complaint is worded here.
-class CommandLine {
-public:
-    CommandLine() : slots_(optionRows().size()) {
-        app_.set_help_flag();
-        app_.allow_extras();
-        for (std::size_t index = 0; index < slots_.size(); ++index) {
-            const OptionRow& row = optionRows()[index];
-            Slot& slot = slots_[index];
-            switch (row.takes) {
-                case Takes::nothing:
-                    app_.add_flag(row.name, slot.isOn);
-                    break;
-                case Takes::one:
-                    app_.add_option(row.name, slot.text);
-                    break;
-                case Takes::several:
-                    app_.add_option(row.name, slot.texts)->allow_extra_args(row.name != "--rename");
-                    break;
-            }
-        }
-    }
-
-    void parse(int argc, const char* const* argv) { app_.parse(argc, argv); }
-
-    [[nodiscard]] bool isGiven(const OptionRow& row) const {
-        const Slot& slot = slots_[static_cast<std::size_t>(&row - optionRows().data())];
-        return row.takes == Takes::nothing ? slot.isOn : app_.count(row.name) != 0;
-    }
-
-    // The values of an option, an empty text for one that takes none.
-    [[nodiscard]] Words valuesOf(const OptionRow& row) const {
-        const Slot& slot = slots_[static_cast<std::size_t>(&row - optionRows().data())];
-        return row.takes == Takes::several ? slot.texts : Words{slot.text};
-    }
-
-    [[nodiscard]] Words remaining() const { return app_.remaining(); }
-
-private:
-    struct Slot {
-        std::string text;
-        Words texts;
-        bool isOn = false;
-    };
-
-    CLI::App app_;
-    std::vector<Slot> slots_;
-};
-
-void checkValue(const OptionRow& row, const std::string& value) {
-    if (row.takes != Takes::nothing && value.empty()) {
-        throw usageFailure(row.name, "needs a value");
-    }
-    if (value.starts_with("--")) {
-        throw usageFailure(row.name, "needs a value, and " + value + " is an option");
-    }
-}
-
-Words optionNames() {
-    Words names;
-    for (const OptionRow& row : optionRows()) {
-        names.push_back(row.name);
-    }
-    return names;
 }
 
 // The words that belong to no option: BASE and NEW, and what is left of unknown options. Behind a "--" all
@@ -238,9 +132,7 @@ Words filesAmong(const Words& words) {
         if (!areAllFiles && word == "--") {
             areAllFiles = true;
         } else if (!areAllFiles && word.size() > 1 && word.starts_with('-')) {
-            const std::string name = word.substr(0, word.find('='));
-            const auto meant = profiling::nearestName(name, optionNames());
-            throw usageFailure(name, "unknown option" + (meant ? ", did you mean " + *meant + "?" : ""));
+            throw command::unknownOption(word.substr(0, word.find('=')), command::optionNames(optionRows()));
         } else {
             files.push_back(word);
         }
@@ -251,19 +143,19 @@ Words filesAmong(const Words& words) {
 void takeFiles(CompareOptions& options, const Words& files) {
     const bool areNamed = !options.base.empty() || !options.changed.empty();
     if (areNamed && !files.empty()) {
-        throw usageFailure(files.front(),
-                           "a word too many beside " + std::string(baseName) + " and " + newName);
+        throw wrongUsage(files.front(),
+                         "a word too many beside " + std::string(baseName) + " and " + newName);
     }
     if (!areNamed && files.size() == 2) {
         options.base = {files[0]};
         options.changed = {files[1]};
     }
     if (files.size() > 2) {
-        throw usageFailure(
+        throw wrongUsage(
             files[2], "a word too many; several logs go behind " + std::string(baseName) + " and " + newName);
     }
     if (options.base.empty() || options.changed.empty()) {
-        throw usageFailure(options.base.empty() && files.empty() ? "no BASE given" : "no NEW given");
+        throw wrongUsage(options.base.empty() && files.empty() ? "no BASE given" : "no NEW given");
     }
 }
 
@@ -283,54 +175,41 @@ std::string_view meaningOf(ExitCode exitCode) {
             return "a time grew by more than --fail-above allows";
         case ExitCode::incomparable:
             return "--fail-above has nothing that it can compare";
+        case ExitCode::badPlugin:
+        case ExitCode::badReport:
+        case ExitCode::closedPipe:
+            break;
     }
     return {};
 }
 
 CompareOptions parseCommandLine(int argc, const char* const* argv) {
-    CommandLine line;
-    try {
-        line.parse(argc, argv);
-    } catch (const CLI::ArgumentMismatch& error) {
-        // The parser's text names the option, and tells the rest in its own terms.
-        const std::string text = error.what();
-        throw usageFailure(text.substr(0, text.find(':')), "to be given once, with a value");
-    } catch (const CLI::ParseError& error) {
-        throw usageFailure(error.what());
-    }
-    GivenOptions given;
+    const CommandLine line = parsedBy(optionRows(), "", argc, argv);
+    GivenOptions all;
+    all.options.action = line.action();
     const Words files = filesAmong(line.remaining());
-    for (const Action wanted : {Action::showHelp, Action::compare}) {  // help is shown whatever values hold
-        for (const OptionRow& row : optionRows()) {
-            if (line.isGiven(row) && (row.takes == Takes::nothing) == (wanted == Action::showHelp)) {
-                for (const std::string& value : line.valuesOf(row)) {
-                    checkValue(row, value);
-                    row.apply(given, row.name, value);
-                }
-            }
-        }
-        if (given.options.action != Action::compare) {
-            return given.options;
+    if (all.options.action != command::Action::work) {  // a help that is shown whatever the values hold
+        return all.options;
+    }
+    applyGiven(line, optionRows(), all);
+    for (const char* const name : {gateName, minChangeName}) {
+        if (line.isGiven(name) && !line.isGiven(failName)) {
+            throw wrongUsage(name, "needs " + std::string(failName) + " beside it");
         }
     }
-    for (const OptionRow& row : optionRows()) {
-        if (row.needsGate && line.isGiven(row) && !given.isGated) {
-            throw usageFailure(row.name, "takes " + std::string(failName));
-        }
+    if (line.isGiven(failName)) {
+        all.options.gate = all.gate;
     }
-    if (given.isGated) {
-        given.options.gate = given.gate;
-    }
-    takeFiles(given.options, files);
-    return given.options;
+    takeFiles(all.options, files);
+    return all.options;
 }
 
 profiling::CommandManual compareManual() {
-    profiling::CommandManual manual{
+    return {
         .name = std::string(programName),
         .summary = "Compares two versions by the profiling logs of their runs.",
         .usages = {"[options] BASE NEW", "[options] --base BASE... --new NEW..."},
-        .options = {},
+        .options = manualOf(optionRows()),
         .tables = {},
         .paragraphs =
             {"A log may also be a file with the JSON of a run, as the viewer writes it. Give four logs or "
@@ -341,11 +220,6 @@ profiling::CommandManual compareManual() {
                      {"", "zeb-profile-compare --rename conv1=stem --hide-below 0 old.zlog new.zlog"},
                      {"A build pipeline that fails when an inference gets slower by more than 5 %",
                       "zeb-profile-compare --fail-above 5 --base main-*.zlog --new change-*.zlog"}}};
-    for (const OptionRow& row : optionRows()) {
-        manual.options.push_back({row.name, std::string(row.valueForm), row.help,
-                                  row.name == "--gate" ? namesOfGates() : Words()});
-    }
-    return manual;
 }
 
 }  // namespace zeb::compare

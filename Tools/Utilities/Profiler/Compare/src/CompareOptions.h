@@ -1,33 +1,40 @@
 #pragma once
 
-#include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "CommandLine.h"
 #include "Comparison.h"
+#include "Failure.h"
 #include "Gate.h"
 #include "MemoryLimit.h"
 #include "text/CommandManual.h"
 
 namespace zeb::compare {
 
-enum class Action : std::uint8_t { compare, showHelp, showVersion };
+inline constexpr std::string_view programName = "zeb-profile-compare";
+
+/// Where several hold, usage comes before badLog, that before badOutput, that before incomparable, and slower
+/// is last.
+/// @return what the exit code says, as the help has it; empty for a number that is none of this command
+std::string_view meaningOf(command::ExitCode exitCode);
 
 /// The command line of zeb-profile-compare.
 struct CompareOptions {
-    Action action = Action::compare;
+    command::Action action = command::Action::work;
     std::vector<std::string> base;  ///< one log at least, and so below
     std::vector<std::string> changed;
     std::vector<analysis::Rename> renames;
     double hideBelow = 0.005;            ///< a share
     std::optional<analysis::Gate> gate;  ///< nothing: every change is good
     std::string json;                    ///< empty: no JSON; "-": on standard output, without the text
-    viewer::MemorySize maxMemory = viewer::defaultMemorySize();
+    command::MemorySize maxMemory = command::defaultMemorySize();
 };
 
 /// Help and version win over everything but words that no option takes.
-/// @throws CompareFailure for wrong usage
+/// @throws Failure for wrong usage
 CompareOptions parseCommandLine(int argc, const char* const* argv);
 
 /// @return what the command says about itself

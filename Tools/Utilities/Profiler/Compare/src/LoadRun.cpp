@@ -12,7 +12,7 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "CompareFailure.h"
+#include "Failure.h"
 #include "LogDiagnosis.h"
 #include "MakeRun.h"
 #include "RunJson.h"
@@ -22,9 +22,11 @@ namespace zeb::compare {
 namespace {
 
 using analysis::Run;
+using command::Failure;
+using command::MemoryLimit;
 
-CompareFailure badLog(const std::string& path, const std::string& cause) {
-    return {ExitCode::badLog, path + ": " + cause};
+Failure badLog(const std::string& path, const std::string& cause) {
+    return {command::ExitCode::badLog, path, cause};
 }
 
 // A log begins with the length of its first chunk, and one of four bytes of text would have half a gigabyte.
@@ -58,14 +60,14 @@ Run runFromJson(const std::string& path) {
     }
 }
 
-Run runFromLog(const std::string& path, const viewer::MemoryLimit& memory) {
+Run runFromLog(const std::string& path, const MemoryLimit& memory) {
     constexpr profiling::VisibilityLevel everything{127};
     try {
         std::optional<Run> run = analysis::makeRun(path, everything);
         if (!run) {
-            throw badLog(path, viewer::whyRejected(path, memory));
+            throw badLog(path, command::whyRejected(path, memory, ">run.log"));
         }
-        if (const auto trouble = viewer::whyEndedEarly(path)) {
+        if (const auto trouble = command::whyEndedEarly(path)) {
             throw badLog(path, *trouble);
         }
         return *std::move(run);
@@ -78,13 +80,13 @@ Run runFromLog(const std::string& path, const viewer::MemoryLimit& memory) {
 
 }  // namespace
 
-Run loadRun(const std::string& path, viewer::MemoryLimit& memory) {
-    if (const auto trouble = viewer::troubleWithPath(path)) {
+Run loadRun(const std::string& path, MemoryLimit& memory) {
+    if (const auto trouble = command::troubleWithPath(path)) {
         throw badLog(path, *trouble);
     }
     try {
         Run run = holdsJson(path) ? runFromJson(path) : runFromLog(path, memory);
-        if (viewer::MemoryLimit::wasHit()) {
+        if (MemoryLimit::wasHit()) {
             throw std::bad_alloc();
         }
         return run;

@@ -7,7 +7,7 @@
 #include <sstream>
 #include <string>
 
-#include "CompareFailure.h"
+#include "CompareOptions.h"
 #include "MakeRun.h"
 #include "MemoryLimit.h"
 #include "NetworkLog.h"
@@ -18,10 +18,10 @@
 namespace zeb::compare {
 namespace {
 
+using command::test::CommandResult;
+using command::test::Strings;
 using samplelog::NetworkOptions;
-using viewer::test::CommandResult;
-using viewer::test::Strings;
-namespace output = viewer::test::output;
+namespace output = command::test::output;
 
 class CompareCommand : public testing::Test {
 protected:
@@ -44,14 +44,12 @@ protected:
 
     static CommandResult run(Strings arguments, const std::string& to = output::captured) {
         arguments.insert(arguments.begin(), ZEB_COMPARE);
-        return viewer::test::runCommand(arguments, to);
+        return command::test::runCommand(arguments, to);
     }
 
     static void expectFailure(const Strings& arguments, int exitCode, const std::string& line,
                               const std::string& to = output::captured) {
-        const CommandResult result = run(arguments, to);
-        EXPECT_EQ(result.exitCode, exitCode) << line;
-        EXPECT_EQ(result.err, "zeb-profile-compare: " + line + "\n");
+        command::test::expectFailure(run(arguments, to), exitCode, line, "zeb-profile-compare");
     }
 
     static Strings joined(Strings words, const Strings& more) {
@@ -129,13 +127,14 @@ TEST_F(CompareCommand, RefusesWrongUsage) {
         {{"--new", "a"}, "no BASE given"},
         {{"a", "b", "c"}, "c: a word too many; several logs go behind --base and --new"},
         {{"x", "--base", "a", "--new", "b"}, "x: a word too many beside --base and --new"},
-        {{"--fail-abov", "5", "a", "b"}, "--fail-abov: unknown option, did you mean --fail-above?"},
+        {{"--frobnicate", "a", "b"}, "--frobnicate: unknown option"},
+        {{"--json=", "a", "b"}, "--json: needs a value"},
         {{"--fail-above", "-5", "a", "b"}, "--fail-above: \"-5\" is no per cent like 5, 0.5 or 5%"},
         {{"--fail-above", "", "a", "b"}, "--fail-above: needs a value"},
-        {{"--gate", "layers", "a", "b"}, "--gate: takes --fail-above"},
-        {{"--min-change-us", "5", "a", "b"}, "--min-change-us: takes --fail-above"},
+        {{"--gate", "layers", "a", "b"}, "--gate: needs --fail-above beside it"},
+        {{"--min-change-us", "5", "a", "b"}, "--min-change-us: needs --fail-above beside it"},
         {{"--fail-above", "5", "--gate", "ipc", "a", "b"},
-         "--gate: \"ipc\" is none of marlix, accelerator, layers"},
+         "--gate: \"ipc\" is none of marlix, accelerator and layers"},
         {{"--fail-above", "5", "--min-change-us", "nan", "a", "b"},
          "--min-change-us: \"nan\" is no number of microseconds"},
         {{"--fail-above", "5", "--fail-above", "6", "a", "b"},
@@ -146,8 +145,10 @@ TEST_F(CompareCommand, RefusesWrongUsage) {
     for (const auto& [arguments, line] : cases) {
         expectFailure(arguments, 2, line + "; see zeb-profile-compare --help");
     }
+    expectFailure({"--fail-abov", "5", "a", "b"}, 2,
+                  "--fail-abov: unknown option, did you mean --fail-above?");
     expectFailure({"--fail-above", "5", "--gate", "layer", "a", "b"}, 2,
-                  "--gate: \"layer\" is none of marlix, accelerator, layers, did you mean layers?");
+                  "--gate: \"layer\" is none of marlix, accelerator and layers, did you mean layers?");
 }
 
 TEST_F(CompareCommand, TellsWhyALogCannotBeRead) {
@@ -207,7 +208,7 @@ TEST_F(CompareCommand, WritesJsonThatKeepsToItsSchema) {
 }
 
 TEST_F(CompareCommand, ManyLogsTakeTheMemoryOfOne) {
-    if (!viewer::MemoryLimit::canBeSet) {
+    if (!command::MemoryLimit::canBeSet) {
         GTEST_SKIP() << "a sanitizer needs more than any limit";
     }
     const std::string large = log("large", {.executions = 20'000});

@@ -45,7 +45,7 @@ TEST_F(Command, WritesWhatTheOptionsSay) {
         {"--async --level internal --executions 3", {true, ProfileLevel::internal, 3, 32, 1, {}}},
         {"--level 1 --layers 40 --graphs 2 --seed 18446744073709551615",
          {false, ProfileLevel::basic, 20, 40, 2, 18'446'744'073'709'551'615U}},
-        {"--kind network --level 2", {}},
+        {"--kind network --level 2 --", {}},
         {"--seed 3 --drift 2.5", {.seed = 3, .driftMillionths = 25'000}},
         {"--slower 10 --slower-layer conv1=0.0001",
          {.slowerMillionths = 100'000, .slowerLayer = SlowerLayer{"conv1", 1}}},
@@ -74,17 +74,18 @@ TEST_F(Command, RefusesWrongUsage) {
     const std::string once = "--layers: to be given once, with a value";
     const std::pair<std::string, std::string> cases[] = {
         {"", "no FILE given"},
-        {"a b", "b: no option, and FILE is given"},
-        {"a --layer 5", "--layer: no option, and FILE is given"},
+        {"a b c", "b: a word too many, there is one FILE"},
+        {"a --frobnicate", "--frobnicate: unknown option"},
         {"a --layers 0", "--layers: \"0\"" + counted},
         {"a --graphs 1000001", "--graphs: \"1000001\"" + counted},
         {"a --executions 2x", "--executions: \"2x\"" + counted},
         {"a --seed -1", "--seed: \"-1\" is no number from 0 to 18446744073709551615"},
+        {"a --layers= 5", "--layers: needs a value"},
         {"a --layers", once},
         {"a --layers 3 --layers 4", once},
-        {"a --level 3", "--level: \"3\" is none of basic, detailed, internal, 1, 2, 1100"},
-        {"a --kind x", "--kind: \"x\" is none of network, methods, adapter-updater, shared-events"},
-        {"a --drift 2", "--drift: takes a --seed"},
+        {"a --level 3", "--level: \"3\" is none of basic, detailed, internal, 1, 2 and 1100"},
+        {"a --kind x", "--kind: \"x\" is none of network, methods, adapter-updater and shared-events"},
+        {"a --drift 2", "--drift: needs --seed beside it"},
         {"a --seed 1 --drift 16",
          "--drift: \"16\" is no per cent from 0 to 15, with four digits at most behind the point"},
         {"a --slower -1",
@@ -100,9 +101,11 @@ TEST_F(Command, RefusesWrongUsage) {
     for (const auto& [arguments, line] : cases) {
         expectFailure(arguments, 2, line + "; see write-sample-log --help");
     }
-    expectFailure("a --kind netwrok", 2,
-                  "--kind: \"netwrok\" is none of network, methods, adapter-updater, shared-events, did you "
-                  "mean network?");
+    expectFailure(
+        "a --kind netwrok", 2,
+        "--kind: \"netwrok\" is none of network, methods, adapter-updater and shared-events, did you "
+        "mean network?");
+    expectFailure("a --layer 5", 2, "--layer: unknown option, did you mean --layers?");
     EXPECT_TRUE(std::filesystem::is_empty(files.directory()));
 }
 

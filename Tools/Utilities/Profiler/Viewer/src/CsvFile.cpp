@@ -19,6 +19,13 @@
 
 namespace zeb::viewer {
 
+using command::errorText;
+using command::ExitCode;
+using command::Failure;
+using command::FileDescriptor;
+using command::HeldSignals;
+using command::restarted;
+
 namespace {
 
 // Without O_APPEND, with which the kernel copies nothing into a file.

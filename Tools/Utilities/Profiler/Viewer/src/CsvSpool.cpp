@@ -17,6 +17,12 @@
 
 namespace zeb::viewer {
 
+using command::errorText;
+using command::ExitCode;
+using command::Failure;
+using command::FileDescriptor;
+using command::restarted;
+
 namespace {
 
 namespace fs = std::filesystem;

@@ -25,7 +25,7 @@ public:
     [[nodiscard]] std::uint64_t size() const;
 
     /// @return the open file, for reading
-    [[nodiscard]] const FileDescriptor& file() const { return spool_.file; }
+    [[nodiscard]] const command::FileDescriptor& file() const { return spool_.file; }
 
 private:
     std::string csvPath_;

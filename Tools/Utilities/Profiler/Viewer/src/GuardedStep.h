@@ -11,12 +11,12 @@ namespace zeb::viewer {
 
 /// A piece of work, and the words in front of the cause when it fails, and when it is memory that it wants.
 struct GuardedStep {
-    ExitCode exitCode;
+    command::ExitCode exitCode;
     std::string subject;
     std::string failed;
     std::string wanting;
 
-    [[nodiscard]] Failure outOfMemory(const std::string& words) const {
+    [[nodiscard]] command::Failure outOfMemory(const std::string& words) const {
         return {exitCode, subject, wanting + words};
     }
 };
@@ -26,25 +26,25 @@ struct GuardedStep {
 /// @param memory the limit that the process has; null before it has one
 /// @return what the work gives
 template <typename Work>
-auto guarded(const GuardedStep& step, MemoryLimit* memory, Work work) {
+auto guarded(const GuardedStep& step, command::MemoryLimit* memory, Work work) {
     try {
         auto result = work();
-        if (memory != nullptr && MemoryLimit::wasHit()) {
+        if (memory != nullptr && command::MemoryLimit::wasHit()) {
             throw std::bad_alloc();
         }
         return result;
-    } catch (const Failure&) {
+    } catch (const command::Failure&) {
         throw;
     } catch (const std::bad_alloc&) {
         if (memory == nullptr) {
-            throw step.outOfMemory(MemoryLimit::withoutLimit);
+            throw step.outOfMemory(command::MemoryLimit::withoutLimit);
         }
         memory->releaseReserve();
         throw step.outOfMemory(memory->cause());
     } catch (const std::exception& error) {
-        throw Failure(step.exitCode, step.subject, step.failed + error.what());
+        throw command::Failure(step.exitCode, step.subject, step.failed + error.what());
     } catch (...) {
-        throw Failure(step.exitCode, step.subject, step.failed + "unknown error");
+        throw command::Failure(step.exitCode, step.subject, step.failed + "unknown error");
     }
 }
 

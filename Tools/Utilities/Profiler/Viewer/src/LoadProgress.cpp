@@ -13,6 +13,7 @@
 #include <system_error>
 
 #include "Failure.h"
+#include "ProgramName.h"
 #include "text/NumberText.h"
 
 namespace zeb::viewer {

@@ -12,6 +12,8 @@
 
 namespace zeb::viewer {
 
+using command::FileDescriptor;
+
 namespace {
 
 namespace fs = std::filesystem;

@@ -10,7 +10,7 @@ namespace zeb::viewer {
 
 /// An open file without a name, for reading and writing: it goes with the process, however that ends.
 struct NamelessFile {
-    FileDescriptor file;
+    command::FileDescriptor file;
     std::string directory;  ///< it takes room there
 
     /// @return a path that leads to it within this process

@@ -12,6 +12,11 @@
 
 namespace zeb::viewer {
 
+using command::errorText;
+using command::ExitCode;
+using command::Failure;
+using command::FileDescriptor;
+
 namespace {
 
 constexpr int directoryFlags = O_PATH | O_DIRECTORY | O_CLOEXEC;

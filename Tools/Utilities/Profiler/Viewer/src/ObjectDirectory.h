@@ -19,7 +19,7 @@ private:
     friend class DirectoryVisit;
 
     std::string path_;
-    FileDescriptor directory_;
+    command::FileDescriptor directory_;
 };
 
 /// Makes a directory the working directory of the process, for as long as it lives.
@@ -36,7 +36,7 @@ public:
     void leave();
 
 private:
-    FileDescriptor before_;
+    command::FileDescriptor before_;
 };
 
 }  // namespace zeb::viewer

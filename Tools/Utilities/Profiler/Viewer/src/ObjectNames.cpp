@@ -23,6 +23,10 @@
 
 namespace zeb::viewer {
 
+using command::errorText;
+using command::ExitCode;
+using command::Failure;
+
 namespace {
 
 namespace fs = std::filesystem;

@@ -14,6 +14,12 @@
 
 namespace zeb::viewer {
 
+using command::errorText;
+using command::ExitCode;
+using command::Failure;
+using command::FileDescriptor;
+using command::restarted;
+
 namespace {
 
 bool isPipe(const std::string& path) {

@@ -11,9 +11,13 @@
 
 #include "Failure.h"
 #include "NamedReaders.h"
+#include "ProgramName.h"
 #include "text/NearestName.h"
 
 namespace zeb::viewer {
+
+using command::ExitCode;
+using command::Failure;
 
 namespace {
 

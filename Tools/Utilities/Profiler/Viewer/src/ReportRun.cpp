@@ -12,6 +12,13 @@
 
 namespace zeb::viewer {
 
+using command::ExitCode;
+using command::Failure;
+using command::MemoryLimit;
+using command::StandardOutput;
+using command::whyEndedEarly;
+using command::whyRejected;
+
 namespace {
 
 // The directory for objects, once it and the log are known to be fit for them.
@@ -69,7 +76,7 @@ void ReportRun::load() {
         return reader_.loadLog(objects_.has_value());
     }();
     if (!isLoaded) {
-        throw Failure(ExitCode::badLog, options_.log, whyRejected(options_.log, memory_));
+        throw Failure(ExitCode::badLog, options_.log, whyRejected(options_.log, memory_, pipedIntoViewer));
     }
     if (const auto trouble = whyEndedEarly(options_.log)) {
         throw Failure(ExitCode::badLog, options_.log, *trouble);

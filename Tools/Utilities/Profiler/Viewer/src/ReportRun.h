@@ -19,8 +19,8 @@ class ReportRun {
 public:
     /// @param reader has its options; it and all else have to outlive the run
     /// @throws Failure when objects can't be saved
-    ReportRun(profiling::IZebPluginLogReader& reader, const ViewerOptions& options, StandardOutput& output,
-              MemoryLimit& memory);
+    ReportRun(profiling::IZebPluginLogReader& reader, const ViewerOptions& options,
+              command::StandardOutput& output, command::MemoryLimit& memory);
 
     /// Loads the log, prints the report and appends the CSV report.
     /// @throws Failure
@@ -33,12 +33,12 @@ private:
     void generateWithCsv();
     bool generateReports(const std::string& csvPath);
     bool generateReportsBesideObjects(const std::string& csvPath);
-    [[nodiscard]] Failure noNumber(const std::string& what, const std::exception& error) const;
+    [[nodiscard]] command::Failure noNumber(const std::string& what, const std::exception& error) const;
 
     profiling::IZebPluginLogReader& reader_;
     const ViewerOptions& options_;
-    StandardOutput& output_;
-    MemoryLimit& memory_;
+    command::StandardOutput& output_;
+    command::MemoryLimit& memory_;
     std::optional<ObjectDirectory> objects_;
     std::optional<SavedObjects> saved_;
     GuardedStep loading_;

@@ -17,6 +17,14 @@
 
 namespace zeb::viewer {
 
+using command::ExitCode;
+using command::Failure;
+using command::MemoryLimit;
+using command::StandardOutput;
+using command::styleOfTerminal;
+using command::whyEndedEarly;
+using command::whyRejected;
+
 namespace {
 
 constexpr std::uint64_t mostBytesOfBrowsers = std::uint64_t{256} << 20U;
@@ -65,7 +73,7 @@ analysis::Run RunForms::readRun(MemoryLimit& memory) const {
         return analysis::makeRun(options_.log, options_.level);
     }();
     if (!run) {
-        throw Failure(ExitCode::badLog, options_.log, whyRejected(options_.log, memory));
+        throw Failure(ExitCode::badLog, options_.log, whyRejected(options_.log, memory, pipedIntoViewer));
     }
     if (const auto trouble = whyEndedEarly(options_.log)) {
         throw Failure(ExitCode::badLog, options_.log, *trouble);

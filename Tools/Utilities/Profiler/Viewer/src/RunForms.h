@@ -21,17 +21,17 @@ public:
 
     /// Reads the log, unless no form is wanted, and prints all of them.
     /// @throws Failure
-    void show(StandardOutput& output, MemoryLimit& memory);
+    void show(command::StandardOutput& output, command::MemoryLimit& memory);
 
 private:
-    [[nodiscard]] analysis::Run readRun(MemoryLimit& memory) const;
-    void printTop(const analysis::Run& run, StandardOutput& output) const;
+    [[nodiscard]] analysis::Run readRun(command::MemoryLimit& memory) const;
+    void printTop(const analysis::Run& run, command::StandardOutput& output) const;
     void writeTrace(const analysis::Run& run);
 
     const ViewerOptions& options_;
-    std::optional<FormFile> json_;
-    std::optional<FormFile> trace_;
-    std::optional<FormFile> html_;
+    std::optional<command::FormFile> json_;
+    std::optional<command::FormFile> trace_;
+    std::optional<command::FormFile> html_;
 };
 
 }  // namespace zeb::viewer

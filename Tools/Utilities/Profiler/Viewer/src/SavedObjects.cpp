@@ -16,6 +16,11 @@
 
 namespace zeb::viewer {
 
+using command::errorText;
+using command::ExitCode;
+using command::Failure;
+using command::FileDescriptor;
+
 namespace {
 
 namespace fs = std::filesystem;

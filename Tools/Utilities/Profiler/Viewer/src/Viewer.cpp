@@ -1,12 +1,11 @@
 #include "Viewer.h"
 
-#include <exception>
 #include <iostream>
 #include <optional>
 #include <string>
 #include <utility>
-#include <vector>
 
+#include "CommandLine.h"
 #include "CsvFile.h"
 #include "GuardedStep.h"
 #include "LoadProgress.h"
@@ -20,10 +19,16 @@
 #include "ViewerArgs.h"
 #include "ViewerOptions.h"
 #include "text/BuildText.h"
-#include "text/NearestName.h"
 #include "zeb/profiling/Version.h"
 
 namespace zeb::viewer {
+
+using command::Action;
+using command::ExitCode;
+using command::Failure;
+using command::MemoryLimit;
+using command::StandardOutput;
+using command::troubleWithPath;
 
 namespace {
 
@@ -69,12 +74,9 @@ void refuseLeftovers(const ViewerArgs& args) {
     if (!leftover->isOption) {
         throw Failure(ExitCode::usage, leftover->name, "a word too many, there is one LOG");
     }
-    std::vector<std::string> known = viewerOptionNames();
+    command::Words known = viewerOptionNames();
     known.insert(known.end(), args.askedNames().begin(), args.askedNames().end());
-    const auto meant = profiling::nearestName(leftover->name, known);
-    throw Failure(ExitCode::usage, leftover->name,
-                  meant ? "unknown option, did you mean " + *meant + "?"
-                        : "unknown option; see " + std::string(programName) + " --help");
+    throw command::unknownOption(leftover->name, known);
 }
 
 // The report of a plug-in; nothing when the reader has shown its help.
@@ -118,7 +120,9 @@ ExitCode show(ViewerOptions options, StandardOutput& output) {
     return ExitCode::good;
 }
 
-ExitCode run(int argc, const char* const* argv) {
+}  // namespace
+
+ExitCode runViewer(int argc, const char* const* argv) {
     StandardOutput output;
     const ViewerOptions options = parseCommandLine(argc, argv);
     if (options.raw) {
@@ -133,27 +137,11 @@ ExitCode run(int argc, const char* const* argv) {
             std::cout << profiling::versionLines(programName, profiling::versionText);
             output.finish();
             break;
-        case Action::report:
+        case Action::work:
             exitCode = show(options, output);
             break;
     }
     return output.isPipeClosed() ? ExitCode::closedPipe : exitCode;
-}
-
-}  // namespace
-
-ExitCode runViewer(int argc, const char* const* argv) noexcept {
-    try {
-        return run(argc, argv);
-    } catch (const Failure& failure) {
-        printErrorLine(failure.what());
-        return failure.exitCode();
-    } catch (const std::exception& error) {
-        printErrorLine(error.what());
-    } catch (...) {
-        printErrorLine("unknown error");
-    }
-    return ExitCode::badLog;
 }
 
 }  // namespace zeb::viewer

@@ -1,24 +1,24 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "CommandLine.h"
 #include "MemoryLimit.h"
 #include "NamedReaders.h"
+#include "ProgramName.h"
 #include "TopText.h"
 #include "text/CommandManual.h"
 #include "zeb/profiling/VisibilityLevel.h"
 
 namespace zeb::viewer {
 
-enum class Action : std::uint8_t { report, showHelp, showVersion };
-
 /// The command line of the viewer.
 struct ViewerOptions {
-    Action action = Action::report;
+    command::Action action = command::Action::work;
     std::string reader{namedReaders[0].name};  ///< or the path of a plug-in
     std::string csv;                           ///< empty: no CSV report
     bool quiet = false;                        ///< no console report and no progress
@@ -26,7 +26,7 @@ struct ViewerOptions {
     profiling::VisibilityLevel level{127};
     std::optional<std::string> objectDirectory;  ///< nothing: objects are not saved
     bool trustObjectNames = false;
-    MemorySize maxMemory = defaultMemorySize();
+    command::MemorySize maxMemory = command::defaultMemorySize();
     std::optional<std::size_t> topRows;  ///< nothing: no ranking behind the report
     forms::LayerOrder topOrder = forms::LayerOrder::time;
     std::string topFilter;
@@ -47,12 +47,16 @@ struct ViewerOptions {
     [[nodiscard]] bool isFormAlone() const { return json == "-" || trace == "-" || html == "-"; }
 };
 
-/// Help and version win over a missing LOG and values that are no numbers.
+/// @return what the exit code says, as help and README have it; empty for a number that is none of this
+/// command
+std::string_view meaningOf(command::ExitCode exitCode);
+
+/// Help and version win over a missing LOG and wrong values.
 /// @throws Failure for wrong usage
 ViewerOptions parseCommandLine(int argc, const char* const* argv);
 
 /// @return the names of the viewer's own options, with their dashes
-std::vector<std::string> viewerOptionNames();
+command::Words viewerOptionNames();
 
 /// @return what the viewer says about itself, without what a reader does
 profiling::CommandManual viewerManual();

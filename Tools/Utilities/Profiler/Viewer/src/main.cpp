@@ -1,12 +1,8 @@
-#include <csignal>
-
-#include "StandardOutput.h"
+#include "ProgramName.h"
+#include "RunCommand.h"
 #include "Viewer.h"
 
 int main(int argc, char** argv) {
-    // A closed pipe and a file-size limit are errors of the write that meets them, and no sudden end.
-    static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
-    static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
-    zeb::viewer::reserveStandardStreams();
-    return static_cast<int>(zeb::viewer::runViewer(argc, argv));
+    return zeb::command::runCommand(zeb::viewer::programName,
+                                    [&] { return zeb::viewer::runViewer(argc, argv); });
 }

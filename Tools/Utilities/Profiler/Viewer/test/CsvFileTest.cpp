@@ -24,6 +24,8 @@
 namespace zeb::viewer {
 namespace {
 
+namespace test = command::test;
+
 namespace fs = std::filesystem;
 using test::failureOf;
 using test::fileText;
@@ -153,7 +155,7 @@ TEST_F(CsvFile, KeepsWhatSomebodyAppendsMeanwhile) {
 TEST_F(CsvFile, WaitsForTheOneWhoIsWriting) {
     for (const bool isRemoved : {false, true}) {
         files.write("runs.csv", "first\n");
-        const FileDescriptor other(::open(path.c_str(), O_WRONLY | O_APPEND));
+        const command::FileDescriptor other(::open(path.c_str(), O_WRONLY | O_APPEND));
         ASSERT_EQ(::flock(other.get(), LOCK_EX), 0);
         std::thread waiting([this] { append(path, "third\n"); });
         std::this_thread::sleep_for(std::chrono::milliseconds(50));

@@ -15,13 +15,15 @@
 namespace zeb::viewer {
 namespace {
 
+namespace test = command::test;
+
 // A terminal that takes the place of standard error for as long as it lives.
 class Terminal {
 public:
     Terminal() : terminal_(::posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK)), before_(::dup(STDERR_FILENO)) {
         EXPECT_TRUE(terminal_.isOpen() && ::grantpt(terminal_.get()) == 0 &&
                     ::unlockpt(terminal_.get()) == 0);
-        user_ = FileDescriptor(::open(::ptsname(terminal_.get()), O_RDWR | O_NOCTTY));
+        user_ = command::FileDescriptor(::open(::ptsname(terminal_.get()), O_RDWR | O_NOCTTY));
         ::dup2(user_.get(), STDERR_FILENO);
     }
     Terminal(const Terminal&) = delete;
@@ -45,16 +47,16 @@ public:
     }
 
 private:
-    FileDescriptor terminal_;
-    FileDescriptor before_;
-    FileDescriptor user_{-1};
+    command::FileDescriptor terminal_;
+    command::FileDescriptor before_;
+    command::FileDescriptor user_{-1};
     std::string text_;
 };
 
 TEST(LoadProgress, IsShownOnATerminalAfterASecondAndGoesAway) {
     const test::TempDir files;
     const std::string path = files.write("log", std::string(2'000'000, 'x'));
-    const FileDescriptor reader(::open(path.c_str(), O_RDONLY));
+    const command::FileDescriptor reader(::open(path.c_str(), O_RDONLY));
     EXPECT_EQ(::lseek(reader.get(), 500'000, SEEK_SET), 500'000);
     Terminal terminal;
     {

@@ -10,6 +10,8 @@
 namespace zeb::viewer {
 namespace {
 
+namespace test = command::test;
+
 namespace fs = std::filesystem;
 
 class ObjectDirectoryTest : public testing::Test {

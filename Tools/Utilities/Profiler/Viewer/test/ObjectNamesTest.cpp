@@ -17,6 +17,8 @@
 namespace zeb::viewer {
 namespace {
 
+namespace test = command::test;
+
 namespace fs = std::filesystem;
 
 using samplelog::Event;

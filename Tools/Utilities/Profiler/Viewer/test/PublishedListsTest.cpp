@@ -5,9 +5,9 @@
 #include <algorithm>
 #include <string>
 
-#include "Failure.h"
 #include "NamedReaders.h"
 #include "PluginLibrary.h"
+#include "ViewerOptions.h"
 #include "support/TestFiles.h"
 #include "text/TwoColumns.h"
 

@@ -14,8 +14,10 @@
 #include "support/Command.h"
 #include "support/TestChunks.h"
 
-namespace zeb::viewer::test {
+namespace zeb::viewer {
 namespace {
+
+using namespace command::test;
 
 namespace fs = std::filesystem;
 using samplelog::Event;
@@ -200,7 +202,7 @@ TEST_F(RealReader, SavesObjects) {
 }
 
 TEST_F(RealReader, EndsWithALineWhenALogNeedsTooMuchMemory) {
-    if (!MemoryLimit::canBeSet) {
+    if (!command::MemoryLimit::canBeSet) {
         GTEST_SKIP() << "no limit under sanitizers";
     }
     const std::string shared = files.write("shared.log", sharedEventsLog("a.bin"));
@@ -237,4 +239,4 @@ TEST_F(RealReader, IsEndedAtOnceByAnInterrupt) {
 }
 
 }  // namespace
-}  // namespace zeb::viewer::test
+}  // namespace zeb::viewer

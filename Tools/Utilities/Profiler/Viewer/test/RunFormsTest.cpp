@@ -11,8 +11,10 @@
 #include "NetworkLog.h"
 #include "support/Command.h"
 
-namespace zeb::viewer::test {
+namespace zeb::viewer {
 namespace {
+
+using namespace command::test;
 
 namespace fs = std::filesystem;
 
@@ -136,4 +138,4 @@ TEST_F(RunForms, TellAValueThatIsNoNumber) {
 }
 
 }  // namespace
-}  // namespace zeb::viewer::test
+}  // namespace zeb::viewer

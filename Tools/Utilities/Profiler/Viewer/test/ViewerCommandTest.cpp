@@ -13,8 +13,10 @@
 #include "support/Command.h"
 #include "support/TestChunks.h"
 
-namespace zeb::viewer::test {
+namespace zeb::viewer {
 namespace {
+
+using namespace command::test;
 
 namespace fs = std::filesystem;
 class ViewerCommand : public testing::Test {
@@ -33,7 +35,8 @@ protected:
     }
 
     static std::string memoryWords(const std::string& size) {
-        return MemoryLimit::canBeSet ? "needs more than " + size + " of memory" : MemoryLimit::withoutLimit;
+        return command::MemoryLimit::canBeSet ? "needs more than " + size + " of memory"
+                                              : command::MemoryLimit::withoutLimit;
     }
 
     TempDir files;
@@ -70,7 +73,7 @@ TEST_F(ViewerCommand, RefusesWrongUsage) {
         {{"--level", "128", log}, "--level: \"128\" is no number from -128 to 127" + seeHelp},
         {{"--level", "-129", log}, "--level: \"-129\" is no number from -128 to 127" + seeHelp},
         {{"--level", "2x", log}, "--level: \"2x\" is no number from -128 to 127" + seeHelp},
-        {{"--level", "", log}, "--level: \"\" is no number from -128 to 127" + seeHelp},
+        {{"--level", "", log}, "--level: needs a value" + seeHelp},
         {{"--save-objects=a", log, "--save-objects=b"},
          "--save-objects: to be given once, with a value" + seeHelp},
         {{"--max-memory", "5T", log}, "--max-memory: \"5T\" is no size like 800M, 2G or 1000000" + seeHelp},
@@ -136,7 +139,7 @@ TEST_F(ViewerCommand, NamesWhatKeepsTheLogFromBeingRead) {
 }
 
 TEST_F(ViewerCommand, EndsWithALineWhenItNeedsTooMuchMemory) {
-    if (!MemoryLimit::canBeSet) {
+    if (!command::MemoryLimit::canBeSet) {
         GTEST_SKIP() << "no limit under sanitizers";
     }
     expectFailure(view({log, "--max-memory=64M", "--load=grow"}), 1, log + ": needs more than 64M of memory");
@@ -232,7 +235,7 @@ TEST_F(ViewerCommand, KeepsControlCharactersFromATerminal) {
     const std::string text =
         "\x1B[31mred\xC2\x9B"
         "2J \xE2\x80\xAE\xC3\xA9";
-    const FileDescriptor terminal(::posix_openpt(O_RDWR | O_NOCTTY));
+    const command::FileDescriptor terminal(::posix_openpt(O_RDWR | O_NOCTTY));
     ASSERT_TRUE(terminal.isOpen() && ::grantpt(terminal.get()) == 0 && ::unlockpt(terminal.get()) == 0);
     const auto onTerminal = [&](const Strings& arguments) {
         const CommandResult result = view(arguments, ">" + std::string(::ptsname(terminal.get())));
@@ -332,4 +335,4 @@ TEST_F(ViewerCommand, FindsNamedReadersBesideItselfAndInItsLibraryDirectory) {
 }
 
 }  // namespace
-}  // namespace zeb::viewer::test
+}  // namespace zeb::viewer

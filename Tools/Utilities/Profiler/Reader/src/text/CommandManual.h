@@ -13,7 +13,7 @@ struct ManualOption {
     std::string valueForm;  ///< what stands behind the name: nothing, " FILE" or, where it may be left out,
                             ///< "[=N]". FILE, LOG and PATH are for files, DIR for a directory.
     std::string text;       ///< sentences; line feeds in it are blanks
-    std::vector<std::string> values;  ///< that can be named, if there are such
+    std::vector<std::string> values = {};  ///< that can be named, if there are such
 };
 
 struct ManualTable {

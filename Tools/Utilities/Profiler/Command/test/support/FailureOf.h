@@ -5,7 +5,7 @@
 
 #include "Failure.h"
 
-namespace zeb::viewer::test {
+namespace zeb::command::test {
 
 /// @return the call's failure, its text behind the exit code; empty when there is none
 inline std::string failureOf(const std::function<void()>& call) {
@@ -17,4 +17,4 @@ inline std::string failureOf(const std::function<void()>& call) {
     return "";
 }
 
-}  // namespace zeb::viewer::test
+}  // namespace zeb::command::test

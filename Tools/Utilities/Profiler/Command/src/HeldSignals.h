@@ -2,7 +2,7 @@
 
 #include <csignal>
 
-namespace zeb::viewer {
+namespace zeb::command {
 
 /// Holds back, as long as it lives, the signals that end the process: one in the middle of a file's last step
 /// would leave a part behind.
@@ -24,4 +24,4 @@ private:
     sigset_t before_{};
 };
 
-}  // namespace zeb::viewer
+}  // namespace zeb::command

@@ -11,7 +11,7 @@
 #include "StandardOutput.h"
 #include "TerminalText.h"
 
-namespace zeb::viewer {
+namespace zeb::command {
 namespace {
 
 using forms::shownOnOneLine;
@@ -108,4 +108,4 @@ TEST(StandardOutput, WaitsForAPipeThatDoesNot) {
 }
 
 }  // namespace
-}  // namespace zeb::viewer
+}  // namespace zeb::command

@@ -6,7 +6,7 @@
 #include "MemoryLimit.h"
 #include "support/TestFiles.h"
 
-namespace zeb::viewer {
+namespace zeb::command {
 namespace {
 
 TEST(MemoryLimit, TakesSizesAsUsersWriteThem) {
@@ -70,4 +70,4 @@ TEST(MemoryLimit, IsThatOfTheControlGroup) {
 }
 
 }  // namespace
-}  // namespace zeb::viewer
+}  // namespace zeb::command

@@ -9,7 +9,7 @@
 
 namespace {
 
-using namespace zeb::viewer::test;
+using namespace zeb::command::test;
 
 int duplicate = -1;
 

@@ -19,7 +19,7 @@
 #include "log/ChunkPrefix.h"
 #include "log/ChunkReader.h"
 
-namespace zeb::viewer {
+namespace zeb::command {
 
 namespace {
 
@@ -138,7 +138,7 @@ constexpr Compression compressions[] = {
     {std::string_view("\xFD\x37zXZ\0", 6), "xz", "xzcat"},
 };
 
-std::optional<std::string> compressionOf(const std::string& path) {
+std::optional<std::string> compressionOf(const std::string& path, std::string_view unpackedTo) {
     const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
     std::array<std::uint8_t, 6> bytes{};
     if (!file.isOpen() || readAt(file, 0, bytes) < 2) {
@@ -148,8 +148,8 @@ std::optional<std::string> compressionOf(const std::string& path) {
     for (const Compression& compression : compressions) {
         if (first.starts_with(compression.firstBytes)) {
             return "the log can't be read: it seems to be compressed by " + std::string(compression.name) +
-                   "; try " + std::string(compression.command) + ' ' + path + " | " +
-                   std::string(programName) + " -";
+                   "; try " + std::string(compression.command) + ' ' + path + ' ' +
+                   std::string(unpackedTo);
         }
     }
     return std::nullopt;
@@ -190,7 +190,7 @@ std::optional<std::string> whyEndedEarly(const std::string& path) {
                                                 std::to_string(offset) + ": " + errorText(lengths.error()));
 }
 
-std::string whyRejected(const std::string& path, const MemoryLimit& memory) {
+std::string whyRejected(const std::string& path, const MemoryLimit& memory, std::string_view unpackedTo) {
     struct stat status {};
     if (::stat(path.c_str(), &status) != 0) {
         return unreadable(errno);
@@ -198,7 +198,7 @@ std::string whyRejected(const std::string& path, const MemoryLimit& memory) {
     if (!S_ISREG(status.st_mode)) {
         return "the log can't be read, and, being no regular file, not a second time to find out why";
     }
-    if (const auto compression = compressionOf(path)) {
+    if (const auto compression = compressionOf(path, unpackedTo)) {
         return *compression;
     }
     ChunkReader chunks(path);
@@ -215,4 +215,4 @@ std::string whyRejected(const std::string& path, const MemoryLimit& memory) {
     return whyEndedEarly(path).value_or("the log can't be read, though all of its chunks are sound");
 }
 
-}  // namespace zeb::viewer
+}  // namespace zeb::command

@@ -8,7 +8,7 @@
 
 #include "support/TestChunks.h"
 
-namespace zeb::viewer::test {
+namespace zeb::command::test {
 
 using Strings = std::vector<std::string>;
 
@@ -33,7 +33,8 @@ struct CommandResult {
 CommandResult runCommand(const Strings& arguments, const std::string& output = output::captured,
                          const std::function<void(pid_t)>& meanwhile = {});
 
-/// Expects the exit code, and the line alone on standard error.
-void expectFailure(const CommandResult& result, int exitCode, const std::string& line);
+/// Expects the exit code, and the line of the program alone on standard error.
+void expectFailure(const CommandResult& result, int exitCode, const std::string& line,
+                   const std::string& program = "zeb-profile-viewer");
 
-}  // namespace zeb::viewer::test
+}  // namespace zeb::command::test

@@ -5,7 +5,7 @@
 #include <cerrno>
 #include <utility>
 
-namespace zeb::viewer {
+namespace zeb::command {
 
 /// Owns an open file descriptor, or none (a negative number).
 class FileDescriptor {
@@ -42,4 +42,4 @@ auto restarted(Call call) {
     return result;
 }
 
-}  // namespace zeb::viewer
+}  // namespace zeb::command

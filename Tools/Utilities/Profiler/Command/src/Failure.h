@@ -5,10 +5,9 @@
 #include <string>
 #include <string_view>
 
-namespace zeb::viewer {
+namespace zeb::command {
 
-inline constexpr std::string_view programName = "zeb-profile-viewer";
-
+/// The exit codes of all commands. Each ends with some of them, and has its own words for them in its help.
 enum class ExitCode : std::uint8_t {
     good = 0,
     badLog = 1,
@@ -16,11 +15,10 @@ enum class ExitCode : std::uint8_t {
     badOutput = 3,
     badPlugin = 4,
     badReport = 5,
+    slower = 6,
+    incomparable = 7,
     closedPipe = 141,  ///< as a shell tells the signal of a pipe that nobody reads any more
 };
-
-/// @return what the exit code says, as help and README have it; empty for a number that is none
-std::string_view meaningOf(ExitCode exitCode);
 
 /// Ends the command with an exit code and one line on standard error.
 class Failure final : public std::runtime_error {
@@ -32,15 +30,24 @@ public:
 
     [[nodiscard]] ExitCode exitCode() const { return exitCode_; }
 
+    /// Lets the line end in a word that the command's help says more.
+    [[nodiscard]] Failure withHelp() const {
+        Failure failure = *this;
+        failure.pointsToHelp_ = true;
+        return failure;
+    }
+    [[nodiscard]] bool pointsToHelp() const { return pointsToHelp_; }
+
 private:
     ExitCode exitCode_;
+    bool pointsToHelp_ = false;
 };
 
 /// Writes the text on standard error as one line behind the program's name. Control characters, which a file
 /// name may hold, show as question marks (`TerminalText`).
-void printErrorLine(std::string_view text) noexcept;
+void printErrorLine(std::string_view programName, std::string_view text) noexcept;
 
 /// @return the system's text for an `errno` value
 std::string errorText(int error);
 
-}  // namespace zeb::viewer
+}  // namespace zeb::command

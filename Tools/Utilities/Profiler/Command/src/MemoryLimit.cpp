@@ -13,7 +13,7 @@
 
 #include "Failure.h"
 
-namespace zeb::viewer {
+namespace zeb::command {
 
 namespace {
 
@@ -172,4 +172,4 @@ bool MemoryLimit::wasHit() {
     return hasAllocationFailed;
 }
 
-}  // namespace zeb::viewer
+}  // namespace zeb::command

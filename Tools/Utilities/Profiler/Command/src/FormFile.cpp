@@ -14,7 +14,7 @@
 #include "HeldSignals.h"
 #include "StandardOutput.h"
 
-namespace zeb::viewer {
+namespace zeb::command {
 
 namespace {
 
@@ -169,4 +169,4 @@ void FormFile::putInPlace() {
     beside_.reset();
 }
 
-}  // namespace zeb::viewer
+}  // namespace zeb::command

@@ -7,7 +7,7 @@
 
 #include "TerminalText.h"
 
-namespace zeb::viewer {
+namespace zeb::command {
 
 /// Fills the places of standard streams that the caller has closed, so that no file that is opened later
 /// lands on one of them. What is written to a standard output that was closed fails.
@@ -74,4 +74,4 @@ private:
     std::streambuf* replaced_;
 };
 
-}  // namespace zeb::viewer
+}  // namespace zeb::command

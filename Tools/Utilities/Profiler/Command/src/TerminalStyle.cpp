@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <string_view>
 
-namespace zeb::viewer {
+namespace zeb::command {
 
 namespace {
 
@@ -44,4 +44,4 @@ forms::ConsoleStyle styleOfTerminal(int descriptor) {
     return style;
 }
 
-}  // namespace zeb::viewer
+}  // namespace zeb::command

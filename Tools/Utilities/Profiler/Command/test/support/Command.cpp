@@ -5,7 +5,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-namespace zeb::viewer::test {
+namespace zeb::command::test {
 
 CommandResult runCommand(const Strings& arguments, const std::string& output,
                          const std::function<void(pid_t)>& meanwhile) {
@@ -31,9 +31,10 @@ CommandResult runCommand(const Strings& arguments, const std::string& output,
             .err = fileText(captures.path("err"))};
 }
 
-void expectFailure(const CommandResult& result, int exitCode, const std::string& line) {
+void expectFailure(const CommandResult& result, int exitCode, const std::string& line,
+                   const std::string& program) {
     EXPECT_EQ(result.exitCode, exitCode) << line;
-    EXPECT_EQ(result.err, "zeb-profile-viewer: " + line + "\n");
+    EXPECT_EQ(result.err, program + ": " + line + "\n");
 }
 
-}  // namespace zeb::viewer::test
+}  // namespace zeb::command::test

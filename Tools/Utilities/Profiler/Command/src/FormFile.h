@@ -7,7 +7,7 @@
 
 #include "FileDescriptor.h"
 
-namespace zeb::viewer {
+namespace zeb::command {
 
 /// A file that a form goes to. A regular or a new one is written beside its place and put there once it is
 /// whole, so that it is whole or as it was; a link stays a link. Anything else (a device, a pipe) is written
@@ -41,4 +41,4 @@ private:
     std::optional<Beside> beside_;
 };
 
-}  // namespace zeb::viewer
+}  // namespace zeb::command

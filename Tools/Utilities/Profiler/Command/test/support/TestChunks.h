@@ -7,7 +7,7 @@
 #include "SharedEventsLog.h"
 #include "support/TestFiles.h"
 
-namespace zeb::viewer::test {
+namespace zeb::command::test {
 
 using zeb::test::fileText;
 using zeb::test::OrdinaryUser;
@@ -43,4 +43,4 @@ inline std::string sharedEventsLog(const std::string& objectName) {
         {.levels = 8, .sharedLevels = 7, .fanOut = 8, .objectName = objectName}));
 }
 
-}  // namespace zeb::viewer::test
+}  // namespace zeb::command::test

@@ -9,7 +9,7 @@
 #include "support/SystemFaults.h"
 #include "support/TestChunks.h"
 
-namespace zeb::viewer {
+namespace zeb::command {
 namespace {
 
 using test::OrdinaryUser;
@@ -21,7 +21,9 @@ using test::withPrefix;
 class LogDiagnosis : public testing::Test {
 protected:
     std::string trouble(const std::string& path) { return troubleWithPath(path).value_or(""); }
-    std::string whyRejected(const std::string& path) { return viewer::whyRejected(path, memory); }
+    std::string whyRejected(const std::string& path) {
+        return command::whyRejected(path, memory, "| command -");
+    }
 
     MemoryLimit memory{defaultMemorySize()};
 
@@ -124,4 +126,4 @@ TEST_F(LogDiagnosis, FindsEveryLengthInFewReads) {
 }
 
 }  // namespace
-}  // namespace zeb::viewer
+}  // namespace zeb::command

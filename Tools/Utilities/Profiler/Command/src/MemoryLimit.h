@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-namespace zeb::viewer {
+namespace zeb::command {
 
 /// An amount of memory.
 struct MemorySize {
@@ -61,4 +61,4 @@ private:
     std::unique_ptr<std::byte[]> reserve_;
 };
 
-}  // namespace zeb::viewer
+}  // namespace zeb::command

@@ -11,7 +11,7 @@
 #include "Failure.h"
 #include "FileDescriptor.h"
 
-namespace zeb::viewer {
+namespace zeb::command {
 
 namespace {
 
@@ -116,4 +116,4 @@ bool StandardOutput::isPipeClosed() const {
     return buffer_.error() == EPIPE;
 }
 
-}  // namespace zeb::viewer
+}  // namespace zeb::command

@@ -6,7 +6,7 @@
 
 /// Faults of the system that no file here has. The program's own `close` and `pread` stand in for the
 /// system's.
-namespace zeb::viewer::test {
+namespace zeb::command::test {
 
 /// Lets the next duplicate of a descriptor fail to close, for want of quota.
 inline bool nextCloseFails = false;
@@ -20,4 +20,4 @@ inline std::optional<std::int64_t> badByte;
 /// Counts the reads.
 inline int reads = 0;
 
-}  // namespace zeb::viewer::test
+}  // namespace zeb::command::test
