@@ -302,4 +302,13 @@ void addFindings(Graph& graph, const Run& run) {
     graph.findings.resize(std::min(graph.findings.size(), maxFindings));
 }
 
+void addFindings(Run& run) {
+    if (run.graphs.empty()) {
+        run.findings.push_back({"no-graph", "No graph was executed in this log.", {}, {}});
+    }
+    for (Graph& graph : run.graphs) {
+        addFindings(graph, run);
+    }
+}
+
 }  // namespace zeb::analysis

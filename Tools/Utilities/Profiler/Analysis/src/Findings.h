@@ -12,4 +12,7 @@ inline constexpr std::size_t maxFindings = 7;  ///< of a graph
 /// Fills the findings of a graph from its figures.
 void addFindings(Graph& graph, const Run& run);
 
+/// Fills the findings of a run and of its graphs from their figures.
+void addFindings(Run& run);
+
 }  // namespace zeb::analysis

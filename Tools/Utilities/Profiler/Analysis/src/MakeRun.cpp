@@ -267,9 +267,7 @@ private:
         for (std::size_t position = 0; position < store_.executeRecords.size(); ++position) {
             run_.graphs.push_back(makeGraph(position, level.value_or(profiling::ProfileLevel::basic)));
         }
-        for (Graph& graph : run_.graphs) {
-            addFindings(graph, run_);
-        }
+        addFindings(run_);
     }
 
     Graph makeGraph(std::size_t position, profiling::ProfileLevel level) {

@@ -194,6 +194,8 @@ TEST_F(MadeRun, IsNothingForADamagedLog) {
     const analysis::Run empty = makeRun(directory.write("log", ""), allMessages).value();
     EXPECT_FALSE(empty.header);
     EXPECT_TRUE(empty.graphs.empty());
+    ASSERT_EQ(empty.findings.size(), 1U);
+    EXPECT_EQ(empty.findings[0].rule, "no-graph");
 }
 
 Graph graphOf(std::vector<std::uint64_t> durations) {

@@ -44,9 +44,8 @@ public:
     /// @throws Failure when the system refuses it
     explicit MemoryLimit(const MemorySize& size);
 
-    /// @return whether an allocation has failed, also when somebody has caught that: text streams do, and
-    /// lose what
-    ///         was to be written
+    /// @return whether an allocation has failed, also when somebody has caught that: text streams do,
+    ///         and lose what was to be written
     [[nodiscard]] static bool wasHit();
 
     /// Gives back a little memory that was put aside, so that a failure for want of memory can be told.

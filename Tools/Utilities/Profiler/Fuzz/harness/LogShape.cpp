@@ -77,12 +77,12 @@ private:
         for (std::size_t index = 0; index < count && shape_.isAffordable; ++index) {
             const std::uint64_t element = vector + 4 + index * 4;
             const std::uint64_t table = element + chunk_.number<std::uint32_t>(element);
-            takeTable(table, depth > 0);
+            countTable(table, depth > 0);
             walkTables(follow(table, slot), subEventsSlot, depth + 1);
         }
     }
 
-    void takeTable(std::uint64_t table, bool isEvent) {
+    void countTable(std::uint64_t table, bool isEvent) {
         for (const std::uint64_t slot : textSlots) {
             const std::uint64_t text = follow(table, slot);
             textBytes_ += text == 0 ? 0 : chunk_.elements(text, 1);

@@ -48,7 +48,7 @@ void RunForms::show(StandardOutput& output, MemoryLimit& memory) {
         return;
     }
     const GuardedStep printing{ExitCode::badReport, options_.log,
-                               "the figures of the run can't be told: ", "to tell the figures of the run "};
+                               "the figures of the run can't be told: ", "to note the figures of the run "};
     guarded(printing, &memory, [&] {
         const analysis::Run run = readRun(memory);
         if (options_.topRows) {
@@ -103,14 +103,14 @@ void RunForms::writeTrace(const analysis::Run& run) {
             throw Failure(ExitCode::badLog, options_.log, "the log has changed while it was read");
         }
     });
-    const auto tell = [this](const std::string& what) { printErrorLine(options_.trace + ": " + what); };
+    const auto note = [this](const std::string& what) { printErrorLine(options_.trace + ": note: " + what); };
     if (result->leftOutForTracks + result->leftOutAsTooLate > 0) {
-        tell("note: " + std::to_string(result->leftOutForTracks) +
+        note(std::to_string(result->leftOutForTracks) +
              " messages overlap too many others to be drawn, and " +
              std::to_string(result->leftOutAsTooLate) + " lie too far behind the first");
     }
     if (result->bytes > mostBytesOfBrowsers) {
-        tell("note: " + std::to_string(result->bytes >> 20U) +
+        note(std::to_string(result->bytes >> 20U) +
              " MB are more than most browsers open; --trace-from and --trace-to cut it");
     }
 }

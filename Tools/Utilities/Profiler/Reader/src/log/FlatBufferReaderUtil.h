@@ -34,9 +34,8 @@ public:
     /// @return the next message of the open chunk, null at its end and when no chunk is open
     const schema::LogMessage* nextMessage();
 
-    /// @return the first header of the log, null before one was met. It may be read only while the chunk is
-    /// open
-    ///         that it was met in.
+    /// @return the first header of the log, null before one was met. It may be read only while the
+    ///         chunk is open that it was met in.
     [[nodiscard]] const schema::LogHeader* header() const { return headerTable_; }
 
 private:

@@ -18,9 +18,8 @@ struct LabelledText {
     std::string text;
 };
 
-/// @return the text in lines of `width` characters at most, as far as no word is longer; blanks and line
-/// feeds
-///         alike part words
+/// @return the text in lines of `width` characters at most, as far as no word is longer; blanks and
+///         line feeds alike part words
 std::vector<std::string> wrappedLines(std::string_view text, std::size_t width);
 
 /// Lays rows out in two columns, the first one indented and as wide as its longest label asks for, in lines

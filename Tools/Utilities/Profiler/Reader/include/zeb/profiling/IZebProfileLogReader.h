@@ -51,16 +51,14 @@ public:
     /// Reads, decodes and aggregates the whole log. To be called once. Writes the notes of the aggregation,
     /// if there are any, to standard output.
     /// @param saveObjects whether `generateReports` writes object events to files in the working directory
-    /// @return false when the log cannot be opened, a chunk is damaged or there is no memory for it; what
-    /// earlier
-    ///         chunks held has been decoded then, but not aggregated
+    /// @return false when the log cannot be opened, a chunk is damaged or there is no memory for it;
+    ///         what earlier chunks held has been decoded then, but not aggregated
     /// @throws std::bad_alloc when decoding runs out of memory
     virtual bool loadLog(bool saveObjects) = 0;
 
     /// Takes the reader's own options from the command line. To be called before `generateReports`.
-    /// @return false when the host should not go on: help was shown, or the options are wrong, and the reader
-    /// has
-    ///         said so on standard error
+    /// @return false when the host should not go on: help was shown, or the options are wrong, and the
+    ///         reader has said so on standard error
     virtual bool parseBackendArgs(commandline2::ParsedArgs& parsedArgs) = 0;
 
     /// Writes one console line for each event and its sub-events; for use by the reader itself.
