@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <ostream>
 #include <string_view>
 
@@ -10,9 +11,10 @@ namespace zeb::profiling {
 struct KeptText {
     const char* characters;
     std::uint32_t length;
+    static constexpr std::uint32_t unmarked = std::numeric_limits<std::uint32_t>::max();
     // An operation over many names may leave a number with each, to be found again in a list of its own. Any
     // other one may have left another number: it counts only where the list has that name at that number.
-    mutable std::uint32_t mark = 0;
+    mutable std::uint32_t mark = unmarked;
 
     [[nodiscard]] std::string_view text() const { return {characters, length}; }
 };
