@@ -27,7 +27,7 @@ std::optional<ObjectDirectory> openObjectDirectory(const ViewerOptions& options)
         return std::nullopt;
     }
     std::error_code ignored;
-    if (!options.trustObjectNames && !std::filesystem::is_regular_file(options.log, ignored)) {
+    if (!options.trustObjectNames && !std::filesystem::is_regular_file(options.logPath, ignored)) {
         throw Failure(ExitCode::usage, options.log,
                       "the log is no regular file, so --save-objects can't check its object names first; "
                       "--trust-object-names goes without");
@@ -64,7 +64,7 @@ void ReportRun::show() {
 
 void ReportRun::checkObjects() {
     if (!options_.trustObjectNames) {
-        saved_ = checkObjectNames(options_.log, objects_->path());
+        saved_ = checkObjectNames(options_.logPath, objects_->path());
         saved_->checkBefore(options_.csv);
     }
     printErrorLine("objects go to " + objects_->path());
@@ -72,13 +72,14 @@ void ReportRun::checkObjects() {
 
 void ReportRun::load() {
     const bool isLoaded = [this] {
-        const LoadProgress progress(options_.log);
+        const LoadProgress progress(options_.logPath);
         return reader_.loadLog(objects_.has_value());
     }();
     if (!isLoaded) {
-        throw Failure(ExitCode::badLog, options_.log, whyRejected(options_.log, memory_, pipedIntoViewer));
+        throw Failure(ExitCode::badLog, options_.log,
+                      whyRejected(options_.logPath, memory_, pipedIntoViewer));
     }
-    if (const auto trouble = whyEndedEarly(options_.log)) {
+    if (const auto trouble = whyEndedEarly(options_.logPath)) {
         throw Failure(ExitCode::badLog, options_.log, *trouble);
     }
 }

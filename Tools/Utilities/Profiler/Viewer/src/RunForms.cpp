@@ -33,13 +33,13 @@ constexpr std::uint64_t mostBytesOfBrowsers = std::uint64_t{256} << 20U;
 
 RunForms::RunForms(const ViewerOptions& options) : options_(options) {
     if (!options.json.empty()) {
-        json_.emplace(options.json, options.log);
+        json_.emplace(options.json, options.logPath);
     }
     if (!options.trace.empty()) {
-        trace_.emplace(options.trace, options.log);
+        trace_.emplace(options.trace, options.logPath);
     }
     if (!options.html.empty()) {
-        html_.emplace(options.html, options.log);
+        html_.emplace(options.html, options.logPath);
     }
 }
 
@@ -69,15 +69,16 @@ void RunForms::show(StandardOutput& output, MemoryLimit& memory) {
 
 analysis::Run RunForms::readRun(MemoryLimit& memory) const {
     auto run = [this] {
-        const LoadProgress progress(options_.log);
-        return analysis::makeRun(options_.log, options_.level);
+        const LoadProgress progress(options_.logPath);
+        return analysis::makeRun(options_.logPath, options_.level);
     }();
     if (!run) {
-        throw Failure(ExitCode::badLog, options_.log, whyRejected(options_.log, memory, pipedIntoViewer));
+        throw Failure(ExitCode::badLog, options_.log, whyRejected(options_.logPath, memory, pipedIntoViewer));
     }
-    if (const auto trouble = whyEndedEarly(options_.log)) {
+    if (const auto trouble = whyEndedEarly(options_.logPath)) {
         throw Failure(ExitCode::badLog, options_.log, *trouble);
     }
+    run->logFile = options_.log;
     return std::move(*run);
 }
 
@@ -97,7 +98,7 @@ void RunForms::writeTrace(const analysis::Run& run) {
     std::optional<forms::TraceResult> result;
     trace_->write([&](std::ostream& out) {
         result = forms::writeTrace(
-            out, run, options_.log,
+            out, run, options_.logPath,
             {.level = options_.level, .fromMs = options_.traceFromMs, .toMs = options_.traceToMs});
         if (!result) {
             throw Failure(ExitCode::badLog, options_.log, "the log has changed while it was read");

@@ -42,7 +42,7 @@ bool parseReaderOptions(IZebPluginLogReader& reader, ViewerArgs& args, const std
 
 void showReaderHelp(const ViewerOptions& options) {
     const PluginLibrary plugin(options.reader);
-    const ReaderPtr reader = plugin.createReader(options.log, options.level);
+    const ReaderPtr reader = plugin.createReader(options.logPath, options.level);
     ViewerArgs args({"--help"});
     parseReaderOptions(*reader, args, options.reader, ExitCode::badPlugin);
 }
@@ -82,14 +82,14 @@ void refuseLeftovers(const ViewerArgs& args) {
 // The report of a plug-in; nothing when the reader has shown its help.
 std::optional<MemoryLimit> showReport(const ViewerOptions& options, PipedLog& pipe, StandardOutput& output) {
     const PluginLibrary plugin(options.reader);
-    const ReaderPtr reader = plugin.createReader(options.log, options.level);
+    const ReaderPtr reader = plugin.createReader(options.logPath, options.level);
     ViewerArgs args(options.readerArguments);
     if (!parseReaderOptions(*reader, args, options.reader, ExitCode::usage)) {
         return std::nullopt;  // the reader has said why
     }
     refuseLeftovers(args);
     if (!options.csv.empty()) {
-        checkCsvPath(options.csv, options.log);
+        checkCsvPath(options.csv, options.logPath);
     }
     prepareLog(pipe);
     std::optional<MemoryLimit> memory(std::in_place, options.maxMemory);
@@ -104,7 +104,7 @@ ExitCode show(ViewerOptions options, StandardOutput& output) {
         LoadProgress::silence();
     }
     PipedLog pipe(options.log);
-    options.log = pipe.path();
+    options.logPath = pipe.path();
     RunForms forms(options);
     if (options.isFormAlone()) {
         prepareLog(pipe);

@@ -223,6 +223,7 @@ ViewerOptions parseCommandLine(int argc, const char* const* argv) {
         throw wrongUsage("no LOG given");
     }
     options.log = *line.word() == "-" ? "/dev/stdin" : *line.word();
+    options.logPath = options.log;
     options.readerArguments = line.remaining();
     checkTogether(line, options);
     return options;

@@ -35,7 +35,8 @@ struct ViewerOptions {
     std::string trace;                  ///< and for the timeline
     std::optional<double> traceFromMs;  ///< behind the smallest start; so is the next one
     std::optional<double> traceToMs;
-    std::string log;
+    std::string log;      ///< as it was given, for people
+    std::string logPath;  ///< what leads to it; differs for a pipe that has been kept
     /// What the viewer doesn't know, in its order, with a "--" mark.
     std::vector<std::string> readerArguments;
 

@@ -99,10 +99,14 @@ TEST_F(RealReader, ReadsAPipeMoreThanOnce) {
     expectPart(inherited.out, "Where an inference goes");
     const std::string pipe = files.path("fifo");
     ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
-    const CommandResult named =
-        through(chunk, "tee \"" + pipe + "\" >/dev/null & \"$1\" --quiet --top \"" + pipe + "\"");
-    EXPECT_EQ(named.exitCode, 0) << named.err;
-    expectPart(named.out, "Where an inference goes");
+    const auto named = [&](const std::string& bytes) {
+        return through(bytes, "tee \"" + pipe + "\" >/dev/null & \"$1\" --json - \"" + pipe + "\"");
+    };
+    expectPart(named(chunk).out, "\"log\":\"" + pipe + "\"");
+    expectFailure(named(chunk.substr(0, chunk.size() - 1)), 1,
+                  pipe + ": the log can't be read: chunk 1 at byte 0, " + std::to_string(chunk.size() - 4) +
+                      " bytes long, is cut off at the end of the file: only " +
+                      std::to_string(chunk.size() - 5) + " bytes of it are there");
 }
 
 TEST_F(RealReader, TellsWhatCompressesALog) {
