@@ -23,6 +23,8 @@ Compare/src                   text zeb/profiling
 SampleLog/src                 log flatbuffers
 SampleLog/src/command         log text zeb/profiling
 Manual/src                    text command reader/backend zeb/profiling
+../../../examples/host        zeb/profiling
+../../../examples/plugin      zeb/profiling
 '
 
 {

@@ -12,6 +12,7 @@ packages+=(gcovr)
 install_packages
 
 reader_dir=Tools/Utilities/Profiler/Reader
+findings_dir=Tools/Utilities/Profiler/Fuzz/findings
 rooms=(log store reports reader)
 bin=$PWD/build/coverage/bin
 
@@ -42,7 +43,7 @@ build coverage
 forget
 "$bin/write-fuzz-seeds" build/fuzz-seeds
 for target in log messages payloads options; do
-    inputs=("build/fuzz-seeds/$target" "$reader_dir/fuzz/findings/$target")
+    inputs=("build/fuzz-seeds/$target" "$findings_dir/$target")
     [ -d "build/fuzz-corpus/$target" ] && inputs+=("build/fuzz-corpus/$target")
     "$bin/replay-$target" "${inputs[@]}" 2>/dev/null | sed "s/^/Fuzz target $target: /"
 done

@@ -8,8 +8,11 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1
 as_root() {
     if [ "$(id -u)" -eq 0 ]; then
         "$@"
-    else
+    elif command -v sudo >/dev/null; then
         sudo "$@"
+    else
+        echo "This needs root and there is no sudo; as root: apt-get install ${packages[*]}" >&2
+        return 1
     fi
 }
 

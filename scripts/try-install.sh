@@ -12,6 +12,7 @@ place=$(mktemp -d)
 trap 'rm -rf "$place"' EXIT
 cache_value() { sed -n "s/^$1:[A-Z]*=//p" "$build/CMakeCache.txt"; }
 compiler=$(cache_value CMAKE_CXX_COMPILER)
+generator=$(cache_value CMAKE_GENERATOR)
 lib=$(cache_value CMAKE_INSTALL_LIBDIR)
 
 fault() {
@@ -65,8 +66,8 @@ zeb-profile-viewer --reader generic run.log >generic
 grep -q '^Execut' generic || fault "the generic reader has no report"
 
 build_example() {
-    quietly cmake -S "$source/examples/$1" -B "$1" -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_CXX_COMPILER="$compiler" \
-        -DCMAKE_CXX_FLAGS="-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror"
+    quietly cmake -S "$source/examples/$1" -B "$1" -G "$generator" -DCMAKE_PREFIX_PATH="$prefix" \
+        -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_CXX_FLAGS="-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror"
     quietly cmake --build "$1"
 }
 build_example host
