@@ -33,7 +33,7 @@ row() {
     printf '%-10s %12s %10s %10s %10s' "$@"
 }
 
-packages+=(clang libclang-rt-14-dev)
+packages+=(clang libclang-rt-dev)
 install_packages
 build fuzz "${targets[@]/#/fuzz-}" write-fuzz-seeds
 "$bin/write-fuzz-seeds" build/fuzz-seeds
