@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <ctime>
 #include <exception>
 #include <iostream>

@@ -7,6 +7,7 @@
 #include <functional>
 #include <limits>
 #include <sstream>
+#include <stdexcept>
 
 #include "AdapterUpdaterLog.h"
 #include "MakeRun.h"
