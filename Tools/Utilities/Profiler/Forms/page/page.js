@@ -84,7 +84,7 @@ function digits(value, decimals = 0) {
 // A time in the unit that suits its size: the figure and the unit.
 function timeParts(us) {
   const size = Math.abs(us);
-  const [scale, unit] = size < 1e4 ? [1, "µs"] : size < 1e7 ? [1e3, "ms"] : [1e6, "s"];
+  const [scale, unit] = size < 1e4 ? [1, "us"] : size < 1e7 ? [1e3, "ms"] : [1e6, "s"];
   const value = us / scale;
   const decimals = scale === 1 ? (size < 10 && !Number.isInteger(us) ? 2 : size < 100 && !Number.isInteger(us) ? 1 : 0)
     : Math.abs(value) < 100 ? 1 : 0;
@@ -210,7 +210,7 @@ function showHeader(view) {
     percentFigure("Share on the Krel core", view && view.layers.length > 0, view && view.krel, view && view.whole,
       view ? `of the layers' time; ${time(view.dsp)} are on the DSP` : "", whyNoLayers(view)));
   document.title = `${part("name").textContent} – profile of a run`;
-  part("origin").textContent = `Made of ${run.log}. Times are in microseconds (µs) unless they say otherwise; layers' times are averages of an execution.`;
+  part("origin").textContent = `Made of ${run.log}. Times are in microseconds (us) unless they say otherwise; layers' times are averages of an execution.`;
 }
 
 // ---- 2. What stands out
@@ -294,7 +294,7 @@ function showInference(view, width) {
     chart(width, depth * rowHeight, `Nested bars: ${tree.name} takes ${time(tree.us)}. The table below has the same figures.`, hatch(), pieces),
     make("div", {class: "scroll spread"}, make("table", {},
       make("thead", {}, make("tr", {}, make("th", {scope: "col"}, "Part"), make("th", {scope: "col", "aria-hidden": "true"}, ""),
-        make("th", {scope: "col", class: "number"}, "Time (µs)"), make("th", {scope: "col", class: "number"}, "Share"))),
+        make("th", {scope: "col", class: "number"}, "Time (us)"), make("th", {scope: "col", class: "number"}, "Share"))),
       make("tbody", {}, rows))));
   if (!view.graph.breakdown) {
     host.append(missing("The log has no data of the backend on this graph, so it is not known what the time consists of."));
@@ -491,7 +491,7 @@ function showRanking(view, width) {
   });
   host.replaceChildren(
     chart(width, height, `The ${shown.length} costliest of ${order.length} ZEB layers take ${percent(share(sum, view.whole))} of the layers' time. The costliest is ${view.layers[shown[0]].name} with ${time(longest)}. The table of all ZEB layers has the figures.`, drawn),
-    legend(["krel", "Krel core (µs)"], ["dsp", "DSP (µs)"], ["", "sum so far, of all layers", stroke([[0, 6], [16, 6]], "sum")]));
+    legend(["krel", "Krel core (us)"], ["dsp", "DSP (us)"], ["", "sum so far, of all layers", stroke([[0, 6], [16, 6]], "sum")]));
 }
 
 const mostTypes = 12;
@@ -524,7 +524,7 @@ function showTypes(view) {
     marked = index === null ? [] : [...new Set(view.layers[index].oru.map(position => rows.get(view.oru[position].type_name)))].filter(Boolean);
     marked.forEach(element => element.classList.add("is-marked"));
   });
-  const headings = [["Type"], ["", "", true], ["On"], ["Layers", "number"], ["µs", "number"], ["Share", "number"]];
+  const headings = [["Type"], ["", "", true], ["On"], ["Layers", "number"], ["us", "number"], ["Share", "number"]];
   host.replaceChildren(make("div", {class: "scroll"}, make("table", {}, make("thead", {}, make("tr", {},
     headings.map(([text, kind, isHidden]) => make("th", {scope: "col", class: kind || null, "aria-hidden": isHidden ? "true" : null}, text)))), body)));
   if (types.length > mostTypes) {
@@ -635,13 +635,13 @@ function histogram(view, width) {
     const from = picture.from_us + column * picture.column_us;
     if (count > 0) {
       const piece = rect(x(from) + 0.5, y(count), Math.max(1, x(from + picture.column_us) - x(from) - 1), bottom - y(count), "krel");
-      piece.append(draw("title", {}, `${digits(from)} to ${digits(from + picture.column_us)} µs: ${plural(count, "execution", "executions")}`));
+      piece.append(draw("title", {}, `${digits(from)} to ${digits(from + picture.column_us)} us: ${plural(count, "execution", "executions")}`));
       drawn.push(piece);
     }
   });
   if (above > 0) {
     const piece = rect(right + 14, y(above), 34, bottom - y(above), "other");
-    piece.append(draw("title", {}, `${digits(to)} µs and more: ${plural(above, "execution", "executions")}`));
+    piece.append(draw("title", {}, `${digits(to)} us and more: ${plural(above, "execution", "executions")}`));
     drawn.push(piece, label(right + 31, y(above) - 5, digits(above), "soft", "middle"), label(right + 31, height - 6, "above", "soft", "middle"));
   }
   [["median_us", "median"], ["p90_us", "p90"]].forEach(([key, kind]) => {
@@ -682,7 +682,7 @@ const mostSteps = 40, mostEvents = 12;
 
 function eventRows(events, depth, rows) {
   events.slice(0, mostEvents).forEach(event => {
-    const units = {us: " µs", bytes: " bytes", cycles: " cycles", count: "", none: ""};
+    const units = {us: " us", bytes: " bytes", cycles: " cycles", count: "", none: ""};
     const value = event.object_bytes !== null ? `object of ${digits(event.object_bytes)} bytes`
       : event.value === null ? "" : typeof event.value === "string" && !/^-?\d+$/.test(event.value) ? cut(event.value, 60)
       : digits(event.value, Number.isInteger(event.value) ? 0 : 2) + units[event.unit];
@@ -748,7 +748,7 @@ function showSteps() {
   if (run.other_methods.length > 0) {
     const shown = run.other_methods.slice(0, 500);
     host.append(make("h3", {}, "Other calls"), make("div", {class: "scroll calls"}, make("table", {}, make("thead", {}, make("tr", {},
-      [["Call"], ["Graph"], ["Count", "number"], ["Average (µs)", "number"], ["Shortest", "number"], ["Longest", "number"]].map(([text, kind]) => make("th", {scope: "col", class: kind || null}, text)))),
+      [["Call"], ["Graph"], ["Count", "number"], ["Average (us)", "number"], ["Shortest", "number"], ["Longest", "number"]].map(([text, kind]) => make("th", {scope: "col", class: kind || null}, text)))),
       make("tbody", {}, shown.map(call => make("tr", {}, make("th", {scope: "row"}, call.method), make("td", {class: "text"}, call.graph),
         [call.count, call.average_us, call.min_us, call.max_us].map(value => make("td", {class: "number"}, digits(value)))))))));
   }
@@ -944,10 +944,10 @@ function showZebTable(view) {
   showTable(host, {name: "All ZEB layers", rows: view.layers, layersOf: layer => [index.get(layer)], columns: [
     {title: "#", of: layer => index.get(layer) + 1},
     {title: "Name", isText: true, isHeading: true, of: layer => layer.name},
-    {title: "Time (µs)", of: layer => layer.time},
+    {title: "Time (us)", of: layer => layer.time},
     {title: "Share", of: layer => share(layer.time, view.whole), text: value => percent(value)},
-    {title: "Krel (µs)", of: layer => layer.krel},
-    {title: "DSP (µs)", of: layer => layer.dsp},
+    {title: "Krel (us)", of: layer => layer.krel},
+    {title: "DSP (us)", of: layer => layer.dsp},
     {title: "ORU layers", of: layer => layer.oru.length},
     {title: "Types", isText: true, of: types},
     {title: "ORU ids", isText: true, isExtra: true, of: layer => layer.oru.map(position => view.oru[position].id).join(" ")},
@@ -969,18 +969,18 @@ function showOruTable(view) {
     {title: "Type", isText: true, of: layer => layer.type_name},
     ...(view.hasZeb ? [{title: "ZEB layer", isText: true, of: layer => view.owners[position.get(layer)].map(index => view.layers[index].name).join(", ")}] : []),
     {title: "Runs on", isText: true, of: layer => layer.offloaded ? "Krel" : "DSP"},
-    {title: "Time (µs)", of: oruTime},
+    {title: "Time (us)", of: oruTime},
     {title: "Share", of: layer => share(oruTime(layer), whole), text: value => percent(value)},
     figure("Executions", "executions", false),
     figure("DSP cycles", "dsp_cycles", false),
     figure("Core cycles", "core_cycles", !isInternal),
-    figure("HAL (µs)", "hal_us", !isInternal),
-    figure("Driver (µs)", "driver_us", !isInternal),
-    figure("Cache flush (µs)", "cache_flush_us", !isInternal),
-    figure("Krel exec (µs)", "krel_exec_us", !isInternal),
-    figure("Core (µs)", "core_us"),
-    figure("DSP's view (µs)", "average_us"),
-    figure("Total (µs)", "total_us"),
+    figure("HAL (us)", "hal_us", !isInternal),
+    figure("Driver (us)", "driver_us", !isInternal),
+    figure("Cache flush (us)", "cache_flush_us", !isInternal),
+    figure("Krel exec (us)", "krel_exec_us", !isInternal),
+    figure("Core (us)", "core_us"),
+    figure("DSP's view (us)", "average_us"),
+    figure("Total (us)", "total_us"),
     figure("Total DSP cycles", "total_dsp_cycles"),
     figure("Nodes", "nodes"),
     {title: "Linked", isText: true, isExtra: true, of: layer => yes(layer.linked)},

@@ -26,7 +26,7 @@ constexpr int noBrowser = 77;
 TEST(PageInBrowser, ItsPartsAreThereAndItsTablesDoWhatTheyAreToldTo) {
     EXPECT_IN_BROWSER(runOf(NetworkOptions{}),
                       "parts figures missing sorting filtering columns copying following executions strip",
-                      "parts: good\nfigures: 2,229µs 84% 84%\nmissing: good\nsorting: good\nfiltering: good\n"
+                      "parts: good\nfigures: 2,229us 84% 84%\nmissing: good\nsorting: good\nfiltering: good\n"
                       "columns: good\ncopying: good\nfollowing: good\nexecutions: dot; 20\nstrip: good\n");
 }
 
@@ -65,12 +65,12 @@ TEST(PageInBrowser, PartsThatAreMissingSayWhy) {
         std::string missing;
         std::string executions;
     } cases[] = {
-        {runOf({.level = samplelog::ProfileLevel::basic}), "2,229µs 84% –", basic, "dot; 20"},
-        {runOf(samplelog::writeMethodsLog), "2,150µs – –", noBackend, "dot,outlier; 4"},
+        {runOf({.level = samplelog::ProfileLevel::basic}), "2,229us 84% –", basic, "dot; 20"},
+        {runOf(samplelog::writeMethodsLog), "2,150us – –", noBackend, "dot,outlier; 4"},
         {runOf(samplelog::writeAdapterUpdaterLog), "– – –",
          "This is a log of the adapter updater, which executes no graph." + noSteps, "; undefined"},
         {analysis::Run{}, "– – –", "The log has no execution of a graph." + noSteps, "; undefined"},
-        {runOf({.async = true}), "2,373µs 79% 84%", "good", "dot; 20"},
+        {runOf({.async = true}), "2,373us 79% 84%", "good", "dot; 20"},
     };
     for (const auto& [run, figures, missing, executions] : cases) {
         EXPECT_IN_BROWSER(run, "parts figures missing executions",

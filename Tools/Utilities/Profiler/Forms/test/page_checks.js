@@ -38,13 +38,13 @@ const checks = {
     return [...new Set([...document.querySelectorAll(".missing")].map(text => text.textContent))].join(" | ");
   },
   sorting() {
-    heading("zeb", "Time (µs)").click();
-    const falls = isSorted(numbersOf("zeb", "Time (µs)"), (left, right) => left >= right);
-    const said = heading("zeb", "Time (µs)").parentElement.getAttribute("aria-sort");
-    heading("zeb", "Time (µs)").click();
-    const rises = isSorted(numbersOf("zeb", "Time (µs)"), (left, right) => left <= right);
-    const saidThen = heading("zeb", "Time (µs)").parentElement.getAttribute("aria-sort");
-    const hasFocus = document.activeElement === heading("zeb", "Time (µs)");
+    heading("zeb", "Time (us)").click();
+    const falls = isSorted(numbersOf("zeb", "Time (us)"), (left, right) => left >= right);
+    const said = heading("zeb", "Time (us)").parentElement.getAttribute("aria-sort");
+    heading("zeb", "Time (us)").click();
+    const rises = isSorted(numbersOf("zeb", "Time (us)"), (left, right) => left <= right);
+    const saidThen = heading("zeb", "Time (us)").parentElement.getAttribute("aria-sort");
+    const hasFocus = document.activeElement === heading("zeb", "Time (us)");
     heading("zeb", "Name").click();
     const names = textsOf("zeb", columnOf("zeb", "Name"));
     const order = new Intl.Collator("en", {numeric: true});
@@ -79,7 +79,7 @@ const checks = {
     heading("zeb", "#").click();
     buttonOf("zeb", "Copy").click();
     const lines = copied.split("\r\n");
-    return lines[0] !== "#,Name,Time (µs),Share,Krel (µs),DSP (µs),ORU layers,Types" || lines.length !== bodyOf("zeb").rows.length + 2
+    return lines[0] !== "#,Name,Time (us),Share,Krel (us),DSP (us),ORU layers,Types" || lines.length !== bodyOf("zeb").rows.length + 2
       || !/^1,input_1,44,0\.025806,0,44,2,"QUANTIZE, LAYOUT_PAD"$/.test(lines[1]) ? `copies ${copied}` : "";
   },
   following() {
@@ -133,7 +133,7 @@ const checks = {
   many() {
     const ready = performance.now();
     const shown = bodyOf("oru").rows.length;
-    const sort = took(() => heading("oru", "Time (µs)").click());
+    const sort = took(() => heading("oru", "Time (us)").click());
     const search = took(() => filter("oru", "cache"));
     filter("oru", "");
     const bars = element("strip").querySelectorAll("rect").length;
