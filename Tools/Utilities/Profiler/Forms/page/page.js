@@ -756,7 +756,7 @@ function showSteps() {
 
 // ---- 8. The full tables
 
-const mostRows = 500;
+const mostRows = 500, rowsOfGroup = 100;
 
 function csvField(value) {
   const text = String(typeof value === "number" ? Math.round(value * 1e6) / 1e6 : value);
@@ -780,100 +780,171 @@ async function copyText(text) {
   }
 }
 
+const widestCell = 260;
+const widthOfCell = text => Math.ceil(widthOfText(text) * 13.5 / 12 * 1.08) + 22;
+
 // Columns: title; of(row) the value that is sorted and copied; text(value) what is shown of it, a number's digits if there is none.
+// Rows stand in groups of one height or so, of which the browser lays out those in view; columns have their widths beforehand, for
+// the same reason. A row is made when it is first shown, and all that is asked of a column is asked once.
 function showTable(host, {name, columns, rows, layersOf, narrowed}) {
   const visible = new Set(columns.filter(column => !column.isExtra));
-  const state = {column: null, isDescending: false, filter: "", limit: mostRows};
-  const haystacks = rows.map(row => columns.filter(column => column.isText).map(column => column.of(row)).join("\n").toLowerCase());
+  const state = {column: null, isDescending: false, filter: "", isWhole: false};
   const search = make("input", {type: "search", autocomplete: "off", spellcheck: "false"});
   const count = make("span", {class: "count", role: "status"});
   const copy = make("button", {type: "button", class: "button"}, "Copy as CSV");
   const release = make("button", {type: "button", class: "button chip", hidden: true});
-  const head = make("tr", {});
-  const body = make("tbody", {});
-  const table = make("table", {}, make("thead", {}, head), body);
+  const head = make("tr", {role: "row"});
+  const table = make("table", {role: "table"}, make("thead", {role: "rowgroup"}, head));
+  const region = make("div", {class: "scroll", role: "region", tabindex: "0", "aria-label": name}, table);
   const more = make("button", {type: "button", class: "button more", hidden: true});
   const show = (column, value) => column.text ? column.text(value) : column.isText ? value : digits(value);
-  let ordered = [];
+  const used = () => columns.filter(column => visible.has(column));
+  let ordered = [];  // positions in rows
   let marked = [];
-  const elements = new Map();
+  let elements = new Map();
+  let made = [];  // elements of rows, by their positions
+  let filling = 0;
 
-  // Comparing texts as people do is slow, so each text is compared once, and only when a column is first sorted.
-  const ranks = new Map();
-  const ranksOf = column => {
-    if (!ranks.has(column)) {
-      const texts = [...new Set(rows.map(column.of))].sort(new Intl.Collator("en", {numeric: true}).compare);
-      ranks.set(column, new Map(texts.map((text, rank) => [text, rank])));
-    }
-    return ranks.get(column);
+  const once = find => {
+    const found = new Map();
+    return column => {
+      if (!found.has(column)) {
+        found.set(column, find(column));
+      }
+      return found.get(column);
+    };
   };
+  const valuesOf = once(column => rows.map(row => column.of(row)));
+  // Comparing texts as people do is slow, so each text is compared once.
+  const keysOf = once(column => {
+    if (!column.isText) {
+      return Float64Array.from(valuesOf(column), value => Number(value ?? 0));
+    }
+    const texts = [...new Set(valuesOf(column))].sort(new Intl.Collator("en", {numeric: true}).compare);
+    const ranks = new Map(texts.map((text, rank) => [text, rank]));
+    return Float64Array.from(valuesOf(column), text => ranks.get(text));
+  });
+  const widthOf = once(column => {
+    const longest = column.isText ? valuesOf(column).reduce((most, text) => text.length > most.length ? text : most, "")
+      : show(column, keysOf(column).reduce((most, value) => Math.max(most, value), 0));
+    return Math.max(widthOfCell(`${column.title} \u2195`), Math.min(widestCell, widthOfCell(longest)));
+  });
+  const haystacks = once(() => {
+    const texts = columns.filter(column => column.isText).map(valuesOf);
+    return rows.map((row, position) => texts.map(values => values[position]).join("\n").toLowerCase());
+  });
 
   const choose = () => {
     const wanted = state.filter.toLowerCase();
+    const texts = wanted === "" ? null : haystacks();
     ordered = [];
     rows.forEach((row, position) => {
-      if ((wanted === "" || haystacks[position].includes(wanted)) &&
+      if ((texts === null || texts[position].includes(wanted)) &&
           (!narrowed || selection.pinned === null || layersOf(row).includes(selection.pinned))) {
-        ordered.push(row);
+        ordered.push(position);
       }
     });
     if (state.column) {
-      const {of} = state.column;
+      const keys = keysOf(state.column);
       const sign = state.isDescending ? -1 : 1;
-      const rank = state.column.isText ? ranksOf(state.column) : null;
-      const keyed = ordered.map(row => [rank ? rank.get(of(row)) : Number(of(row)), row]);
-      keyed.sort((left, right) => sign * (left[0] - right[0]));
-      ordered = keyed.map(([, row]) => row);
+      ordered = Uint32Array.from(ordered).sort((left, right) => sign * (keys[left] - keys[right]));
     }
   };
 
-  const showHead = () => head.replaceChildren(...columns.filter(column => visible.has(column)).map(column => {
-    const button = make("button", {type: "button"}, column.title);
-    button.addEventListener("click", () => {
-      state.isDescending = state.column === column ? !state.isDescending : !column.isText;
-      state.column = column;
-      update();
-      head.querySelector('[aria-sort="ascending"] button, [aria-sort="descending"] button').focus();
-    });
-    return make("th", {scope: "col", class: column.isText ? null : "number",
-                       "aria-sort": state.column !== column ? "none" : state.isDescending ? "descending" : "ascending"}, button);
-  }));
+  const showHead = () => {
+    const widths = used().map(widthOf);
+    table.style.setProperty("--columns", widths.map(width => `minmax(0, ${width}fr)`).join(" "));
+    table.style.setProperty("--narrowest", `${widths.reduce((sum, width) => sum + width, 0)}px`);
+    head.replaceChildren(...used().map(column => {
+      const button = make("button", {type: "button"}, column.title);
+      button.addEventListener("click", () => {
+        state.isDescending = state.column === column ? !state.isDescending : !column.isText;
+        state.column = column;
+        update();
+        head.querySelector('[aria-sort="ascending"] button, [aria-sort="descending"] button').focus();
+      });
+      return make("th", {scope: "col", role: "columnheader", class: column.isText ? null : "number",
+                         "aria-sort": state.column !== column ? "none" : state.isDescending ? "descending" : "ascending"}, button);
+    }));
+  };
+
+  const addRows = (from, to) => {
+    const columnsNow = used();
+    const values = columnsNow.map(valuesOf);
+    const pattern = make("tr", {role: "row"}, columnsNow.map(column => make(column.isHeading ? "th" : "td",
+      {role: column.isHeading ? "rowheader" : "cell", scope: column.isHeading ? "row" : null, class: column.isText ? "text" : "number"}, " ")));
+    const group = make("tbody", {role: "rowgroup"});
+    group.style.setProperty("--rows", to - from);
+    for (const position of ordered.slice(from, to)) {
+      let row = made[position];
+      if (!row) {
+        row = made[position] = pattern.cloneNode(true);
+        let cell = row.firstChild;
+        columnsNow.forEach((column, at) => {
+          cell.firstChild.data = show(column, values[at][position]);
+          cell = cell.nextSibling;
+        });
+        row.layers = layersOf(rows[position]);
+      }
+      row.layers.forEach(layer => elements.has(layer) ? elements.get(layer).push(row) : elements.set(layer, [row]));
+      group.append(row);
+    }
+    table.append(group);
+  };
 
   const showRows = () => {
-    const shown = ordered.slice(0, state.limit);
-    elements.clear();
-    const used = columns.filter(column => visible.has(column));
-    body.replaceChildren(...shown.map(row => {
-      const made = make("tr", {}, used.map(column => make(column.isHeading ? "th" : "td",
-        {scope: column.isHeading ? "row" : null, class: column.isText ? "text" : "number"}, show(column, column.of(row)))));
-      layersOf(row).forEach(layer => elements.set(layer, (elements.get(layer) || []).concat(made)));
-      made.layer = layersOf(row)[0] ?? null;
-      return made;
-    }));
-    more.hidden = ordered.length <= shown.length;
+    mark(null);
+    elements = new Map();
+    const mine = ++filling;
+    const shown = state.isWhole ? ordered.length : Math.min(ordered.length, mostRows);
+    table.replaceChildren(table.tHead);
+    let next = 0;
+    const add = end => {
+      for (; next < end; next += rowsOfGroup) {
+        addRows(next, Math.min(shown, next + rowsOfGroup));
+      }
+    };
+    // What is beyond the first rows comes between frames, so that the page can be used meanwhile.
+    const addMore = () => {
+      if (mine !== filling) {
+        return;
+      }
+      const start = performance.now();
+      do {
+        add(next + 1);
+      } while (next < shown && performance.now() - start < 10);
+      if (next < shown) {
+        requestAnimationFrame(addMore);
+      }
+      mark(selected());
+    };
+    add(Math.min(shown, mostRows));
+    if (next < shown) {
+      requestAnimationFrame(addMore);
+    }
+    more.hidden = ordered.length <= shown;
     more.textContent = `Show all ${digits(ordered.length)} layers`;
     count.textContent = ordered.length === rows.length ? plural(rows.length, "layer", "layers") : `${digits(ordered.length)} of ${plural(rows.length, "layer", "layers")}`;
-    if (shown.length < ordered.length) {
-      count.textContent += `, the first ${digits(shown.length)} shown`;
+    if (shown < ordered.length) {
+      count.textContent += `, the first ${digits(shown)} shown`;
     }
     release.hidden = !narrowed || selection.pinned === null;
     if (!release.hidden) {
       release.textContent = `Only ${cut(selection.view.layers[selection.pinned].name, 40)} ✕`;
       release.setAttribute("aria-label", `Of ${selection.view.layers[selection.pinned].name} only; press to show all`);
     }
-    marked = [];
     mark(selected());
   };
 
   const mark = index => {
     marked.forEach(element => element.classList.remove("is-marked"));
-    marked = index === null ? [] : elements.get(index) || [];
+    marked = index === null ? [] : (elements.get(index) || []).slice();
     marked.forEach(element => element.classList.add("is-marked"));
   };
 
   // Rows first: a heading that goes while it has the focus makes the browser lay out what rows there are.
   const update = () => {
-    state.limit = mostRows;
+    state.isWhole = false;
     choose();
     showRows();
     showHead();
@@ -884,19 +955,20 @@ function showTable(host, {name, columns, rows, layersOf, narrowed}) {
     update();
   });
   more.addEventListener("click", () => {
-    state.limit = Infinity;
+    state.isWhole = true;
     showRows();
+    region.focus({preventScroll: true});
   });
   copy.addEventListener("click", async () => {
-    const used = columns.filter(column => visible.has(column));
-    const lines = [used.map(column => csvField(column.title))].concat(ordered.map(row => used.map(column => csvField(column.of(row) ?? ""))));
+    const values = used().map(valuesOf);
+    const lines = [used().map(column => csvField(column.title))].concat(Array.from(ordered, position => values.map(list => csvField(list[position] ?? ""))));
     const isCopied = await copyText(lines.map(line => line.join(",")).join("\r\n") + "\r\n");
     copy.textContent = isCopied ? `Copied ${plural(ordered.length, "row", "rows")}` : "The browser does not let it be copied";
     setTimeout(() => { copy.textContent = "Copy as CSV"; }, 2500);
   });
   release.addEventListener("click", () => pin(null));
-  body.addEventListener("pointerover", event => hover(event.target.closest("tr")?.layer ?? null));
-  body.addEventListener("pointerleave", () => hover(null));
+  table.addEventListener("pointerover", event => hover(event.target.closest("tr")?.layers?.[0] ?? null));
+  table.addEventListener("pointerleave", () => hover(null));
   followers.push(mark);
   pinFollowers.push(() => {
     if (narrowed) {
@@ -914,7 +986,8 @@ function showTable(host, {name, columns, rows, layersOf, narrowed}) {
       } else {
         visible.delete(column);
       }
-        showHead();
+      made = [];
+      showHead();
       showRows();
     });
     return make("label", {}, box, column.title);
@@ -927,7 +1000,7 @@ function showTable(host, {name, columns, rows, layersOf, narrowed}) {
   });
   host.replaceChildren(
     make("div", {class: "tools"}, make("label", {class: "field"}, "Filter ", search), choices, copy, release, count),
-    make("div", {class: "scroll", role: "region", tabindex: "0", "aria-label": name}, table), more);
+    region, more);
   update();
 }
 
