@@ -1,4 +1,4 @@
-// What the viewer makes of a log besides the report: --top, --json and --trace.
+// What the viewer makes of a log besides the report: --top, --json, --trace and --html.
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -115,12 +115,29 @@ TEST_F(RunForms, LeaveFilesWholeOrAsTheyWere) {
 
     // What is no file is written straight.
     EXPECT_EQ(view({log, "--json", "/dev/null"}).exitCode, 0);
-    const CommandResult full = view({log, "--json", "/dev/full"});
-    EXPECT_EQ(full.exitCode, 3);
-    EXPECT_EQ(full.err,
-              "zeb-profile-viewer: /dev/full: the file can't be written: No space left on device\n");
-    EXPECT_EQ(view({"--json", "-", log}, output::full).exitCode, 3);
     EXPECT_EQ(view({log, "--json", files.path("")}).exitCode, 3);
+}
+
+TEST_F(RunForms, LeaveTheOldFileOnAFullDiskAndAtALimit) {
+    const std::string old(100, 'o');
+    for (const std::string form : {"--json", "--trace", "--html"}) {
+        SCOPED_TRACE(form);
+        const std::string noSpace = "the file can't be written: No space left on device";
+        expectFailure(view({log, form, "/dev/full"}), 3, "/dev/full: " + noSpace);
+        expectFailure(view({log, form, "-"}, output::full), 3, "standard output: " + noSpace);
+        const std::string file = files.write("old", old);
+        const std::size_t before = filesThere();
+        // Blocks of 512 bytes: less than the buffers hold, and more.
+        for (const std::string blocks : {"1", "4"}) {
+            expectFailure(runCommand({"/bin/sh", "-c", "ulimit -f " + blocks + "; exec \"$@\"", "sh",
+                                      ZEB_VIEWER, "--quiet", log, form, file}),
+                          3, file + ": the file can't be written: File too large");
+            EXPECT_EQ(textOf(file), old);
+            EXPECT_EQ(filesThere(), before) << "no file beside it";
+        }
+        EXPECT_EQ(view({"--quiet", log, form, file}).exitCode, 0);
+        EXPECT_EQ(textOf(file), view({log, form, "-"}).out);
+    }
 }
 
 TEST_F(RunForms, TellAValueThatIsNoNumber) {
