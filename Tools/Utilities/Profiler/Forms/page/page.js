@@ -92,7 +92,7 @@ function timeParts(us) {
 }
 const time = us => us === null || us === undefined ? "not known" : timeParts(us).join(" ");
 const share = (piece, whole) => whole > 0 ? piece / whole : 0;
-const percent = value => `${digits(value * 100, value > 0 && value < 0.001 ? 2 : 1)} %`;
+const percent = value => value > 0 && value < 0.00005 ? "< 0.01 %" : `${digits(value * 100, value > 0 && value < 0.001 ? 2 : 1)} %`;
 const clock = hz => number(hz) > 0 ? `${digits(number(hz) / 1e6, 1)} MHz` : null;
 
 // Ends of steps that people count in, some `wanted` of them.
@@ -192,7 +192,7 @@ function showHeader(view) {
     ["Runtime", header && [header.generator, header.generator_version].filter(Boolean).join(" ")],
     ["Backend", header && header.backend_version],
   ];
-  part("facts").replaceChildren(...facts.map(([name, value]) =>
+  part("facts").replaceChildren(...facts.filter(([, value]) => graph || value).map(([name, value]) =>
     make("div", {}, make("dt", {}, name), make("dd", {}, value || "not told"))));
 
   const average = graph && number(graph.average.duration_us);
@@ -343,9 +343,32 @@ function showStrip(view, width) {
   const scale = width / view.whole;
   const zebHeight = 56, oruTop = 64, oruHeight = 26;
   const height = view.hasZeb ? oruTop + oruHeight : zebHeight;
-  const bars = (pieces, top, tall) => coalesced(pieces, 1 / scale).flatMap(piece => {
+  // What is no wider than a pixel has one colour, and neighbours of one colour are one bar; over many of them the colours have
+  // their shares.
+  const split = pieces => {
+    const found = [];
+    let owed = 0;
+    for (const piece of coalesced(pieces, 1 / scale)) {
+      const us = piece.krel + piece.dsp;
+      if (us * scale > 1) {
+        found.push(piece);
+        continue;
+      }
+      owed += piece.dsp;
+      const kind = owed >= us / 2 ? "dsp" : "krel";
+      owed -= kind === "dsp" ? us : 0;
+      const last = found[found.length - 1];
+      if (last?.kind === kind && piece.from - last.from - last[kind] < 0.5 / scale) {
+        last[kind] = piece.from + us - last.from;
+      } else {
+        found.push({kind, from: piece.from, krel: 0, dsp: 0, [kind]: us});
+      }
+    }
+    return found;
+  };
+  const bars = (pieces, top, tall) => split(pieces).flatMap(piece => {
     const x = piece.from * scale, krel = piece.krel * scale, all = krel + piece.dsp * scale;
-    const gap = all > 4 ? 1 : 0;
+    const gap = all > 4 && !piece.kind ? 1 : 0;
     const drawn = [];
     if (piece.krel > 0) {
       drawn.push(rect(x, top, piece.dsp > 0 ? krel : krel - gap, tall, "krel"));
@@ -682,10 +705,10 @@ const mostSteps = 40, mostEvents = 12;
 
 function eventRows(events, depth, rows) {
   events.slice(0, mostEvents).forEach(event => {
-    const units = {us: " us", bytes: " bytes", cycles: " cycles", count: "", none: ""};
+    const units = {bytes: " bytes", cycles: " cycles", count: "", none: ""};
     const value = event.object_bytes !== null ? `object of ${digits(event.object_bytes)} bytes`
       : event.value === null ? "" : typeof event.value === "string" && !/^-?\d+$/.test(event.value) ? cut(event.value, 60)
-      : digits(event.value, Number.isInteger(event.value) ? 0 : 2) + units[event.unit];
+      : event.unit === "us" ? time(number(event.value)) : digits(event.value, Number.isInteger(event.value) ? 0 : 2) + units[event.unit];
     rows.push(make("tr", {class: "part"}, make("th", {scope: "row", class: `depth-${Math.min(depth, 4)}`}, event.name),
       make("td", {class: "bar"}), make("td", {}), make("td", {class: "number soft"}, value)));
     eventRows(event.events, depth + 1, rows);
@@ -1100,6 +1123,12 @@ if (run.graphs.length > 1) {
   const choice = part("graph");
   choice.append(...run.graphs.map((graph, index) => make("option", {value: index}, cut(graph.name, 80) || "without a name")));
   choice.addEventListener("change", () => showGraph(Number(choice.value)));
+}
+// Without a graph one part says why, and the others would say the same.
+if (run.graphs.length === 0) {
+  document.querySelectorAll("#figures, main section").forEach(piece => {
+    piece.hidden = !piece.querySelector("#findings, #steps");
+  });
 }
 showSteps();
 showGraph(0);
