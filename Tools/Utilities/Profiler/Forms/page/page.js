@@ -76,7 +76,9 @@ function digits(value, decimals = 0) {
   if (value === null || value === undefined) {
     return "–";
   }
-  const text = typeof value === "string" ? value : Math.abs(value) < 1e21 ? value.toFixed(decimals) : String(value);
+  // Halves go to the even neighbour, as they do in the reports.
+  const rounded = decimals === 0 && Math.abs(value % 1) === 0.5 ? 2 * Math.round(value / 2) : value;
+  const text = typeof value === "string" ? value : Math.abs(value) < 1e21 ? rounded.toFixed(decimals) : String(value);
   const [whole, rest] = text.split(".");
   return whole.replace(/\B(?=(\d{3})+$)/g, ",") + (rest ? "." + rest : "");
 }
