@@ -109,7 +109,10 @@ const checks = {
       rows.set(row, (rows.get(row) || 0) + Number(bar.getAttribute("width")));
     }
     const shares = [...rows.values()].map(drawn => drawn / width);
-    return shares.length === 2 && shares.every(share => share > 0.9 && share < 1.01) ? "" : shares.join(" ");
+    const blue = [...element("strip").querySelectorAll('[role=slider] rect.krel[y="0"]')].reduce((sum, bar) => sum + Number(bar.getAttribute("width")), 0);
+    const onKrel = parseFloat(document.querySelector("#figures div:last-child .large").textContent) / 100;
+    return shares.length !== 2 || shares.some(share => share < 0.9 || share > 1.01) ? shares.join(" ")
+      : Math.abs(blue / rows.get("0") - onKrel) > 0.02 ? `${blue / rows.get("0")} is blue` : "";
   },
   large() {
     const text = element("steps").textContent;
