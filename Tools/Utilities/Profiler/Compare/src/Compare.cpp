@@ -10,6 +10,7 @@
 
 #include "CompareOptions.h"
 #include "ComparisonJson.h"
+#include "ComparisonPage.h"
 #include "ComparisonText.h"
 #include "Failure.h"
 #include "FormFile.h"
@@ -62,14 +63,30 @@ ExitCode judgeBy(const analysis::Comparison& comparison, const analysis::Gate& g
     return exitCodeOf(result.outcome);
 }
 
-void writeJson(const CompareOptions& options, const analysis::Comparison& comparison) {
+// Nothing for a form that is not wanted.
+std::optional<command::FormFile> openForm(const std::string& path, const CompareOptions& options) {
     std::optional<command::FormFile> file;
     for (const auto* const side : {&options.base, &options.changed}) {
         for (const std::string& log : *side) {
-            file.emplace(options.json, log);  // which is to be none of them
+            if (!path.empty()) {
+                file.emplace(path, log);  // which is to be none of them
+            }
         }
     }
-    file->write([&](std::ostream& out) { forms::writeComparisonJson(out, comparison, options.gate); });
+    return file;
+}
+
+void writeForms(const CompareOptions& options, const analysis::Comparison& comparison) {
+    std::optional<command::FormFile> json = openForm(options.json, options);
+    std::optional<command::FormFile> html = openForm(options.html, options);
+    if (json) {
+        json->write([&](std::ostream& out) { forms::writeComparisonJson(out, comparison, options.gate); });
+    }
+    if (html) {
+        html->write([&](std::ostream& out) {
+            forms::writeComparisonPage(out, comparison, options.gate, options.hideBelow);
+        });
+    }
 }
 
 ExitCode compareVersions(const CompareOptions& options, StandardOutput& output) {
@@ -78,10 +95,8 @@ ExitCode compareVersions(const CompareOptions& options, StandardOutput& output) 
         const std::vector<analysis::RunSummary> base = load(options.base, memory);
         const std::vector<analysis::RunSummary> changed = load(options.changed, memory);
         const analysis::Comparison comparison = analysis::compare(base, changed, options.renames);
-        if (!options.json.empty()) {
-            writeJson(options, comparison);
-        }
-        const bool hasText = options.json != command::FormFile::standardOutput;
+        writeForms(options, comparison);
+        const bool hasText = !options.isFormAlone();
         if (hasText) {
             // Names are made fit for a terminal where they are printed; the colours have to pass.
             output.showRaw();

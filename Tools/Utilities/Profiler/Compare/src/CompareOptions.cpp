@@ -117,6 +117,11 @@ const OptionRows& optionRows() {
           "Write the comparison to FILE as JSON; \"-\" is standard output, without the text."},
          Takes::value,
          [](auto& all, const auto& given) { all.options.json = given.value; }},
+        {{"--html", " FILE",
+          "Write the comparison to FILE as a page for a browser; \"-\" is standard output, without the "
+          "text."},
+         Takes::value,
+         [](auto& all, const auto& given) { all.options.html = given.value; }},
         {command::maxMemoryOption(), Takes::value,
          [](auto& all, const auto& given) { all.options.maxMemory = command::maxMemoryOf(given); }},
     };
@@ -170,7 +175,7 @@ std::string_view meaningOf(ExitCode exitCode) {
         case ExitCode::usage:
             return "wrong usage";
         case ExitCode::badOutput:
-            return "standard output or the JSON can't be written";
+            return "standard output or a file can't be written";
         case ExitCode::slower:
             return "a time grew by more than --fail-above allows";
         case ExitCode::incomparable:
@@ -200,6 +205,7 @@ CompareOptions parseCommandLine(int argc, const char* const* argv) {
     if (line.isGiven(failName)) {
         all.options.gate = all.gate;
     }
+    command::refuseSameFiles({{{"--json", all.options.json}, {"--html", all.options.html}}});
     takeFiles(all.options, files);
     return all.options;
 }
@@ -218,6 +224,7 @@ profiling::CommandManual compareManual() {
         .examples = {{"", "zeb-profile-compare old.zlog new.zlog"},
                      {"", "zeb-profile-compare --base old-*.zlog --new new-*.zlog"},
                      {"", "zeb-profile-compare --rename conv1=stem --hide-below 0 old.zlog new.zlog"},
+                     {"", "zeb-profile-compare --html changes.html --base old-*.zlog --new new-*.zlog"},
                      {"A build pipeline that fails when an inference gets slower by more than 5 %",
                       "zeb-profile-compare --fail-above 5 --base main-*.zlog --new change-*.zlog"}}};
 }

@@ -30,7 +30,11 @@ struct CompareOptions {
     double hideBelow = 0.005;            ///< a share
     std::optional<analysis::Gate> gate;  ///< nothing: every change is good
     std::string json;                    ///< empty: no JSON; "-": on standard output, without the text
+    std::string html;                    ///< the page, the same way
     command::MemorySize maxMemory = command::defaultMemorySize();
+
+    /// Whether a form is on standard output, which then has no text.
+    [[nodiscard]] bool isFormAlone() const { return json == "-" || html == "-"; }
 };
 
 /// Help and version win over everything but words that no option takes.

@@ -140,6 +140,10 @@ TEST_F(CompareCommand, RefusesWrongUsage) {
         {{"--fail-above", "5", "--fail-above", "6", "a", "b"},
          "--fail-above: to be given once, with a value"},
         {{"--rename", "a=", "a", "b"}, "--rename: \"a=\" is no OLD=NEW"},
+        {{"--html", "", "a", "b"}, "--html: needs a value"},
+        {{"--json", "-", "--html", "-", "a", "b"},
+         "--html: standard output takes one form, and --json has it"},
+        {{"--html", "x", "--json", "x", "a", "b"}, "--html: goes to where --json goes"},
         {{"--max-memory", "1T", "a", "b"}, "--max-memory: \"1T\" is no size like 800M, 2G or 1000000"},
     };
     for (const auto& [arguments, line] : cases) {
@@ -205,6 +209,48 @@ TEST_F(CompareCommand, WritesJsonThatKeepsToItsSchema) {
     EXPECT_EQ(run({"--json", good, basic, good}).exitCode, 2);  // it would overwrite a log
     EXPECT_EQ(test::fileText(good), before);
     EXPECT_EQ(run({"--json", files.path("none/json"), good, good}).exitCode, 3);
+}
+
+TEST_F(CompareCommand, WritesThePageBesideTheTextOrInItsPlace) {
+    const std::string good = log("good");
+    const std::string slow = log("slow", {.slowerMillionths = 200'000});
+    const std::string html = files.path("html");
+    const std::string json = files.path("json");
+    const Strings comparison = {"--fail-above", "5", "--hide-below", "3", good, slow};
+    const CommandResult text = run(comparison);
+    const CommandResult both = run(joined({"--html", html, "--json", json}, comparison));
+    EXPECT_EQ(both.out, text.out);
+    EXPECT_EQ(both.err, text.err);
+    EXPECT_EQ(both.exitCode, 6);
+    const std::string page = test::fileText(html);
+    EXPECT_TRUE(page.starts_with("<!DOCTYPE html>") && page.ends_with("</html>\n"));
+    EXPECT_TRUE(holds(page, R"({"hide_below":0.03,)"));
+    const std::string object = test::fileText(json);
+    EXPECT_TRUE(holds(page, object.substr(0, object.size() - 1)));
+    EXPECT_EQ(run(joined({"--json", "-"}, comparison)).out, object);
+    const CommandResult alone = run(joined({"--html=-"}, comparison));
+    EXPECT_EQ(alone.out, page);
+    EXPECT_EQ(alone.err, text.err);
+    EXPECT_EQ(alone.exitCode, 6);
+    EXPECT_EQ(run({"--fail-above", "30", "--html=-", good, slow}).out.find("The gate passes: "),
+              std::string::npos);
+}
+
+TEST_F(CompareCommand, LeavesAFileAsItWasUnlessAllOfThePageIsThere) {
+    const std::string good = log("good");
+    const std::string html = files.write("html", "what was there");
+    const std::string json = files.path("json");
+    expectFailure({"--html", html, good, files.path("none")}, 1,
+                  files.path("none") + ": there is no such file");
+    EXPECT_EQ(test::fileText(html), "what was there");
+    const std::string before = test::fileText(good);
+    expectFailure({"--html", good, log("other"), good}, 2, good + ": the file is the log itself");
+    EXPECT_EQ(test::fileText(good), before);
+    expectFailure({"--json", json, "--html", files.path("none/html"), good, good}, 3,
+                  files.path("none/html") + ": the file can't be written: No such file or directory");
+    EXPECT_FALSE(std::ifstream(json).is_open());  // nor is the other form
+    expectFailure({"--html=-", good, good}, 3,
+                  "standard output: the file can't be written: No space left on device", output::full);
 }
 
 TEST_F(CompareCommand, ManyLogsTakeTheMemoryOfOne) {

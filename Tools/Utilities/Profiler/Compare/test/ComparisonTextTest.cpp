@@ -153,8 +153,8 @@ Executions, without the first
 
 Totals
           Base us  New us  Change us  Change
-  Marlix    100.0    90.0      -10.0  -10.0%      faster
-  Copies        -     9.0          -              new
+  Marlix    100.0    90.0      -10.0  -10.0%  faster
+  Copies        -     9.0          -          new
 )");
 }
 

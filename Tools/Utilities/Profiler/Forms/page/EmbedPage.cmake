@@ -1,6 +1,9 @@
-# Makes a source file of the page: cmake -DPAGE=DIR -DOUTPUT=FILE -P EmbedPage.cmake
+# Makes a source file of a page: cmake -DPAGES=DIR -DNAME=NAME -DTITLE=TITLE -DOUTPUT=FILE -P EmbedPage.cmake
 #
+# frame.html holds the page, shared.css and shared.js are what all pages have, NAME.html, NAME.css and NAME.js its own.
 # The content security policy names the page's style and script by their hashes, so it is made here as well.
+
+cmake_minimum_required(VERSION 3.25)
 
 # The base64 form of an SHA-256 in hexadecimal digits, of which three bytes become four characters.
 function(base64_of_sha256 hex result)
@@ -25,23 +28,34 @@ function(base64_of_sha256 hex result)
     set(${result} "${text}${character}=" PARENT_SCOPE)
 endfunction()
 
-function(read_asset name)
-    file(READ "${PAGE}/${name}" text)
-    file(SHA256 "${PAGE}/${name}" hash)
-    base64_of_sha256(${hash} base64)
-    set(text "${text}" PARENT_SCOPE)
-    set(source "'sha256-${base64}'" PARENT_SCOPE)
+# What both pages have, and what the page has of its own.
+function(read_asset type result)
+    file(READ "${PAGES}/shared.${type}" shared)
+    file(READ "${PAGES}/${NAME}.${type}" own)
+    set(${result} "${shared}${own}" PARENT_SCOPE)
 endfunction()
 
-file(READ "${PAGE}/page.html" html)
-read_asset(page.css)
-string(REPLACE "@style@" "${text}" html "${html}")
+function(source_of text result)
+    string(SHA256 hash "${text}")
+    base64_of_sha256(${hash} base64)
+    set(${result} "'sha256-${base64}'" PARENT_SCOPE)
+endfunction()
+
+file(READ "${PAGES}/frame.html" html)
+file(READ "${PAGES}/${NAME}.html" body)
+string(REPLACE "@title@" "${TITLE}" html "${html}")
+string(REPLACE "@body@" "${body}" html "${html}")
+read_asset(css style)
+source_of("${style}" source)
+string(REPLACE "@style@" "${style}" html "${html}")
 string(REPLACE "@style-source@" "${source}" html "${html}")
-read_asset(page.js)
+read_asset(js script)
+set(script "(() => {\n${script}})();\n") # so that none of its names is one of the document's
+source_of("${script}" source)
 string(REPLACE "@script-source@" "${source}" html "${html}")
 # The script stands behind the data, and comes in last: no mark is looked for in it.
 set(parts "")
-foreach(mark @run@ @executions@ @script@)
+foreach(mark @data@ @extra@ @script@)
     string(FIND "${html}" "${mark}" at)
     string(LENGTH "${mark}" length)
     string(SUBSTRING "${html}" 0 ${at} part)
@@ -52,5 +66,5 @@ foreach(mark @run@ @executions@ @script@)
         string(APPEND parts ",\n")
     endif()
 endforeach()
-file(WRITE "${OUTPUT}" "#include \"PageParts.h\"\n\nnamespace zeb::forms {\n\nconst PageParts pageParts = {\n")
-file(APPEND "${OUTPUT}" "${parts}\n    R\"page(${text})page\"\n    R\"page(${html})page\",\n};\n\n}  // namespace zeb::forms\n")
+file(WRITE "${OUTPUT}" "#include \"PageParts.h\"\n\nnamespace zeb::forms {\n\nconst PageParts ${NAME}Parts = {\n")
+file(APPEND "${OUTPUT}" "${parts}\n    R\"page(${script})page\"\n    R\"page(${html})page\",\n};\n\n}  // namespace zeb::forms\n")

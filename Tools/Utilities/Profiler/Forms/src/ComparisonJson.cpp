@@ -55,30 +55,6 @@ const char* keyOf(GateOutcome outcome) {
     return "";
 }
 
-const char* keyOf(Total total) {
-    switch (total) {
-        case Total::marlix:
-            return "marlix";
-        case Total::backend:
-            return "backend";
-        case Total::accelerator:
-            return "accelerator";
-        case Total::ipc:
-            return "ipc";
-        case Total::copies:
-            return "copies";
-        case Total::queueWait:
-            return "queue-wait";
-        case Total::init:
-            return "init";
-        case Total::finalize:
-            return "finalize";
-        case Total::layers:
-            return "layers";
-    }
-    return "";
-}
-
 ordered_json orNull(const std::optional<double>& value) {
     return value ? ordered_json(*value) : ordered_json(nullptr);
 }
@@ -96,7 +72,7 @@ ordered_json jsonOf(const analysis::ExecutionSpread& spread) {
 
 ordered_json jsonOf(const analysis::TotalChange& row) {
     const bool isOnBoth = row.baseLogs != 0 && row.newLogs != 0;
-    ordered_json json = {{"total", keyOf(row.total)},
+    ordered_json json = {{"total", keyOfTotal(row.total)},
                          {"base", jsonOf(row.base, row.baseLogs)},
                          {"new", jsonOf(row.changed, row.newLogs)},
                          {"change_us", isOnBoth ? ordered_json(row.changeUs()) : ordered_json(nullptr)},
@@ -144,7 +120,7 @@ ordered_json jsonOf(const analysis::GraphComparison& graph) {
 
 ordered_json jsonOf(const analysis::Comparison& comparison, const analysis::Gate& gate) {
     const analysis::GateResult result = judge(comparison, gate);
-    return {{"total", keyOf(gate.total)},
+    return {{"total", keyOfTotal(gate.total)},
             {"fail_above", gate.maxGrowth},
             {"min_change_us", gate.minChangeUs},
             {"outcome", keyOf(result.outcome)},
@@ -152,6 +128,30 @@ ordered_json jsonOf(const analysis::Comparison& comparison, const analysis::Gate
 }
 
 }  // namespace
+
+const char* keyOfTotal(Total total) {
+    switch (total) {
+        case Total::marlix:
+            return "marlix";
+        case Total::backend:
+            return "backend";
+        case Total::accelerator:
+            return "accelerator";
+        case Total::ipc:
+            return "ipc";
+        case Total::copies:
+            return "copies";
+        case Total::queueWait:
+            return "queue-wait";
+        case Total::init:
+            return "init";
+        case Total::finalize:
+            return "finalize";
+        case Total::layers:
+            return "layers";
+    }
+    return "";
+}
 
 void writeComparisonJson(std::ostream& out, const analysis::Comparison& comparison,
                          const std::optional<analysis::Gate>& gate) {

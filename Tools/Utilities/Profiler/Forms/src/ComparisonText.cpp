@@ -201,24 +201,45 @@ private:
 
     void printTotals(const GraphComparison& graph) {
         out_ << "\nTotals\n";
-        ChangeTable table({{"", Side::left},
-                           {"Base us", Side::right},
-                           {"New us", Side::right},
-                           {"Change us", Side::right},
-                           {"Change", Side::right},
-                           {isSeveral() ? "95% interval" : "", Side::right},
-                           {isSeveral() ? "p" : "", Side::right},
-                           {"", Side::left}});
+        ChangeTable table(columns("", {"95% interval", "p"}));
         for (const TotalChange& row : graph.totals) {
             const bool isOnBoth = row.baseLogs != 0 && row.newLogs != 0;
-            table.add({std::string(nameOf(row.total)), rangeText(row.base, row.baseLogs),
-                       rangeText(row.changed, row.newLogs), isOnBoth ? changeUs(row.changeUs()) : "-",
-                       changeText(row.change, row.verdict),
-                       row.interval ? percent(row.interval->low) + " to " + percent(row.interval->high) : "",
-                       pText(row.p), std::string(wordFor(row.verdict))},
-                      row.verdict);
+            add(table,
+                {std::string(nameOf(row.total)), rangeText(row.base, row.baseLogs),
+                 rangeText(row.changed, row.newLogs), isOnBoth ? changeUs(row.changeUs()) : "-",
+                 changeText(row.change, row.verdict)},
+                {row.interval ? percent(row.interval->low) + " to " + percent(row.interval->high) : "",
+                 pText(row.p)},
+                row.verdict);
         }
         table.print(out_, options_.hasColour);
+    }
+
+    // A table's columns; `sure` are those on how sure a change is, which it takes several logs a side to
+    // tell.
+    [[nodiscard]] std::vector<ConsoleTable::Column> columns(const char* name,
+                                                            const std::vector<const char*>& sure) const {
+        std::vector<ConsoleTable::Column> all = {{name, Side::left},
+                                                 {"Base us", Side::right},
+                                                 {"New us", Side::right},
+                                                 {"Change us", Side::right},
+                                                 {"Change", Side::right}};
+        if (isSeveral()) {
+            for (const char* const title : sure) {
+                all.push_back({title, Side::right});
+            }
+        }
+        all.push_back({"", Side::left});
+        return all;
+    }
+
+    void add(ChangeTable& table, std::vector<std::string> cells, const std::vector<std::string>& sure,
+             Verdict verdict) const {
+        if (isSeveral()) {
+            cells.insert(cells.end(), sure.begin(), sure.end());
+        }
+        cells.emplace_back(wordFor(verdict));
+        table.add(std::move(cells), verdict);
     }
 
     [[nodiscard]] bool isSeveral() const { return comparison_.basis == Basis::several; }
@@ -233,13 +254,7 @@ private:
             sum.newUs += row.newUs;
         }
         out_ << '\n' << title << '\n';
-        ChangeTable table({{nameTitle, Side::left},
-                           {"Base us", Side::right},
-                           {"New us", Side::right},
-                           {"Change us", Side::right},
-                           {"Change", Side::right},
-                           {isSeveral() ? "p" : "", Side::right},
-                           {"", Side::left}});
+        ChangeTable table(columns(nameTitle, {"p"}));
         LayerChange others{.name = {}, .change = {}, .p = {}};
         std::size_t hidden = 0;
         for (const LayerChange& row : rows) {
@@ -260,9 +275,8 @@ private:
     }
 
     void add(ChangeTable& table, const LayerChange& row, const std::string& change) const {
-        table.add({name(row.name), us(row.baseUs), us(row.newUs), changeUs(row.changeUs()), change,
-                   pText(row.p), std::string(wordFor(row.verdict))},
-                  row.verdict);
+        add(table, {name(row.name), us(row.baseUs), us(row.newUs), changeUs(row.changeUs()), change},
+            {pText(row.p)}, row.verdict);
     }
 
     std::ostream& out_;

@@ -4,12 +4,14 @@
 
 namespace zeb::forms {
 
-/// The page around its data: what the build makes of the files in page/.
+/// A page around its data, which is an object and what the page needs beside it: what the build makes of the
+/// files in page/.
 struct PageParts {
-    std::string_view beforeRun;
-    std::string_view beforeExecutions;
+    std::string_view beforeData;
+    std::string_view beforeExtra;
     std::string_view behind;
 };
-extern const PageParts pageParts;
+extern const PageParts pageParts;        ///< of a run
+extern const PageParts comparisonParts;  ///< of two versions
 
 }  // namespace zeb::forms

@@ -10,19 +10,6 @@ namespace {
 using samplelog::NetworkOptions;
 using test::runOf;
 
-constexpr int noBrowser = 77;
-
-// Opens the page in a browser that is installed here and has the checks of page_checks.js made. What stands
-// on the browser's console comes behind what they find.
-#define EXPECT_IN_BROWSER(run, checks, found)                                        \
-    do {                                                                             \
-        const test::Checked checked = test::check(test::pageOf(run), checks);        \
-        if (checked.status == noBrowser) {                                           \
-            GTEST_SKIP() << "no browser is installed, so the page is not looked at"; \
-        }                                                                            \
-        EXPECT_EQ(checked.text, found);                                              \
-    } while (false)
-
 TEST(PageInBrowser, ItsPartsAreThereAndItsTablesDoWhatTheyAreToldTo) {
     EXPECT_IN_BROWSER(runOf(NetworkOptions{}),
                       "parts figures missing sorting filtering columns copying following executions strip",
@@ -37,7 +24,7 @@ TEST(PageInBrowser, AHostileNameStaysText) {
 
 TEST(PageInBrowser, AnotherScriptDoesNotRun) {
     const test::Checked checked = test::check(test::pageOf(runOf(NetworkOptions{})), "refusal");
-    if (checked.status == noBrowser) {
+    if (checked.status == test::noBrowser) {
         GTEST_SKIP() << "no browser is installed, so the page is not looked at";
     }
     EXPECT_TRUE(checked.text.starts_with("refusal: good\nconsole: ")) << checked.text;

@@ -1,10 +1,15 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <cstdio>
 #include <memory>
+#include <optional>
 #include <sstream>
 #include <string>
+#include <string_view>
 
+#include "ComparisonPage.h"
 #include "MakeRun.h"
 #include "NetworkLog.h"
 #include "Page.h"
@@ -15,6 +20,19 @@ namespace zeb::test {
 inline std::string pageOf(const analysis::Run& run) {
     std::ostringstream page;
     forms::writePage(page, run);
+    return page.str();
+}
+
+/// A comparison, and what it is shown with.
+struct Compared {
+    analysis::Comparison comparison;
+    std::optional<analysis::Gate> gate;
+    double hideBelow = 0.005;
+};
+
+inline std::string pageOf(const Compared& compared) {
+    std::ostringstream page;
+    forms::writeComparisonPage(page, compared.comparison, compared.gate, compared.hideBelow);
     return page.str();
 }
 
@@ -52,11 +70,49 @@ inline Checked check(const std::string& page, const std::string& checks) {
     return checked;
 }
 
+constexpr int noBrowser = 77;
+
+/// Opens the page in a browser that is installed here and has the checks of page_checks.js made. What stands
+/// on the browser's console comes behind what they find.
+#define EXPECT_IN_BROWSER(shown, checks, found)                                      \
+    do {                                                                             \
+        const test::Checked checked = test::check(test::pageOf(shown), checks);      \
+        if (checked.status == test::noBrowser) {                                     \
+            GTEST_SKIP() << "no browser is installed, so the page is not looked at"; \
+        }                                                                            \
+        EXPECT_EQ(checked.text, found);                                              \
+    } while (false)
+
+/// @return how often a part comes
+inline std::size_t countOf(const std::string& text, std::string_view part) {
+    std::size_t count = 0;
+    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) {
+        ++count;
+    }
+    return count;
+}
+
+/// @return what a browser takes for the data of that name: all up to the first end of a script
+inline std::string dataOf(const std::string& page, const std::string& id) {
+    const std::string mark = "<script type=\"application/json\" id=\"" + id + "\">";
+    const std::size_t start = page.find(mark) + mark.size();
+    return page.substr(start, page.find("</", start) - start);
+}
+
+/// What no page has: it would ask for something from elsewhere, or make markup of a text.
+constexpr std::string_view partsOfWiderPages[] = {
+    "src=",           "href=\"h",       "@import", "innerHTML", "outerHTML",
+    "insertAdjacent", "document.write", "eval(",   "fetch(",    "XMLHttpRequest"};
+
+/// Parts of the names of a log that try to be more than text.
+inline const std::string hostileScript = "</script><script>window.broken = 1</script>";
+inline const std::string hostileImage = "<img src=x onerror=\"window.broken = 2\">";
+
 /// Names that try to be more than text.
 inline analysis::Run hostileRun() {
     analysis::Run run = runOf(samplelog::NetworkOptions{.executions = 5});
-    const std::string script = "</script><script>window.broken = 1</script>";
-    const std::string image = "<img src=x onerror=\"window.broken = 2\">";
+    const std::string& script = hostileScript;
+    const std::string& image = hostileImage;
     run.logFile = "<!--<script>" + script;
     run.header->generatorName = "&lt;b&gt;" + image;
     run.steps.front().text = image;

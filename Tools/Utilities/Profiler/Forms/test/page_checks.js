@@ -15,6 +15,23 @@ function filter(id, text) {
   field.value = text;
   field.dispatchEvent(new Event("input"));
 }
+function wrongParts(wanted) {
+  const titles = [...document.querySelectorAll("main section > h2")].map(title => title.textContent).join("; ");
+  const silent = [...document.querySelectorAll("main section")].filter(section => section.querySelector(".hint + div").textContent.trim() === "");
+  const unsaid = document.querySelectorAll("main section:not([aria-labelledby])").length;
+  return titles !== wanted ? titles : silent.length > 0 ? `empty: ${silent[0].textContent}` : unsaid > 0 ? "a part without a name" : "";
+}
+// What of a log has become more than text.
+function strangers() {
+  const strange = [...document.querySelectorAll("img, iframe, object, b > *, td *, li > *, main script, [onerror], [onload], [onclick]")]
+    .filter(found => !found.closest("td.bar, svg, .change, .verdict, td small, .legend, li > bdi:not(:has(*)), #findings li > :not(:has(*))"));
+  return window.broken !== undefined || document.scripts.length !== 4 ? "a script of the log ran" : strange.length > 0 ? strange[0].outerHTML : "";
+}
+function clipboard() {
+  const copied = [];
+  Object.defineProperty(navigator, "clipboard", {value: {writeText: text => { copied.push(text); return Promise.resolve(); }}});
+  return copied;
+}
 function took(action) {
   const start = performance.now();
   action();
@@ -34,12 +51,8 @@ function byFrames(action) {
 
 const checks = {
   parts() {
-    const titles = [...document.querySelectorAll("main h2")].map(title => title.textContent).join("; ");
-    const wanted = "What stands out; Where an inference goes; One inference, layer by layer; Costliest ZEB layers; ORU layers by type; " +
-      "Execution times over the run; Start-up and tear-down; All ZEB layers; All ORU layers";
-    const silent = [...document.querySelectorAll("main section")].filter(section => section.querySelector(".hint + div").textContent.trim() === "");
-    const unsaid = document.querySelectorAll("main section:not([aria-labelledby])").length;
-    return titles !== wanted ? titles : silent.length > 0 ? `empty: ${silent[0].textContent}` : unsaid > 0 ? "a part without a name" : "";
+    return wrongParts("What stands out; Where an inference goes; One inference, layer by layer; Costliest ZEB layers; ORU layers by type; " +
+      "Execution times over the run; Start-up and tear-down; All ZEB layers; All ORU layers");
   },
   figures() {
     return [...document.querySelectorAll("#figures .large")].map(figure => figure.textContent).join(" ");
@@ -83,12 +96,11 @@ const checks = {
     return before !== -1 || there === -1 || cells !== titles || columnOf("oru", "Total DSP cycles") !== -1 ? `${before} ${there} ${cells} ${titles}` : "";
   },
   copying() {
-    let copied = "";
-    Object.defineProperty(navigator, "clipboard", {value: {writeText: text => { copied = text; return Promise.resolve(); }}});
+    const copied = clipboard();
     heading("zeb", "#").click();
     heading("zeb", "#").click();
     buttonOf("zeb", "Copy").click();
-    const lines = copied.split("\r\n");
+    const lines = copied[0].split("\r\n");
     return lines[0] !== "#,Name,Time (us),Share,Krel (us),DSP (us),ORU layers,Types" || lines.length !== rowsOf("zeb").length + 2
       || !/^1,input_1,44,0\.025806,0,44,2,"QUANTIZE, LAYOUT_PAD"$/.test(lines[1]) ? `copies ${copied}` : "";
   },
@@ -188,11 +200,113 @@ const checks = {
     return Object.entries(times).map(([name, ms]) => `${name} ${ms.toFixed(0)} ms`).join("; ");
   },
   hostile() {
-    const strange = [...document.querySelectorAll("img, iframe, object, b > *, td *, main script, [onerror], [onload], [onclick]")]
-      .filter(found => !found.closest("td.bar"));
-    return window.broken !== undefined || document.scripts.length !== 4 ? "a script of the log ran" : strange.length > 0 ? strange[0].outerHTML
-      : !element("name").textContent.includes("<\/script><script>window.broken") || !element("zeb").textContent.includes("<img src=x onerror=")
+    return strangers() ? strangers() : !element("name").textContent.includes("<\/script><script>window.broken") || !element("zeb").textContent.includes("<img src=x onerror=")
       ? "the names are not there" : "";
+  },
+  // Of the page of two versions.
+  comparedParts() {
+    return wrongParts("Totals; Where an inference goes; ZEB layers; ORU layers by type");
+  },
+  lead() {
+    return document.querySelector("#answer b").textContent.replace(/:$/, "");
+  },
+  answer() {
+    return [...document.querySelector("#answer p").childNodes].map(node => node.textContent.trim()).join(" ");
+  },
+  sides() {
+    return [...element("sides").children].map(side => [...side.children].map(cell => cell.textContent).join(" ").replace("more", "more ").trim()).join("; ");
+  },
+  notes() {
+    return [...element("notes").children].map(note => `${note.children[0].textContent}: ` +
+      ([...note.querySelectorAll("li")].map(item => item.textContent).join("; ") || note.children[1].textContent)).join(" | ");
+  },
+  totals() {
+    return [...rowsOf("totals")].map(row => `${row.cells[4].firstChild.textContent} ${row.querySelector(".verdict").lastChild.textContent}`).join(", ").replaceAll("−", "-");
+  },
+  layers() {
+    return [...rowsOf("layers")].map(row => `${row.cells[0].textContent} ${row.cells[4].textContent} ${row.querySelector(".verdict").lastChild.textContent}`).join(", ").replaceAll(/[−–]/g, "-");
+  },
+  layerColumns() {
+    return [...element("layers").querySelectorAll("thead th")].map(cell => cell.textContent).join(", ");
+  },
+  differences() {
+    const wrong = [];
+    for (const row of document.querySelectorAll("#totals tbody tr, #layers tbody tr, #types tbody tr")) {
+      const bar = row.querySelector("svg rect");
+      const change = row.cells[3].textContent;
+      const from = parseFloat(bar.getAttribute("x")), to = from + parseFloat(bar.getAttribute("width"));
+      const [near, far] = change.includes("+") ? [from, to] : [100 - to, 100 - from];
+      const verdict = row.querySelector(".verdict").lastChild.textContent;
+      const kind = {slower: "slower", new: "slower", faster: "faster", gone: "faster", "can't tell": "other"}[verdict];
+      const isLongest = row === row.closest("tbody").rows[0] && !row.closest("#totals");
+      if (Math.abs(near - 50) > 0.01 || far > 100.01 || (isLongest && Math.abs(far - 100) > 0.01) || bar.getAttribute("class") !== kind) {
+        wrong.push(`${row.cells[0].firstChild.textContent}: ${kind} from ${from} to ${to}`);
+      }
+    }
+    const arrows = [...rowsOf("totals")].map(row => row.querySelectorAll(".beyond").length).join("");
+    const [left, right] = ["x1", "x2"].map(end => parseFloat(rowsOf("totals")[0].querySelector(".whisker").getAttribute(end)));
+    const pieces = rowsOf("inference")[1].querySelectorAll("rect");
+    const [base, now, saved] = [...pieces].map(piece => parseFloat(piece.getAttribute("width")));
+    return wrong.length > 0 ? wrong.join("; ") : arrows !== "0001" ? `arrows ${arrows}` : Math.abs((left - 50) / (right - 50) - 0.08 / 0.125) > 0.01 ? `whisker from ${left} to ${right}`
+      : Math.abs(base - now - saved) > 0.02 || now >= base || pieces[2].getAttribute("class") !== "saved" ? `base ${base}, now ${now}, saved ${saved}` : "";
+  },
+  copyingChanges() {
+    const copied = clipboard();
+    buttonOf("layers", "Copy").click();
+    const wanted = ["Layer,Base (us),New (us),Change (us),Change,p,Verdict", "conv10,100,200,100,1,0.00001,slower", "old,60,0,-60,,,gone", "conv9,50,25,-25,-0.5,0.01,faster",
+                    "young,0,12,12,,,new", "loud,100,110,10,,0.2,can't tell", ""];
+    return copied[0] === wanted.join("\r\n") ? "" : copied[0];
+  },
+  sortingChanges() {
+    const clicked = title => {
+      heading("layers", title).click();
+      return heading("layers", title).parentElement.getAttribute("aria-sort");
+    };
+    const changes = () => textsOf("layers", 3).map(text => Number(text.replace("−", "-").replaceAll(",", "")));
+    const first = changes();
+    const fallen = clicked("Change (us)"), falling = changes();
+    const risen = clicked("Change (us)"), rising = changes();
+    clicked("p");
+    clicked("p");
+    const p = textsOf("layers", 5);
+    return !isSorted(first, (left, right) => Math.abs(left) >= Math.abs(right)) ? `comes as ${first}` : fallen !== "descending" || risen !== "ascending" ? `${fallen} ${risen}`
+      : !isSorted(falling, (left, right) => left >= right) || !isSorted(rising, (left, right) => left <= right) ? `sorted as ${falling} and ${rising}`
+      : p.join() !== "< 0.001,0.010,0.200,–,–" ? `p sorted as ${p}` : "";
+  },
+  minorChanges() {
+    const names = () => textsOf("layers", 0);
+    const foot = () => [...element("layers").querySelectorAll("tfoot tr")].map(row => [...row.cells].slice(0, 4).map(cell => cell.textContent).join(" ")).join("; ");
+    const found = [`${names().length} ${element("layers").querySelector("[role=status]").textContent}`, foot()];
+    filter("layers", "QUI");
+    found.push(`${names()} ${buttonOf("layers", "Show the").hidden}`);
+    filter("layers", "");
+    found.push(names().length);
+    buttonOf("layers", "Show the 2 layers that moved by less than 0.5 % of the whole").click();
+    found.push(names().length, foot());
+    buttonOf("layers", "Hide the 2 layers").click();
+    found.push(names().length);
+    const wanted = ["5 5 of 7 layers", "2 others 190.0 190.5 +0.5; Sum 500.0 537.5 +37.5", "quiet true", 5, 7, "Sum 500.0 537.5 +37.5", 5];
+    return found.join(" | ") === wanted.join(" | ") ? "" : found.join(" | ");
+  },
+  hostileChanges() {
+    return strangers() ? strangers() : !element("name").textContent.includes("<\/script><script>window.broken") || !element("layers").textContent.includes("<img src=x onerror=") ||
+      !element("sides").textContent.includes("<!-" + "-<script>") || !element("notes").textContent.includes("<img src=x") ? "the names are not there" : "";
+  },
+  manyChanges() {
+    const shown = rowsOf("layers").length;
+    heading("layers", "Change (us)").click();
+    filter("layers", "4999");
+    const found = rowsOf("layers").length;
+    filter("layers", "");
+    const all = byFrames(frames => {
+      buttonOf("layers", "Show all 5,000 layers").click();
+      while (frames.length > 0) {
+        frames.shift()();
+      }
+      return rowsOf("layers").length;
+    });
+    heading("layers", "Layer").click();
+    return shown !== 500 || found !== 1 || all !== 5000 || rowsOf("layers").length !== 500 ? `${shown} ${found} ${all}` : "";
   },
   refusal() {
     const script = document.createElement("script");
