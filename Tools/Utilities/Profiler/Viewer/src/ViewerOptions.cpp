@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "CommandLine.h"
+#include "text/NearestName.h"
 
 namespace zeb::viewer {
 
@@ -12,6 +13,7 @@ namespace {
 
 using command::CommandLine;
 using command::ExitCode;
+using command::Failure;
 using command::Given;
 using command::Takes;
 using command::wrongUsage;
@@ -182,6 +184,17 @@ void checkTogether(const CommandLine& line, const ViewerOptions& options) {
     }
 }
 
+// What is not the viewer's may be an option of the reader's, unless it is all but one of the viewer's.
+Failure withoutLog(const command::Words& remaining) {
+    for (const std::string& word : remaining) {
+        const std::string name = word.substr(0, word.find('='));
+        if (word.starts_with('-') && profiling::nearestName(name, viewerOptionNames())) {
+            return command::unknownOption(name, viewerOptionNames());
+        }
+    }
+    return wrongUsage("no LOG given");
+}
+
 }  // namespace
 
 std::string_view meaningOf(ExitCode exitCode) {
@@ -220,7 +233,7 @@ ViewerOptions parseCommandLine(int argc, const char* const* argv) {
     }
     applyGiven(line, optionRows(), options);
     if (!line.word()) {
-        throw wrongUsage("no LOG given");
+        throw withoutLog(line.remaining());
     }
     options.log = *line.word() == "-" ? "/dev/stdin" : *line.word();
     options.logPath = options.log;

@@ -81,6 +81,9 @@ TEST_F(ViewerCommand, RefusesWrongUsage) {
          "/dev/stdin: the log is no regular file, so --save-objects can't check its object names first; "
          "--trust-object-names goes without"},
         {{log, "--callss"}, "--callss: unknown option, did you mean --calls?"},
+        {{"--hlep"}, "--hlep: unknown option, did you mean --help?"},
+        {{"--internal"}, "no LOG given" + seeHelp},
+        {{"--extra_help"}, "no LOG given" + seeHelp},
         {{log, "--html", "-", "--json", "-"},
          "--html: standard output takes one form, and --json has it" + seeHelp},
         {{log, "--html", "a", "--trace", "a"}, "--html: goes to where --trace goes" + seeHelp},
