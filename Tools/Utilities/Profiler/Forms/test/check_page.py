@@ -47,7 +47,7 @@ def look_at(browser, page):
             file.write(page)
         options = ["--headless=new", "--no-sandbox", "--disable-gpu", "--window-size=1280,1000", "--enable-logging=stderr",
                    "--user-data-dir=" + os.path.join(directory, "profile"), "--dump-dom", "file://" + path]
-        result = subprocess.run([browser] + options, capture_output=True, text=True, errors="replace", timeout=120)
+        result = subprocess.run([browser] + options, capture_output=True, text=True, errors="replace", timeout=400)
     found = re.search(r'<pre id="checks">(.*?)</pre>', result.stdout, re.DOTALL)
     print(html.unescape(found.group(1)) if found else "the checks did not run: exit code %d, %d bytes\n%s\n" % (
         result.returncode, len(result.stdout), result.stderr[-2000:]), end="")
