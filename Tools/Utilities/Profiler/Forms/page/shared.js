@@ -129,7 +129,7 @@ function pin(index) {
 // ---- Tables
 
 const mostRows = 500;
-const rowsOfGroup = 100000;
+const rowsOfGroup = 100;
 
 function csvField(value) {
   const text = String(typeof value === "number" ? Math.round(value * 1e6) / 1e6 : value);

@@ -18,8 +18,8 @@ TEST(PageInBrowser, ItsPartsAreThereAndItsTablesDoWhatTheyAreToldTo) {
 }
 
 TEST(PageInBrowser, AHostileNameStaysText) {
-    EXPECT_IN_BROWSER(test::hostileRun(), "parts hostile sorting filtering",
-                      "parts: good\nhostile: good\nsorting: good\nfiltering: good\n");
+    EXPECT_IN_BROWSER(test::hostileRun(), "parts hostile hostileCopy sorting filtering",
+                      "parts: good\nhostile: good\nhostileCopy: good\nsorting: good\nfiltering: good\n");
 }
 
 TEST(PageInBrowser, AnotherScriptDoesNotRun) {

@@ -203,6 +203,12 @@ const checks = {
     return strangers() ? strangers() : !element("name").textContent.includes("<\/script><script>window.broken") || !element("zeb").textContent.includes("<img src=x onerror=")
       ? "the names are not there" : "";
   },
+  // A spreadsheet would reckon what begins like a formula.
+  hostileCopy() {
+    const copied = clipboard();
+    buttonOf("zeb", "Copy").click();
+    return copied[0].includes("\r\n4,'=1+1,") ? "" : copied[0];
+  },
   // Of the page of two versions.
   comparedParts() {
     return wrongParts("Totals; Where an inference goes; ZEB layers; ORU layers by type");
