@@ -77,7 +77,7 @@ Compared allKinds() {
                     layerOf("old", 60, 0, {}, Verdict::gone),
                     layerOf("conv9", 50, 25, 0.01, Verdict::faster),
                     layerOf("young", 0, 12, {}, Verdict::added),
-                    layerOf("loud", 100, 110, 0.2, Verdict::unsure),
+                    layerOf("loud", 100, 102.6, 0.2, Verdict::unsure),
                     layerOf("still", 100, 100.5, 1.0, Verdict::unsure),
                     layerOf("quiet", 90, 90, 1.0, Verdict::unsure)};
     graph.types = {layerOf("SUPERCONV", 500, 525, 0.04, Verdict::slower)};
