@@ -22,6 +22,9 @@ constexpr double hzPerMhz = 1000000.0;
 
 FigureScope wholeRun(const EventStore& store) {
     FigureScope scope;
+    scope.executions.reserve(store.executeRecords.size());
+    scope.averages.reserve(store.executeAverage.size());
+    scope.finalizations.reserve(store.finalizeRecords.size());
     for (const GraphMethodRecords& graph : store.executeRecords) {
         scope.executions.push_back(&graph);
     }
@@ -180,7 +183,8 @@ void workOutExecution(BackendFigures& figures, const EventStore& store, const Fi
 }  // namespace
 
 std::optional<ProfileLevel> findProfileLevel(const EventStore& store) {
-    const auto text = findExecuteEventValue(store, wholeRun(store), levelName);
+    const FigureScope scope = store.mayHaveEvent(levelName) ? wholeRun(store) : FigureScope();
+    const auto text = findExecuteEventValue(store, scope, levelName);
     if (!text) {
         logMessage(ZEB_LOG_LEVEL_WARN, "failed get Profile Level Value!");
         return std::nullopt;
