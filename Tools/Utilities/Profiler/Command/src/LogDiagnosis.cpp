@@ -148,8 +148,7 @@ std::optional<std::string> compressionOf(const std::string& path, std::string_vi
     for (const Compression& compression : compressions) {
         if (first.starts_with(compression.firstBytes)) {
             return "the log can't be read: it seems to be compressed by " + std::string(compression.name) +
-                   "; try " + std::string(compression.command) + ' ' + path + ' ' +
-                   std::string(unpackedTo);
+                   "; try " + std::string(compression.command) + ' ' + path + ' ' + std::string(unpackedTo);
         }
     }
     return std::nullopt;
