@@ -3,7 +3,8 @@
 set -euo pipefail
 source "$(dirname "$0")/setup.sh"
 
-packages+=(chromium fonts-dejavu-core fonts-noto-color-emoji npm pngquant)
+packages+=(chromium fonts-dejavu-core fonts-noto-color-emoji pngquant)
+command -v npm >/dev/null || packages+=(npm) # which may have come with another Node.js than Debian's
 install_packages
 build release zeb-profile-viewer write-sample-log
 bin=$PWD/build/release/bin
@@ -21,8 +22,8 @@ picture() {
 }
 
 "$bin/write-sample-log" "$work/sample.zlog" >&2
-"$bin/zeb-profile-viewer" --html - "$work/sample.zlog" >"$work/page.html"
-picture page 1180,1560 "file://$work/page.html" --disable-gpu
+(cd "$work" && "$bin/zeb-profile-viewer" --html - sample.zlog >page.html) # which shows the path as it is given
+picture page 1180,1560 "file://$work/page.html" --disable-gpu --virtual-time-budget=4000
 
 # The viewer begins with the first track of a file and shows one at a time, so the file of the picture has one. It puts arguments
 # behind the names and cuts both in the middle, so that in a picture they have to go.
