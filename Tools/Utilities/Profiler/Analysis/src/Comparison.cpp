@@ -437,6 +437,24 @@ std::vector<std::string> filesOf(Runs runs) {
 
 }  // namespace
 
+std::string_view nameOf(Verdict verdict) {
+    switch (verdict) {
+        case Verdict::unsure:
+            return "unsure";
+        case Verdict::slower:
+            return "slower";
+        case Verdict::faster:
+            return "faster";
+        case Verdict::same:
+            return "same";
+        case Verdict::added:
+            return "new";
+        case Verdict::gone:
+            return "gone";
+    }
+    return "";
+}
+
 const TotalChange* GraphComparison::find(Total total) const {
     const auto found = std::find_if(totals.begin(), totals.end(),
                                     [total](const TotalChange& row) { return row.total == total; });

@@ -5,6 +5,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -33,6 +34,9 @@ enum class Verdict : std::uint8_t {
     added,  ///< only the new side has it
     gone,   ///< only the base has it
 };
+
+/// @return the verdict in a word: "unsure", "slower", "faster", "same", "new" or "gone"
+std::string_view nameOf(Verdict verdict);
 
 /// A total of a graph on both sides.
 struct TotalChange {

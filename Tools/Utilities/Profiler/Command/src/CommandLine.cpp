@@ -110,8 +110,6 @@ CommandLine::CommandLine(std::vector<DeclaredOption> options, const std::string&
     parser_->parse(argc, argv);
 }
 
-CommandLine::CommandLine(CommandLine&& other) noexcept = default;
-CommandLine& CommandLine::operator=(CommandLine&& other) noexcept = default;
 CommandLine::~CommandLine() = default;
 
 Action CommandLine::action() const {

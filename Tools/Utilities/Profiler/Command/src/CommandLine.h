@@ -62,8 +62,6 @@ public:
     /// @throws Failure for wrong usage
     CommandLine(std::vector<DeclaredOption> options, const std::string& wordName, int argc,
                 const char* const* argv);
-    CommandLine(CommandLine&& other) noexcept;
-    CommandLine& operator=(CommandLine&& other) noexcept;
     ~CommandLine();
 
     [[nodiscard]] Action action() const;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -30,6 +31,10 @@ public:
 private:
     int descriptor_;
 };
+
+[[nodiscard]] inline bool isSameFile(const struct stat& one, const struct stat& other) {
+    return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+}
 
 /// Makes a system call, and makes it again as long as a signal interrupts it.
 /// @return what the call gives, negative for an error

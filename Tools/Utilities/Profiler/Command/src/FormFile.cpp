@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
@@ -79,7 +80,7 @@ void printTo(int descriptor, const std::string& path, const std::function<void(s
 
 }  // namespace
 
-FormFile::FormFile(const std::string& path, const std::string& logPath) : path_(path) {
+FormFile::FormFile(const std::string& path, std::span<const std::string> logs) : path_(path) {
     if (path == standardOutput) {
         return;
     }
@@ -93,8 +94,10 @@ FormFile::FormFile(const std::string& path, const std::string& logPath) : path_(
         }
         return;
     }
-    const auto log = statusOf(logPath);
-    if (status && log && status->st_dev == log->st_dev && status->st_ino == log->st_ino) {
+    if (status && std::any_of(logs.begin(), logs.end(), [&status](const std::string& log) {
+            const auto read = statusOf(log);
+            return read && isSameFile(*status, *read);
+        })) {
         throw Failure(ExitCode::usage, path, "the file is the log itself");
     }
     place_ = placeOf(path);
@@ -104,6 +107,10 @@ FormFile::FormFile(const std::string& path, const std::string& logPath) : path_(
     if (status && ::fchmod(beside_->file.get(), status->st_mode & 07777U) != 0) {
         throw fileFailure(path, errno);
     }
+}
+
+std::optional<FormFile> FormFile::openIfWanted(const std::string& path, std::span<const std::string> logs) {
+    return path.empty() ? std::nullopt : std::optional<FormFile>(std::in_place, path, logs);
 }
 
 FormFile::FormFile(FormFile&& other) noexcept

@@ -3,6 +3,7 @@
 #include <functional>
 #include <optional>
 #include <ostream>
+#include <span>
 #include <string>
 
 #include "FileDescriptor.h"
@@ -17,8 +18,11 @@ public:
     static constexpr const char* standardOutput = "-";
 
     /// Opens it as far as can be done without changing anything.
-    /// @throws Failure when it can't be written, or is the log itself
-    FormFile(const std::string& path, const std::string& logPath);
+    /// @param logs that are read, of which it may be none
+    /// @throws Failure when it can't be written, or is a log
+    FormFile(const std::string& path, std::span<const std::string> logs);
+    /// @return nothing for a form that is not wanted, whose path is empty
+    static std::optional<FormFile> openIfWanted(const std::string& path, std::span<const std::string> logs);
     FormFile(FormFile&& other) noexcept;
     FormFile& operator=(FormFile&& other) = delete;
     ~FormFile();

@@ -4,7 +4,7 @@
 
 #include <iostream>
 #include <new>
-#include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -63,22 +63,11 @@ ExitCode judgeBy(const analysis::Comparison& comparison, const analysis::Gate& g
     return exitCodeOf(result.outcome);
 }
 
-// Nothing for a form that is not wanted.
-std::optional<command::FormFile> openForm(const std::string& path, const CompareOptions& options) {
-    std::optional<command::FormFile> file;
-    for (const auto* const side : {&options.base, &options.changed}) {
-        for (const std::string& log : *side) {
-            if (!path.empty()) {
-                file.emplace(path, log);  // which is to be none of them
-            }
-        }
-    }
-    return file;
-}
-
 void writeForms(const CompareOptions& options, const analysis::Comparison& comparison) {
-    std::optional<command::FormFile> json = openForm(options.json, options);
-    std::optional<command::FormFile> html = openForm(options.html, options);
+    std::vector<std::string> logs = options.base;
+    logs.insert(logs.end(), options.changed.begin(), options.changed.end());
+    auto json = command::FormFile::openIfWanted(options.json, logs);
+    auto html = command::FormFile::openIfWanted(options.html, logs);
     if (json) {
         json->write([&](std::ostream& out) { forms::writeComparisonJson(out, comparison, options.gate); });
     }

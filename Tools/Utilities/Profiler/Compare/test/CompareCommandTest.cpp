@@ -244,7 +244,9 @@ TEST_F(CompareCommand, LeavesAFileAsItWasUnlessAllOfThePageIsThere) {
                   files.path("none") + ": there is no such file");
     EXPECT_EQ(test::fileText(html), "what was there");
     const std::string before = test::fileText(good);
-    expectFailure({"--html", good, log("other"), good}, 2, good + ": the file is the log itself");
+    const std::string other = log("other");
+    expectFailure({"--html", good, other, good}, 2, good + ": the file is the log itself");
+    expectFailure({"--html", good, good, other}, 2, good + ": the file is the log itself");
     EXPECT_EQ(test::fileText(good), before);
     expectFailure({"--json", json, "--html", files.path("none/html"), good, good}, 3,
                   files.path("none/html") + ": the file can't be written: No such file or directory");

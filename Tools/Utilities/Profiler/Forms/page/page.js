@@ -4,6 +4,36 @@
 const run = JSON.parse(document.getElementById("run-data").textContent);
 const pictures = JSON.parse(document.getElementById("execution-data").textContent);
 
+// ---- What only this page draws and says
+
+const stroke = (points, kind) => draw("path", {class: kind, d: "M" + points.map(([x, y]) => `${x.toFixed(1)} ${y.toFixed(1)}`).join("L")});
+const percent = value => value > 0 && value < 0.00005 ? "< 0.01 %" : `${digits(value * 100, value > 0 && value < 0.001 ? 2 : 1)} %`;
+
+// A bar in a cell of a table; `pieces` are [from, share, class], of 1.
+const bar = pieces => make("td", {class: "bar", "aria-hidden": "true"},
+  draw("svg", {viewBox: "0 0 1000 13", preserveAspectRatio: "none"}, rect(0, 0, 1000, 13, "track"),
+    pieces.map(([from, share, kind]) => rect(from * 1000, 0, share > 0 ? Math.max(share * 1000, 3) : 0, 13, kind))));
+
+function fitted(text, width) {
+  let shown = cut(text, 80);
+  for (let most = Array.from(shown).length - 1; most > 0 && widthOfText(shown) > width; --most) {
+    shown = cut(text, most);
+  }
+  return shown;
+}
+
+// Ends of steps that people count in, some `wanted` of them.
+function ticks(from, to, wanted) {
+  const room = Math.max(to - from, 1e-9) / wanted;
+  const power = 10 ** Math.floor(Math.log10(room));
+  const step = [1, 2, 5, 10].map(factor => factor * power).find(size => size >= room);
+  const found = [];
+  for (let at = Math.ceil(from / step) * step; at <= to + step * 1e-6 && found.length < 50; at += step) {
+    found.push(at);
+  }
+  return found;
+}
+
 // ---- What a graph consists of
 
 const clock = hz => number(hz) > 0 ? `${digits(number(hz) / 1e6, 1)} MHz` : null;

@@ -27,12 +27,6 @@ function chart(width, height, label, ...children) {
 const rect = (x, y, width, height, kind) =>
   draw("rect", {x: x.toFixed(2), y, width: Math.max(0, width).toFixed(2), height, class: kind});
 const label = (x, y, text, kind, anchor) => draw("text", {x, y, class: kind, "text-anchor": anchor}, text);
-const stroke = (points, kind) => draw("path", {class: kind, d: "M" + points.map(([x, y]) => `${x.toFixed(1)} ${y.toFixed(1)}`).join("L")});
-
-// A bar in a cell of a table; `pieces` are [from, share, class], of 1.
-const bar = pieces => make("td", {class: "bar", "aria-hidden": "true"},
-  draw("svg", {viewBox: "0 0 1000 13", preserveAspectRatio: "none"}, rect(0, 0, 1000, 13, "track"),
-    pieces.map(([from, share, kind]) => rect(from * 1000, 0, share > 0 ? Math.max(share * 1000, 3) : 0, 13, kind))));
 
 function legend(...entries) {
   return make("ul", {class: "legend"}, entries.map(([kind, text, shape]) => make("li", {class: kind === "plain" ? kind : null},
@@ -54,14 +48,6 @@ function cut(text, most) {
 const pen = document.createElement("canvas").getContext("2d");
 pen.font = '12px system-ui, -apple-system, "Segoe UI", Roboto, "Noto Sans", "DejaVu Sans", sans-serif';
 const widthOfText = text => pen.measureText(text).width;
-
-function fitted(text, width) {
-  let shown = cut(text, 80);
-  for (let most = Array.from(shown).length - 1; most > 0 && widthOfText(shown) > width; --most) {
-    shown = cut(text, most);
-  }
-  return shown;
-}
 
 // ---- Numbers
 
@@ -90,19 +76,6 @@ function timeParts(us) {
 }
 const time = us => us === null || us === undefined ? "not known" : timeParts(us).join(" ");
 const share = (piece, whole) => whole > 0 ? piece / whole : 0;
-const percent = value => value > 0 && value < 0.00005 ? "< 0.01 %" : `${digits(value * 100, value > 0 && value < 0.001 ? 2 : 1)} %`;
-
-// Ends of steps that people count in, some `wanted` of them.
-function ticks(from, to, wanted) {
-  const room = Math.max(to - from, 1e-9) / wanted;
-  const power = 10 ** Math.floor(Math.log10(room));
-  const step = [1, 2, 5, 10].map(factor => factor * power).find(size => size >= room);
-  const found = [];
-  for (let at = Math.ceil(from / step) * step; at <= to + step * 1e-6 && found.length < 50; at += step) {
-    found.push(at);
-  }
-  return found;
-}
 
 // ---- One layer that the whole page follows
 

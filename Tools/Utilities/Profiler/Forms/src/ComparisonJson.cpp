@@ -10,7 +10,6 @@ namespace {
 using analysis::Basis;
 using analysis::GateOutcome;
 using analysis::Total;
-using analysis::Verdict;
 using nlohmann::ordered_json;
 
 const char* keyOf(Basis basis) {
@@ -21,24 +20,6 @@ const char* keyOf(Basis basis) {
             return "several";
         case Basis::tooFew:
             return "too-few";
-    }
-    return "";
-}
-
-const char* keyOf(Verdict verdict) {
-    switch (verdict) {
-        case Verdict::unsure:
-            return "unsure";
-        case Verdict::slower:
-            return "slower";
-        case Verdict::faster:
-            return "faster";
-        case Verdict::same:
-            return "same";
-        case Verdict::added:
-            return "new";
-        case Verdict::gone:
-            return "gone";
     }
     return "";
 }
@@ -80,7 +61,7 @@ ordered_json jsonOf(const analysis::TotalChange& row) {
     json["low"] = row.interval ? ordered_json(row.interval->low) : ordered_json(nullptr);
     json["high"] = row.interval ? ordered_json(row.interval->high) : ordered_json(nullptr);
     json["p"] = orNull(row.p);
-    json["verdict"] = keyOf(row.verdict);
+    json["verdict"] = nameOf(row.verdict);
     return json;
 }
 
@@ -91,7 +72,7 @@ ordered_json jsonOf(const analysis::LayerChange& row) {
             {"change_us", row.changeUs()},
             {"change", orNull(row.change)},
             {"p", orNull(row.p)},
-            {"verdict", keyOf(row.verdict)}};
+            {"verdict", nameOf(row.verdict)}};
 }
 
 ordered_json jsonOf(const analysis::GraphComparison& graph);

@@ -57,24 +57,6 @@ std::string rangeText(const analysis::Range& range, std::size_t logs) {
     return us(range.median) + (logs == 1 ? "" : " (" + us(range.min) + " to " + us(range.max) + ")");
 }
 
-std::string_view wordFor(Verdict verdict) {
-    switch (verdict) {
-        case Verdict::unsure:
-            return "";
-        case Verdict::slower:
-            return "slower";
-        case Verdict::faster:
-            return "faster";
-        case Verdict::same:
-            return "same";
-        case Verdict::added:
-            return "new";
-        case Verdict::gone:
-            return "gone";
-    }
-    return "";
-}
-
 std::string changeText(const std::optional<double>& change, Verdict verdict) {
     if (verdict == Verdict::unsure) {
         return std::string(unsure);
@@ -238,7 +220,7 @@ private:
         if (isSeveral()) {
             cells.insert(cells.end(), sure.begin(), sure.end());
         }
-        cells.emplace_back(wordFor(verdict));
+        cells.emplace_back(verdict == Verdict::unsure ? "" : nameOf(verdict));
         table.add(std::move(cells), verdict);
     }
 

@@ -24,6 +24,7 @@ using command::ExitCode;
 using command::Failure;
 using command::FileDescriptor;
 using command::HeldSignals;
+using command::isSameFile;
 using command::restarted;
 
 namespace {
@@ -47,10 +48,6 @@ struct stat statusOf(const FileDescriptor& file, const std::string& path) {
         throw csvFailure(path, errno);
     }
     return status;
-}
-
-bool isSameFile(const struct stat& one, const struct stat& other) {
-    return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
 }
 
 void checkDirectoryOf(const std::string& path) {

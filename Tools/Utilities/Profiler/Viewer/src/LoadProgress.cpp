@@ -13,6 +13,7 @@
 #include <system_error>
 
 #include "Failure.h"
+#include "FileDescriptor.h"
 #include "ProgramName.h"
 #include "text/NumberText.h"
 
@@ -55,8 +56,7 @@ std::optional<std::uint64_t> positionIn(const struct stat& file) {
     for (fs::directory_iterator each("/proc/self/fd", error), end; !error && each != end;
          each.increment(error)) {
         struct stat open {};
-        if (::stat(each->path().c_str(), &open) == 0 && open.st_dev == file.st_dev &&
-            open.st_ino == file.st_ino) {
+        if (::stat(each->path().c_str(), &open) == 0 && command::isSameFile(open, file)) {
             furthest = std::max(furthest, positionOf(each->path().filename().string()));
         }
     }

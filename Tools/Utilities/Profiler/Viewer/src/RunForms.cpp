@@ -19,6 +19,7 @@ namespace zeb::viewer {
 
 using command::ExitCode;
 using command::Failure;
+using command::FormFile;
 using command::MemoryLimit;
 using command::StandardOutput;
 using command::styleOfTerminal;
@@ -31,17 +32,11 @@ constexpr std::uint64_t mostBytesOfBrowsers = std::uint64_t{256} << 20U;
 
 }  // namespace
 
-RunForms::RunForms(const ViewerOptions& options) : options_(options) {
-    if (!options.json.empty()) {
-        json_.emplace(options.json, options.logPath);
-    }
-    if (!options.trace.empty()) {
-        trace_.emplace(options.trace, options.logPath);
-    }
-    if (!options.html.empty()) {
-        html_.emplace(options.html, options.logPath);
-    }
-}
+RunForms::RunForms(const ViewerOptions& options)
+    : options_(options),
+      json_(FormFile::openIfWanted(options.json, {&options.logPath, 1})),
+      trace_(FormFile::openIfWanted(options.trace, {&options.logPath, 1})),
+      html_(FormFile::openIfWanted(options.html, {&options.logPath, 1})) {}
 
 void RunForms::show(StandardOutput& output, MemoryLimit& memory) {
     if (!options_.wantsForms()) {

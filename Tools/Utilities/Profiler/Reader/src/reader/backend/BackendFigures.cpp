@@ -37,6 +37,15 @@ FigureScope wholeRun(const EventStore& store) {
     return scope;
 }
 
+std::optional<std::string> findValueIn(const GraphMethodRecords& graph, std::string_view name) {
+    for (const MethodRecord& record : graph.records) {
+        if (auto value = findEventValue(name, record.events)) {
+            return value;
+        }
+    }
+    return std::nullopt;
+}
+
 // The text of the first event of a name among those of all executions.
 std::optional<std::string> findExecuteEventValue(const EventStore& store, const FigureScope& scope,
                                                  std::string_view name) {
@@ -44,8 +53,18 @@ std::optional<std::string> findExecuteEventValue(const EventStore& store, const 
         return std::nullopt;
     }
     for (const GraphMethodRecords* const graph : scope.executions) {
-        for (const MethodRecord& record : graph->records) {
-            if (auto value = findEventValue(name, record.events)) {
+        if (auto value = findValueIn(*graph, name)) {
+            return value;
+        }
+    }
+    return std::nullopt;
+}
+
+// The same of the whole run, which takes no list of its executions.
+std::optional<std::string> findLevelText(const EventStore& store) {
+    if (store.mayHaveEvent(levelName)) {
+        for (const GraphMethodRecords& graph : store.executeRecords) {
+            if (auto value = findValueIn(graph, levelName)) {
                 return value;
             }
         }
@@ -183,8 +202,7 @@ void workOutExecution(BackendFigures& figures, const EventStore& store, const Fi
 }  // namespace
 
 std::optional<ProfileLevel> findProfileLevel(const EventStore& store) {
-    const FigureScope scope = store.mayHaveEvent(levelName) ? wholeRun(store) : FigureScope();
-    const auto text = findExecuteEventValue(store, scope, levelName);
+    const auto text = findLevelText(store);
     if (!text) {
         logMessage(ZEB_LOG_LEVEL_WARN, "failed get Profile Level Value!");
         return std::nullopt;
