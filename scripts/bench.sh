@@ -32,4 +32,4 @@ case " $* " in
 esac
 "$bin/profile-log-bench" "${rounds[@]}" "$@" --directory "$directory/logs" \
     --flatc "$(command -v flatc)" --schema "$schema" \
-    --python /usr/bin/python3 Tools/Utilities/Profiler/Benchmark/src/walk_log.py
+    --python /usr/bin/python3 Tools/Utilities/Profiler/Benchmark/src/benchmark/walk_log.py

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Prints the includes that lead where their room may not look, and the folders that no room is. One line a room: the
-# folder, and those that its files may include besides their own. What a build has in angle brackets is free.
+# Prints the includes that lead where their room may not look, that do not say their room, and the folders that no room is.
+# One line a room: the folder, and those that its files may include besides their own. What a build has in angle brackets
+# is free.
 set -euo pipefail
 cd "$(dirname "$0")/../Tools/Utilities/Profiler"
 
@@ -15,25 +16,35 @@ Reader/src/reports            store text logging zeb/profiling
 Reader/src/reader             reports store text log logging zeb/profiling
 Reader/src/commandline        zeb/profiling
 Reader/src/reader/backend     reader reports store text log logging commandline zeb/profiling
-Command/src                   text log
-Viewer/src                    log logging text flatbuffers zeb/profiling
-Analysis/src                  reader/backend reports store text log memory zeb/profiling
-Forms/src                     text log store zeb/profiling
-Compare/src                   text zeb/profiling
-SampleLog/src                 log flatbuffers
-SampleLog/src/command         log text zeb/profiling
-Manual/src                    text command reader/backend zeb/profiling
+Analysis/src/analysis         reader/backend reports store text log memory zeb/profiling
+Forms/src/forms/json          analysis
+Forms/src/forms/trace         forms/json analysis store text log zeb/profiling
+Forms/src/forms/page          forms/json analysis
+Forms/src/forms/text          analysis text
+Command/src/command           forms/text text log
+Viewer/src/viewer             command forms/json forms/trace forms/page forms/text analysis log logging text flatbuffers zeb/profiling
+Compare/src/compare           command forms/json forms/page forms/text analysis text zeb/profiling
+SampleLog/src/samplelog       log flatbuffers
+SampleLog/src/samplelog/command  samplelog command log text zeb/profiling
+Manual/src/manual             viewer compare samplelog/command text command reader/backend zeb/profiling
 ../../../examples/host        zeb/profiling
 ../../../examples/plugin      zeb/profiling
 '
+
+# Written by the build.
+generated=Commit.h
 
 {
     while read -r room uses; do
         own=${room#*/src/}
         for file in "$room"/*.{h,cpp}; do
             [ -f "$file" ] || continue
-            sed -n 's|^#include "\(.*\)/[^/]*"$|\1|p' "$file" | while read -r folder; do
-                [[ " $own $uses " == *" $folder "* ]] || echo "$file: may not include $folder/"
+            sed -n 's|^#include "\(.*\)"$|\1|p' "$file" | while read -r header; do
+                if [[ $header == */* ]]; then
+                    [[ " $own $uses " == *" ${header%/*} "* ]] || echo "$file: may not include ${header%/*}/"
+                else
+                    [ "$header" = "$generated" ] || echo "$file: $header does not say its room"
+                fi
             done
         done
     done < <(grep . <<<"$rooms")

@@ -8,14 +8,14 @@
 #include <tuple>
 #include <vector>
 
-#include "Failure.h"
-#include "ViewerArgs.h"
-#include "ViewerOptions.h"
+#include "command/Failure.h"
 #include "commandline/AppArgManagerImpl.h"
 #include "harness/FuzzTarget.h"
 #include "harness/LogChecks.h"
 #include "reader/backend/ZebProfileLogReaderMURL.h"
 #include "text/NearestName.h"
+#include "viewer/ViewerArgs.h"
+#include "viewer/ViewerOptions.h"
 
 namespace {
 

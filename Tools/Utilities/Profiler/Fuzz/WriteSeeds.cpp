@@ -10,10 +10,10 @@
 #include <string_view>
 #include <vector>
 
-#include "BackendObjectWriter.h"
-#include "MethodsLog.h"
-#include "NetworkLog.h"
-#include "SharedEventsLog.h"
+#include "samplelog/BackendObjectWriter.h"
+#include "samplelog/MethodsLog.h"
+#include "samplelog/NetworkLog.h"
+#include "samplelog/SharedEventsLog.h"
 #include "support/TestLog.h"
 
 namespace {

@@ -6,8 +6,8 @@
 #include <cmath>
 #include <string>
 
-#include "Comparison.h"
-#include "Gate.h"
+#include "analysis/Comparison.h"
+#include "analysis/Gate.h"
 
 namespace zeb::analysis {
 namespace {

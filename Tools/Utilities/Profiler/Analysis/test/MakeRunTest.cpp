@@ -5,14 +5,14 @@
 #include <fstream>
 #include <numeric>
 
-#include "Findings.h"
-#include "MakeRun.h"
-#include "MethodsLog.h"
-#include "NetworkLog.h"
-#include "SharedTextLog.h"
-#include "Spread.h"
+#include "analysis/Findings.h"
+#include "analysis/MakeRun.h"
+#include "analysis/Spread.h"
 #include "reader/backend/BackendFigures.h"
 #include "reader/backend/ZebProfileLogReaderMURL.h"
+#include "samplelog/MethodsLog.h"
+#include "samplelog/NetworkLog.h"
+#include "samplelog/SharedTextLog.h"
 #include "support/TestLog.h"
 #include "support/TestReader.h"
 

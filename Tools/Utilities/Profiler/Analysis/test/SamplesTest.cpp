@@ -8,7 +8,7 @@
 #include <limits>
 #include <string>
 
-#include "Samples.h"
+#include "analysis/Samples.h"
 
 namespace zeb::analysis {
 namespace {

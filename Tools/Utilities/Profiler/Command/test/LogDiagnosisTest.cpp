@@ -5,7 +5,7 @@
 
 #include <vector>
 
-#include "LogDiagnosis.h"
+#include "command/LogDiagnosis.h"
 #include "support/SystemFaults.h"
 #include "support/TestChunks.h"
 

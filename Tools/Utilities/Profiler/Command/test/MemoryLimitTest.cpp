@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <limits>
 
-#include "MemoryLimit.h"
+#include "command/MemoryLimit.h"
 #include "support/TestFiles.h"
 
 namespace zeb::command {

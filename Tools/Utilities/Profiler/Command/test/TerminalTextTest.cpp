@@ -7,9 +7,9 @@
 #include <string>
 #include <thread>
 
-#include "FileDescriptor.h"
-#include "StandardOutput.h"
-#include "TerminalText.h"
+#include "command/FileDescriptor.h"
+#include "command/StandardOutput.h"
+#include "forms/text/TerminalText.h"
 
 namespace zeb::command {
 namespace {

@@ -7,11 +7,11 @@
 #include <sstream>
 #include <string>
 
-#include "CompareOptions.h"
-#include "MakeRun.h"
-#include "MemoryLimit.h"
-#include "NetworkLog.h"
-#include "RunJson.h"
+#include "analysis/MakeRun.h"
+#include "command/MemoryLimit.h"
+#include "compare/CompareOptions.h"
+#include "forms/json/RunJson.h"
+#include "samplelog/NetworkLog.h"
 #include "support/Command.h"
 #include "support/TestFiles.h"
 

@@ -5,8 +5,8 @@
 #include <sstream>
 #include <string>
 
-#include "ComparisonJson.h"
-#include "ComparisonText.h"
+#include "forms/json/ComparisonJson.h"
+#include "forms/text/ComparisonText.h"
 
 namespace zeb::forms {
 namespace {

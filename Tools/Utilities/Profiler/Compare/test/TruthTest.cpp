@@ -11,10 +11,10 @@
 #include <string>
 #include <vector>
 
-#include "Comparison.h"
-#include "Gate.h"
-#include "MakeRun.h"
-#include "NetworkLog.h"
+#include "analysis/Comparison.h"
+#include "analysis/Gate.h"
+#include "analysis/MakeRun.h"
+#include "samplelog/NetworkLog.h"
 #include "support/TestFiles.h"
 
 namespace zeb::compare {

@@ -4,8 +4,8 @@
 
 #include <fstream>
 
-#include "ComparisonJson.h"
 #include "PageSupport.h"
+#include "forms/json/ComparisonJson.h"
 
 namespace zeb::forms {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <numeric>
 
-#include "ExecutionPicture.h"
-#include "Spread.h"
+#include "analysis/Spread.h"
+#include "forms/page/ExecutionPicture.h"
 
 namespace zeb::forms {
 namespace {

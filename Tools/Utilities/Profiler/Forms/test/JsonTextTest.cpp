@@ -3,7 +3,7 @@
 #include <cmath>
 #include <limits>
 
-#include "JsonText.h"
+#include "forms/json/JsonText.h"
 
 namespace zeb::forms {
 namespace {

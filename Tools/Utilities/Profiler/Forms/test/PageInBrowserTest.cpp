@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "AdapterUpdaterLog.h"
-#include "MethodsLog.h"
 #include "PageSupport.h"
+#include "samplelog/AdapterUpdaterLog.h"
+#include "samplelog/MethodsLog.h"
 
 namespace zeb::forms {
 namespace {

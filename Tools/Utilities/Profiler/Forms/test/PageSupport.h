@@ -9,10 +9,10 @@
 #include <string>
 #include <string_view>
 
-#include "ComparisonPage.h"
-#include "MakeRun.h"
-#include "NetworkLog.h"
-#include "Page.h"
+#include "analysis/MakeRun.h"
+#include "forms/page/ComparisonPage.h"
+#include "forms/page/Page.h"
+#include "samplelog/NetworkLog.h"
 #include "support/TestLog.h"
 
 namespace zeb::test {

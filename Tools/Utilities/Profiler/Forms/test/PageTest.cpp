@@ -3,7 +3,7 @@
 #include <fstream>
 
 #include "PageSupport.h"
-#include "RunJson.h"
+#include "forms/json/RunJson.h"
 
 namespace zeb::forms {
 namespace {

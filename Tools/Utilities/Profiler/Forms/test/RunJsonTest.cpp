@@ -9,11 +9,11 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "AdapterUpdaterLog.h"
-#include "MakeRun.h"
-#include "MethodsLog.h"
-#include "NetworkLog.h"
-#include "RunJson.h"
+#include "analysis/MakeRun.h"
+#include "forms/json/RunJson.h"
+#include "samplelog/AdapterUpdaterLog.h"
+#include "samplelog/MethodsLog.h"
+#include "samplelog/NetworkLog.h"
 #include "support/TestLog.h"
 
 namespace zeb::forms {

@@ -8,12 +8,12 @@
 #include <functional>
 #include <sstream>
 
-#include "AdapterUpdaterLog.h"
-#include "ConsoleText.h"
-#include "MakeRun.h"
-#include "MethodsLog.h"
-#include "NetworkLog.h"
-#include "TopText.h"
+#include "analysis/MakeRun.h"
+#include "forms/text/ConsoleText.h"
+#include "forms/text/TopText.h"
+#include "samplelog/AdapterUpdaterLog.h"
+#include "samplelog/MethodsLog.h"
+#include "samplelog/NetworkLog.h"
 #include "support/TestFiles.h"
 
 namespace zeb::forms {

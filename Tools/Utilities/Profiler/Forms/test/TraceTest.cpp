@@ -6,13 +6,13 @@
 #include <random>
 #include <sstream>
 
-#include "AdapterUpdaterLog.h"
-#include "MakeRun.h"
-#include "MethodsLog.h"
-#include "NetworkLog.h"
-#include "SharedTextLog.h"
-#include "Trace.h"
-#include "TraceEvents.h"
+#include "analysis/MakeRun.h"
+#include "forms/trace/Trace.h"
+#include "forms/trace/TraceEvents.h"
+#include "samplelog/AdapterUpdaterLog.h"
+#include "samplelog/MethodsLog.h"
+#include "samplelog/NetworkLog.h"
+#include "samplelog/SharedTextLog.h"
 #include "support/TestReader.h"
 
 namespace zeb::forms {

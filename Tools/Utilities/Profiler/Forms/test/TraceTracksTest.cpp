@@ -4,7 +4,7 @@
 #include <map>
 #include <random>
 
-#include "TraceTracks.h"
+#include "forms/trace/TraceTracks.h"
 
 namespace zeb::forms {
 namespace {

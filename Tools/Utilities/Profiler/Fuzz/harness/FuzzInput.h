@@ -8,7 +8,7 @@
 #include <span>
 #include <string>
 
-#include "LogWriter.h"
+#include "samplelog/LogWriter.h"
 
 namespace zeb::fuzz {
 

@@ -9,10 +9,10 @@
 #include <utility>
 #include <vector>
 
-#include "Commands.h"
-#include "Completions.h"
-#include "ManPage.h"
-#include "ValueKind.h"
+#include "manual/Commands.h"
+#include "manual/Completions.h"
+#include "manual/ManPage.h"
+#include "manual/ValueKind.h"
 #include "text/CommandManual.h"
 
 namespace zeb::manual {

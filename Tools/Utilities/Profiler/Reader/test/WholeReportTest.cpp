@@ -10,10 +10,10 @@
 #include <map>
 #include <sstream>
 
-#include "AdapterUpdaterLog.h"
-#include "MethodsLog.h"
-#include "NetworkLog.h"
 #include "reader/backend/ZebProfileLogReaderMURL.h"
+#include "samplelog/AdapterUpdaterLog.h"
+#include "samplelog/MethodsLog.h"
+#include "samplelog/NetworkLog.h"
 #include "support/CommandLine.h"
 #include "support/TestReader.h"
 

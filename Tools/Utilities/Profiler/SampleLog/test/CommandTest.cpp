@@ -7,7 +7,7 @@
 #include <sstream>
 #include <string>
 
-#include "NetworkLog.h"
+#include "samplelog/NetworkLog.h"
 #include "support/TestFiles.h"
 
 namespace zeb::samplelog {

@@ -5,9 +5,9 @@
 
 #include <span>
 
-#include "MethodsLog.h"
-#include "SharedEventsLog.h"
 #include "log/ChunkCheck.h"
+#include "samplelog/MethodsLog.h"
+#include "samplelog/SharedEventsLog.h"
 #include "support/TestReader.h"
 
 namespace zeb::samplelog {

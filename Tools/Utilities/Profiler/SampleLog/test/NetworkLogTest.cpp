@@ -8,12 +8,12 @@
 #include <numeric>
 #include <set>
 
-#include "NetworkLog.h"
-#include "NetworkTiming.h"
 #include "reader/backend/BackendObjects.h"
 #include "reader/backend/LayerStats.h"
 #include "reader/backend/LayerTypeNames.h"
 #include "reports/EventText.h"
+#include "samplelog/NetworkLog.h"
+#include "samplelog/NetworkTiming.h"
 #include "support/TestReader.h"
 
 namespace zeb::samplelog {

@@ -16,10 +16,10 @@
 #include <optional>
 #include <thread>
 
-#include "CsvFile.h"
 #include "support/FailureOf.h"
 #include "support/SystemFaults.h"
 #include "support/TestChunks.h"
+#include "viewer/CsvFile.h"
 
 namespace zeb::viewer {
 namespace {

@@ -8,9 +8,9 @@
 #include <string>
 #include <thread>
 
-#include "FileDescriptor.h"
-#include "LoadProgress.h"
+#include "command/FileDescriptor.h"
 #include "support/TestChunks.h"
+#include "viewer/LoadProgress.h"
 
 namespace zeb::viewer {
 namespace {

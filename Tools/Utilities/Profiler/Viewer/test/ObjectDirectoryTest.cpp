@@ -3,9 +3,9 @@
 
 #include <filesystem>
 
-#include "ObjectDirectory.h"
 #include "support/FailureOf.h"
 #include "support/TestChunks.h"
+#include "viewer/ObjectDirectory.h"
 
 namespace zeb::viewer {
 namespace {

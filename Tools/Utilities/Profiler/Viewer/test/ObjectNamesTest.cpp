@@ -7,12 +7,12 @@
 #include <sstream>
 #include <vector>
 
-#include "LogWriter.h"
-#include "ObjectDirectory.h"
-#include "ObjectNames.h"
+#include "samplelog/LogWriter.h"
 #include "support/Command.h"
 #include "support/FailureOf.h"
 #include "support/TestChunks.h"
+#include "viewer/ObjectDirectory.h"
+#include "viewer/ObjectNames.h"
 
 namespace zeb::viewer {
 namespace {

@@ -5,11 +5,11 @@
 #include <algorithm>
 #include <string>
 
-#include "NamedReaders.h"
-#include "PluginLibrary.h"
-#include "ViewerOptions.h"
 #include "support/TestFiles.h"
 #include "text/TwoColumns.h"
+#include "viewer/NamedReaders.h"
+#include "viewer/PluginLibrary.h"
+#include "viewer/ViewerOptions.h"
 
 namespace zeb::viewer {
 namespace {

@@ -8,11 +8,11 @@
 #include <filesystem>
 #include <fstream>
 
-#include "LogWriter.h"
-#include "MemoryLimit.h"
-#include "PluginLibrary.h"
+#include "command/MemoryLimit.h"
+#include "samplelog/LogWriter.h"
 #include "support/Command.h"
 #include "support/TestChunks.h"
+#include "viewer/PluginLibrary.h"
 
 namespace zeb::viewer {
 namespace {

@@ -7,8 +7,8 @@
 #include <fstream>
 #include <sstream>
 
-#include "MethodsLog.h"
-#include "NetworkLog.h"
+#include "samplelog/MethodsLog.h"
+#include "samplelog/NetworkLog.h"
 #include "support/Command.h"
 
 namespace zeb::viewer {

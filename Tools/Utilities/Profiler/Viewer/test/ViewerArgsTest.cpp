@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "ViewerArgs.h"
+#include "viewer/ViewerArgs.h"
 
 namespace zeb::viewer {
 namespace {

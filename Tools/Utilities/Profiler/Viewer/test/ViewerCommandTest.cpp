@@ -8,8 +8,8 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "FileDescriptor.h"
-#include "MemoryLimit.h"
+#include "command/FileDescriptor.h"
+#include "command/MemoryLimit.h"
 #include "support/Command.h"
 #include "support/TestChunks.h"
 

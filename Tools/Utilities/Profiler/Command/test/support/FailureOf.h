@@ -3,7 +3,7 @@
 #include <functional>
 #include <string>
 
-#include "Failure.h"
+#include "command/Failure.h"
 
 namespace zeb::command::test {
 

@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <string>
 
-#include "LogWriter.h"
-#include "SharedEventsLog.h"
+#include "samplelog/LogWriter.h"
+#include "samplelog/SharedEventsLog.h"
 #include "support/TestFiles.h"
 
 namespace zeb::command::test {

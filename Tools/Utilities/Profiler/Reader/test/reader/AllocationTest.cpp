@@ -14,9 +14,9 @@
 #include <streambuf>
 #include <string>
 
-#include "MethodsLog.h"
-#include "NetworkLog.h"
 #include "reader/backend/ZebProfileLogReaderMURL.h"
+#include "samplelog/MethodsLog.h"
+#include "samplelog/NetworkLog.h"
 #include "support/AllocationFault.h"
 #include "support/TestLog.h"
 

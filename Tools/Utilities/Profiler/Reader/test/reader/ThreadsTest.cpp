@@ -10,9 +10,9 @@
 #include <thread>
 #include <vector>
 
-#include "MethodsLog.h"
-#include "NetworkLog.h"
 #include "reader/backend/ZebProfileLogReaderMURL.h"
+#include "samplelog/MethodsLog.h"
+#include "samplelog/NetworkLog.h"
 #include "support/CommandLine.h"
 #include "support/TestLog.h"
 

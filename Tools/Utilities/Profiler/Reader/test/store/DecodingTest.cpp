@@ -4,7 +4,7 @@
 #include <functional>
 #include <set>
 
-#include "SharedTextLog.h"
+#include "samplelog/SharedTextLog.h"
 #include "support/TestStore.h"
 
 namespace zeb::profiling {

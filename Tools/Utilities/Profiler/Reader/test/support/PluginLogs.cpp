@@ -2,9 +2,9 @@
 
 #include <sstream>
 
-#include "LogWriter.h"
-#include "MethodsLog.h"
-#include "NetworkLog.h"
+#include "samplelog/LogWriter.h"
+#include "samplelog/MethodsLog.h"
+#include "samplelog/NetworkLog.h"
 
 namespace zeb::test {
 

@@ -7,9 +7,9 @@
 #include <utility>
 #include <vector>
 
-#include "EventMakers.h"
-#include "LogWriter.h"
 #include "logging/Logger.h"
+#include "samplelog/EventMakers.h"
+#include "samplelog/LogWriter.h"
 #include "support/TestFiles.h"
 
 /// What the tests of all rooms share: messages by verbs, files that go away, and the log calls of a test.

@@ -4,9 +4,9 @@
 
 #include <ctime>
 
-#include "BackendObjectWriter.h"
 #include "reader/backend/BackendObjects.h"
 #include "reader/backend/ZebLayers.h"
+#include "samplelog/BackendObjectWriter.h"
 #include "support/TestLog.h"
 
 namespace zeb::profiling {

@@ -6,10 +6,10 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "BackendObjectWriter.h"
 #include "reader/backend/BackendFigures.h"
 #include "reader/backend/BackendReport.h"
 #include "reader/backend/ZebProfileLogReaderMURL.h"
+#include "samplelog/BackendObjectWriter.h"
 #include "support/TestReader.h"
 
 namespace zeb::profiling {

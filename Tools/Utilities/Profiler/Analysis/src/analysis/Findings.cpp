@@ -1,0 +1,314 @@
+#include "analysis/Findings.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "text/NumberText.h"
+
+namespace zeb::analysis {
+
+namespace {
+
+using profiling::fixedPoint;
+
+std::string us(double value) {
+    return fixedPoint(value, 0) + " us";
+}
+
+std::string percent(double value) {
+    return fixedPoint(value, 0) + '%';
+}
+
+std::string counted(std::uint64_t count, std::string_view one, std::string_view several) {
+    return std::to_string(count) + ' ' + std::string(count == 1 ? one : several);
+}
+
+double share(double part, double whole) {
+    return whole > 0.0 ? part / whole * 100.0 : 0.0;
+}
+
+double layersUs(const Graph& graph) {
+    return static_cast<double>(graph.layersDspUs()) + static_cast<double>(graph.layersKrelUs());
+}
+
+// A sentence, and the figures that it rests on; nothing when the rule does not hold.
+struct Sentence {
+    std::string text;
+    std::optional<double> us;
+    std::optional<double> percent;
+};
+using Said = std::optional<Sentence>;
+
+Said noBackendData(const Graph& graph, const Run& /*run*/, double /*threshold*/) {
+    if (graph.breakdown) {
+        return std::nullopt;
+    }
+    return Sentence{
+        "The log has no data of the backend on this graph, so it is not known where its time goes.", {}, {}};
+}
+
+Said levelBasic(const Graph& graph, const Run& run, double /*threshold*/) {
+    if (!graph.breakdown || run.level != Level::basic) {
+        return std::nullopt;
+    }
+    return Sentence{
+        "The run was profiled at level basic, so the log has no data on layers; level detailed has.", {}, {}};
+}
+
+Said countsDisagree(const Graph& graph, const Run& /*run*/, double /*threshold*/) {
+    if (!graph.breakdown || graph.breakdown->executionCount == graph.executions.count()) {
+        return std::nullopt;
+    }
+    return Sentence{"The log has " + counted(graph.executions.count(), "execution", "executions") +
+                        ", and the backend counts " + std::to_string(graph.breakdown->executionCount) +
+                        ", so its averages are not of the same executions.",
+                    {},
+                    {}};
+}
+
+Said layersDoNotAddUp(const Graph& graph, const Run& /*run*/, double threshold) {
+    if (graph.oruLayers.empty() || !graph.breakdown || graph.breakdown->acceleratorUs.value_or(0) == 0) {
+        return std::nullopt;
+    }
+    const auto accelerator = static_cast<double>(*graph.breakdown->acceleratorUs);
+    const double difference = accelerator - layersUs(graph);
+    const double part = share(difference, accelerator);
+    if (std::abs(part) < threshold) {
+        return std::nullopt;
+    }
+    return Sentence{"The layers' times add up to " + us(layersUs(graph)) + ", the accelerator's time is " +
+                        us(accelerator) + ": " + us(std::abs(difference)) +
+                        (difference > 0 ? " of it belong to no layer." : " more than it."),
+                    std::abs(difference), std::abs(part)};
+}
+
+Said outsideAccelerator(const Graph& graph, const Run& /*run*/, double threshold) {
+    if (!graph.breakdown || graph.breakdown->acceleratorUs.value_or(0) == 0) {
+        return std::nullopt;
+    }
+    const auto whole = static_cast<double>(graph.average.durationUs);
+    const double outside = whole - static_cast<double>(*graph.breakdown->acceleratorUs);
+    const double part = share(outside, whole);
+    if (part < threshold) {
+        return std::nullopt;
+    }
+    return Sentence{us(outside) + " of an inference, " + percent(part) + ", pass outside of the accelerator.",
+                    outside, part};
+}
+
+Said queueWait(const Graph& graph, const Run& /*run*/, double threshold) {
+    if (!graph.breakdown || !graph.breakdown->queueWaitUs) {
+        return std::nullopt;
+    }
+    const auto wait = static_cast<double>(*graph.breakdown->queueWaitUs);
+    const double part = share(wait, static_cast<double>(graph.average.durationUs));
+    if (part < threshold) {
+        return std::nullopt;
+    }
+    return Sentence{"An execution waits " + us(wait) + " in queues, " + percent(part) + " of its time.", wait,
+                    part};
+}
+
+Said dspBetweenOffloaded(const Graph& graph, const Run& /*run*/, double threshold) {
+    const auto isOffloaded = [](const OruLayer& layer) { return layer.isOffloaded; };
+    const auto first = std::find_if(graph.oruLayers.begin(), graph.oruLayers.end(), isOffloaded);
+    const auto last = std::find_if(graph.oruLayers.rbegin(), graph.oruLayers.rend(), isOffloaded).base();
+    std::uint64_t layers = 0;
+    double time = 0.0;
+    for (auto layer = first; layer < last; ++layer) {
+        if (!layer->isOffloaded) {
+            ++layers;
+            time += static_cast<double>(layer->timeUs());
+        }
+    }
+    const double part = share(time, layersUs(graph));
+    if (layers == 0 || part < threshold) {
+        return std::nullopt;
+    }
+    return Sentence{counted(layers, "layer runs", "layers run") +
+                        " on the DSP between layers of the Krel core: " + us(time) + ", " + percent(part) +
+                        " of the layers' time.",
+                    time, part};
+}
+
+Said offloadOverhead(const Graph& graph, const Run& /*run*/, double threshold) {
+    double hal = 0.0;
+    double driver = 0.0;
+    double cacheFlush = 0.0;
+    double krel = 0.0;
+    for (const OruLayer& layer : graph.oruLayers) {
+        hal += layer.halUs;
+        driver += layer.driverUs;
+        cacheFlush += layer.cacheFlushUs;
+        krel += layer.krelExecUs;
+    }
+    const double part = share(hal - krel, krel);
+    if (krel <= 0.0 || part < threshold) {
+        return std::nullopt;
+    }
+    return Sentence{"Offloaded layers take " + us(hal) + " in the HAL, " + us(driver) +
+                        " in the driver and " + us(cacheFlush) + " flushing caches, against " + us(krel) +
+                        " on the Krel core.",
+                    hal - krel, part};
+}
+
+constexpr std::array<std::string_view, 5> dataMovement = {"LAYOUT", "CACHE", "QUANTIZE", "DMA_MOVER",
+                                                          "MEM_OP"};
+
+bool movesData(const LayerType& type) {
+    return std::any_of(dataMovement.begin(), dataMovement.end(),
+                       [&type](std::string_view part) { return type.name.find(part) != std::string::npos; });
+}
+
+Said dataIsMoved(const Graph& graph, const Run& /*run*/, double threshold) {
+    std::uint64_t layers = 0;
+    double time = 0.0;
+    for (const LayerType& type : graph.layerTypes) {
+        if (movesData(type)) {
+            layers += type.dspLayers + type.krelLayers;
+            time += static_cast<double>(type.timeUs);
+        }
+    }
+    const double part = share(time, layersUs(graph));
+    if (part < threshold) {
+        return std::nullopt;
+    }
+    return Sentence{counted(layers, "layer changes or moves", "layers change or move") +
+                        " data only (layout, cache, quantisation): " + us(time) + ", " + percent(part) +
+                        " of the layers' time.",
+                    time, part};
+}
+
+// The costliest ZEB layer, or ORU layer if there are none.
+Said dominantLayer(const Graph& graph, const Run& /*run*/, double threshold) {
+    std::string name;
+    std::uint64_t time = 0;
+    for (const ZebLayer& layer : graph.zebLayers) {
+        if (layer.timeUs() > time) {
+            time = layer.timeUs();
+            name = layer.name;
+        }
+    }
+    if (graph.zebLayers.empty()) {
+        for (const OruLayer& layer : graph.oruLayers) {
+            if (layer.timeUs() > time) {
+                time = layer.timeUs();
+                name = "ORU layer " + std::to_string(layer.id) + " (" + layer.typeName + ')';
+            }
+        }
+    }
+    const double part = share(static_cast<double>(time), layersUs(graph));
+    if (part < threshold) {
+        return std::nullopt;
+    }
+    return Sentence{name + " alone takes " + us(static_cast<double>(time)) + ", " + percent(part) +
+                        " of the layers' time.",
+                    static_cast<double>(time), part};
+}
+
+constexpr std::uint64_t fewestForSpread = 5;  // executions; less tell nothing about their spread
+
+Said warmUp(const Graph& graph, const Run& /*run*/, double threshold) {
+    const Spread& spread = graph.spread;
+    const double part = share(spread.firstUs - spread.medianUs, spread.medianUs);
+    if (spread.count < fewestForSpread || part < threshold) {
+        return std::nullopt;
+    }
+    return Sentence{"The first execution takes " + us(spread.firstUs) + ", " + percent(part) +
+                        " more than the median of " + us(spread.medianUs) + ".",
+                    spread.firstUs - spread.medianUs, part};
+}
+
+Said wideSpread(const Graph& graph, const Run& /*run*/, double threshold) {
+    const Spread& spread = graph.spread;
+    const double part = share(spread.p90Us - spread.medianUs, spread.medianUs);
+    if (spread.count < fewestForSpread || part < threshold) {
+        return std::nullopt;
+    }
+    return Sentence{"One execution in ten takes " + us(spread.p90Us) + " or more, " + percent(part) +
+                        " above the median of " + us(spread.medianUs) + ".",
+                    spread.p90Us - spread.medianUs, part};
+}
+
+// The first one is warm-up, which has a rule of its own.
+Said outliers(const Graph& graph, const Run& /*run*/, double threshold) {
+    constexpr std::size_t mostNumbers = 5;
+    const Spread& spread = graph.spread;
+    if (spread.count < fewestForSpread) {
+        return std::nullopt;
+    }
+    const double limit = spread.medianUs * (1.0 + threshold / 100.0);
+    std::uint64_t count = 0;
+    std::string numbers;
+    for (std::size_t position = 1; position < graph.executions.count(); ++position) {
+        if (static_cast<double>(graph.executions.durationUs[position].value_or(0)) > limit) {
+            numbers += ++count <= mostNumbers ? (count == 1 ? "" : ", ") + std::to_string(position + 1) : "";
+        }
+    }
+    if (count == 0) {
+        return std::nullopt;
+    }
+    return Sentence{counted(count, "execution takes", "executions take") + " more than " + us(limit) + ", " +
+                        fixedPoint(1.0 + threshold / 100.0, 1) +
+                        " times the median: " + (count == 1 ? "number " : "numbers ") + numbers +
+                        (count > mostNumbers ? " and others." : "."),
+                    spread.maxUs - spread.medianUs, share(spread.maxUs - spread.medianUs, spread.medianUs)};
+}
+
+// The rules, and from what per cent on each of them speaks. Those on what is missing come first, since they
+// say what the others can't know; the rest is ordered by its time.
+struct Rule {
+    std::string_view name;
+    bool isOnMissingData;
+    double threshold;  ///< per cent
+    Said (*say)(const Graph& graph, const Run& run, double threshold);
+};
+
+constexpr Rule rules[] = {
+    {"no-backend-data", true, 0.0, noBackendData},
+    {"level-basic", true, 0.0, levelBasic},
+    {"counts-disagree", true, 0.0, countsDisagree},
+    {"layers-do-not-add-up", false, 10.0, layersDoNotAddUp},
+    {"outside-accelerator", false, 20.0, outsideAccelerator},
+    {"queue-wait", false, 5.0, queueWait},
+    {"dsp-between-offloaded", false, 5.0, dspBetweenOffloaded},
+    {"offload-overhead", false, 20.0, offloadOverhead},
+    {"data-movement", false, 10.0, dataIsMoved},
+    {"dominant-layer", false, 100.0 / 3.0, dominantLayer},
+    {"warm-up", false, 25.0, warmUp},
+    {"spread", false, 20.0, wideSpread},
+    {"outliers", false, 50.0, outliers},
+};
+
+}  // namespace
+
+void addFindings(Graph& graph, const Run& run) {
+    std::vector<Finding> timed;
+    for (const Rule& rule : rules) {
+        if (Said said = rule.say(graph, run, rule.threshold)) {
+            (rule.isOnMissingData ? graph.findings : timed)
+                .push_back({std::string(rule.name), std::move(said->text), said->us, said->percent});
+        }
+    }
+    std::stable_sort(timed.begin(), timed.end(), [](const Finding& left, const Finding& right) {
+        return left.us.value_or(0.0) > right.us.value_or(0.0);
+    });
+    graph.findings.insert(graph.findings.end(), timed.begin(), timed.end());
+    graph.findings.resize(std::min(graph.findings.size(), maxFindings));
+}
+
+void addFindings(Run& run) {
+    if (run.graphs.empty()) {
+        run.findings.push_back({"no-graph", "No graph was executed in this log.", {}, {}});
+    }
+    for (Graph& graph : run.graphs) {
+        addFindings(graph, run);
+    }
+}
+
+}  // namespace zeb::analysis

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cstddef>
+
+#include "analysis/Run.h"
+
+/// What stands out in a run, by the rules of one table: docs/top.md shows it with its thresholds.
+namespace zeb::analysis {
+
+inline constexpr std::size_t maxFindings = 7;  ///< of a graph
+
+/// Fills the findings of a graph from its figures.
+void addFindings(Graph& graph, const Run& run);
+
+/// Fills the findings of a run and of its graphs from their figures.
+void addFindings(Run& run);
+
+}  // namespace zeb::analysis

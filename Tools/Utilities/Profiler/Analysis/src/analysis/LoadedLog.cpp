@@ -1,0 +1,135 @@
+#include "analysis/LoadedLog.h"
+
+#include <sstream>
+#include <string_view>
+
+#include "log/ChunkReader.h"
+#include "log/FlatBufferReaderUtil.h"
+#include "store/MessageFields.h"
+#include "store/MessageParts.h"
+#include "store/NamedList.h"
+
+namespace zeb::analysis {
+
+namespace {
+
+using profiling::schema::LogMessage;
+using profiling::schema::MethodType;
+
+// Takes down of each message what the store does not keep.
+class MessageNotes {
+public:
+    explicit MessageNotes(LoadedLog& log) : log_(log) {}
+
+    void add(const LogMessage& message, const profiling::OpenChunk& chunk) {
+        parts_.enter(chunk);
+        if (message.methodType() == MethodType::Execute || message.methodType() == MethodType::ExecuteAsync) {
+            addExecution(message);
+        } else if (const auto kind = stepOf(message.methodType())) {
+            log_.steps.push_back({.kind = *kind,
+                                  .text = textOf(message),
+                                  .startUs = startOf(message),
+                                  .durationUs = durationOf(message),
+                                  .events = {}});
+        }
+    }
+
+private:
+    static std::optional<StepKind> stepOf(MethodType method) {
+        switch (method) {
+            case MethodType::DynamicLibLoad:
+                return StepKind::libraryLoad;
+            case MethodType::InitStep:
+                return StepKind::initStep;
+            case MethodType::ComposeGraphs:
+                return StepKind::compose;
+            case MethodType::Init:
+                return StepKind::init;
+            case MethodType::Finalize:
+                return StepKind::finalize;
+            case MethodType::DeInit:
+                return StepKind::deInit;
+            default:
+                return std::nullopt;
+        }
+    }
+
+    static std::optional<std::uint64_t> startOf(const LogMessage& message) {
+        const auto start = message.timing()->startTime();
+        return start ? std::optional<std::uint64_t>(*start) : std::nullopt;
+    }
+
+    static bool isTimed(const LogMessage& message) {
+        return message.timing()->startTime().has_value() && message.timing()->endTime().has_value();
+    }
+
+    static std::optional<std::uint64_t> durationOf(const LogMessage& message) {
+        return isTimed(message) ? std::optional(profiling::durationOf(message)) : std::nullopt;
+    }
+
+    std::string textOf(const LogMessage& message) {
+        return message.text() == nullptr ? std::string() : stepText(parts_.visible(message.text()));
+    }
+
+    void addExecution(const LogMessage& message) {
+        const std::string_view text = parts_.visible(message.text());
+        const auto whole = [](std::string_view name) { return name; };
+        const NamedGraph& named = parts_.entryOf(graphs_, text, whole, [&] {
+            log_.graphs.push_back({.name = parts_.part(text), .records = {}, .startUs = {}, .isTimed = {}});
+            return NamedGraph{log_.graphs.back().name, log_.graphs.size() - 1};
+        });
+        GraphExecutions& graph = log_.graphs[named.position];
+        graph.records.push_back(log_.store.latestExecution());
+        graph.startUs.push_back(startOf(message));
+        graph.isTimed.push_back(isTimed(message));
+    }
+
+    struct NamedGraph {
+        profiling::StoredText name;
+        std::size_t position;
+    };
+
+    LoadedLog& log_;
+    profiling::MessageParts parts_{log_.names};
+    profiling::NamedList<NamedGraph, &NamedGraph::name> graphs_;
+};
+
+}  // namespace
+
+std::string stepText(std::string_view text) {
+    if (text.size() <= longestStepText) {
+        return std::string(text);
+    }
+    constexpr std::string_view gap = "...";
+    constexpr std::size_t half = (longestStepText - gap.size()) / 2;
+    return std::string(text.substr(0, half)).append(gap).append(text.substr(text.size() - half));
+}
+
+bool loadLog(const std::string& path, LoadedLog& log) {
+    profiling::ChunkReader chunks(path);
+    if (!chunks.isOpen()) {
+        return false;
+    }
+    profiling::FlatBufferReaderUtil walker;
+    MessageNotes notes(log);
+    while (chunks.nextLength()) {
+        const auto buffer = chunks.readBody();
+        if (!buffer || !walker.openChunk(*buffer)) {
+            return false;
+        }
+        if (const auto* const header = walker.header(); header != nullptr && !log.header.isRead) {
+            log.header = profiling::readLogHeader(*header);
+        }
+        while (const LogMessage* const message = walker.nextMessage()) {
+            if (log.store.dispatchMethod(*message, walker.chunk())) {
+                notes.add(*message, walker.chunk());
+            }
+        }
+        walker.closeChunk();
+    }
+    std::ostringstream untold;  // the notes of the aggregation are the report's
+    log.store.aggregateStatistics(untold);
+    return true;
+}
+
+}  // namespace zeb::analysis

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "analysis/Run.h"
+#include "store/EventStore.h"
+#include "store/LogHeaderDetails.h"
+#include "zeb/profiling/VisibilityLevel.h"
+
+namespace zeb::analysis {
+
+/// Bytes of a step's text at most: a log may have a long text in one place and refer to it from any number of
+/// steps.
+inline constexpr std::size_t longestStepText = 256;
+
+/// @return the text of a step, without its middle where it is longer
+std::string stepText(std::string_view text);
+
+/// The executions of one graph as the log has them.
+struct GraphExecutions {
+    profiling::StoredText name;
+    std::vector<const profiling::MethodRecord*> records;  ///< of the store
+    std::vector<std::optional<std::uint64_t>> startUs;
+    std::vector<bool> isTimed;  ///< the log has both times
+};
+
+/// A log in memory: its store, and what a store does not keep.
+struct LoadedLog {
+    explicit LoadedLog(profiling::VisibilityLevel level) : store(static_cast<std::int8_t>(level)) {}
+
+    profiling::EventStore store;
+    profiling::LogHeaderDetails header;
+    std::vector<Step> steps;      ///< without their events
+    profiling::EventArena names;  ///< of the graphs below
+    std::vector<GraphExecutions> graphs;
+};
+
+/// Loads a log whole and aggregates it.
+/// @return false when the log can't be opened, or a chunk is damaged
+/// @throws std::bad_alloc, std::length_error
+bool loadLog(const std::string& path, LoadedLog& log);
+
+}  // namespace zeb::analysis

@@ -1,0 +1,368 @@
+#include "analysis/MakeRun.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "analysis/Findings.h"
+#include "analysis/LoadedLog.h"
+#include "analysis/Spread.h"
+#include "reader/backend/BackendFigures.h"
+#include "reader/backend/LayerTypeNames.h"
+#include "reports/ReportForms.h"
+#include "store/EventStore.h"
+#include "store/QueueWait.h"
+
+namespace zeb::analysis {
+
+namespace {
+
+using profiling::BackendFigures;
+using profiling::EventStore;
+using profiling::GraphMethodRecords;
+using profiling::MethodRecord;
+using profiling::NamedMethodRecord;
+using profiling::ValueKind;
+using NodeMapping = std::optional<std::vector<profiling::NodeMappingEntry>>;
+
+std::string ownText(std::string_view text) {
+    return std::string(text);
+}
+
+Value valueOf(const profiling::EventValue& value) {
+    switch (value.kind) {
+        case ValueKind::int64:
+            return static_cast<std::int64_t>(value.payload);
+        case ValueKind::float32:
+            return static_cast<double>(value.asFloat());
+        case ValueKind::float64:
+            return value.asDouble();
+        case ValueKind::text:
+            return std::string(value.asText());
+        case ValueKind::uint64:
+            return value.payload;
+        default:
+            return {};
+    }
+}
+
+// The tree is no deeper than the verifier of the log lets it be.
+std::vector<Event> eventsOf(const profiling::EventList& list) {
+    std::vector<Event> events;
+    for (const profiling::ProfileEvent& event : list) {
+        events.push_back({.name = ownText(event.name),
+                          .type = event.eventType,
+                          .unit = event.unit(),
+                          .value = valueOf(event.value()),
+                          .objectBytes = event.isObject()
+                                             ? std::optional<std::uint64_t>(event.objectBytes().size())
+                                             : std::nullopt,
+                          .events = eventsOf(event.subEvents)});
+    }
+    return events;
+}
+
+Header headerOf(const profiling::LogHeaderDetails& details) {
+    return {.timeScale = static_cast<double>(details.timeScale),
+            .epochUs = details.epochTimestamp,
+            .steadyUs = details.steadyClockTimestamp,
+            .generatorName = details.generatorName,
+            .generatorVersion = details.generatorVersion,
+            .backendVersion = details.backendInfo,
+            .isAdapterUpdaterLog = details.isAdapterUpdaterLog};
+}
+
+// Gives the events of the start and the end to the latest step of their kind; those of finalization to the
+// latest of each graph.
+class StepEvents {
+public:
+    StepEvents(const EventStore& store, std::vector<Step>& steps) : store_(store), steps_(steps) {}
+
+    void add() {
+        addToLatest(StepKind::libraryLoad, store_.libLoadRecord.events);
+        const StepKind start = store_.hasInitRecord ? StepKind::init : StepKind::initStep;
+        addToLatest(start, profiling::initSectionEvents(store_));
+        addToLatest(StepKind::deInit, store_.deInitRecord.events);
+        addToFinalizations();
+    }
+
+private:
+    void addToLatest(StepKind kind, const profiling::EventList& events) {
+        const auto latest = std::find_if(steps_.rbegin(), steps_.rend(),
+                                         [kind](const Step& step) { return step.kind == kind; });
+        if (latest != steps_.rend()) {
+            latest->events = eventsOf(events);
+        }
+    }
+
+    void addToFinalizations() {
+        std::unordered_map<std::string_view, std::size_t> latest;
+        for (std::size_t position = 0; position < steps_.size(); ++position) {
+            if (steps_[position].kind == StepKind::finalize) {
+                latest[steps_[position].text] = position;
+            }
+        }
+        for (const NamedMethodRecord& entry : store_.finalizeRecords) {
+            if (const auto found = latest.find(stepText(entry.name)); found != latest.end()) {
+                steps_[found->second].events = eventsOf(entry.record->events);
+            }
+        }
+    }
+
+    const EventStore& store_;
+    std::vector<Step>& steps_;
+};
+
+// The one queue wait among the events of an execution; nothing when there is none or more than one.
+std::optional<std::uint64_t> queueWaitOf(const MethodRecord& record) {
+    const profiling::QueueWait wait = profiling::queueWaitOf(record.events);
+    return wait.count == 1 ? std::optional(wait.lastUs) : std::nullopt;
+}
+
+Executions executionsOf(GraphExecutions& graph) {
+    Executions executions;
+    executions.startUs = std::move(graph.startUs);
+    executions.durationUs.reserve(graph.records.size());
+    executions.queueWaitUs.reserve(graph.records.size());
+    for (std::size_t position = 0; position < graph.records.size(); ++position) {
+        const MethodRecord& record = *graph.records[position];
+        executions.durationUs.push_back(graph.isTimed[position] ? std::optional(record.durationUs)
+                                                                : std::nullopt);
+        executions.queueWaitUs.push_back(queueWaitOf(record));
+    }
+    return executions;
+}
+
+TypicalExecution typicalOf(const NamedMethodRecord& entry) {
+    return {entry.record->durationUs, eventsOf(entry.record->events)};
+}
+
+std::optional<Breakdown> breakdownOf(const profiling::ExecutionFigures& execution) {
+    if (execution.executionCount == 0) {
+        return std::nullopt;
+    }
+    Breakdown breakdown{.executionCount = execution.executionCount,
+                        .backendUs = execution.apiUs,
+                        .queueWaitUs = {},
+                        .inputCopyUs = execution.tensorCopyUs[0],
+                        .outputCopyUs = execution.tensorCopyUs[1],
+                        .ipcUs = {},
+                        .acceleratorUs = execution.acceleratorTimeUs};
+    if (execution.isAsync) {
+        breakdown.queueWaitUs = execution.queueWaitUs;
+    }
+    if (execution.ipcTimeUs != 0) {
+        breakdown.ipcUs = execution.ipcTimeUs;
+    }
+    return breakdown;
+}
+
+OruLayer layerOf(const profiling::LayerStats& stats) {
+    return {.id = stats.layerId,
+            .type = stats.layerType,
+            .typeName = ownText(profiling::layerTypeName(stats.layerType)),
+            .isOffloaded = stats.offloaded,
+            .isLinked = stats.linked,
+            .isLoopbackEnabled = stats.loopbackEnabled,
+            .mergedGroup = stats.mergedGroup,
+            .executions = stats.execCount,
+            .averageUs = stats.avgTimeUs,
+            .totalUs = stats.totalTimeUs,
+            .dspCycles = stats.avgDspCycles,
+            .totalDspCycles = stats.totalDspCycles,
+            .halUs = stats.avgHalExecUs,
+            .driverUs = stats.avgDriverExecUs,
+            .cacheFlushUs = stats.avgCacheFlushUs,
+            .krelExecUs = stats.avgKrelExecUs,
+            .nodes = stats.nodeCount,
+            .coreCycles = stats.avgCoreCycles,
+            .coreUs = stats.avgCoreTimeUs};
+}
+
+std::vector<LayerType> typesOf(const std::vector<OruLayer>& layers) {
+    std::vector<LayerType> types;
+    std::unordered_map<std::string_view, std::size_t> positions;
+    for (const OruLayer& layer : layers) {
+        const auto [found, isNew] = positions.emplace(layer.typeName, types.size());
+        if (isNew) {
+            types.push_back({.name = layer.typeName});
+        }
+        LayerType& type = types[found->second];
+        ++(layer.isOffloaded ? type.krelLayers : type.dspLayers);
+        type.timeUs += layer.timeUs();
+    }
+    std::stable_sort(types.begin(), types.end(), [](const LayerType& left, const LayerType& right) {
+        return left.timeUs > right.timeUs;
+    });
+    return types;
+}
+
+void addLayers(Graph& graph, const BackendFigures& figures) {
+    graph.dspClockHz = figures.layerConfig.dspClockHz;
+    graph.krelClockHz = figures.layerConfig.krelClockHz;
+    if (!figures.hasLayers()) {
+        return;
+    }
+    graph.oruLayers.reserve(figures.oruLayers.size());
+    figures.oruLayers.forEach(
+        [&graph](const profiling::LayerStats& stats) { graph.oruLayers.push_back(layerOf(stats)); });
+    graph.layerTypes = typesOf(graph.oruLayers);
+    graph.zebLayers.reserve(figures.zebLayers.layers.size());
+    for (const profiling::ZebLayer& layer : figures.zebLayers.layers) {
+        graph.zebLayers.push_back({.name = ownText(layer.name),
+                                   .dspUs = layer.dspTimeUs,
+                                   .krelUs = layer.krelTimeUs,
+                                   .oruLayers = {layer.oruLayerIds.begin(), layer.oruLayerIds.end()}});
+    }
+}
+
+// A mapping that names each layer of a graph once, and no other, is taken to be its mapping.
+bool covers(const std::vector<profiling::NodeMappingEntry>& mapping, std::size_t layers) {
+    if (mapping.size() != layers) {
+        return false;
+    }
+    std::vector<bool> isNamed(layers);
+    for (const profiling::NodeMappingEntry& entry : mapping) {
+        if (entry.oruLayerId >= layers || isNamed[entry.oruLayerId]) {
+            return false;
+        }
+        isNamed[entry.oruLayerId] = true;
+    }
+    return true;
+}
+
+std::vector<OtherMethod> otherMethodsOf(const EventStore& store);
+
+class RunMaker {
+public:
+    RunMaker(LoadedLog& log, Run& run) : log_(log), store_(log.store), run_(run) {}
+
+    void make() {
+        if (log_.header.isRead) {
+            run_.header = headerOf(log_.header);
+        }
+        run_.isAsync = store_.asyncExecute;
+        run_.steps = std::move(log_.steps);
+        StepEvents(store_, run_.steps).add();
+        run_.otherMethods = otherMethodsOf(store_);
+        makeGraphs();
+    }
+
+private:
+    void makeGraphs() {
+        const auto level = profiling::findProfileLevel(store_);
+        if (level) {
+            run_.level = static_cast<Level>(*level);
+        }
+        mapping_ = profiling::findNodeMapping(store_);
+        for (const NamedMethodRecord& entry : store_.finalizeRecords) {
+            finalizations_.emplace(entry.name.text(), &entry);
+        }
+        for (GraphExecutions& graph : log_.graphs) {
+            executions_.emplace(graph.name.text(), &graph);
+        }
+        for (std::size_t position = 0; position < store_.executeRecords.size(); ++position) {
+            run_.graphs.push_back(makeGraph(position, level.value_or(profiling::ProfileLevel::basic)));
+        }
+        addFindings(run_);
+    }
+
+    Graph makeGraph(std::size_t position, profiling::ProfileLevel level) {
+        const GraphMethodRecords& records = store_.executeRecords[position];
+        Graph graph;
+        graph.name = ownText(records.graphName);
+        if (const auto found = executions_.find(records.graphName.text()); found != executions_.end()) {
+            graph.executions = executionsOf(*found->second);
+        }
+        graph.spread = spreadOf(graph.executions);
+        graph.average = typicalOf(store_.executeAverage[position]);
+        graph.shortest = typicalOf(store_.executeMin[position]);
+        graph.longest = typicalOf(store_.executeMax[position]);
+        profiling::FigureScope scope{{&records}, {&store_.executeAverage[position]}, {}};
+        if (isOnlyGraph()) {
+            addAllFinalizations(scope);  // whatever they call it, as the report does
+        } else if (const auto found = finalizations_.find(records.graphName.text());
+                   found != finalizations_.end()) {
+            scope.finalizations.push_back(found->second);
+        }
+        addFigures(graph, scope, level);
+        return graph;
+    }
+
+    [[nodiscard]] bool isOnlyGraph() const { return store_.executeRecords.size() == 1; }
+
+    void addAllFinalizations(profiling::FigureScope& scope) {
+        for (const NamedMethodRecord& entry : store_.finalizeRecords) {
+            scope.finalizations.push_back(&entry);
+        }
+    }
+
+    // With several graphs it takes a first look at a graph's layers to know whether the mapping is its own.
+    void addFigures(Graph& graph, const profiling::FigureScope& scope, profiling::ProfileLevel level) {
+        const auto* const mapping = mapping_ && isOnlyGraph() ? &*mapping_ : nullptr;
+        BackendFigures figures = profiling::workOutFigures(store_, scope, level, mapping);
+        if (mapping_ && !isOnlyGraph() && figures.hasLayers() && figures.oruLayers.size() != 0) {
+            if (covers(*mapping_, figures.oruLayers.size())) {
+                figures = profiling::workOutFigures(store_, scope, level, &*mapping_);
+            } else {
+                graph.findings.push_back(
+                    {.rule = "mapping-of-another-graph",
+                     .text = "The log's node mapping does not cover this graph's layers, so it has no ZEB "
+                             "layers here.",
+                     .us = {},
+                     .percent = {}});
+            }
+        }
+        graph.breakdown = breakdownOf(figures.execution);
+        addLayers(graph, figures);
+    }
+
+    LoadedLog& log_;
+    const EventStore& store_;
+    Run& run_;
+    NodeMapping mapping_;
+    std::unordered_map<std::string_view, const NamedMethodRecord*> finalizations_;
+    std::unordered_map<std::string_view, GraphExecutions*> executions_;
+};
+
+void addOthers(std::vector<OtherMethod>& others, std::string_view name,
+               const profiling::MethodStatistics& method) {
+    for (std::size_t position = 0; position < method.records.size(); ++position) {
+        const GraphMethodRecords& graph = method.records[position];
+        others.push_back({.method = ownText(name),
+                          .graph = ownText(graph.graphName),
+                          .count = graph.records.countByWalking(),
+                          .averageUs = method.average[position].record->durationUs,
+                          .minUs = method.min[position].record->durationUs,
+                          .maxUs = method.max[position].record->durationUs});
+    }
+}
+
+std::vector<OtherMethod> otherMethodsOf(const EventStore& store) {
+    std::vector<OtherMethod> others;
+    addOthers(others, "apply binary section", store.methods.applyBinarySection);
+    addOthers(others, "finalize after tensor updates", store.methods.finalizeAfterTensorUpdates);
+    for (const NamedMethodRecord& entry : store.updateBinarySectionRecords) {
+        const std::uint64_t us = entry.record->durationUs;
+        others.push_back({"update binary section", ownText(entry.name), 1, us, us, us});
+    }
+    return others;
+}
+
+}  // namespace
+
+std::optional<Run> makeRun(const std::string& logFile, profiling::VisibilityLevel level) {
+    LoadedLog log(level);
+    if (!loadLog(logFile, log)) {
+        return std::nullopt;
+    }
+    std::optional<Run> run(std::in_place);
+    run->logFile = logFile;
+    RunMaker(log, *run).make();
+    return run;
+}
+
+}  // namespace zeb::analysis

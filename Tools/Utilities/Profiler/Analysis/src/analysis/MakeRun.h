@@ -1,0 +1,18 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "analysis/Run.h"
+#include "zeb/profiling/VisibilityLevel.h"
+
+namespace zeb::analysis {
+
+/// Reads a log and works out all figures of its run. The log is held in memory meanwhile.
+/// @param level messages of this level and above are left out
+/// @return nothing when the log can't be opened, or a chunk is damaged
+/// @throws std::invalid_argument, std::out_of_range for a value that has to be a number and is none;
+///         std::bad_alloc, std::length_error
+std::optional<Run> makeRun(const std::string& logFile, profiling::VisibilityLevel level);
+
+}  // namespace zeb::analysis

@@ -1,0 +1,136 @@
+#include "analysis/RunSummary.h"
+
+#include <algorithm>
+
+#include "analysis/Spread.h"
+
+namespace zeb::analysis {
+
+namespace {
+
+constexpr std::string_view totalNames[totalCount] = {
+    "Marlix", "Backend", "Accelerator", "IPC", "Copies", "Queue wait", "Init", "Finalize", "ZEB layers"};
+
+std::optional<double> asTime(const std::optional<std::uint64_t>& us) {
+    return us ? std::optional(static_cast<double>(*us)) : std::nullopt;
+}
+
+void addTo(std::optional<double>& sum, const std::optional<double>& us) {
+    if (us) {
+        sum = sum.value_or(0.0) + *us;
+    }
+}
+
+// The Init message where there is one, else all that leads to the first execution.
+std::optional<double> initUs(const Run& run) {
+    std::optional<double> whole;
+    std::optional<double> steps;
+    for (const Step& step : run.steps) {
+        switch (step.kind) {
+            case StepKind::init:
+                whole = asTime(step.durationUs);
+                break;
+            case StepKind::initStep:
+            case StepKind::compose:
+            case StepKind::finalize:
+                addTo(steps, asTime(step.durationUs));
+                break;
+            case StepKind::libraryLoad:
+            case StepKind::deInit:
+                break;
+        }
+    }
+    return whole ? whole : steps;
+}
+
+std::optional<double> finalizeUs(const Run& run, const Graph& graph) {
+    std::optional<double> sum;
+    for (const Step& step : run.steps) {
+        if (step.kind == StepKind::finalize && (run.graphs.size() == 1 || step.text == graph.name)) {
+            addTo(sum, asTime(step.durationUs));
+        }
+    }
+    return sum;
+}
+
+template <typename Rows, typename Time>
+std::vector<LayerTime> timesOf(const Rows& rows, Time time) {
+    std::vector<LayerTime> times;
+    times.reserve(rows.size());
+    for (const auto& row : rows) {
+        times.push_back({row.name, static_cast<double>(time(row))});
+    }
+    return times;
+}
+
+void addExecutions(GraphSummary& summary, const Executions& all) {
+    Executions executions;
+    for (const auto& us : all.durationUs) {
+        if (us.value_or(0) != 0) {
+            executions.durationUs.push_back(us);
+        }
+    }
+    if (executions.count() > 1) {
+        executions.durationUs.erase(executions.durationUs.begin());
+    }
+    const Spread spread = spreadOf(executions);
+    if (spread.count != 0) {
+        summary.executions = spread.count;
+        summary.p90Us = spread.p90Us;
+        summary.totalsUs[static_cast<std::size_t>(Total::marlix)] = spread.medianUs;
+    }
+}
+
+GraphSummary summaryOf(const Run& run, const Graph& graph) {
+    GraphSummary summary;
+    summary.name = graph.name;
+    summary.layers = timesOf(graph.zebLayers, [](const ZebLayer& layer) { return layer.timeUs(); });
+    summary.types = timesOf(graph.layerTypes, [](const LayerType& type) { return type.timeUs; });
+    summary.dspClockHz = graph.dspClockHz;
+    summary.krelClockHz = graph.krelClockHz;
+    const auto set = [&summary](Total total, const std::optional<double>& us) {
+        summary.totalsUs[static_cast<std::size_t>(total)] = us;
+    };
+    addExecutions(summary, graph.executions);
+    if (const auto& breakdown = graph.breakdown) {
+        std::optional<double> copiesUs = breakdown->inputCopyUs;
+        addTo(copiesUs, breakdown->outputCopyUs);
+        set(Total::backend, asTime(breakdown->backendUs));
+        set(Total::accelerator, asTime(breakdown->acceleratorUs));
+        set(Total::ipc, asTime(breakdown->ipcUs));
+        set(Total::copies, copiesUs);
+        set(Total::queueWait, asTime(breakdown->queueWaitUs));
+    }
+    set(Total::init, initUs(run));
+    set(Total::finalize, finalizeUs(run, graph));
+    std::optional<double> layersUs;
+    for (const LayerTime& layer : summary.layers) {
+        addTo(layersUs, layer.us);
+    }
+    set(Total::layers, layersUs);
+    return summary;
+}
+
+}  // namespace
+
+std::string_view nameOf(Total total) {
+    return totalNames[static_cast<std::size_t>(total)];
+}
+
+RunSummary summarize(const Run& run) {
+    RunSummary summary;
+    summary.logFile = run.logFile;
+    summary.level = run.level;
+    summary.isAsync = run.isAsync;
+    if (run.header) {
+        summary.generator = run.header->generatorName + ' ' + run.header->generatorVersion;
+        summary.backendVersion = run.header->backendVersion;
+    }
+    summary.graphs.reserve(run.graphs.size());
+    for (const Graph& graph : run.graphs) {
+        summary.graphs.push_back(summaryOf(run, graph));
+    }
+    return summary;
+}
+
+}  // namespace zeb::analysis

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "analysis/Run.h"
+
+namespace zeb::analysis {
+
+/// The totals of a graph that a comparison looks at.
+enum class Total : std::uint8_t {
+    marlix,
+    backend,
+    accelerator,
+    ipc,
+    copies,
+    queueWait,
+    init,
+    finalize,
+    layers,
+};
+inline constexpr std::size_t totalCount = 9;
+
+/// @return the name that reports show, "Marlix" or "ZEB layers"
+std::string_view nameOf(Total total);
+
+struct LayerTime {
+    std::string name;
+    double us = 0.0;
+};
+
+/// What a comparison needs of a graph in one log.
+struct GraphSummary {
+    std::string name;
+    std::uint64_t executions = 0;                            ///< that took time, without the warm-up
+    double p90Us = 0.0;                                      ///< of them; their median is the total of Marlix
+    std::array<std::optional<double>, totalCount> totalsUs;  ///< nothing where the log does not tell
+    std::vector<LayerTime> layers;                           ///< ZEB layers, in the order of the report
+    std::vector<LayerTime> types;                            ///< of ORU layers, the costliest first
+    std::uint32_t dspClockHz = 0;                            ///< 0: not told
+    std::uint32_t krelClockHz = 0;
+
+    [[nodiscard]] const std::optional<double>& totalUs(Total total) const {
+        return totalsUs[static_cast<std::size_t>(total)];
+    }
+};
+
+/// What a comparison needs of a run, small enough for many to be held at once.
+struct RunSummary {
+    std::string logFile;
+    std::string generator;  ///< name and version; empty: not told
+    std::string backendVersion;
+    std::optional<Level> level;
+    bool isAsync = false;
+    std::vector<GraphSummary> graphs;
+};
+
+/// The first execution of a graph is its warm-up: it is left out of the median and of the count where there
+/// is another. The total `init` is what the report shows as Init, and is the same for all graphs of a run;
+/// `finalize` is the graph's own where the log has several.
+RunSummary summarize(const Run& run);
+
+}  // namespace zeb::analysis

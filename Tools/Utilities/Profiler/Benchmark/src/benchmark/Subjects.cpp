@@ -1,0 +1,151 @@
+#include "benchmark/Subjects.h"
+
+#include <array>
+#include <fstream>
+#include <iomanip>
+#include <iostream>
+#include <optional>
+#include <sstream>
+#include <stdexcept>
+#include <streambuf>
+
+#include "benchmark/Floors.h"
+#include "benchmark/Processes.h"
+#include "log/ChunkReader.h"
+#include "reader/backend/BackendReport.h"
+#include "reader/backend/ZebProfileLogReaderMURL.h"
+#include "reports/CsvReport.h"
+
+namespace zeb::bench {
+
+namespace {
+
+using profiling::VisibilityLevel;
+using profiling::ZebProfileLogReader;
+using profiling::ZebProfileLogReaderMURL;
+
+constexpr auto allMessages = static_cast<VisibilityLevel>(127);
+
+template <typename Work>
+double timeOf(Work work) {
+    const double start = processorTime();
+    work();
+    return processorTime() - start;
+}
+
+// Takes text and drops it.
+class Sink final : public std::streambuf {
+protected:
+    std::streamsize xsputn(const char* /*text*/, std::streamsize length) override { return length; }
+    int_type overflow(int_type character) override { return traits_type::not_eof(character); }
+};
+
+void require(bool isGood, const char* what) {
+    if (!isGood) {
+        throw std::runtime_error(what);
+    }
+}
+
+void measureRead(const MeasuredLog& log, Figures& figures) {
+    figures[Figure::read] = timeOf([&log] { readChunks(log.path); });
+}
+
+void measureVerify(const MeasuredLog& log, Figures& figures) {
+    figures[Figure::verify] = timeOf([&log] { verifyChunks(log.path); });
+}
+
+void measureCopy(const MeasuredLog& log, Figures& figures) {
+    const double idleMemory = peakMemory();
+    std::optional<PlainLog> copied;
+    figures[Figure::copy] = timeOf([&] { copied = copyLog(log.path); });
+    figures[Figure::copyMemory] = peakMemory() - idleMemory;
+    figures[Figure::copyDestruction] = timeOf([&copied] { copied.reset(); });
+}
+
+void measureLoad(const MeasuredLog& log, Figures& figures) {
+    const double idleMemory = peakMemory();
+    std::optional<ZebProfileLogReaderMURL> reader(std::in_place, log.path, allMessages);
+    figures[Figure::load] = timeOf([&] { require(reader->loadLog(false), "cannot load the log"); });
+    figures[Figure::loadMemory] = peakMemory() - idleMemory;
+    figures[Figure::loadDestruction] = timeOf([&reader] { reader.reset(); });
+}
+
+// What `loadLog` does, taken apart.
+void measureParts(const MeasuredLog& log, Figures& figures) {
+    profiling::EventStore store(static_cast<std::int8_t>(allMessages));
+    figures[Figure::decode] = timeOf([&] {
+        profiling::ChunkReader chunks(log.path);
+        profiling::FlatBufferReaderUtil walker;
+        while (chunks.nextLength()) {
+            const auto buffer = chunks.readBody();
+            require(buffer && walker.openChunk(*buffer), "cannot decode the log");
+            while (const auto* const message = walker.nextMessage()) {
+                store.dispatchMethod(*message, walker.chunk());
+            }
+        }
+    });
+    std::ostringstream notes;
+    figures[Figure::aggregate] = timeOf([&] { store.aggregateStatistics(notes); });
+}
+
+// The reports of the generic reader are those that show events, the backend's show layers.
+void measureReports(const MeasuredLog& log, Figures& figures) {
+    Sink sink;
+    std::cout.rdbuf(&sink);
+    ZebProfileLogReaderMURL reader(log.path, allMessages);
+    require(reader.loadLog(false), "cannot load the log");
+    figures[Figure::backendReport] = timeOf([&] { require(reader.generateReports(""), "cannot report"); });
+    figures[Figure::genericReport] =
+        timeOf([&] { require(reader.ZebProfileLogReader::generateReports(""), "cannot report"); });
+    std::cout.rdbuf(nullptr);
+}
+
+template <typename Write>
+double timeOfCsv(Write write) {
+    return timeOf([&write] {
+        std::ofstream csv("/dev/null", std::ios::app);
+        csv << std::fixed << std::setprecision(0);
+        write(csv);
+        csv.close();
+        require(csv.good(), "cannot write the CSV report");
+    });
+}
+
+// The CSV forms by themselves.
+void measureCsv(const MeasuredLog& log, Figures& figures) {
+    ZebProfileLogReaderMURL reader(log.path, allMessages);
+    require(reader.loadLog(false), "cannot load the log");
+    const profiling::BackendFigures backend =
+        profiling::workOutFigures(reader.store(), profiling::readProfileLevel(reader.store()));
+    figures[Figure::backendCsv] = timeOfCsv(
+        [&](std::ostream& csv) { profiling::writeBackendCsv(csv, reader.reportSource(), backend, false); });
+    figures[Figure::genericCsv] =
+        timeOfCsv([&reader](std::ostream& csv) { profiling::writeCsvReport(csv, reader.reportSource()); });
+}
+
+void measureFormatting(const MeasuredLog& log, Figures& figures) {
+    std::string report;
+    figures[Figure::reportFloor] = timeOf([&] { formatLayerReport(report, log.size); });
+    std::string csv;
+    figures[Figure::csvFloor] = timeOf([&] { formatLayerCsv(csv, log.size); });
+    require(!report.empty() && !csv.empty(), "nothing formatted");
+}
+
+constexpr std::array<Subject, 8> subjects = {{
+    {measureRead},
+    {measureVerify},
+    {measureCopy, false, true},
+    {measureLoad},
+    {measureParts},
+    {measureFormatting, true},
+    {measureReports},
+    {measureCsv},
+}};
+
+}  // namespace
+
+std::span<const Subject> allSubjects() {
+    return subjects;
+}
+
+}  // namespace zeb::bench

@@ -1,0 +1,169 @@
+#pragma once
+
+#include <charconv>
+#include <concepts>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <vector>
+
+#include "command/Failure.h"
+#include "command/MemoryLimit.h"
+#include "text/CommandManual.h"
+
+/// The command lines of all commands: tables of options, which are their help too, and how what is given gets
+/// from there into a struct of the command.
+namespace zeb::command {
+
+using Words = std::vector<std::string>;
+
+enum class Action : std::uint8_t { work, showHelp, showVersion };
+
+/// What stands behind an option.
+enum class Takes : std::uint8_t {
+    nothing,
+    value,
+    optionalValue,  ///< behind a "=" alone
+    values,         ///< all words up to the next option
+    valueEachTime,  ///< one, and the option may be given again
+};
+
+/// An option as it is given.
+struct Given {
+    std::string name;
+    std::string value;  ///< empty for one that takes nothing
+};
+
+/// A row of a command's table of options.
+template <typename Options>
+struct OptionRow {
+    profiling::ManualOption manual;
+    Takes takes;
+    /// Puts it into the options. Throws Failure for a value that is none.
+    void (*apply)(Options& options, const Given& given);
+    std::string valueLeftOut = {};  ///< what an optional value is where it is not given
+};
+
+/// An option as the parser has to know it.
+struct DeclaredOption {
+    std::string name;
+    Takes takes;
+    std::string valueLeftOut;
+};
+
+/// The words of a command line, sorted. All commands have --help and --version besides.
+class CommandLine {
+public:
+    /// @param wordName of the one word that is no option; empty when there is none
+    /// @throws Failure for wrong usage
+    CommandLine(std::vector<DeclaredOption> options, const std::string& wordName, int argc,
+                const char* const* argv);
+    ~CommandLine();
+
+    [[nodiscard]] Action action() const;
+    [[nodiscard]] bool isGiven(std::string_view name) const;
+
+    /// @return what is given behind the option, an empty text for one that takes nothing
+    /// @throws Failure for a value that is empty or an option
+    [[nodiscard]] Words valuesOf(std::string_view name) const;
+
+    [[nodiscard]] const std::optional<std::string>& word() const;
+    /// @return the words that belong to no option, unknown options among them; a "--" marks that the rest is
+    /// none
+    [[nodiscard]] Words remaining() const;
+
+private:
+    struct Parser;
+    std::unique_ptr<Parser> parser_;
+};
+
+/// @return what is wrong with an argument, with a word that the help says more
+Failure wrongUsage(const std::string& line);
+Failure wrongUsage(const std::string& argument, const std::string& cause);
+
+/// @return the failure of a value that is none of the names, with the one that was meant
+Failure noneOf(const Given& given, const Words& names);
+
+/// @return the failure of an option that nobody knows, with the one that was meant
+Failure unknownOption(const std::string& name, const Words& known);
+
+/// @throws Failure when two of them, which are all to be written, are one
+void refuseSameFiles(std::span<const Given> files);
+
+/// @return the whole text as a number; nothing when it is none, or does not fit
+template <typename Number>
+std::optional<Number> numberOf(std::string_view text) {
+    Number number{};
+    const char* const end = text.data() + text.size();
+    const auto [rest, error] = std::from_chars(text.data(), end, number);
+    return error == std::errc() && rest == end ? std::optional(number) : std::nullopt;
+}
+
+/// The option --max-memory.
+profiling::ManualOption maxMemoryOption();
+/// @throws Failure
+MemorySize maxMemoryOf(const Given& given);
+
+/// @return the names of whatever has a `name`
+template <typename Rows>
+Words namesOf(const Rows& rows) {
+    Words names;
+    for (const auto& row : rows) {
+        names.emplace_back(row.name);
+    }
+    return names;
+}
+
+template <typename Options>
+Words optionNames(const std::vector<OptionRow<Options>>& rows) {
+    Words names;
+    for (const auto& row : rows) {
+        names.push_back(row.manual.name);
+    }
+    names.insert(names.end(), {"--help", "--version"});
+    return names;
+}
+
+/// @throws Failure for wrong usage
+template <typename Options>
+CommandLine parsedBy(const std::vector<OptionRow<Options>>& rows, const std::string& wordName, int argc,
+                     const char* const* argv) {
+    std::vector<DeclaredOption> declared;
+    for (const auto& row : rows) {
+        declared.push_back({row.manual.name, row.takes, row.valueLeftOut});
+    }
+    return {std::move(declared), wordName, argc, argv};
+}
+
+/// Puts into the options what is given, in the order of the rows.
+/// @throws Failure for a value that is none
+template <typename Options>
+void applyGiven(const CommandLine& line, const std::vector<OptionRow<Options>>& rows, Options& options) {
+    for (const auto& row : rows) {
+        if (line.isGiven(row.manual.name)) {
+            for (const std::string& value : line.valuesOf(row.manual.name)) {
+                row.apply(options, {row.manual.name, value});
+            }
+        }
+    }
+}
+
+/// @param helpText of --help itself
+/// @return the options for help, manual page and completions
+template <typename Options>
+std::vector<profiling::ManualOption> manualOf(const std::vector<OptionRow<Options>>& rows,
+                                              const std::string& helpText = "Show this help.") {
+    std::vector<profiling::ManualOption> options;
+    for (const auto& row : rows) {
+        options.push_back(row.manual);
+    }
+    options.push_back({"--help", "", helpText});
+    options.push_back({"--version", "", "Show the version."});
+    return options;
+}
+
+}  // namespace zeb::command

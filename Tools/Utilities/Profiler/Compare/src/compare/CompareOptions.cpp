@@ -1,0 +1,232 @@
+#include "compare/CompareOptions.h"
+
+#include <charconv>
+#include <cstddef>
+#include <string_view>
+
+#include "command/CommandLine.h"
+
+namespace zeb::compare {
+
+namespace {
+
+using command::CommandLine;
+using command::ExitCode;
+using command::Given;
+using command::Takes;
+using command::Words;
+using command::wrongUsage;
+
+// An amount in fixed notation that is not negative.
+std::optional<double> amountOf(std::string_view text) {
+    double number = 0.0;
+    const char* const end = text.data() + text.size();
+    const auto [rest, error] = std::from_chars(text.data(), end, number, std::chars_format::fixed);
+    const bool isGood = error == std::errc() && rest == end && number >= 0.0 && number <= 1e12;
+    return isGood ? std::optional(number) : std::nullopt;
+}
+
+double shareOf(const Given& given) {
+    std::string_view text = given.value;
+    text.remove_suffix(text.ends_with('%') ? 1 : 0);
+    const auto percent = amountOf(text);
+    if (!percent) {
+        throw wrongUsage(given.name, "\"" + given.value + "\" is no per cent like 5, 0.5 or 5%");
+    }
+    return *percent / 100.0;
+}
+
+double usOf(const Given& given) {
+    const auto us = amountOf(given.value);
+    if (!us) {
+        throw wrongUsage(given.name, "\"" + given.value + "\" is no number of microseconds");
+    }
+    return *us;
+}
+
+analysis::Rename renameOf(const Given& given) {
+    const std::size_t equals = given.value.find('=');
+    if (equals == std::string::npos || equals == 0 || equals + 1 == given.value.size()) {
+        throw wrongUsage(given.name, "\"" + given.value + "\" is no OLD=NEW");
+    }
+    return {given.value.substr(0, equals), given.value.substr(equals + 1)};
+}
+
+struct GateName {
+    std::string_view name;
+    analysis::Total total;
+};
+constexpr GateName gateNames[] = {{"marlix", analysis::Total::marlix},
+                                  {"accelerator", analysis::Total::accelerator},
+                                  {"layers", analysis::Total::layers}};
+
+analysis::Total totalOf(const Given& given) {
+    for (const GateName& gate : gateNames) {
+        if (gate.name == given.value) {
+            return gate.total;
+        }
+    }
+    throw noneOf(given, command::namesOf(gateNames));
+}
+
+constexpr const char* baseName = "--base";
+constexpr const char* newName = "--new";
+constexpr const char* failName = "--fail-above";
+constexpr const char* gateName = "--gate";
+constexpr const char* minChangeName = "--min-change-us";
+
+// What is given, before the gate is put together: its options make none unless a growth is forbidden.
+struct GivenOptions {
+    CompareOptions options;
+    analysis::Gate gate;
+};
+
+using OptionRows = std::vector<command::OptionRow<GivenOptions>>;
+
+// All options, in the order of the help.
+const OptionRows& optionRows() {
+    static const OptionRows rows = {
+        {{baseName, " LOG...", "The logs of the base."},
+         Takes::values,
+         [](auto& all, const auto& given) { all.options.base.push_back(given.value); }},
+        {{newName, " LOG...", "The logs of the new version."},
+         Takes::values,
+         [](auto& all, const auto& given) { all.options.changed.push_back(given.value); }},
+        {{"--rename", " OLD=NEW",
+          "The ZEB layer OLD of the base is NEW in the new version. May be given again."},
+         Takes::valueEachTime,
+         [](auto& all, const auto& given) { all.options.renames.push_back(renameOf(given)); }},
+        {{"--hide-below", " PERCENT",
+          "Only count layers whose change is a smaller share of the base's layer sum. Default 0.5."},
+         Takes::value,
+         [](auto& all, const auto& given) { all.options.hideBelow = shareOf(given); }},
+        {{failName, " PERCENT",
+          "Fail when a graph's time grew by more. With several logs a side a growth counts only where it is "
+          "sure; with one a side the change alone decides."},
+         Takes::value,
+         [](auto& all, const auto& given) { all.gate.maxGrowth = shareOf(given); }},
+        {{gateName, " TIME",
+          "The time to judge: " + profiling::namesInARow(command::namesOf(gateNames)) + ". Default marlix.",
+          command::namesOf(gateNames)},
+         Takes::value,
+         [](auto& all, const auto& given) { all.gate.total = totalOf(given); }},
+        {{minChangeName, " N", "Let a growth by less than N microseconds pass."},
+         Takes::value,
+         [](auto& all, const auto& given) { all.gate.minChangeUs = usOf(given); }},
+        {{"--json", " FILE",
+          "Write the comparison to FILE as JSON; \"-\" is standard output, without the text."},
+         Takes::value,
+         [](auto& all, const auto& given) { all.options.json = given.value; }},
+        {{"--html", " FILE",
+          "Write the comparison to FILE as a page for a browser; \"-\" is standard output, without the "
+          "text."},
+         Takes::value,
+         [](auto& all, const auto& given) { all.options.html = given.value; }},
+        {command::maxMemoryOption(), Takes::value,
+         [](auto& all, const auto& given) { all.options.maxMemory = command::maxMemoryOf(given); }},
+    };
+    return rows;
+}
+
+// The words that belong to no option: BASE and NEW, and what is left of unknown options. Behind a "--" all
+// are files.
+Words filesAmong(const Words& words) {
+    Words files;
+    bool areAllFiles = false;
+    for (const std::string& word : words) {
+        if (!areAllFiles && word == "--") {
+            areAllFiles = true;
+        } else if (!areAllFiles && word.size() > 1 && word.starts_with('-')) {
+            throw command::unknownOption(word.substr(0, word.find('=')), command::optionNames(optionRows()));
+        } else {
+            files.push_back(word);
+        }
+    }
+    return files;
+}
+
+void takeFiles(CompareOptions& options, const Words& files) {
+    const bool areNamed = !options.base.empty() || !options.changed.empty();
+    if (areNamed && !files.empty()) {
+        throw wrongUsage(files.front(),
+                         "a word too many beside " + std::string(baseName) + " and " + newName);
+    }
+    if (!areNamed && files.size() == 2) {
+        options.base = {files[0]};
+        options.changed = {files[1]};
+    }
+    if (files.size() > 2) {
+        throw wrongUsage(
+            files[2], "a word too many; several logs go behind " + std::string(baseName) + " and " + newName);
+    }
+    if (options.base.empty() || options.changed.empty()) {
+        throw wrongUsage(options.base.empty() && files.empty() ? "no BASE given" : "no NEW given");
+    }
+}
+
+}  // namespace
+
+std::string_view meaningOf(ExitCode exitCode) {
+    switch (exitCode) {
+        case ExitCode::good:
+            return "good: compared, and nothing is slower than allowed";
+        case ExitCode::badLog:
+            return "a log can't be read, or needs more memory than it may have";
+        case ExitCode::usage:
+            return "wrong usage";
+        case ExitCode::badOutput:
+            return "standard output or a file can't be written";
+        case ExitCode::slower:
+            return "a time grew by more than --fail-above allows";
+        case ExitCode::incomparable:
+            return "--fail-above has nothing that it can compare";
+        case ExitCode::badPlugin:
+        case ExitCode::badReport:
+        case ExitCode::closedPipe:
+            break;
+    }
+    return {};
+}
+
+CompareOptions parseCommandLine(int argc, const char* const* argv) {
+    const CommandLine line = parsedBy(optionRows(), "", argc, argv);
+    GivenOptions all;
+    all.options.action = line.action();
+    const Words files = filesAmong(line.remaining());
+    if (all.options.action != command::Action::work) {  // a help that is shown whatever the values hold
+        return all.options;
+    }
+    applyGiven(line, optionRows(), all);
+    for (const char* const name : {gateName, minChangeName}) {
+        if (line.isGiven(name) && !line.isGiven(failName)) {
+            throw wrongUsage(name, "needs " + std::string(failName) + " beside it");
+        }
+    }
+    if (line.isGiven(failName)) {
+        all.options.gate = all.gate;
+    }
+    command::refuseSameFiles({{{"--json", all.options.json}, {"--html", all.options.html}}});
+    takeFiles(all.options, files);
+    return all.options;
+}
+
+profiling::CommandManual compareManual() {
+    return {
+        .name = std::string(programName),
+        .summary = "Compares two versions by the profiling logs of their runs.",
+        .usages = {"[options] BASE NEW", "[options] --base BASE... --new NEW..."},
+        .options = manualOf(optionRows()),
+        .tables = {},
+        .paragraphs =
+            {"A log may also be a file with the JSON of a run, as the viewer writes it. Give four logs or "
+             "more of each version, taken in turns: with fewer a change can't be told from chance."},
+        .exitCodes = {"Exit codes, the first that holds of 2, 1, 3, 7, 6", profiling::rowsOf(meaningOf)},
+        .examples = {{"", "zeb-profile-compare old.zlog new.zlog"},
+                     {"", "zeb-profile-compare --base old-*.zlog --new new-*.zlog"},
+                     {"", "zeb-profile-compare --rename conv1=stem --hide-below 0 old.zlog new.zlog"},
+                     {"", "zeb-profile-compare --html changes.html --base old-*.zlog --new new-*.zlog"},
+                     {"A build pipeline that fails when an inference gets slower by more than 5 %",
+                      "zeb-profile-compare --fail-above 5 --base main-*.zlog --new change-*.zlog"}}};
+}
+
+}  // namespace zeb::compare

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "analysis/Comparison.h"
+#include "analysis/Gate.h"
+#include "command/CommandLine.h"
+#include "command/Failure.h"
+#include "command/MemoryLimit.h"
+#include "text/CommandManual.h"
+
+namespace zeb::compare {
+
+inline constexpr std::string_view programName = "zeb-profile-compare";
+
+/// Where several hold, usage comes before badLog, that before badOutput, that before incomparable, and slower
+/// is last.
+/// @return what the exit code says, as the help has it; empty for a number that is none of this command
+std::string_view meaningOf(command::ExitCode exitCode);
+
+/// The command line of zeb-profile-compare.
+struct CompareOptions {
+    command::Action action = command::Action::work;
+    std::vector<std::string> base;  ///< one log at least, and so below
+    std::vector<std::string> changed;
+    std::vector<analysis::Rename> renames;
+    double hideBelow = 0.005;            ///< a share
+    std::optional<analysis::Gate> gate;  ///< nothing: every change is good
+    std::string json;                    ///< empty: no JSON; "-": on standard output, without the text
+    std::string html;                    ///< the page, the same way
+    command::MemorySize maxMemory = command::defaultMemorySize();
+
+    /// Whether a form is on standard output, which then has no text.
+    [[nodiscard]] bool isFormAlone() const { return json == "-" || html == "-"; }
+};
+
+/// Help and version win over everything but words that no option takes.
+/// @throws Failure for wrong usage
+CompareOptions parseCommandLine(int argc, const char* const* argv);
+
+/// @return what the command says about itself
+profiling::CommandManual compareManual();
+
+}  // namespace zeb::compare

@@ -1,0 +1,198 @@
+#pragma once
+
+#include <concepts>
+#include <string_view>
+#include <type_traits>
+
+#include "analysis/Run.h"
+
+/// The keys of a run's JSON: each struct's members in the order of the documentation, once, for writing and
+/// for reading. A visitor is called with each key and member.
+namespace zeb::forms {
+
+inline constexpr std::string_view runSchema = "zeb-profile-run/1";
+
+template <typename Enum>
+struct EnumName {
+    Enum value;
+    std::string_view name;
+};
+
+inline constexpr EnumName<analysis::Level> levelNames[] = {{analysis::Level::basic, "basic"},
+                                                           {analysis::Level::detailed, "detailed"},
+                                                           {analysis::Level::internal, "internal"}};
+inline constexpr EnumName<analysis::StepKind> stepNames[] = {
+    {analysis::StepKind::libraryLoad, "library-load"}, {analysis::StepKind::initStep, "init-step"},
+    {analysis::StepKind::compose, "compose"},          {analysis::StepKind::init, "init"},
+    {analysis::StepKind::finalize, "finalize"},        {analysis::StepKind::deInit, "de-init"}};
+inline constexpr EnumName<profiling::EventUnit> unitNames[] = {
+    {profiling::EventUnit::microseconds, "us"}, {profiling::EventUnit::bytes, "bytes"},
+    {profiling::EventUnit::cycles, "cycles"},   {profiling::EventUnit::count, "count"},
+    {profiling::EventUnit::object, "object"},   {profiling::EventUnit::none, "none"}};
+
+constexpr const auto& enumNames(analysis::Level /*kind*/) {
+    return levelNames;
+}
+constexpr const auto& enumNames(analysis::StepKind /*kind*/) {
+    return stepNames;
+}
+constexpr const auto& enumNames(profiling::EventUnit /*kind*/) {
+    return unitNames;
+}
+
+/// The struct as it is visited: to be read from, or to be filled.
+template <typename Given, typename Wanted>
+concept Is = std::same_as<std::remove_const_t<Given>, Wanted>;
+
+template <typename Visit, Is<analysis::Event> Event>
+void fieldsOf(Event& event, Visit visit) {
+    visit("name", event.name);
+    visit("type", event.type);
+    visit("unit", event.unit);
+    visit("value", event.value);
+    visit("object_bytes", event.objectBytes);
+    visit("events", event.events);
+}
+
+template <typename Visit, Is<analysis::Header> Header>
+void fieldsOf(Header& header, Visit visit) {
+    visit("time_scale", header.timeScale);
+    visit("epoch_us", header.epochUs);
+    visit("steady_us", header.steadyUs);
+    visit("generator", header.generatorName);
+    visit("generator_version", header.generatorVersion);
+    visit("backend_version", header.backendVersion);
+    visit("adapter_updater", header.isAdapterUpdaterLog);
+}
+
+template <typename Visit, Is<analysis::Step> Step>
+void fieldsOf(Step& step, Visit visit) {
+    visit("step", step.kind);
+    visit("text", step.text);
+    visit("start_us", step.startUs);
+    visit("duration_us", step.durationUs);
+    visit("events", step.events);
+}
+
+template <typename Visit, Is<analysis::OtherMethod> Method>
+void fieldsOf(Method& method, Visit visit) {
+    visit("method", method.method);
+    visit("graph", method.graph);
+    visit("count", method.count);
+    visit("average_us", method.averageUs);
+    visit("min_us", method.minUs);
+    visit("max_us", method.maxUs);
+}
+
+template <typename Visit, Is<analysis::Executions> Executions>
+void fieldsOf(Executions& executions, Visit visit) {
+    visit("start_us", executions.startUs);
+    visit("duration_us", executions.durationUs);
+    visit("queue_wait_us", executions.queueWaitUs);
+}
+
+template <typename Visit, Is<analysis::Spread> Spread>
+void fieldsOf(Spread& spread, Visit visit) {
+    visit("count", spread.count);
+    visit("min_us", spread.minUs);
+    visit("median_us", spread.medianUs);
+    visit("p90_us", spread.p90Us);
+    visit("p99_us", spread.p99Us);
+    visit("max_us", spread.maxUs);
+    visit("first_us", spread.firstUs);
+}
+
+template <typename Visit, Is<analysis::TypicalExecution> Execution>
+void fieldsOf(Execution& execution, Visit visit) {
+    visit("duration_us", execution.durationUs);
+    visit("events", execution.events);
+}
+
+template <typename Visit, Is<analysis::Breakdown> Breakdown>
+void fieldsOf(Breakdown& breakdown, Visit visit) {
+    visit("execution_count", breakdown.executionCount);
+    visit("backend_us", breakdown.backendUs);
+    visit("queue_wait_us", breakdown.queueWaitUs);
+    visit("input_copy_us", breakdown.inputCopyUs);
+    visit("output_copy_us", breakdown.outputCopyUs);
+    visit("ipc_us", breakdown.ipcUs);
+    visit("accelerator_us", breakdown.acceleratorUs);
+}
+
+template <typename Visit, Is<analysis::OruLayer> Layer>
+void fieldsOf(Layer& layer, Visit visit) {
+    visit("id", layer.id);
+    visit("type", layer.type);
+    visit("type_name", layer.typeName);
+    visit("offloaded", layer.isOffloaded);
+    visit("linked", layer.isLinked);
+    visit("loopback", layer.isLoopbackEnabled);
+    visit("merged_group", layer.mergedGroup);
+    visit("executions", layer.executions);
+    visit("average_us", layer.averageUs);
+    visit("total_us", layer.totalUs);
+    visit("dsp_cycles", layer.dspCycles);
+    visit("total_dsp_cycles", layer.totalDspCycles);
+    visit("hal_us", layer.halUs);
+    visit("driver_us", layer.driverUs);
+    visit("cache_flush_us", layer.cacheFlushUs);
+    visit("krel_exec_us", layer.krelExecUs);
+    visit("nodes", layer.nodes);
+    visit("core_cycles", layer.coreCycles);
+    visit("core_us", layer.coreUs);
+}
+
+template <typename Visit, Is<analysis::ZebLayer> Layer>
+void fieldsOf(Layer& layer, Visit visit) {
+    visit("name", layer.name);
+    visit("dsp_us", layer.dspUs);
+    visit("krel_us", layer.krelUs);
+    visit("oru_layers", layer.oruLayers);
+}
+
+template <typename Visit, Is<analysis::LayerType> Type>
+void fieldsOf(Type& type, Visit visit) {
+    visit("name", type.name);
+    visit("dsp_layers", type.dspLayers);
+    visit("krel_layers", type.krelLayers);
+    visit("time_us", type.timeUs);
+}
+
+template <typename Visit, Is<analysis::Finding> Finding>
+void fieldsOf(Finding& finding, Visit visit) {
+    visit("rule", finding.rule);
+    visit("text", finding.text);
+    visit("us", finding.us);
+    visit("percent", finding.percent);
+}
+
+template <typename Visit, Is<analysis::Graph> Graph>
+void fieldsOf(Graph& graph, Visit visit) {
+    visit("name", graph.name);
+    visit("spread", graph.spread);
+    visit("breakdown", graph.breakdown);
+    visit("dsp_clock_hz", graph.dspClockHz);
+    visit("krel_clock_hz", graph.krelClockHz);
+    visit("findings", graph.findings);
+    visit("zeb_layers", graph.zebLayers);
+    visit("layer_types", graph.layerTypes);
+    visit("oru_layers", graph.oruLayers);
+    visit("average", graph.average);
+    visit("shortest", graph.shortest);
+    visit("longest", graph.longest);
+    visit("executions", graph.executions);
+}
+
+template <typename Visit, Is<analysis::Run> Run>
+void fieldsOf(Run& run, Visit visit) {
+    visit("log", run.logFile);
+    visit("header", run.header);
+    visit("level", run.level);
+    visit("asynchronous", run.isAsync);
+    visit("steps", run.steps);
+    visit("graphs", run.graphs);
+    visit("other_methods", run.otherMethods);
+    visit("findings", run.findings);
+}
+
+}  // namespace zeb::forms

@@ -1,0 +1,181 @@
+#include "forms/page/ExecutionPicture.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+#include <span>
+#include <string_view>
+
+#include "analysis/Spread.h"
+#include "forms/json/JsonText.h"
+
+namespace zeb::forms {
+
+namespace {
+
+using Durations = std::vector<std::optional<std::uint64_t>>;
+using Bin = ExecutionPicture::Bin;
+using Outlier = ExecutionPicture::Outlier;
+
+constexpr std::size_t fewestBins = 16;
+constexpr std::size_t mostBinsOfGraph = 1000;
+constexpr std::size_t mostColumns = 40;
+
+Bin binOf(std::span<const std::optional<std::uint64_t>> durations) {
+    std::vector<double> timed;
+    timed.reserve(durations.size());
+    for (const auto& us : durations) {
+        if (us.value_or(0) != 0) {
+            timed.push_back(static_cast<double>(*us));
+        }
+    }
+    if (timed.empty()) {
+        return {};
+    }
+    std::sort(timed.begin(), timed.end());
+    return {timed.size(), timed.front(), analysis::quantile(timed, 0.5), timed.back()};
+}
+
+template <typename Use>
+void forEachTimed(const Durations& durations, Use use) {
+    for (std::size_t position = 0; position < durations.size(); ++position) {
+        if (durations[position].value_or(0) != 0) {
+            use(position, static_cast<double>(*durations[position]));
+        }
+    }
+}
+
+// The few longest executions would leave all others one column, so what is far off is counted, not shown.
+void addHistogram(ExecutionPicture& picture, const analysis::Graph& graph) {
+    const analysis::Spread& spread = graph.spread;
+    if (spread.count == 0) {
+        return;
+    }
+    const double bulkUs = std::max(spread.p90Us - spread.minUs, 1.0);
+    const double toUs = std::min(spread.maxUs, spread.p90Us + 2.0 * bulkUs);
+    const double roomUs = std::max(toUs - spread.minUs, 1.0);
+    const auto fewEnough =
+        static_cast<std::size_t>(std::ceil(2.0 * std::sqrt(static_cast<double>(spread.count))));
+    // Durations are whole: columns of whole widths hold as many of them each.
+    picture.columnUs =
+        std::max(1.0, std::ceil(roomUs / static_cast<double>(std::min(mostColumns, fewEnough))));
+    picture.fromUs = spread.minUs;
+    picture.columns.resize(static_cast<std::size_t>(std::floor(roomUs / picture.columnUs)) + 1);
+    forEachTimed(graph.executions.durationUs, [&picture](std::size_t /*position*/, double us) {
+        const double column = (us - picture.fromUs) / picture.columnUs;
+        if (column < static_cast<double>(picture.columns.size())) {
+            ++picture.columns[static_cast<std::size_t>(column)];
+        } else {
+            ++picture.above;
+        }
+    });
+}
+
+void addOutliers(ExecutionPicture& picture, const analysis::Graph& graph) {
+    picture.outlierLimitUs = graph.spread.medianUs * outlierFactor;
+    const auto isLonger = [](const Outlier& left, const Outlier& right) { return left.us > right.us; };
+    std::vector<Outlier>& longest = picture.outliers;  // a heap, the shortest of them in front
+    forEachTimed(graph.executions.durationUs, [&](std::size_t position, double us) {
+        if (us <= picture.outlierLimitUs) {
+            return;
+        }
+        ++picture.outlierCount;
+        if (longest.size() == mostOutliers) {
+            if (us <= longest.front().us) {
+                return;
+            }
+            std::pop_heap(longest.begin(), longest.end(), isLonger);
+            longest.pop_back();
+        }
+        longest.push_back({position, us});
+        std::push_heap(longest.begin(), longest.end(), isLonger);
+    });
+    std::sort(longest.begin(), longest.end(),
+              [](const Outlier& left, const Outlier& right) { return left.position < right.position; });
+}
+
+template <typename List, typename Append>
+void appendList(std::string& json, std::string_view key, const List& list, Append append) {
+    json.append("\"").append(key).append("\":[");
+    for (const auto& element : list) {
+        append(element);
+        json += ',';
+    }
+    if (!list.empty()) {
+        json.pop_back();
+    }
+    json += ']';
+}
+
+void appendField(std::string& json, std::string_view key, auto value) {
+    json.append("\"").append(key).append("\":");
+    appendJsonNumber(json, value);
+    json += ',';
+}
+
+void appendBins(std::string& json, std::string_view key, const ExecutionPicture& picture,
+                double Bin::*figure) {
+    appendList(json, key, picture.bins, [&json, figure](const Bin& bin) {
+        if (bin.count == 0) {
+            json += "null";
+        } else {
+            appendJsonNumber(json, bin.*figure);
+        }
+    });
+    json += ',';
+}
+
+}  // namespace
+
+std::size_t mostSinglesOfGraph(const analysis::Run& run) {
+    const std::size_t executions = std::accumulate(
+        run.graphs.begin(), run.graphs.end(), std::size_t{0},
+        [](std::size_t sum, const analysis::Graph& graph) { return sum + graph.executions.count(); });
+    if (executions <= mostSingleExecutions) {
+        return mostSingleExecutions;
+    }
+    return std::clamp(mostSingleExecutions / run.graphs.size(), fewestBins, mostBinsOfGraph);
+}
+
+ExecutionPicture pictureOf(const analysis::Graph& graph, std::size_t mostBins) {
+    ExecutionPicture picture;
+    const std::span durations(graph.executions.durationUs);
+    picture.count = durations.size();
+    picture.binSize = std::max<std::size_t>(1, (durations.size() + mostBins - 1) / mostBins);
+    for (std::size_t first = 0; first < durations.size(); first += picture.binSize) {
+        picture.bins.push_back(binOf(
+            durations.subspan(first, std::min<std::size_t>(picture.binSize, durations.size() - first))));
+    }
+    addHistogram(picture, graph);
+    addOutliers(picture, graph);
+    return picture;
+}
+
+void appendJson(std::string& json, const ExecutionPicture& picture) {
+    json += '{';
+    appendField(json, "count", picture.count);
+    appendField(json, "bin_size", picture.binSize);
+    appendBins(json, "median_us", picture, &Bin::medianUs);
+    if (picture.binSize > 1) {
+        appendBins(json, "min_us", picture, &Bin::minUs);
+        appendBins(json, "max_us", picture, &Bin::maxUs);
+    }
+    appendField(json, "from_us", picture.fromUs);
+    appendField(json, "column_us", picture.columnUs);
+    appendList(json, "columns", picture.columns,
+               [&json](std::uint64_t count) { appendJsonNumber(json, count); });
+    json += ',';
+    appendField(json, "above", picture.above);
+    appendField(json, "outlier_limit_us", picture.outlierLimitUs);
+    appendField(json, "outlier_count", picture.outlierCount);
+    appendList(json, "outliers", picture.outliers, [&json](const Outlier& outlier) {
+        json += '[';
+        appendJsonNumber(json, outlier.position);
+        json += ',';
+        appendJsonNumber(json, outlier.us);
+        json += ']';
+    });
+    json += '}';
+}
+
+}  // namespace zeb::forms

@@ -1,0 +1,453 @@
+#include "forms/text/TopText.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cmath>
+#include <cstdint>
+#include <numeric>
+#include <span>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "forms/text/ConsoleText.h"
+#include "text/NumberText.h"
+#include "text/Saturation.h"
+
+namespace zeb::forms {
+
+namespace {
+
+using analysis::Breakdown;
+using analysis::Graph;
+using analysis::Run;
+using analysis::ZebLayer;
+using profiling::fixedPoint;
+
+constexpr std::size_t barWidth = 24;
+constexpr std::size_t mostNameColumns = 48;  // where no terminal says less
+constexpr std::size_t fewestNameColumns = 12;
+constexpr std::size_t mostTypes = 12;
+
+std::string us(double value) {
+    return fixedPoint(value, 0) + " us";
+}
+
+double shareOf(double part, double whole) {
+    return whole > 0.0 ? part / whole * 100.0 : 0.0;
+}
+
+std::string percent(double value) {
+    return fixedPoint(value, 1) + '%';
+}
+
+std::string lowerCase(std::string_view text) {
+    std::string lower(text);
+    std::transform(lower.begin(), lower.end(), lower.begin(),
+                   [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
+    return lower;
+}
+
+// What a console can show of it.
+class Style {
+public:
+    explicit Style(const ConsoleStyle& style) : style_(style) {}
+
+    [[nodiscard]] std::string strong(const std::string& text) const { return coloured("\x1B[1m", text); }
+    [[nodiscard]] std::string dim(const std::string& text) const { return coloured("\x1B[2m", text); }
+    [[nodiscard]] std::string dsp(const std::string& text) const { return coloured("\x1B[33m", text); }
+    [[nodiscard]] std::string krel(const std::string& text) const { return coloured("\x1B[36m", text); }
+
+    [[nodiscard]] std::string name(std::string_view name, std::size_t besideIt) const {
+        const std::size_t room =
+            style_.width ? *style_.width - std::min(*style_.width, besideIt) : mostNameColumns;
+        return shownName(name, std::clamp(room, fewestNameColumns, mostNameColumns), style_.hasUnicode);
+    }
+
+    /// A bar of two parts, each of its own character, so that they are told apart without colour.
+    [[nodiscard]] std::string bar(double dspShare, double krelShare) const {
+        const std::size_t all = cells(dspShare + krelShare);
+        const std::size_t krelCells = std::min(all, cells(krelShare));
+        return krel(repeated(style_.hasUnicode ? "\xE2\x96\x88" : "#", krelCells)) +
+               dsp(repeated(style_.hasUnicode ? "\xE2\x96\x92" : "=", all - krelCells));
+    }
+
+    [[nodiscard]] std::string bar(double share) const {
+        return repeated(style_.hasUnicode ? "\xE2\x96\x86" : "-", cells(share));
+    }
+
+    [[nodiscard]] std::string legend() const {
+        return krel(style_.hasUnicode ? "\xE2\x96\x88" : "#") + " Krel core, " +
+               dsp(style_.hasUnicode ? "\xE2\x96\x92" : "=") + " DSP";
+    }
+
+    [[nodiscard]] std::string_view branch(bool isLast) const {
+        if (style_.hasUnicode) {
+            return isLast ? "\xE2\x94\x94\xE2\x94\x80 " : "\xE2\x94\x9C\xE2\x94\x80 ";
+        }
+        return isLast ? "`- " : "|- ";
+    }
+    [[nodiscard]] std::string_view trunk(bool isLast) const {
+        if (isLast) {
+            return "   ";
+        }
+        return style_.hasUnicode ? "\xE2\x94\x82  " : "|  ";
+    }
+    [[nodiscard]] std::string_view bullet() const { return style_.hasUnicode ? "\xE2\x80\xA2 " : "- "; }
+
+    /// @return whether a line of that many columns fits
+    [[nodiscard]] bool hasRoomFor(std::size_t columns) const {
+        return !style_.width || columns <= *style_.width;
+    }
+
+    [[nodiscard]] bool hasUnicode() const { return style_.hasUnicode; }
+    /// For running text.
+    [[nodiscard]] std::size_t width() const { return std::max<std::size_t>(style_.width.value_or(100), 40); }
+
+private:
+    [[nodiscard]] std::string coloured(std::string_view code, const std::string& text) const {
+        return style_.hasColour && !text.empty() ? std::string(code) + text + "\x1B[0m" : text;
+    }
+
+    static std::size_t cells(double share) {
+        return static_cast<std::size_t>(std::lround(std::clamp(share, 0.0, 1.0) * barWidth));
+    }
+
+    static std::string repeated(std::string_view part, std::size_t count) {
+        std::string text;
+        for (; count > 0; --count) {
+            text += part;
+        }
+        return text;
+    }
+
+    const ConsoleStyle& style_;
+};
+
+// Lines of a table, the titles dimmed, with bars behind the rows that have one.
+void printTable(std::ostream& out, const Style& style, const ConsoleTable& table,
+                const std::vector<std::string>& bars) {
+    const std::vector<std::string> lines = table.lines(2);
+    std::size_t widest = 0;
+    for (const std::string& line : lines) {
+        widest = std::max(widest, columnsOf(line));
+    }
+    const bool showsBars = style.hasRoomFor(widest + 2 + barWidth);
+    for (std::size_t row = 0; row < lines.size(); ++row) {
+        out << (row == 0 ? style.dim(lines[row]) : lines[row]);
+        if (showsBars && row > 0 && row <= bars.size() && !bars[row - 1].empty()) {
+            out << std::string(widest + 2 - columnsOf(lines[row]), ' ') << bars[row - 1];
+        }
+        out << '\n';
+    }
+}
+
+void printTitle(std::ostream& out, const Style& style, const std::string& title) {
+    out << '\n' << style.strong(title) << '\n';
+}
+
+enum class BarOf : std::uint8_t { any, krel, dsp };
+
+// A share of an inference, and its own shares.
+struct Part {
+    std::string label;
+    double us = 0.0;
+    std::vector<Part> parts;
+    BarOf bar = BarOf::any;
+};
+
+double sumOf(const std::vector<Part>& parts) {
+    return std::accumulate(parts.begin(), parts.end(), 0.0,
+                           [](double sum, const Part& part) { return sum + part.us; });
+}
+
+// What the parts leave of the whole, once they are known.
+void addRest(Part& whole, const std::string& label) {
+    if (!whole.parts.empty()) {
+        whole.parts.push_back({label, std::max(0.0, whole.us - sumOf(whole.parts)), {}});
+    }
+}
+
+std::vector<Part> backendParts(const Graph& graph) {
+    const Breakdown& breakdown = *graph.breakdown;
+    std::vector<Part> parts;
+    const auto add = [&parts](const char* label, const auto& value) {
+        if (value) {
+            parts.push_back({label, static_cast<double>(*value), {}});
+        }
+    };
+    add("Accelerator", breakdown.acceleratorUs);
+    const double dsp = static_cast<double>(graph.layersDspUs());
+    const double krel = static_cast<double>(graph.layersKrelUs());
+    if (!parts.empty() && dsp + krel > 0.0) {
+        parts.back().parts = {{"Layers on the Krel core", krel, {}, BarOf::krel},
+                              {"Layers on the DSP", dsp, {}, BarOf::dsp}};
+        addRest(parts.back(), "in no layer");
+    }
+    add("IPC", breakdown.ipcUs);
+    add("Input tensor copy", breakdown.inputCopyUs);
+    add("Output tensor copy", breakdown.outputCopyUs);
+    add("Queue wait", breakdown.queueWaitUs);
+    return parts;
+}
+
+Part inferenceOf(const Graph& graph) {
+    Part whole{"Marlix", static_cast<double>(graph.average.durationUs), {}};
+    if (!graph.breakdown) {
+        return whole;
+    }
+    if (graph.breakdown->backendUs) {
+        Part backend{"Backend", static_cast<double>(*graph.breakdown->backendUs), backendParts(graph)};
+        addRest(backend, "not accounted for");
+        whole.parts.push_back(std::move(backend));
+        addRest(whole, "outside the backend");
+    } else {
+        whole.parts = backendParts(graph);
+        addRest(whole, "not accounted for");
+    }
+    return whole;
+}
+
+class Tree {
+public:
+    Tree(const Style& style, double wholeUs)
+        : style_(style),
+          wholeUs_(wholeUs),
+          table_({{"", Side::left}, {"Time", Side::right}, {"Share", Side::right}}) {}
+
+    void add(const Part& part, const std::string& front, const std::string& below) {
+        table_.add({front + part.label, us(part.us), percent(shareOf(part.us, wholeUs_))});
+        bars_.push_back(barOf(part));
+        for (std::size_t position = 0; position < part.parts.size(); ++position) {
+            const bool isLast = position + 1 == part.parts.size();
+            add(part.parts[position], below + std::string(style_.branch(isLast)),
+                below + std::string(style_.trunk(isLast)));
+        }
+    }
+
+    void print(std::ostream& out) const { printTable(out, style_, table_, bars_); }
+
+private:
+    [[nodiscard]] std::string barOf(const Part& part) const {
+        const double share = wholeUs_ > 0.0 ? part.us / wholeUs_ : 0.0;
+        switch (part.bar) {
+            case BarOf::krel:
+                return style_.bar(0.0, share);
+            case BarOf::dsp:
+                return style_.bar(share, 0.0);
+            case BarOf::any:
+                break;
+        }
+        return style_.bar(share);
+    }
+
+    const Style& style_;
+    double wholeUs_;
+    ConsoleTable table_;
+    std::vector<std::string> bars_;
+};
+
+void printInference(std::ostream& out, const Style& style, const Graph& graph) {
+    const std::uint64_t count = graph.spread.count;
+    printTitle(out, style,
+               "Where an inference goes (average of " + std::to_string(count) +
+                   (count == 1 ? " execution)" : " executions)"));
+    Tree tree(style, static_cast<double>(graph.average.durationUs));
+    tree.add(inferenceOf(graph), "", "");
+    tree.print(out);
+    if (!graph.breakdown) {
+        out << "  The log has no data of the backend on this graph.\n";
+    }
+}
+
+void printFindings(std::ostream& out, const Style& style, const std::vector<analysis::Finding>& findings) {
+    if (findings.empty()) {
+        return;
+    }
+    printTitle(out, style, "What stands out");
+    for (const analysis::Finding& finding : findings) {
+        constexpr std::size_t mostColumns = 300;  // a name in it may have any length
+        constexpr std::size_t bulletWidth = 4;
+        std::string_view front = style.bullet();
+        for (const std::string& line :
+             wrapped(shownName(finding.text, mostColumns, style.hasUnicode()), style.width() - bulletWidth)) {
+            out << "  " << std::exchange(front, "  ") << line << '\n';
+        }
+    }
+}
+
+std::vector<const ZebLayer*> orderedLayers(const Graph& graph, const TopOptions& options) {
+    const std::string wanted = lowerCase(options.filter);
+    std::vector<const ZebLayer*> layers;
+    for (const ZebLayer& layer : graph.zebLayers) {
+        if (wanted.empty() || lowerCase(layer.name).find(wanted) != std::string::npos) {
+            layers.push_back(&layer);
+        }
+    }
+    if (options.order == LayerOrder::time) {
+        std::stable_sort(layers.begin(), layers.end(), [](const ZebLayer* left, const ZebLayer* right) {
+            return left->timeUs() > right->timeUs();
+        });
+    } else if (options.order == LayerOrder::name) {
+        std::stable_sort(layers.begin(), layers.end(), [](const ZebLayer* left, const ZebLayer* right) {
+            return left->name < right->name;
+        });
+    }
+    return layers;
+}
+
+constexpr std::size_t layerNumbersWidth = 64;  // of all columns but the name, bar included
+
+void printZebLayers(std::ostream& out, const Style& style, const Graph& graph, const TopOptions& options) {
+    const std::vector<const ZebLayer*> layers = orderedLayers(graph, options);
+    const std::size_t shown = std::min(options.rows, layers.size());
+    const double dspUs = static_cast<double>(graph.layersDspUs());
+    const double krelUs = static_cast<double>(graph.layersKrelUs());
+    const double wholeUs = dspUs + krelUs;
+    const std::string title = options.order == LayerOrder::time ? "Costliest ZEB layers" : "ZEB layers";
+    printTitle(out, style,
+               title + " (" + std::to_string(shown) + " of " + std::to_string(graph.zebLayers.size()) + ')');
+    ConsoleTable table({{"Layer", Side::left},
+                        {"Time", Side::right},
+                        {"Share", Side::right},
+                        {"Sum", Side::right},
+                        {"DSP", Side::right},
+                        {"Krel", Side::right}});
+    std::vector<std::string> bars;
+    double longestUs = 0.0;
+    for (const ZebLayer* const layer : std::span(layers).first(shown)) {
+        longestUs = std::max(longestUs, static_cast<double>(layer->timeUs()));
+    }
+    double sumUs = 0.0;
+    double sumDspUs = 0.0;
+    double sumKrelUs = 0.0;
+    for (const ZebLayer* const layer : std::span(layers).first(shown)) {
+        const auto dsp = static_cast<double>(layer->dspUs);
+        const auto krel = static_cast<double>(layer->krelUs);
+        sumUs += dsp + krel;
+        sumDspUs += dsp;
+        sumKrelUs += krel;
+        table.add({style.name(layer->name, layerNumbersWidth), us(dsp + krel),
+                   percent(shareOf(dsp + krel, wholeUs)), percent(shareOf(sumUs, wholeUs)), us(dsp),
+                   us(krel)});
+        bars.push_back(longestUs > 0.0 ? style.bar(dsp / longestUs, krel / longestUs) : "");
+    }
+    if (const std::size_t others = graph.zebLayers.size() - shown; others > 0) {
+        table.add({'[' + std::to_string(others) + (others == 1 ? " other]" : " others]"), us(wholeUs - sumUs),
+                   percent(shareOf(wholeUs - sumUs, wholeUs)), "", us(dspUs - sumDspUs),
+                   us(krelUs - sumKrelUs)});
+        bars.emplace_back();
+    }
+    table.add({"Total", us(wholeUs), percent(shareOf(wholeUs, wholeUs)), "", us(dspUs), us(krelUs)});
+    bars.push_back(style.legend());
+    printTable(out, style, table, bars);
+}
+
+std::string placeOf(const analysis::LayerType& type) {
+    if (type.krelLayers == 0) {
+        return "DSP";
+    }
+    return type.dspLayers == 0 ? "Krel"
+                               : "Krel (" + std::to_string(type.krelLayers) + "), DSP (" +
+                                     std::to_string(type.dspLayers) + ')';
+}
+
+void printLayerTypes(std::ostream& out, const Style& style, const Graph& graph, const TopOptions& options) {
+    printTitle(out, style, "ORU layers by type");
+    ConsoleTable table({{"Type", Side::left},
+                        {"Layers", Side::right},
+                        {"Time", Side::right},
+                        {"Share", Side::right},
+                        {"Runs on", Side::left}});
+    const std::string wanted = lowerCase(options.filter);
+    std::uint64_t layers = 0;
+    std::uint64_t otherLayers = 0;
+    double wholeUs = 0.0;
+    double otherUs = 0.0;
+    for (const analysis::LayerType& type : graph.layerTypes) {
+        wholeUs += static_cast<double>(type.timeUs);
+    }
+    std::size_t shown = 0;
+    std::size_t others = 0;
+    for (const analysis::LayerType& type : graph.layerTypes) {
+        const std::uint64_t count = type.dspLayers + type.krelLayers;
+        const auto time = static_cast<double>(type.timeUs);
+        layers += count;
+        const bool isWanted = wanted.empty() || lowerCase(type.name).find(wanted) != std::string::npos;
+        if (!isWanted || shown == mostTypes) {
+            ++others;
+            otherLayers += count;
+            otherUs += time;
+            continue;
+        }
+        ++shown;
+        table.add(
+            {type.name, std::to_string(count), us(time), percent(shareOf(time, wholeUs)), placeOf(type)});
+    }
+    if (others > 0) {
+        table.add({'[' + std::to_string(others) + (others == 1 ? " other]" : " others]"),
+                   std::to_string(otherLayers), us(otherUs), percent(shareOf(otherUs, wholeUs)), ""});
+    }
+    table.add({"Total", std::to_string(layers), us(wholeUs), percent(shareOf(wholeUs, wholeUs)), ""});
+    printTable(out, style, table, {});
+}
+
+std::string signedPercent(double value) {
+    return (value < 0.0 ? "" : "+") + percent(value);
+}
+
+// One table over all graphs.
+void printExecutionTimes(std::ostream& out, const Style& style, const Run& run) {
+    printTitle(out, style, "Execution times (us)");
+    ConsoleTable table({{"Graph", Side::left},
+                        {"Count", Side::right},
+                        {"Min", Side::right},
+                        {"Median", Side::right},
+                        {"p90", Side::right},
+                        {"p99", Side::right},
+                        {"Max", Side::right},
+                        {"First", Side::right},
+                        {"against median", Side::right}});
+    constexpr std::size_t numbersWidth = 72;
+    const auto number = [](double value) { return fixedPoint(value, 0); };
+    for (const Graph& graph : run.graphs) {
+        const analysis::Spread& spread = graph.spread;
+        if (spread.count == 0) {
+            table.add({style.name(graph.name, numbersWidth), "0", "-", "-", "-", "-", "-", "-", "-"});
+            continue;
+        }
+        table.add({style.name(graph.name, numbersWidth), std::to_string(spread.count), number(spread.minUs),
+                   number(spread.medianUs), number(spread.p90Us), number(spread.p99Us), number(spread.maxUs),
+                   number(spread.firstUs),
+                   signedPercent(shareOf(spread.firstUs - spread.medianUs, spread.medianUs))});
+    }
+    printTable(out, style, table, {});
+}
+
+void printGraph(std::ostream& out, const Style& style, const Graph& graph, const TopOptions& options) {
+    printInference(out, style, graph);
+    if (!graph.zebLayers.empty()) {
+        printZebLayers(out, style, graph, options);
+    }
+    if (!graph.layerTypes.empty()) {
+        printLayerTypes(out, style, graph, options);
+    }
+    printFindings(out, style, graph.findings);
+}
+
+}  // namespace
+
+void printTop(std::ostream& out, const Run& run, const TopOptions& options) {
+    const Style style(options.style);
+    if (run.graphs.empty()) {
+        out << "\nNo graph was executed in this log, so there is nothing to rank.\n";
+        return;
+    }
+    for (const Graph& graph : run.graphs) {
+        out << '\n' << style.strong("Graph " + style.name(graph.name, 0)) << '\n';
+        printGraph(out, style, graph, options);
+    }
+    printExecutionTimes(out, style, run);
+}
+
+}  // namespace zeb::forms

@@ -1,0 +1,368 @@
+#include "forms/trace/Trace.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+#include <string_view>
+#include <vector>
+
+#include "forms/trace/AverageTrace.h"
+#include "forms/trace/TraceEvents.h"
+#include "forms/trace/TraceFile.h"
+#include "forms/trace/TraceTracks.h"
+#include "log/ChunkReader.h"
+#include "log/FlatBufferReaderUtil.h"
+#include "store/EventArena.h"
+#include "store/MessageParts.h"
+#include "store/NamedList.h"
+#include "text/Saturation.h"
+
+namespace zeb::forms {
+
+namespace {
+
+using analysis::Graph;
+using profiling::schema::LogMessage;
+using profiling::schema::MethodType;
+
+constexpr std::uint64_t runProcess = 1;
+constexpr std::uint64_t firstAverageProcess = 2;
+
+enum class MethodGroup : std::uint8_t { setUp, executions, others, tearDown };
+
+struct MethodForm {
+    MethodType method;
+    std::string_view name;
+    MethodGroup group;
+    std::string_view textField;  ///< what the message's text is
+};
+
+constexpr std::string_view graphField = "graph";
+constexpr std::string_view textField = "text";
+
+constexpr std::array methodForms = {
+    MethodForm{MethodType::DynamicLibLoad, "load library", MethodGroup::setUp, textField},
+    MethodForm{MethodType::InitStep, "init step", MethodGroup::setUp, textField},
+    MethodForm{MethodType::ComposeGraphs, "compose", MethodGroup::setUp, graphField},
+    MethodForm{MethodType::Init, "init", MethodGroup::setUp, textField},
+    MethodForm{MethodType::Finalize, "finalize", MethodGroup::setUp, graphField},
+    MethodForm{MethodType::ContextGetBinarySize, "get binary size", MethodGroup::setUp, textField},
+    MethodForm{MethodType::ContextGetBinary, "get binary", MethodGroup::setUp, textField},
+    MethodForm{MethodType::ContextGetBinarySectionSize, "get binary section size", MethodGroup::setUp,
+               textField},
+    MethodForm{MethodType::Execute, "execute", MethodGroup::executions, graphField},
+    MethodForm{MethodType::ExecuteAsync, "execute asynchronously", MethodGroup::executions, graphField},
+    MethodForm{MethodType::ExecuteOverall, "execute overall", MethodGroup::others, textField},
+    MethodForm{MethodType::ApplyBinarySection, "apply binary section", MethodGroup::others, graphField},
+    MethodForm{MethodType::ApplyBinarySectionAlternate, "apply binary section", MethodGroup::others,
+               graphField},
+    MethodForm{MethodType::FinalizeAfterTensorUpdates, "finalize after tensor updates", MethodGroup::others,
+               graphField},
+    MethodForm{MethodType::UpdateBinarySection, "update binary section", MethodGroup::others, textField},
+    MethodForm{MethodType::DeInit, "de-init", MethodGroup::tearDown, textField},
+};
+
+MethodForm formOf(MethodType method) {
+    const auto* const known = std::find_if(methodForms.begin(), methodForms.end(),
+                                           [method](MethodForm form) { return form.method == method; });
+    return known != methodForms.end() ? *known
+                                      : MethodForm{method, "unknown method", MethodGroup::others, textField};
+}
+
+// The times of a `GraphEvents` message mean nothing.
+std::optional<TimeSpan> timesOf(const LogMessage& message) {
+    const auto start = message.timing()->startTime();
+    const auto end = message.timing()->endTime();
+    if (!start || !end || message.methodType() == MethodType::GraphEvents) {
+        return std::nullopt;
+    }
+    return TimeSpan{*start, std::max(*start, *end)};
+}
+
+// Hands out the messages of a log that are visible at a level, with the chunk that each lies in.
+template <typename Take>
+bool forEachMessage(const std::string& logPath, profiling::VisibilityLevel level, Take take) {
+    profiling::ChunkReader chunks(logPath);
+    if (!chunks.isOpen()) {
+        return false;
+    }
+    profiling::FlatBufferReaderUtil walker;
+    while (chunks.nextLength()) {
+        const auto buffer = chunks.readBody();
+        if (!buffer || !walker.openChunk(*buffer)) {
+            return false;
+        }
+        while (const LogMessage* const message = walker.nextMessage()) {
+            if (message->level() < static_cast<std::int8_t>(level)) {
+                take(*message, walker.chunk());
+            }
+        }
+        walker.closeChunk();
+    }
+    return true;
+}
+
+std::optional<std::uint64_t> smallestOf(std::optional<std::uint64_t> smallest, std::uint64_t start) {
+    return smallest ? std::min(*smallest, start) : start;
+}
+
+// The tracks of the run as the log has it. Each group has its numbers, and the viewers sort by them.
+class RunTracks {
+public:
+    RunTracks(TraceFile& file, const analysis::Run& run) : file_(file), run_(run), parts_(names_) {
+        for (const Graph& graph : run.graphs) {
+            positions_.findOrAdd(graph.name, [&] { return addGraph(graph.name); });
+        }
+    }
+
+    struct Execution {
+        std::size_t graph = 0;  ///< its position in the run
+        std::optional<std::uint64_t> queueWaitUs;
+    };
+
+    [[nodiscard]] profiling::MessageParts& parts() { return parts_; }
+
+    /// To be asked once for each execution of the log, in its order.
+    /// @return nothing for one that the run does not have
+    std::optional<Execution> nextExecution(const LogMessage& message) {
+        if (message.text() == nullptr) {
+            return std::nullopt;
+        }
+        const std::string_view name = parts_.visible(message.text());
+        const auto whole = [](std::string_view text) { return text; };
+        const std::size_t position =
+            parts_.entryOf(positions_, name, whole, [&] { return addGraph(name); }).position;
+        if (position >= run_.graphs.size()) {
+            return std::nullopt;
+        }
+        const auto& waits = run_.graphs[position].executions.queueWaitUs;
+        const std::size_t execution = graphs_[position].executions++;
+        return Execution{position, execution < waits.size() ? waits[execution] : std::nullopt};
+    }
+
+    /// @return nothing when the group has no track left for the slice
+    std::optional<TrackNumber> place(MethodGroup group, const std::optional<Execution>& execution,
+                                     TimeSpan slice) {
+        if (execution) {
+            return place(graphs_[execution->graph].tracks, slice,
+                         firstOfGraphs + execution->graph * TrackGroup::maxTracks,
+                         [&] { return "Executions of " + nameOf(run_.graphs[execution->graph]); });
+        }
+        switch (group) {
+            case MethodGroup::setUp:
+                return place(setUp_, slice, firstOfSetUp, [] { return std::string("Set-up"); });
+            case MethodGroup::tearDown:
+                return place(tearDown_, slice, firstOfGraphs + run_.graphs.size() * TrackGroup::maxTracks,
+                             [] { return std::string("Tear-down"); });
+            default:
+                return place(others_, slice, firstOfOthers, [] { return std::string("Other calls"); });
+        }
+    }
+
+private:
+    static constexpr std::uint64_t firstOfSetUp = 1;
+    static constexpr std::uint64_t firstOfOthers = firstOfSetUp + TrackGroup::maxTracks;
+    static constexpr std::uint64_t firstOfGraphs = firstOfOthers + TrackGroup::maxTracks;
+
+    struct NamedGraph {
+        profiling::StoredText name;
+        std::size_t position;
+    };
+    struct GraphTracks {
+        std::size_t executions = 0;  ///< met so far
+        TrackGroup tracks{Sharing::disjoint};
+    };
+
+    NamedGraph addGraph(std::string_view name) {
+        graphs_.emplace_back();
+        return {names_.keepText(name), graphs_.size() - 1};
+    }
+
+    static std::string nameOf(const Graph& graph) { return cutInMiddle(graph.name, longestTraceText / 2); }
+
+    template <typename Name>
+    std::optional<TrackNumber> place(TrackGroup& group, TimeSpan slice, std::uint64_t first, Name name) {
+        const auto place = group.place(slice);
+        if (!place) {
+            return std::nullopt;
+        }
+        const TrackNumber number{runProcess, first + place->track};
+        if (place->isNewTrack) {
+            file_.nameTrack(
+                number, place->track == 0 ? name() : name() + ", track " + std::to_string(place->track + 1));
+        }
+        return number;
+    }
+
+    TraceFile& file_;
+    const analysis::Run& run_;
+    profiling::EventArena names_;
+    profiling::MessageParts parts_;
+    profiling::NamedList<NamedGraph, &NamedGraph::name> positions_;  ///< those of the run first
+    std::vector<GraphTracks> graphs_;
+    TrackGroup setUp_{Sharing::nested};
+    TrackGroup others_{Sharing::nested};
+    TrackGroup tearDown_{Sharing::nested};
+};
+
+constexpr double usOfMs = 1000.0;
+
+// The second pass: makes slices of the messages.
+class RunSlices {
+public:
+    RunSlices(TraceFile& file, const analysis::Run& run, const TraceOptions& options, std::uint64_t zeroUs)
+        : file_(file), tracks_(file, run), zeroUs_(zeroUs) {
+        if (options.fromMs) {
+            fromUs_ = profiling::cutToWhole(std::max(0.0, std::ceil(*options.fromMs * usOfMs)));
+        }
+        if (options.toMs) {
+            toUs_ = profiling::cutToWhole(std::max(0.0, std::floor(*options.toMs * usOfMs)));
+        }
+        file_.nameProcess(runProcess, "run, as measured");
+    }
+
+    void add(const LogMessage& message, const profiling::OpenChunk& chunk) {
+        tracks_.parts().enter(chunk);
+        const MethodForm form = formOf(message.methodType());
+        const auto execution =
+            form.group == MethodGroup::executions ? tracks_.nextExecution(message) : std::nullopt;
+        const auto times = timesOf(message);
+        if (!times) {
+            ++result_.withoutTimes;
+            return;
+        }
+        const TimeSpan slice{times->startUs - zeroUs_, times->endUs - zeroUs_};
+        if (slice.endUs >= largestExactNumber) {
+            ++result_.leftOutAsTooLate;
+        } else if (slice.endUs < fromUs_ || slice.startUs > toUs_) {
+            ++result_.outsideCut;
+        } else if (const auto track = tracks_.place(form.group, execution, slice)) {
+            ++result_.slices;
+            addSlice(message, form, execution, slice, *track);
+        } else {
+            ++result_.leftOutForTracks;
+        }
+    }
+
+    [[nodiscard]] const TraceResult& result() const { return result_; }
+    [[nodiscard]] std::uint64_t fromUs() const { return fromUs_; }
+
+private:
+    void addSlice(const LogMessage& message, const MethodForm& form,
+                  const std::optional<RunTracks::Execution>& execution, TimeSpan slice, TrackNumber track) {
+        const std::string text = message.text() == nullptr
+                                     ? std::string()
+                                     : cutInMiddle(tracks_.parts().visible(message.text()), longestTraceText);
+        const bool isNamedByGraph = form.textField == graphField && !execution && !text.empty();
+        const auto waitUs = execution ? execution->queueWaitUs : std::nullopt;
+        const std::uint64_t us = slice.endUs - slice.startUs;
+        file_.addSlice(std::string(form.name) + (isNamedByGraph ? " " + text : ""), track, slice,
+                       [&](JsonObject& arguments) {
+                           if (message.text() != nullptr) {
+                               arguments.addText(form.textField, text);
+                           }
+                           addArguments(arguments, message, us, waitUs);
+                       });
+        if (waitUs && *waitUs > 0 && us > 0) {
+            addQueueWait(*waitUs, slice, track);
+        }
+    }
+
+    void addArguments(JsonObject& arguments, const LogMessage& message, std::uint64_t us,
+                      std::optional<std::uint64_t> waitUs) {
+        arguments.addNumber("method", std::int64_t{static_cast<std::int8_t>(message.methodType())});
+        arguments.addNumber("level", std::int64_t{message.level()});
+        arguments.addNumber("durationUs", us);
+        if (*message.timing()->endTime() < *message.timing()->startTime()) {
+            arguments.addTrue("endsBeforeStart");
+        }
+        if (waitUs) {
+            arguments.addNumber("queueWaitUs", *waitUs);
+            arguments.addNumber("withoutQueueWaitUs", profiling::differenceOrZero(us, *waitUs));
+        }
+        addEvents(arguments, message, tracks_.parts());
+    }
+
+    // The log tells how long it was and not when.
+    void addQueueWait(std::uint64_t waitUs, TimeSpan execution, TrackNumber track) {
+        const std::uint64_t us = std::min(waitUs, execution.endUs - execution.startUs);
+        file_.addSlice("queue wait", track, {execution.startUs, execution.startUs + us},
+                       [&](JsonObject& arguments) {
+                           arguments.addText("placed", "assumed");
+                           arguments.addNumber("queueWaitUs", waitUs);
+                       });
+    }
+
+    TraceFile& file_;
+    RunTracks tracks_;
+    std::uint64_t zeroUs_;
+    std::uint64_t fromUs_ = 0;
+    std::uint64_t toUs_ = std::numeric_limits<std::uint64_t>::max();
+    TraceResult result_;
+};
+
+std::string labelOf(const TraceResult& result) {
+    std::string label;
+    const auto add = [&label](std::uint64_t count, std::string_view what) {
+        if (count > 0) {
+            label += (label.empty() ? "" : "; ") + std::to_string(count) + " " + std::string(what);
+        }
+    };
+    add(result.withoutTimes, "without times");
+    add(result.outsideCut, "cut away");
+    add(result.leftOutForTracks, "found no track");
+    add(result.leftOutAsTooLate, "too late");
+    return label.empty() ? label : "Messages not shown: " + label;
+}
+
+void describe(JsonObject& members, const analysis::Run& run, const TraceResult& result,
+              std::optional<std::uint64_t> smallestStartUs) {
+    members.addText("logFile", run.logFile);
+    if (run.header) {
+        members.addText("generator", run.header->generatorName);
+        members.addText("generatorVersion", run.header->generatorVersion);
+        members.addText("backendVersion", run.header->backendVersion);
+        members.addNumber("epochUs", run.header->epochUs);
+    }
+    if (smallestStartUs) {
+        members.addNumber("smallestStartUs", *smallestStartUs);
+    }
+    members.addNumber("slices", result.slices);
+    members.addNumber("messagesWithoutTimes", result.withoutTimes);
+    members.addNumber("messagesCutAway", result.outsideCut);
+    members.addNumber("messagesWithoutTrack", result.leftOutForTracks);
+    members.addNumber("messagesTooLate", result.leftOutAsTooLate);
+}
+
+}  // namespace
+
+std::optional<TraceResult> writeTrace(std::ostream& out, const analysis::Run& run, const std::string& logPath,
+                                      const TraceOptions& options) {
+    std::optional<std::uint64_t> smallestStartUs;
+    const auto findStart = [&](const LogMessage& message, const profiling::OpenChunk& /*chunk*/) {
+        if (const auto times = timesOf(message)) {
+            smallestStartUs = smallestOf(smallestStartUs, times->startUs);
+        }
+    };
+    if (!forEachMessage(logPath, options.level, findStart)) {
+        return std::nullopt;
+    }
+    TraceFile file(out);
+    RunSlices slices(file, run, options, smallestStartUs.value_or(0));
+    const auto addSlice = [&](const LogMessage& message, const profiling::OpenChunk& chunk) {
+        slices.add(message, chunk);
+    };
+    if (!forEachMessage(logPath, options.level, addSlice)) {
+        return std::nullopt;
+    }
+    TraceResult result = slices.result();
+    if (const std::string label = labelOf(result); !label.empty()) {
+        file.labelProcess(runProcess, label);
+    }
+    addAverages(file, run, firstAverageProcess, slices.fromUs());
+    result.bytes = file.finish([&](JsonObject& members) { describe(members, run, result, smallestStartUs); });
+    return result;
+}
+
+}  // namespace zeb::forms

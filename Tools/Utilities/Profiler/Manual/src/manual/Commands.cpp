@@ -1,0 +1,29 @@
+#include "manual/Commands.h"
+
+#include "compare/CompareOptions.h"
+#include "manual/ReaderOptions.h"
+#include "samplelog/command/CommandOptions.h"
+#include "viewer/ViewerOptions.h"
+
+namespace zeb::manual {
+
+namespace {
+
+profiling::CommandManual viewerManual() {
+    profiling::CommandManual manual = viewer::viewerManual();
+    const auto options = readerOptions();
+    manual.options.insert(manual.options.end(), options.begin(), options.end());
+    return manual;
+}
+
+}  // namespace
+
+std::vector<profiling::CommandManual> commandManuals() {
+    return {
+        viewerManual(),
+        compare::compareManual(),
+        samplelog::commandManual(),
+    };
+}
+
+}  // namespace zeb::manual

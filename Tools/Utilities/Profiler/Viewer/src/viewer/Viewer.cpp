@@ -1,0 +1,147 @@
+#include "viewer/Viewer.h"
+
+#include <iostream>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "command/CommandLine.h"
+#include "command/LogDiagnosis.h"
+#include "command/MemoryLimit.h"
+#include "command/StandardOutput.h"
+#include "text/BuildText.h"
+#include "viewer/CsvFile.h"
+#include "viewer/GuardedStep.h"
+#include "viewer/LoadProgress.h"
+#include "viewer/PipedLog.h"
+#include "viewer/PluginLibrary.h"
+#include "viewer/ReportRun.h"
+#include "viewer/RunForms.h"
+#include "viewer/ViewerArgs.h"
+#include "viewer/ViewerOptions.h"
+#include "zeb/profiling/Version.h"
+
+namespace zeb::viewer {
+
+using command::Action;
+using command::ExitCode;
+using command::Failure;
+using command::MemoryLimit;
+using command::StandardOutput;
+using command::troubleWithPath;
+
+namespace {
+
+using profiling::IZebPluginLogReader;
+
+bool parseReaderOptions(IZebPluginLogReader& reader, ViewerArgs& args, const std::string& name,
+                        ExitCode exitCode) {
+    return guarded({exitCode, name, "the reader failed on its options: ", ""}, nullptr,
+                   [&] { return reader.parseBackendArgs(args); });
+}
+
+void showReaderHelp(const ViewerOptions& options) {
+    const PluginLibrary plugin(options.reader);
+    const ReaderPtr reader = plugin.createReader(options.logPath, options.level);
+    ViewerArgs args({"--help"});
+    parseReaderOptions(*reader, args, options.reader, ExitCode::badPlugin);
+}
+
+void showHelp(const ViewerOptions& options, StandardOutput& output) {
+    std::cout << helpText(viewerManual());
+    output.finish();
+    try {
+        showReaderHelp(options);
+    } catch (const Failure& failure) {
+        printErrorLine(std::string("note: no help of the reader: ") + failure.what());
+    }
+    output.finish();
+}
+
+// The log may be read from here on, as often as it takes.
+void prepareLog(PipedLog& log) {
+    if (const auto trouble = troubleWithPath(log.given())) {
+        throw Failure(ExitCode::badLog, log.given(), *trouble);
+    }
+    log.keep();
+}
+
+void refuseLeftovers(const ViewerArgs& args) {
+    const auto leftover = args.firstLeftover();
+    if (!leftover) {
+        return;
+    }
+    if (!leftover->isOption) {
+        throw Failure(ExitCode::usage, leftover->name, "a word too many, there is one LOG");
+    }
+    command::Words known = viewerOptionNames();
+    known.insert(known.end(), args.askedNames().begin(), args.askedNames().end());
+    throw command::unknownOption(leftover->name, known);
+}
+
+// The report of a plug-in; nothing when the reader has shown its help.
+std::optional<MemoryLimit> showReport(const ViewerOptions& options, PipedLog& pipe, StandardOutput& output) {
+    const PluginLibrary plugin(options.reader);
+    const ReaderPtr reader = plugin.createReader(options.logPath, options.level);
+    ViewerArgs args(options.readerArguments);
+    if (!parseReaderOptions(*reader, args, options.reader, ExitCode::usage)) {
+        return std::nullopt;  // the reader has said why
+    }
+    refuseLeftovers(args);
+    if (!options.csv.empty()) {
+        checkCsvPath(options.csv, options.logPath);
+    }
+    prepareLog(pipe);
+    std::optional<MemoryLimit> memory(std::in_place, options.maxMemory);
+    output.setMuted(options.quiet);
+    ReportRun(*reader, options, output, *memory).show();
+    output.setMuted(false);
+    return memory;
+}
+
+ExitCode show(ViewerOptions options, StandardOutput& output) {
+    if (options.quiet) {
+        LoadProgress::silence();
+    }
+    PipedLog pipe(options.log);
+    options.logPath = pipe.path();
+    RunForms forms(options);
+    if (options.isFormAlone()) {
+        prepareLog(pipe);
+        MemoryLimit memory(options.maxMemory);
+        forms.show(output, memory);
+        return ExitCode::good;
+    }
+    auto memory = showReport(options, pipe, output);
+    if (!memory) {
+        return ExitCode::usage;
+    }
+    forms.show(output, *memory);
+    return ExitCode::good;
+}
+
+}  // namespace
+
+ExitCode runViewer(int argc, const char* const* argv) {
+    StandardOutput output;
+    const ViewerOptions options = parseCommandLine(argc, argv);
+    if (options.raw) {
+        output.showRaw();
+    }
+    ExitCode exitCode = ExitCode::good;
+    switch (options.action) {
+        case Action::showHelp:
+            showHelp(options, output);
+            break;
+        case Action::showVersion:
+            std::cout << profiling::versionLines(programName, profiling::versionText);
+            output.finish();
+            break;
+        case Action::work:
+            exitCode = show(options, output);
+            break;
+    }
+    return output.isPipeClosed() ? ExitCode::closedPipe : exitCode;
+}
+
+}  // namespace zeb::viewer

@@ -1,0 +1,271 @@
+#include "viewer/ViewerOptions.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include "command/CommandLine.h"
+#include "text/NearestName.h"
+
+namespace zeb::viewer {
+
+namespace {
+
+using command::CommandLine;
+using command::ExitCode;
+using command::Failure;
+using command::Given;
+using command::Takes;
+using command::wrongUsage;
+
+constexpr int minLevel = -128;
+constexpr int maxLevel = 127;
+
+profiling::VisibilityLevel levelOf(const Given& given) {
+    const auto level = command::numberOf<int>(given.value);
+    if (!level || *level < minLevel || *level > maxLevel) {
+        throw wrongUsage(given.name, "\"" + given.value + "\" is no number from -128 to 127");
+    }
+    return profiling::VisibilityLevel{static_cast<std::int8_t>(*level)};
+}
+
+std::size_t rowsOf(const Given& given) {
+    const auto rows = command::numberOf<std::size_t>(given.value);
+    if (!rows || *rows == 0) {
+        throw wrongUsage(given.name, "\"" + given.value + "\" is no number of layers");
+    }
+    return *rows;
+}
+
+double msOf(const Given& given) {
+    const auto ms = command::numberOf<double>(given.value);
+    if (!ms || !(*ms >= 0.0)) {
+        throw wrongUsage(given.name, "\"" + given.value + "\" is no number of milliseconds");
+    }
+    return *ms;
+}
+
+struct LayerOrderName {
+    std::string_view name;
+    forms::LayerOrder order;
+};
+constexpr LayerOrderName layerOrders[] = {{"time", forms::LayerOrder::time},
+                                          {"order", forms::LayerOrder::order},
+                                          {"name", forms::LayerOrder::name}};
+
+forms::LayerOrder orderOf(const Given& given) {
+    for (const auto& [name, order] : layerOrders) {
+        if (given.value == name) {
+            return order;
+        }
+    }
+    throw noneOf(given, command::namesOf(layerOrders));
+}
+
+std::string readerNames() {
+    std::string names;
+    for (const NamedReader& reader : namedReaders) {
+        names.append(names.empty() ? "" : ", ").append(reader.name);
+        names += &reader == &namedReaders[0] ? " (default)" : "";
+    }
+    return names;
+}
+
+using OptionRows = std::vector<command::OptionRow<ViewerOptions>>;
+
+// All options, in the order of the help.
+const OptionRows& optionRows() {
+    static const OptionRows rows = {
+        {{"--reader", " NAME|PATH",
+          "Plug-in that reads the log: " + readerNames() +
+              ", or the path of a library. A name is looked for beside this program, in its ../lib and where "
+              "the loader looks.",
+          command::namesOf(namedReaders)},
+         Takes::value,
+         [](auto& options, const auto& given) { options.reader = given.value; }},
+        {{"--csv", " FILE", "Append the CSV report to FILE."},
+         Takes::value,
+         [](auto& options, const auto& given) { options.csv = given.value; }},
+        {{"--raw", "",
+          "Let control characters in names and texts of the log reach a terminal, where they show as \"?\" "
+          "otherwise. A file or a pipe gets them in any case."},
+         Takes::nothing,
+         [](auto& options, const auto& /*given*/) { options.raw = true; }},
+        {{"--quiet", "", "Leave out the console report, and all progress."},
+         Takes::nothing,
+         [](auto& options, const auto& /*given*/) { options.quiet = true; }},
+        {{"--level", " N",
+          "Visibility level, -128 to 127: messages of this level and above are left out. Default 127: "
+          "everything below it."},
+         Takes::value,
+         [](auto& options, const auto& given) { options.level = levelOf(given); }},
+        {{"--save-objects", "[=DIR]",
+          "Let the reader save object events to files in the directory DIR (default: the working directory). "
+          "Files that are there are not overwritten, and a log whose object names lead out of the directory, "
+          "or to the CSV file, is refused."},
+         Takes::optionalValue,
+         [](auto& options, const auto& given) { options.objectDirectory = given.value; },
+         "."},
+        {{"--trust-object-names", "", "Save objects under whatever names the log gives them."},
+         Takes::nothing,
+         [](auto& options, const auto& /*given*/) { options.trustObjectNames = true; }},
+        {command::maxMemoryOption(), Takes::value,
+         [](auto& options, const auto& given) { options.maxMemory = command::maxMemoryOf(given); }},
+        {{"--top", "[=N]",
+          "Behind the report, show where the time of an inference goes, the N costliest layers (default 10) "
+          "and what stands out."},
+         Takes::optionalValue,
+         [](auto& options, const auto& given) { options.topRows = rowsOf(given); },
+         "10"},
+        {{"--sort", " ORDER", "Order of the layers of --top: time (default), order or name.",
+          command::namesOf(layerOrders)},
+         Takes::value,
+         [](auto& options, const auto& given) { options.topOrder = orderOf(given); }},
+        {{"--filter", " TEXT", "Show layers of --top whose name holds TEXT, in any case."},
+         Takes::value,
+         [](auto& options, const auto& given) { options.topFilter = given.value; }},
+        {{"--json", " FILE",
+          "Write all figures of the run to FILE as JSON; \"-\" is standard output, without a report."},
+         Takes::value,
+         [](auto& options, const auto& given) { options.json = given.value; }},
+        {{"--trace", " FILE",
+          "Write the log's timeline to FILE, for the trace viewers of browsers; \"-\" is standard output, "
+          "without a report."},
+         Takes::value,
+         [](auto& options, const auto& given) { options.trace = given.value; }},
+        {{"--trace-from", " MS", "Leave out of the timeline what ends before MS, from its start."},
+         Takes::value,
+         [](auto& options, const auto& given) { options.traceFromMs = msOf(given); }},
+        {{"--trace-to", " MS", "Leave out of the timeline what begins behind MS."},
+         Takes::value,
+         [](auto& options, const auto& given) { options.traceToMs = msOf(given); }},
+        {{"--html", " FILE",
+          "Write the run to FILE as a page for a browser; \"-\" is standard output, without a report."},
+         Takes::value,
+         [](auto& options, const auto& given) { options.html = given.value; }},
+    };
+    return rows;
+}
+
+// What is on standard output has it for itself, and no reader is asked.
+void checkFormAlone(const CommandLine& line, const ViewerOptions& options) {
+    for (const char* const name : {"--csv", "--top", "--save-objects"}) {
+        if (line.isGiven(name)) {
+            throw wrongUsage(name, "there is no report while a form goes to standard output");
+        }
+    }
+    if (!options.readerArguments.empty()) {
+        throw wrongUsage(options.readerArguments.front(),
+                         "no reader is asked while a form goes to standard output");
+    }
+}
+
+// Options that make sense beside others only, or not beside them.
+void checkTogether(const CommandLine& line, const ViewerOptions& options) {
+    if (options.csv == "-") {
+        throw wrongUsage("--csv", "standard output has the report, so the CSV report can't go there");
+    }
+    for (const char* const name : {"--sort", "--filter"}) {
+        if (line.isGiven(name) && !options.topRows) {
+            throw wrongUsage(name, "needs --top beside it");
+        }
+    }
+    for (const char* const name : {"--trace-from", "--trace-to"}) {
+        if (line.isGiven(name) && options.trace.empty()) {
+            throw wrongUsage(name, "needs --trace beside it");
+        }
+    }
+    command::refuseSameFiles({{{"--csv", options.csv},
+                               {"--json", options.json},
+                               {"--trace", options.trace},
+                               {"--html", options.html}}});
+    if (options.isFormAlone()) {
+        checkFormAlone(line, options);
+    }
+}
+
+// What is not the viewer's may be an option of the reader's, unless it is all but one of the viewer's.
+Failure withoutLog(const command::Words& remaining) {
+    for (const std::string& word : remaining) {
+        const std::string name = word.substr(0, word.find('='));
+        if (word.starts_with('-') && profiling::nearestName(name, viewerOptionNames())) {
+            return command::unknownOption(name, viewerOptionNames());
+        }
+    }
+    return wrongUsage("no LOG given");
+}
+
+}  // namespace
+
+std::string_view meaningOf(ExitCode exitCode) {
+    switch (exitCode) {
+        case ExitCode::good:
+            return "good";
+        case ExitCode::badLog:
+            return "the log can't be read, needs more memory than it may have (--max-memory), or has an "
+                   "object that would be saved outside of the directory for objects, or as the CSV file";
+        case ExitCode::usage:
+            return "wrong usage, or the reader has shown its help";
+        case ExitCode::badOutput:
+            return "a file, an object or standard output can't be written; a file is as it was";
+        case ExitCode::badPlugin:
+            return "the reader plug-in can't be loaded";
+        case ExitCode::badReport:
+            return "the report failed on a value in the log";
+        case ExitCode::closedPipe:
+            return "nobody reads standard output any more; files are written all the same";
+        case ExitCode::slower:
+        case ExitCode::incomparable:
+            break;
+    }
+    return {};
+}
+
+ViewerOptions parseCommandLine(int argc, const char* const* argv) {
+    const CommandLine line = parsedBy(optionRows(), "LOG", argc, argv);
+    ViewerOptions options;
+    options.action = line.action();
+    if (options.action != command::Action::work) {  // a help that is shown whatever the values hold
+        if (line.isGiven("--reader")) {
+            options.reader = line.valuesOf("--reader").front();
+        }
+        return options;
+    }
+    applyGiven(line, optionRows(), options);
+    if (!line.word()) {
+        throw withoutLog(line.remaining());
+    }
+    options.log = *line.word() == "-" ? "/dev/stdin" : *line.word();
+    options.logPath = options.log;
+    options.readerArguments = line.remaining();
+    checkTogether(line, options);
+    return options;
+}
+
+command::Words viewerOptionNames() {
+    return optionNames(optionRows());
+}
+
+profiling::CommandManual viewerManual() {
+    return {.name = std::string(programName),
+            .summary = "Reads a profiling log and prints the report of its run.",
+            .usages = {"[options] LOG [reader options]"},
+            .options = manualOf(optionRows(), "Show this help and that of the reader."),
+            .tables = {},
+            .paragraphs = {"Options that the viewer doesn't know go to the reader. Give them behind LOG, and "
+                           "their values as --name=value or as the words behind the name. A \"--\" ends the "
+                           "options: what follows it are file names.",
+                           "LOG may also be a pipe, and \"-\" is standard input."},
+            .exitCodes = {"Exit codes", profiling::rowsOf(meaningOf)},
+            .examples = {{"", "zeb-profile-viewer run.log"},
+                         {"", "zeb-profile-viewer --csv runs.csv run.log --internal"},
+                         {"", "zeb-profile-viewer --save-objects=objects run.log"},
+                         {"", "zeb-profile-viewer --reader generic --level 2 run.log"},
+                         {"", "zeb-profile-viewer --top=20 --filter conv run.log"},
+                         {"", "zeb-profile-viewer --trace run.json run.log"},
+                         {"", "zeb-profile-viewer --html run.html run.log"},
+                         {"", "zeb-profile-viewer --json - run.log | jq .graphs[0].spread"},
+                         {"", "zcat run.log.gz | zeb-profile-viewer -"}}};
+}
+
+}  // namespace zeb::viewer
