@@ -1,7 +1,7 @@
 # Sourced by the other scripts: installs what the build needs, and configures and builds a preset.
 
 packages=(g++ cmake ninja-build libflatbuffers-dev flatbuffers-compiler libcli11-dev libgtest-dev nlohmann-json3-dev
-    python3 python3-jsonschema pkg-config)
+    libxxhash-dev python3 python3-jsonschema pkg-config)
 
 cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1
 

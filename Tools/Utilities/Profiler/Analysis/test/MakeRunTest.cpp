@@ -7,6 +7,7 @@
 
 #include "analysis/Findings.h"
 #include "analysis/MakeRun.h"
+#include "analysis/RunId.h"
 #include "analysis/Spread.h"
 #include "reader/backend/BackendFigures.h"
 #include "reader/backend/ZebProfileLogReaderMURL.h"
@@ -186,6 +187,22 @@ TEST_F(MadeRun, TakesALongTextThatManyStepsShareInPart) {
     EXPECT_TRUE(run.steps[9].text.starts_with("begin") && run.steps[9].text.ends_with("xend"));
     EXPECT_TRUE(run.steps[9].events.empty());
     EXPECT_FALSE(run.steps.back().events.empty());
+}
+
+TEST_F(MadeRun, IsKnownByAllBytesOfItsLogAndByNothingElse) {
+    const auto idOf = [this](const samplelog::Bytes& log, VisibilityLevel level) {
+        return makeRun(directory.write("any name", log), level).value().runId;
+    };
+    EXPECT_EQ(RunIdHash().runId(), "99aa06d3014798d86001c324468d497f") << "XXH3 of nothing";
+    samplelog::Bytes log = test::logOf(
+        {{test::message(MethodType::Execute, "net", 5)}, {test::message(MethodType::Execute, "net", 6)}});
+    log.insert(log.end(), {1, 2, 3});  // behind the last chunk
+    RunIdHash inOnePiece;
+    inOnePiece.add(log);
+    EXPECT_EQ(idOf(log, allMessages), inOnePiece.runId());
+    EXPECT_EQ(idOf(log, VisibilityLevel{-128}), inOnePiece.runId()) << "whatever is shown of it";
+    ++log.back();
+    EXPECT_NE(idOf(log, allMessages), inOnePiece.runId());
 }
 
 TEST_F(MadeRun, IsNothingForADamagedLog) {

@@ -10,6 +10,7 @@
 #include <stdexcept>
 
 #include "analysis/MakeRun.h"
+#include "analysis/RunId.h"
 #include "forms/json/RunJson.h"
 #include "samplelog/AdapterUpdaterLog.h"
 #include "samplelog/MethodsLog.h"
@@ -103,6 +104,27 @@ TEST(RunJson, KeepsNumbersAndReplacesWhatIsNoText) {
     EXPECT_NE(asText.find(R"("epoch_us":"18446744073709551615")"), std::string::npos) << asText;
 }
 
+TEST(RunJson, KnowsARunWithoutAnIdByItsHeaderAndExecutions) {
+    const auto idOf = [](const std::string& members) {
+        return readBack(R"({"schema":"zeb-profile-run/1",)" + members + "}").runId;
+    };
+    const std::string run = R"("header":{"epoch_us":5},"graphs":[{"name":"net","executions":
+        {"start_us":[1,null],"duration_us":[7,8],"queue_wait_us":[null,0]}}])";
+    const std::string id = idOf(run);
+    EXPECT_TRUE(analysis::isRunId(id)) << id;
+    EXPECT_EQ(idOf(R"("log":"copy",)" + run), id);
+    for (const auto& [from, to] :
+         std::initializer_list<std::pair<std::string, std::string>>{{R"("epoch_us":5)", R"("epoch_us":6)"},
+                                                                    {"net", "nut"},
+                                                                    {"[1,null]", "[1,0]"},
+                                                                    {"[7,8]", "[7,9]"},
+                                                                    {"[null,0]", "[null,1]"},
+                                                                    {"[null,0]", "[0,0]"}}) {
+        std::string other = run;
+        EXPECT_NE(idOf(other.replace(other.find(from), from.size(), to)), id) << to;
+    }
+}
+
 TEST(RunJson, RefusesWhatIsNoRun) {
     const std::pair<const char*, const char*> cases[] = {
         {"", "it is no JSON object"},
@@ -111,6 +133,8 @@ TEST(RunJson, RefusesWhatIsNoRun) {
         {R"({"log":"x"})", "it is no object of the schema zeb-profile-run/1"},
         {R"({"schema":"zeb-profile-run/1","log":1})", "the value of \"log\" is no text"},
         {R"({"schema":"zeb-profile-run/1","graphs":{}})", "the value of \"graphs\" is no list"},
+        {R"({"schema":"zeb-profile-run/1","run_id":"0123456789ABCDEF0123456789ABCDEF"})",
+         "the value of \"run_id\" is no id of a run"},
         {R"({"schema":"zeb-profile-run/1","graphs":[7]})", "the value of \"graphs\" is no object"},
         {R"({"schema":"zeb-profile-run/1","level":"deep"})",
          "the value of \"level\" is no name that is known"},

@@ -3,6 +3,7 @@
 #include <sstream>
 #include <string_view>
 
+#include "analysis/RunId.h"
 #include "log/ChunkReader.h"
 #include "log/FlatBufferReaderUtil.h"
 #include "store/MessageFields.h"
@@ -112,11 +113,14 @@ bool loadLog(const std::string& path, LoadedLog& log) {
     }
     profiling::FlatBufferReaderUtil walker;
     MessageNotes notes(log);
+    RunIdHash bytesRead;
     while (chunks.nextLength()) {
         const auto buffer = chunks.readBody();
         if (!buffer || !walker.openChunk(*buffer)) {
             return false;
         }
+        bytesRead.add(chunks.prefix());
+        bytesRead.add(buffer->bytes());
         if (const auto* const header = walker.header(); header != nullptr && !log.header.isRead) {
             log.header = profiling::readLogHeader(*header);
         }
@@ -127,6 +131,8 @@ bool loadLog(const std::string& path, LoadedLog& log) {
         }
         walker.closeChunk();
     }
+    bytesRead.add(chunks.prefix());  // what stands behind the last chunk
+    log.runId = bytesRead.runId();
     std::ostringstream untold;  // the notes of the aggregation are the report's
     log.store.aggregateStatistics(untold);
     return true;

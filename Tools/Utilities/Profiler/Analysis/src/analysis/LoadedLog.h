@@ -34,6 +34,7 @@ struct LoadedLog {
     explicit LoadedLog(profiling::VisibilityLevel level) : store(static_cast<std::int8_t>(level)) {}
 
     profiling::EventStore store;
+    std::string runId;
     profiling::LogHeaderDetails header;
     std::vector<Step> steps;      ///< without their events
     profiling::EventArena names;  ///< of the graphs below

@@ -361,6 +361,7 @@ std::optional<Run> makeRun(const std::string& logFile, profiling::VisibilityLeve
     }
     std::optional<Run> run(std::in_place);
     run->logFile = logFile;
+    run->runId = log.runId;
     RunMaker(log, *run).make();
     return run;
 }

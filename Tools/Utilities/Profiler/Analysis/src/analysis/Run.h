@@ -175,6 +175,7 @@ struct Graph {
 /// Everything about a run.
 struct Run {
     std::string logFile;  ///< its name as it was given
+    std::string runId;    ///< what tells it from any other run: 32 hex digits, see RunId.h
     std::optional<Header> header;
     std::optional<Level> level;  ///< nothing when the log has no data of the backend
     bool isAsync = false;

@@ -1,11 +1,9 @@
 #include "log/ChunkReader.h"
 
-#include <array>
 #include <filesystem>
 #include <span>
 #include <system_error>
 
-#include "log/ChunkPrefix.h"
 #include "memory/MemoryBlock.h"
 
 namespace zeb::profiling {
@@ -26,12 +24,12 @@ ChunkReader::ChunkReader(const std::string& path)
 }
 
 bool ChunkReader::nextLength() {
-    std::array<std::uint8_t, chunkPrefixSize> prefix{};
-    file_.read(reinterpret_cast<char*>(prefix.data()), prefix.size());
+    file_.read(reinterpret_cast<char*>(prefix_.data()), prefix_.size());
+    prefixSize_ = static_cast<std::size_t>(file_.gcount());
     if (!file_) {
         return false;
     }
-    length_ = chunkLengthIn(prefix.data());
+    length_ = chunkLengthIn(prefix_.data());
     bytesRead_ = 0;
     offset_ = nextOffset_;
     index_ = nextIndex_++;

@@ -1,10 +1,13 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <fstream>
 #include <memory>
+#include <span>
 #include <string>
 
+#include "log/ChunkPrefix.h"
 #include "log/LogChunkBuffer.h"
 
 namespace zeb::profiling {
@@ -21,6 +24,11 @@ public:
     /// Reads the length of the next chunk. A file that ends within the four bytes ends like one without them.
     /// @return false at the end of the log
     bool nextLength();
+
+    /// @return the current chunk's length prefix; at the end of the log the bytes behind the last chunk,
+    /// which are
+    ///         fewer. Valid until `nextLength` is called
+    [[nodiscard]] std::span<const std::uint8_t> prefix() const { return {prefix_.data(), prefixSize_}; }
 
     /// @return bytes of the current chunk, without its length prefix
     [[nodiscard]] std::uint32_t length() const { return length_; }
@@ -42,6 +50,8 @@ private:
     std::unique_ptr<char[]> fileBuffer_;  // outlives the file that uses it
     std::ifstream file_;
     std::uint64_t fileSize_ = 0;  ///< 0 when it is not known, as that of a pipe
+    std::array<std::uint8_t, chunkPrefixSize> prefix_{};
+    std::size_t prefixSize_ = 0;
     std::uint32_t length_ = 0;
     std::uint64_t offset_ = 0;
     std::uint64_t index_ = 0;

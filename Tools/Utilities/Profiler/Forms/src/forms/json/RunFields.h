@@ -186,6 +186,7 @@ void fieldsOf(Graph& graph, Visit visit) {
 template <typename Visit, Is<analysis::Run> Run>
 void fieldsOf(Run& run, Visit visit) {
     visit("log", run.logFile);
+    visit("run_id", run.runId);
     visit("header", run.header);
     visit("level", run.level);
     visit("asynchronous", run.isAsync);

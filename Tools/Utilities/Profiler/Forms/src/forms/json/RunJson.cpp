@@ -13,6 +13,7 @@
 #include <variant>
 #include <vector>
 
+#include "analysis/RunId.h"
 #include "forms/json/RunFields.h"
 
 namespace zeb::forms {
@@ -235,6 +236,15 @@ void checkColumns(const analysis::Executions& executions) {
     }
 }
 
+// Objects of earlier versions have none.
+void setRunId(Run& run) {
+    if (run.runId.empty()) {
+        run.runId = analysis::runIdOfFigures(run);
+    } else if (!analysis::isRunId(run.runId)) {
+        refuse("run_id", "id of a run");
+    }
+}
+
 }  // namespace
 
 void writeRunJson(std::ostream& out, const Run& run, BigNumbers bigNumbers, std::size_t mostExecutions) {
@@ -256,6 +266,7 @@ Run readRunJson(std::istream& in) {
     for (const analysis::Graph& graph : run.graphs) {
         checkColumns(graph.executions);
     }
+    setRunId(run);
     return run;
 }
 
