@@ -49,6 +49,8 @@ TEST_F(Command, WritesWhatTheOptionsSay) {
         {"--seed 3 --drift 2.5", {.seed = 3, .driftMillionths = 25'000}},
         {"--slower 10 --slower-layer conv1=0.0001",
          {.slowerMillionths = 100'000, .slowerLayer = SlowerLayer{"conv1", 1}}},
+        {"--epoch-us 5 --generator-version v3 --backend-version v4",
+         {.epochUs = 5, .generatorVersion = "v3", .backendVersion = "v4"}},
     };
     for (const auto& [arguments, options] : cases) {
         std::ostringstream log;
@@ -95,6 +97,8 @@ TEST_F(Command, RefusesWrongUsage) {
         {"a --slower-layer conv1", "--slower-layer: \"conv1\" is no NAME=PERCENT"},
         {"a --layers 2 --slower-layer conv_pw_1=5", "--slower-layer: the network has no layer \"conv_pw_1\""},
         {"a --kind methods --slower 5", "--slower: is for a log of the kind network only"},
+        {"a --epoch-us today", "--epoch-us: \"today\" is no number from 0 to 18446744073709551615"},
+        {"a --kind methods --backend-version v1", "--backend-version: is for a log of the kind network only"},
         {"a --kind methods --async", "--async: is for a log of the kind network only"},
         {"a --kind shared-events --seed 1", "--seed: is for a log of the kind network only"},
     };

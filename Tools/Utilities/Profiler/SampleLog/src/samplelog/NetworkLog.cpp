@@ -15,7 +15,6 @@ namespace zeb::samplelog {
 namespace {
 
 constexpr const char* networkName = "mobilenet_v1_224";
-constexpr std::uint64_t logCreatedUs = 1'790'845'200'000'000;
 constexpr std::uint64_t steadyClockUs = 731'204'518;
 
 constexpr std::uint64_t libraryLoadUs = 3'214;
@@ -105,20 +104,20 @@ std::vector<Event> partsOf(std::uint64_t us,
     return events;
 }
 
-Header networkHeader() {
+Header headerOf(const NetworkOptions& options) {
     return {.timeScale = 1.0F,
-            .epochTimestamp = logCreatedUs,
+            .epochTimestamp = options.epochUs,
             .steadyClockTimestamp = steadyClockUs,
             .generatorName = "sorel-graph-runner",
-            .generatorVersion = "v2.51.0.260929181845",
-            .backendInfo = "v2.51.0.260929181845"};
+            .generatorVersion = options.generatorVersion,
+            .backendInfo = options.backendVersion};
 }
 
 class NetworkRun {
 public:
     NetworkRun(const NetworkOptions& options, std::ostream& out)
         : options_(options),
-          log_(out, networkHeader()),
+          log_(out, headerOf(options_)),
           network_(makeNetwork(options.layers)),
           runPace_(runPaceOf(options)) {}
 

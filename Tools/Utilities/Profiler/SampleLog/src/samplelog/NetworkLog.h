@@ -36,6 +36,9 @@ struct NetworkOptions {
         0;  ///< standard deviation of one factor on all times, drawn from the seed
     std::uint32_t slowerMillionths = 0;  ///< that all times grow by
     std::optional<SlowerLayer> slowerLayer = std::nullopt;
+    std::uint64_t epochUs = 1'790'845'200'000'000;  ///< when the log was created, since the Unix epoch
+    std::string generatorVersion = "v2.51.0.260929181845";
+    std::string backendVersion = "v2.51.0.260929181845";
 };
 
 /// Writes the log in chunks, with the messages in the order in which a runtime writes them; the state of the

@@ -173,6 +173,19 @@ const OptionRows& optionRows() {
              auto& network = networkOf(options, given);
              network.slowerLayer = slowerLayerOf(given, network);
          }},
+        {{"--epoch-us", " N",
+          "When the log was created, in microseconds since 1970. Default: October 1, 2026, 9:00 UTC."},
+         Takes::value,
+         [](auto& options, const auto& given) {
+             networkOf(options, given).epochUs =
+                 integerOf(given, 0, std::numeric_limits<std::uint64_t>::max());
+         }},
+        {{"--generator-version", " TEXT", "Version of the program that wrote the log."},
+         Takes::value,
+         [](auto& options, const auto& given) { networkOf(options, given).generatorVersion = given.value; }},
+        {{"--backend-version", " TEXT", "Version of the backend."},
+         Takes::value,
+         [](auto& options, const auto& given) { networkOf(options, given).backendVersion = given.value; }},
     };
     return rows;
 }
