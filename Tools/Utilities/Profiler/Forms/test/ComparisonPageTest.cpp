@@ -138,7 +138,7 @@ TEST(ComparisonPage, HoldsTheComparisonAndNothingOfALogEndsItsPlace) {
 
 TEST(ComparisonPage, ItsPolicyAllowsItsOwnScriptAndStyleAlone) {
     const std::string page = pageOf(allKinds());
-    EXPECT_EQ(test::check(page, "--policy").text, "the policy names one script and one style\n");
+    EXPECT_EQ(test::policyOf(page), "the policy names one script and one style\n");
     for (const std::string_view part : test::partsOfWiderPages) {
         EXPECT_EQ(countOf(page, part), 0U) << part;
     }
@@ -152,72 +152,7 @@ TEST(ComparisonPage, TellsItsStreamOfAFullDisk) {
     EXPECT_FALSE(full);
 }
 
-TEST(ComparisonPageInBrowser, SaysWhatIsComparedAndShowsEachKindOfRow) {
-    EXPECT_IN_BROWSER(
-        allKinds(), "comparedParts answer sides notes totals layers differences copyingChanges",
-        "comparedParts: good\n"
-        "answer: ▲ The new version is slower: an inference takes 1,100 us in place of 1,000 us, 10.0 % "
-        "more. That is sure: with 95 % the true change lies between +8.0 % and +12.5 %.\n"
-        "sides: Base 5 logs: a1, a2, a3 and 2 more a4, a5; New 4 logs: b1, b2, b3 and 1 more b4\n"
-        "notes: ⚠ Warning: The backend versions differ: base v1; new v2. | ✗ The gate fails: Graph net: "
-        "the time for Marlix grew by 10.0% (8.0% to 12.5%), and 5.0% is allowed.; Marlix may grow by "
-        "5.0 %, and by less than 3.0 us in any case. | Graphs of one side: Graph less is gone: the base "
-        "alone has it.; Graph more is new: the base does not have it.\n"
-        "totals: +10.0 % slower, -10.0 % faster, ~ can't tell, +5,900.0 % slower\n"
-        "layers: conv10 +100.0 % slower, old - gone, conv9 -50.0 % faster, young - new, loud ~ can't tell\n"
-        "differences: good\ncopyingChanges: good\n");
-}
-
-TEST(ComparisonPageInBrowser, ItsTablesDoWhatTheyAreToldTo) {
-    EXPECT_IN_BROWSER(allKinds(), "sortingChanges minorChanges",
-                      "sortingChanges: good\nminorChanges: good\n");
-}
-
-TEST(ComparisonPageInBrowser, AHostileNameStaysText) {
-    EXPECT_IN_BROWSER(
-        hostile(), "comparedParts hostileChanges sortingChanges minorChanges",
-        "comparedParts: good\nhostileChanges: good\nsortingChanges: good\nminorChanges: good\n");
-}
-
-TEST(ComparisonPageInBrowser, SaysWhatItCannotTell) {
-    const NetworkOptions plain{};
-    const NetworkOptions slower{.slowerMillionths = 100'000};
-    const NetworkOptions basic{.level = samplelog::ProfileLevel::basic};
-    const std::string noLayers =
-        "Not both sides have data on layers. Profile the runs at level detailed to see them.";
-    const struct {
-        Compared compared;
-        std::string answer;
-        std::string columns;
-        std::string missing;
-    } cases[] = {
-        {comparedLogs(1, plain, slower), "▲ The new log is slower",
-         "Layer, Base (us), New (us), Change (us), Change, Verdict", "good"},
-        {comparedLogs(1, plain, plain), "= The new log is as fast as that of the base",
-         "Layer, Base (us), New (us), Change (us), Change, Verdict", "good"},
-        {comparedLogs(2, plain, slower), "~ Can't tell yet",
-         "Layer, Base (us), New (us), Change (us), Change, Verdict", "good"},
-        {comparedLogs(4, {.seed = 1}, {.seed = 5}), "~ Can't tell them apart",
-         "Layer, Base (us), New (us), Change (us), Change, p, Verdict", "good"},
-        {comparedLogs(1, basic, basic), "= The new log is as fast as that of the base", "", noLayers},
-        {comparedLogs(1, plain, basic), "= The new log is as fast as that of the base", "",
-         "The logs have different profiling levels, so their layers can't be compared."},
-        {Compared{}, "~ Nothing to compare", "",
-         "No graph was executed on both sides, so there is nothing to compare."},
-    };
-    for (const auto& [compared, answer, columns, missing] : cases) {
-        EXPECT_IN_BROWSER(compared, "comparedParts lead layerColumns missing",
-                          "comparedParts: good\nlead: " + answer + "\nlayerColumns: " +
-                              (columns.empty() ? "good" : columns) + "\nmissing: " + missing + "\n");
-    }
-}
-
-TEST(ComparisonPageInBrowser, EachGraphCanBeChosen) {
-    EXPECT_IN_BROWSER(comparedLogs(1, {.executions = 2, .graphs = 3}, {.executions = 3, .graphs = 3}),
-                      "graphs comparedParts", "graphs: good\ncomparedParts: good\n");
-}
-
-TEST(ComparisonPageInBrowser, ThousandsOfLayersAreNoTrouble) {
+Compared thousandsOfLayers() {
     Compared compared = allKinds();
     compared.hideBelow = 0.0;
     auto& layers = compared.comparison.graphs[0].layers;
@@ -225,7 +160,65 @@ TEST(ComparisonPageInBrowser, ThousandsOfLayersAreNoTrouble) {
     for (int layer = 5000; layer > 0; --layer) {
         layers.push_back(layerOf("layer " + std::to_string(layer), 100, 100 + layer, 0.5, Verdict::unsure));
     }
-    EXPECT_IN_BROWSER(compared, "manyChanges", "manyChanges: good\n");
+    return compared;
+}
+
+TEST(ComparisonPageInBrowser, SaysWhatIsComparedAndDoesWhatItIsToldTo) {
+    test::expectInBrowser({
+        {"each kind of row", pageOf(allKinds()),
+         "comparedParts answer sides notes totals layers differences copyingChanges",
+         "comparedParts: good\n"
+         "answer: ▲ The new version is slower: an inference takes 1,100 us in place of 1,000 us, 10.0 % "
+         "more. That is sure: with 95 % the true change lies between +8.0 % and +12.5 %.\n"
+         "sides: Base 5 logs: a1, a2, a3 and 2 more a4, a5; New 4 logs: b1, b2, b3 and 1 more b4\n"
+         "notes: ⚠ Warning: The backend versions differ: base v1; new v2. | ✗ The gate fails: Graph net: "
+         "the time for Marlix grew by 10.0% (8.0% to 12.5%), and 5.0% is allowed.; Marlix may grow by "
+         "5.0 %, and by less than 3.0 us in any case. | Graphs of one side: Graph less is gone: the base "
+         "alone has it.; Graph more is new: the base does not have it.\n"
+         "totals: +10.0 % slower, -10.0 % faster, ~ can't tell, +5,900.0 % slower\n"
+         "layers: conv10 +100.0 % slower, old - gone, conv9 -50.0 % faster, young - new, loud ~ can't tell\n"
+         "differences: good\ncopyingChanges: good\n"},
+        {"its tables", pageOf(allKinds()), "sortingChanges minorChanges",
+         "sortingChanges: good\nminorChanges: good\n"},
+        {"hostile", pageOf(hostile()), "comparedParts hostileChanges sortingChanges minorChanges",
+         "comparedParts: good\nhostileChanges: good\nsortingChanges: good\nminorChanges: good\n"},
+        {"graphs", pageOf(comparedLogs(1, {.executions = 2, .graphs = 3}, {.executions = 3, .graphs = 3})),
+         "graphs comparedParts", "graphs: good\ncomparedParts: good\n"},
+        {"5,000 layers", pageOf(thousandsOfLayers()), "manyChanges", "manyChanges: good\n"},
+    });
+}
+
+TEST(ComparisonPageInBrowser, SaysWhatItCannotTell) {
+    const NetworkOptions plain{};
+    const NetworkOptions slower{.slowerMillionths = 100'000};
+    const NetworkOptions basic{.level = samplelog::ProfileLevel::basic};
+    const std::string columns = "Layer, Base (us), New (us), Change (us), Change, Verdict";
+    const auto found = [](const std::string& lead, const std::string& columnsShown,
+                          const std::string& missing) {
+        return "comparedParts: good\nlead: " + lead + "\nlayerColumns: " + columnsShown +
+               "\nmissing: " + missing + "\n";
+    };
+    const std::string steps = "comparedParts lead layerColumns missing";
+    test::expectInBrowser({
+        {"one each, slower", pageOf(comparedLogs(1, plain, slower)), steps,
+         found("▲ The new log is slower", columns, "good")},
+        {"one each, the same", pageOf(comparedLogs(1, plain, plain)), steps,
+         found("= The new log is as fast as that of the base", columns, "good")},
+        {"too few", pageOf(comparedLogs(2, plain, slower)), steps,
+         found("~ Can't tell yet", columns, "good")},
+        {"chance", pageOf(comparedLogs(4, {.seed = 1}, {.seed = 5})), steps,
+         found("~ Can't tell them apart", "Layer, Base (us), New (us), Change (us), Change, p, Verdict",
+               "good")},
+        {"level basic", pageOf(comparedLogs(1, basic, basic)), steps,
+         found("= The new log is as fast as that of the base", "good",
+               "Not both sides have data on layers. Profile the runs at level detailed to see them.")},
+        {"two levels", pageOf(comparedLogs(1, plain, basic)), steps,
+         found("= The new log is as fast as that of the base", "good",
+               "The logs have different profiling levels, so their layers can't be compared.")},
+        {"nothing", pageOf(Compared{}), steps,
+         found("~ Nothing to compare", "good",
+               "No graph was executed on both sides, so there is nothing to compare.")},
+    });
 }
 
 }  // namespace

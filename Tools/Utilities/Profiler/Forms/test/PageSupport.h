@@ -2,12 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 #include <optional>
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "analysis/MakeRun.h"
 #include "forms/page/ComparisonPage.h"
@@ -51,37 +53,59 @@ inline analysis::Run runOf(const samplelog::NetworkOptions& options) {
     return runOf([&options](std::ostream& log) { samplelog::writeNetworkLog(log, options); });
 }
 
-/// What the checks of a page find, and the exit code of the program that made them.
-struct Checked {
+/// What a program writes, and its exit code.
+struct Ran {
     std::string text;
     int status = 0;
 };
 
-inline Checked check(const std::string& page, const std::string& checks) {
-    const TempDir directory;
-    const std::string command =
-        ZEB_CHECK_PAGE " " + directory.write("page.html", page) + " " + checks + " 2>&1";
-    std::FILE* const pipe = popen(command.c_str(), "r");
-    Checked checked;
+inline Ran checkPage(const std::string& arguments) {
+    std::FILE* const pipe = popen((ZEB_CHECK_PAGE " " + arguments + " 2>&1").c_str(), "r");
+    Ran ran;
     for (int character = 0; (character = std::fgetc(pipe)) != EOF;) {
-        checked.text += static_cast<char>(character);
+        ran.text += static_cast<char>(character);
     }
-    checked.status = WEXITSTATUS(pclose(pipe));
-    return checked;
+    ran.status = WEXITSTATUS(pclose(pipe));
+    return ran;
 }
 
-constexpr int noBrowser = 77;
+inline std::string policyOf(const std::string& page) {
+    const TempDir directory;
+    return checkPage("--policy " + directory.write("page.html", page)).text;
+}
 
-/// Opens the page in a browser that is installed here and has the checks of page_checks.js made. What stands
-/// on the browser's console comes behind what they find.
-#define EXPECT_IN_BROWSER(shown, checks, found)                                      \
-    do {                                                                             \
-        const test::Checked checked = test::check(test::pageOf(shown), checks);      \
-        if (checked.status == test::noBrowser) {                                     \
-            GTEST_SKIP() << "no browser is installed, so the page is not looked at"; \
-        }                                                                            \
-        EXPECT_EQ(checked.text, found);                                              \
-    } while (false)
+/// A page, the steps of check_page.py that are made with it, and what has to be found; what stands on the
+/// browser's console comes behind that.
+struct InBrowser {
+    std::string name;
+    std::string page;
+    std::string steps;
+    std::string found;
+};
+
+/// Opens all pages in one start of a browser that is installed here.
+inline void expectInBrowser(const std::vector<InBrowser>& cases) {
+    const TempDir directory;
+    std::string arguments;
+    for (std::size_t index = 0; index < cases.size(); ++index) {
+        arguments += (index == 0 ? "" : " -- ") +
+                     directory.write("page" + std::to_string(index) + ".html", cases[index].page) + " " +
+                     cases[index].steps;
+    }
+    const Ran ran = checkPage(arguments);
+    constexpr int noBrowser = 77;
+    if (ran.status == noBrowser) {
+        GTEST_SKIP() << "no browser is installed, so the pages are not looked at";
+    }
+    ASSERT_EQ(ran.status, 0) << ran.text;
+    std::size_t at = 0;
+    for (const InBrowser& shown : cases) {
+        at = ran.text.find('\n', at) + 1;  // behind the mark of a page
+        const std::size_t end = std::min(ran.text.find("==\n", at), ran.text.size());
+        EXPECT_EQ(ran.text.substr(at, end - at), shown.found) << shown.name;
+        at = end;
+    }
+}
 
 /// @return how often a part comes
 inline std::size_t countOf(const std::string& text, std::string_view part) {

@@ -41,7 +41,7 @@ TEST(Page, EscapesAcrossWhateverPiecesTheDataIsWrittenIn) {
 }
 
 TEST(Page, ItsPolicyAllowsItsOwnScriptAndStyleAlone) {
-    EXPECT_EQ(test::check(pageOf(runOf(samplelog::NetworkOptions{})), "--policy").text,
+    EXPECT_EQ(test::policyOf(pageOf(runOf(samplelog::NetworkOptions{}))),
               "the policy names one script and one style\n");
 }
 

@@ -1,12 +1,16 @@
-"""Looks at a page in a browser: check_page.py PAGE [CHECK...], with the checks of page_checks.js.
+"""Looks at pages in a browser: check_page.py PAGE [STEP...] [-- PAGE [STEP...]]...
 
-The checks get into a copy of the page, whose content security policy names them beside the page's own script. What
-they find is printed, and what stands on the browser's console. Without a browser the exit code is 77.
---policy checks, without a browser, that the policy names what the page has and no more.
+A step is a check of page_checks.js, whose findings are printed behind its name, or one of these:
+  width=N        the window is that wide from here on; 1280 at first
+  open=#VIEW     the page is opened anew, at that address
+  print          how many pages it has on paper
+The browser is started once for all pages; "==" stands before what is found of each, and what stands on its console comes
+behind that. Without a browser the exit code is 77.
+--policy PAGE checks, without a browser, that the content security policy names what the page has and no more.
 """
 import base64
+import fcntl
 import hashlib
-import html
 import json
 import os
 import re
@@ -32,39 +36,125 @@ def check_policy(page):
           else "%s is not %s" % (policies, wanted))
 
 
-def with_checks(page, checks):
-    with open(os.path.join(os.path.dirname(__file__), "page_checks.js"), encoding="utf-8") as file:
-        script = "const wantedChecks = %s;\n%s" % (json.dumps(checks), file.read())
-    page = page.replace("script-src ", "script-src %s " % source_of(script), 1)
-    at = page.rindex("</body>")
-    return page[:at] + "<script>" + script + "</script>" + page[at:]
+class Browser:
+    """A browser with one tab, told what to do over a pair of pipes: messages are JSON, each ended by a zero."""
+
+    def __init__(self, program, directory):
+        to_browser, self.commands = os.pipe()
+        self.answers, from_browser = os.pipe()
+        ends = [fcntl.fcntl(end, fcntl.F_DUPFD, 10) for end in (to_browser, from_browser)]
+
+        def take_ends():  # the browser looks for them at 3 and 4
+            os.dup2(ends[0], 3)
+            os.dup2(ends[1], 4)
+
+        options = ["--headless=new", "--no-sandbox", "--disable-gpu", "--no-first-run", "--remote-debugging-pipe",
+                   "--user-data-dir=" + os.path.join(directory, "profile"), "about:blank"]
+        self.process = subprocess.Popen([program] + options, preexec_fn=take_ends, pass_fds=(3, 4),
+                                        stderr=subprocess.DEVNULL, stdout=subprocess.DEVNULL)
+        for end in ends + [to_browser, from_browser]:
+            os.close(end)
+        self.read, self.count, self.session, self.console = b"", 0, None, []
+        tab = next(target for target in self.ask("Target.getTargets")["targetInfos"] if target["type"] == "page")
+        self.session = self.ask("Target.attachToTarget", targetId=tab["targetId"], flatten=True)["sessionId"]
+        for domain in ("Page", "Runtime", "Log"):
+            self.ask(domain + ".enable")
+
+    def receive(self):
+        while b"\0" not in self.read:
+            piece = os.read(self.answers, 1 << 20)
+            if not piece:
+                raise EOFError("the browser has gone")
+            self.read += piece
+        message, self.read = self.read.split(b"\0", 1)
+        message = json.loads(message)
+        event, values = message.get("method"), message.get("params", {})
+        if event == "Runtime.exceptionThrown":
+            details = values["exceptionDetails"]
+            self.console.append(details.get("exception", {}).get("description", details["text"]).split("\n")[0])
+        elif event == "Log.entryAdded":
+            text = values["entry"]["text"]
+            self.console.append("refused by the policy" if "Content Security Policy" in text else text)
+        elif event == "Runtime.consoleAPICalled":
+            self.console.append(" ".join(str(value.get("value")) for value in values["args"]))
+        return message
+
+    def ask(self, method, **values):
+        self.count += 1
+        message = {"id": self.count, "method": method, "params": values}
+        if self.session:
+            message["sessionId"] = self.session
+        os.write(self.commands, json.dumps(message).encode() + b"\0")
+        while True:
+            answer = self.receive()
+            if answer.get("id") == self.count:
+                return answer.get("result", answer)
+
+    def open(self, url):
+        self.ask("Page.navigate", url="about:blank")
+        self.ask("Page.navigate", url=url)
+        self.evaluate("new Promise(done => document.readyState === 'complete' ? done() : addEventListener('load', done))")
+        self.evaluate(CHECKS)
+
+    def evaluate(self, script):
+        answer = self.ask("Runtime.evaluate", expression=script, awaitPromise=True, returnByValue=True)
+        if "exceptionDetails" in answer:
+            return "fails: " + answer["exceptionDetails"].get("exception", {}).get("description", "?").split("\n")[0]
+        return answer.get("result", {}).get("value")
+
+    def resize(self, width):
+        self.ask("Emulation.setDeviceMetricsOverride", width=width, height=1000, deviceScaleFactor=1, mobile=False)
+
+    def close(self):
+        self.ask("Browser.close")
+        self.process.wait(30)
 
 
-def look_at(browser, page):
-    with tempfile.TemporaryDirectory() as directory:
-        path = os.path.join(directory, "page.html")
-        with open(path, "w", encoding="utf-8", newline="") as file:
-            file.write(page)
-        options = ["--headless=new", "--no-sandbox", "--disable-gpu", "--window-size=1280,1000", "--enable-logging=stderr",
-                   "--user-data-dir=" + os.path.join(directory, "profile"), "--dump-dom", "file://" + path]
-        result = subprocess.run([browser] + options, capture_output=True, text=True, errors="replace", timeout=400)
-    found = re.search(r'<pre id="checks">(.*?)</pre>', result.stdout, re.DOTALL)
-    print(html.unescape(found.group(1)) if found else "the checks did not run: exit code %d, %d bytes\n%s\n" % (
-        result.returncode, len(result.stdout), result.stderr[-2000:]), end="")
-    for line in re.findall(r"CONSOLE.*", result.stderr):
-        print(re.sub(r"^\S* ", "console: ", line))
+with open(os.path.join(os.path.dirname(__file__), "page_checks.js"), encoding="utf-8") as file:
+    CHECKS = file.read()
+
+
+def look_at(browser, page, steps):
+    print("==")
+    url = "file://" + os.path.realpath(page)
+    browser.resize(1280)
+    browser.open(url)
+    for step in steps:
+        name, _, value = step.partition("=")
+        if name == "width":
+            browser.resize(int(value))
+            browser.evaluate("new Promise(requestAnimationFrame)")
+        elif name == "open":
+            browser.open(url + value)
+        elif name == "print":
+            paper = base64.b64decode(browser.ask("Page.printToPDF", preferCSSPageSize=True, paperWidth=8.27, paperHeight=11.7)["data"])
+            print("print: %d pages" % len(re.findall(rb"/Type\s*/Page\b", paper)))
+        else:
+            print("%s: %s" % (name, browser.evaluate("checks.%s()" % name) or "good"))
+    for line in browser.console:
+        print("console: " + line)
+    browser.console.clear()
 
 
 def main():
-    with open(sys.argv[1], encoding="utf-8", newline="") as file:
-        page = file.read()
-    if sys.argv[2:] == ["--policy"]:
-        check_policy(page)
+    if sys.argv[1] == "--policy":
+        with open(sys.argv[2], encoding="utf-8", newline="") as page:
+            check_policy(page.read())
         return 0
-    browser = next(filter(None, map(shutil.which, BROWSERS)), None)
-    if browser is None:
+    program = next(filter(None, map(shutil.which, BROWSERS)), None)
+    if program is None:
         return 77
-    look_at(browser, with_checks(page, sys.argv[2:]))
+    pages = [[]]
+    for word in sys.argv[1:]:
+        if word == "--":
+            pages.append([])
+        else:
+            pages[-1].append(word)
+    with tempfile.TemporaryDirectory() as directory:
+        browser = Browser(program, directory)
+        for page, *steps in pages:
+            look_at(browser, page, steps)
+        browser.close()
     return 0
 
 
