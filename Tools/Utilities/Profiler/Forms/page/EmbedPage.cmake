@@ -1,6 +1,9 @@
-# Makes a source file of a page: cmake -DPAGES=DIR -DNAME=NAME -DTITLE=TITLE -DOUTPUT=FILE -P EmbedPage.cmake
+# Makes a source file of a page:
+# cmake -DPAGES=DIR -DNAME=NAME -DTITLE=TITLE "-DSCRIPTS=FILE;..." -DOUTPUT=FILE -P EmbedPage.cmake
 #
-# frame.html holds the page, shared.css and shared.js are what all pages have, NAME.html, NAME.css and NAME.js its own.
+# frame.html holds the page, shared.css is what all pages have, NAME.html and NAME.css its own. The scripts are modules,
+# each behind those that it imports from. Here each becomes a function that gives what the module exports, and all of
+# them stand in one.
 # The content security policy names the page's style and script by their hashes, so it is made here as well.
 
 cmake_minimum_required(VERSION 3.25)
@@ -28,11 +31,26 @@ function(base64_of_sha256 hex result)
     set(${result} "${text}${character}=" PARENT_SCOPE)
 endfunction()
 
-# What both pages have, and what the page has of its own.
-function(read_asset type result)
-    file(READ "${PAGES}/shared.${type}" shared)
-    file(READ "${PAGES}/${NAME}.${type}" own)
+function(read_style result)
+    file(READ "${PAGES}/shared.css" shared)
+    file(READ "${PAGES}/${NAME}.css" own)
     set(${result} "${shared}${own}" PARENT_SCOPE)
+endfunction()
+
+function(read_scripts result)
+    set(scripts "")
+    foreach(name ${SCRIPTS})
+        file(READ "${PAGES}/${name}" script)
+        set(script "\n${script}") # so that each line has one before it
+        string(REGEX REPLACE "\nimport [^;]*;" "" script "${script}")
+        string(REGEX MATCHALL "\nexport (const|function|class) [A-Za-z]+" exports "${script}")
+        list(TRANSFORM exports REPLACE ".* " "")
+        list(JOIN exports ", " exports)
+        string(REGEX REPLACE "\nexport " "\n" script "${script}")
+        string(APPEND scripts "const {${exports}} = (() => {${script}return {${exports}};\n})();\n")
+    endforeach()
+    # In a function none of the names is one of the document's.
+    set(${result} "\"use strict\";\n(() => {\n${scripts}})();\n" PARENT_SCOPE)
 endfunction()
 
 function(source_of text result)
@@ -45,12 +63,11 @@ file(READ "${PAGES}/frame.html" html)
 file(READ "${PAGES}/${NAME}.html" body)
 string(REPLACE "@title@" "${TITLE}" html "${html}")
 string(REPLACE "@body@" "${body}" html "${html}")
-read_asset(css style)
+read_style(style)
 source_of("${style}" source)
 string(REPLACE "@style@" "${style}" html "${html}")
 string(REPLACE "@style-source@" "${source}" html "${html}")
-read_asset(js script)
-set(script "(() => {\n${script}})();\n") # so that none of its names is one of the document's
+read_scripts(script)
 source_of("${script}" source)
 string(REPLACE "@script-source@" "${source}" html "${html}")
 # The script stands behind the data, and comes in last: no mark is looked for in it.

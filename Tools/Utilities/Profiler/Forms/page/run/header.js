@@ -1,0 +1,98 @@
+// What ran, and its three figures.
+
+import {make, missing, part} from "../shared/elements.js";
+import {digits, number, share, time, timeParts} from "../shared/figures.js";
+import {run} from "./data.js";
+import {noGraphs, whyNoLayers} from "./view.js";
+
+const clock = hz => (number(hz) > 0 ? `${digits(number(hz) / 1e6, 1)} MHz` : null);
+
+function factsOf(view) {
+  const {header} = run;
+  const graph = view?.graph;
+  const date = header && number(header.epoch_us) > 0 ? new Date(number(header.epoch_us) / 1000) : null;
+  const facts = [
+    ["Log", run.log],
+    ["Recorded", date && !isNaN(date) ? `${date.toISOString().replace("T", " ").slice(0, 16)} UTC` : null],
+    ["Executions", graph ? digits(view.picture.count) + (run.asynchronous ? ", asynchronous" : "") : null],
+    ["Level", run.level],
+    ["DSP clock", graph && clock(graph.dsp_clock_hz)],
+    ["Krel clock", graph && clock(graph.krel_clock_hz)],
+    ["Runtime", header && [header.generator, header.generator_version].filter(Boolean).join(" ")],
+    ["Backend", header?.backend_version],
+  ];
+  return facts
+    .filter(([, value]) => graph || value)
+    .map(([name, value]) => make("div", {}, make("dt", {}, name), make("dd", {}, value || "not told")));
+}
+
+const figure = (name, value, unit, note) =>
+  make(
+    "div",
+    {},
+    make("dt", {}, name),
+    make("dd", {class: "large"}, value, unit ? make("small", {}, unit) : null),
+    make("dd", {class: "note"}, note),
+  );
+
+const percentFigure = (name, piece, whole, note, why) =>
+  piece !== null && whole > 0
+    ? figure(name, digits(share(piece, whole) * 100, 0), "%", note)
+    : figure(name, "–", "", why);
+
+function figuresOf(view) {
+  const average = view && number(view.graph.average.duration_us);
+  const accelerator = view?.graph.breakdown ? number(view.graph.breakdown.accelerator_us) : null;
+  const [value, unit] = average ? timeParts(average) : ["–", ""];
+  const krel = view && view.layers.length > 0 ? view.krel : null;
+  return [
+    figure(
+      "Time of an inference",
+      value,
+      unit,
+      average
+        ? `on average; median ${time(view.graph.spread.median_us)}`
+        : view
+          ? "No execution has both times."
+          : noGraphs(),
+    ),
+    percentFigure(
+      "Share of the accelerator",
+      accelerator,
+      average,
+      `${time(accelerator)} of an inference`,
+      view ? "The log has no data of the backend on this graph." : noGraphs(),
+    ),
+    percentFigure(
+      "Share on the Krel core",
+      krel,
+      view?.whole,
+      view ? `of the layers' time; ${time(view.dsp)} are on the DSP` : "",
+      whyNoLayers(view),
+    ),
+  ];
+}
+
+export function showHeader(view) {
+  const graph = view?.graph;
+  const name = graph ? graph.name || "Graph without a name" : run.log.split("/").pop() || "Profile of a run";
+  part("name").textContent = name;
+  part("facts").replaceChildren(...factsOf(view));
+  part("figures").replaceChildren(...figuresOf(view));
+  document.title = `${name} – profile of a run`;
+  part("origin").textContent =
+    `Made of ${run.log}. Times are in microseconds (us) unless they say otherwise; layers' times are averages of an ` +
+    "execution.";
+}
+
+export function showFindings(view) {
+  const findings = run.findings.concat(view ? view.graph.findings : []);
+  const rows = findings.map(({us, text}) =>
+    make("li", {}, make("b", {}, us === null ? "Note" : time(us)), make("span", {}, text)),
+  );
+  part("findings").replaceChildren(
+    rows.length > 0
+      ? make("ol", {class: "findings"}, rows)
+      : missing(view ? "Nothing is out of the ordinary by the rules that were tried." : noGraphs()),
+  );
+}

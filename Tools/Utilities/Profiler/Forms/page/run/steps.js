@@ -1,0 +1,169 @@
+// Start-up and tear-down, step by step, and all other calls.
+
+import {bar, cut, headings, make, missing, part} from "../shared/elements.js";
+import {digits, number, share, time} from "../shared/figures.js";
+import {run} from "./data.js";
+
+const stepNames = {
+  "library-load": "Load the library",
+  "init-step": "Initialize a step of",
+  compose: "Compose",
+  init: "Initialize",
+  finalize: "Finalize",
+  "de-init": "Tear down",
+};
+const maxSteps = 40; // that are shown unasked
+const maxEvents = 12; // of a step, or of an event
+const maxCalls = 500;
+
+const cell = (text, kind) => make("td", {class: kind ?? null}, text);
+
+const unitWords = {bytes: " bytes", cycles: " cycles", count: "", none: ""};
+
+function valueOf(event) {
+  const {value} = event;
+  if (event.object_bytes !== null) {
+    return `object of ${digits(event.object_bytes)} bytes`;
+  }
+  if (value === null) {
+    return "";
+  }
+  if (typeof value === "string" && !/^-?\d+$/.test(value)) {
+    return cut(value, 60);
+  }
+  return event.unit === "us"
+    ? time(number(value))
+    : digits(value, Number.isInteger(value) ? 0 : 2) + unitWords[event.unit];
+}
+
+function eventRows(events, depth) {
+  const row = (name, value) =>
+    make(
+      "tr",
+      {class: "part"},
+      make("th", {scope: "row", class: `depth-${Math.min(depth, 4)}`}, name),
+      cell("", "bar"),
+      cell(""),
+      cell(value, "number soft"),
+    );
+  const rows = events
+    .slice(0, maxEvents)
+    .flatMap(event => [row(event.name, valueOf(event)), ...eventRows(event.events, depth + 1)]);
+  if (events.length > maxEvents) {
+    rows.push(row(`and ${digits(events.length - maxEvents)} more`, ""));
+  }
+  return rows;
+}
+
+/** Each step with its place on the clock (us after the first one), where it has both times. */
+function placedSteps() {
+  const timed = run.steps.filter(step => step.start_us !== null && step.duration_us !== null);
+  const starts = timed.map(step => BigInt(step.start_us));
+  const zero = starts.length === 0 ? null : starts.reduce((least, start) => (start < least ? start : least));
+  return run.steps.map(step => ({
+    ...step,
+    isDown: step.step === "de-init",
+    from: step.start_us === null || zero === null ? null : Number(BigInt(step.start_us) - zero),
+    us: number(step.duration_us),
+  }));
+}
+
+const isTimed = step => step.from !== null && step.us !== null;
+
+function spanOf(steps) {
+  const timed = steps.filter(isTimed);
+  return timed.length === 0
+    ? null
+    : [
+        timed.reduce((least, step) => Math.min(least, step.from), Infinity),
+        timed.reduce((most, step) => Math.max(most, step.from + step.us), 0),
+      ];
+}
+
+/**
+ * Where a time stands in the bars: `place` and `size` are shares of their width. The executions between start-up and
+ * tear-down would leave both of them a few pixels; they get a `gap` that is not to scale, in place of the `pause`
+ * that they take.
+ */
+function scaleOf(steps) {
+  const up = spanOf(steps.filter(step => !step.isDown)),
+    down = spanOf(steps.filter(step => step.isDown));
+  const isBroken = up !== null && down !== null && down[0] > up[1];
+  const pause = isBroken ? down[0] - up[1] : 0;
+  const gap = isBroken ? Math.min(pause, (up[1] - up[0] + down[1] - down[0]) * 0.12) : 0;
+  const spans = [up, down].filter(span => span !== null);
+  const first = Math.min(...spans.map(span => span[0])),
+    last = Math.max(...spans.map(span => span[1]));
+  const whole = spans.length === 0 ? 0 : last - first - pause + gap;
+  const place = us => share(us - first - (isBroken && us >= down[0] ? pause - gap : 0), whole);
+  return {up, isBroken, pause, gap, place, size: us => share(us, whole)};
+}
+
+function rowsOfStep(step, {place, size}) {
+  const kind = step.isDown ? "other" : "shade-bar";
+  const row = make(
+    "tr",
+    {},
+    make("th", {scope: "row"}, [stepNames[step.step], step.text].filter(Boolean).join(" ")),
+    isTimed(step) ? bar([[place(step.from), size(step.us), kind]]) : cell("", "bar"),
+    cell(step.from === null ? "–" : time(step.from), "number"),
+    cell(step.us === null ? "not in the log" : time(step.us), "number"),
+  );
+  return [row, ...eventRows(step.events, 1)];
+}
+
+function rowOfExecutions({up, place, size, gap, pause}) {
+  return make(
+    "tr",
+    {class: "part"},
+    make("th", {scope: "row"}, "Executions (not to scale)"),
+    bar([[place(up[1]), size(gap), "unknown-bar"]]),
+    cell(time(up[1]), "number soft"),
+    cell(time(pause), "number soft"),
+  );
+}
+
+function callTable() {
+  const rows = run.other_methods.slice(0, maxCalls).map(call => {
+    const figures = [call.count, call.average_us, call.min_us, call.max_us];
+    const cells = figures.map(value => cell(digits(value), "number"));
+    return make("tr", {}, make("th", {scope: "row"}, call.method), cell(call.graph, "text"), cells);
+  });
+  const numbers = ["Count", "Average (us)", "Shortest", "Longest"].map(title => [title, "number"]);
+  const table = make("table", {}, headings(["Call"], ["Graph"], ...numbers), make("tbody", {}, rows));
+  return make("div", {class: "scroll calls"}, table);
+}
+
+export function showSteps() {
+  const host = part("steps");
+  const steps = placedSteps();
+  const scale = scaleOf(steps);
+  const entries = steps.map(step => ({
+    from: step.isDown ? Infinity : (step.from ?? 0),
+    rows: rowsOfStep(step, scale),
+  }));
+  if (scale.isBroken && run.graphs.length > 0) {
+    entries.push({from: scale.up[1], rows: [rowOfExecutions(scale)]});
+  }
+  entries.sort((left, right) => left.from - right.from);
+  const body = make("tbody", {});
+  const add = entry => body.append(...entry.rows);
+  entries.slice(0, maxSteps).forEach(add);
+  const titles = headings(["Step"], [""], ["Begins after", "number"], ["Takes", "number"]);
+  host.replaceChildren(
+    steps.length === 0
+      ? missing("The log has no messages on start-up and tear-down.")
+      : make("div", {class: "scroll"}, make("table", {}, titles, body)),
+  );
+  if (entries.length > maxSteps) {
+    const more = make("button", {type: "button", class: "button more"}, `Show all ${digits(entries.length)} steps`);
+    more.addEventListener("click", () => {
+      entries.slice(maxSteps).forEach(add);
+      more.remove();
+    });
+    host.append(more);
+  }
+  if (run.other_methods.length > 0) {
+    host.append(make("h3", {}, "Other calls"), callTable());
+  }
+}

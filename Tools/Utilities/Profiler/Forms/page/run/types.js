@@ -1,0 +1,60 @@
+// What the accelerator makes of the network, by kind of work.
+
+import {bar, headings, make, missing, part} from "../shared/elements.js";
+import {digits, number, percent, share} from "../shared/figures.js";
+import {follow, marked} from "../shared/state.js";
+import {whyNoLayers} from "./view.js";
+
+const maxTypes = 12; // that are shown unasked
+
+const placeOf = type => (number(type.krel_layers) === 0 ? "DSP" : number(type.dsp_layers) === 0 ? "Krel" : "both");
+const kinds = {DSP: "dsp", Krel: "krel", both: "other"};
+
+export function showTypes(view) {
+  const host = part("types");
+  const types = view ? view.graph.layer_types : [];
+  if (types.length === 0) {
+    host.replaceChildren(missing(whyNoLayers(view)));
+    return;
+  }
+  const whole = types.reduce((sum, type) => sum + number(type.time_us), 0);
+  const longest = Math.max(1, ...types.slice(0, maxTypes).map(type => number(type.time_us)));
+  const rows = new Map();
+  const body = make("tbody", {});
+  const add = type => {
+    const us = number(type.time_us);
+    const row = make(
+      "tr",
+      {},
+      make("th", {scope: "row", class: "text"}, type.name),
+      bar([[0, us / longest, kinds[placeOf(type)]]]),
+      make("td", {}, placeOf(type)),
+      make("td", {class: "number"}, digits(number(type.dsp_layers) + number(type.krel_layers))),
+      make("td", {class: "number"}, digits(type.time_us)),
+      make("td", {class: "number"}, percent(share(us, whole))),
+    );
+    rows.set(type.name, row);
+    body.append(row);
+  };
+  types.slice(0, maxTypes).forEach(add);
+  let marks = [];
+  const showMarked = () => {
+    marks.forEach(row => row.classList.remove("is-marked"));
+    const positions = marked() === null ? [] : view.layers[marked()].oru;
+    marks = [...new Set(positions.map(position => rows.get(view.oru[position].type_name)))].filter(Boolean);
+    marks.forEach(row => row.classList.add("is-marked"));
+  };
+  const titles = headings(["Type"], [""], ["On"], ["Layers", "number"], ["us", "number"], ["Share", "number"]);
+  host.replaceChildren(make("div", {class: "scroll"}, make("table", {}, titles, body)));
+  if (types.length > maxTypes) {
+    const more = make("button", {type: "button", class: "button more"}, `Show all ${digits(types.length)} types`);
+    more.addEventListener("click", () => {
+      types.slice(maxTypes).forEach(add);
+      more.remove();
+      showMarked();
+    });
+    host.append(more);
+  }
+  follow("types", showMarked);
+  showMarked();
+}

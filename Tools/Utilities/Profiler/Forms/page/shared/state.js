@@ -1,0 +1,28 @@
+// The one state of a page. Whoever changes it calls `change`, and each part of the page that follows is told.
+
+export const state = {
+  graph: 0, // which one is shown
+  view: null, // what its layers are, see run/view.js; null without a graph
+  hovered: null, // the layer that is pointed at, by its place in view.layers
+  pinned: null, // the layer that was chosen
+};
+
+const followers = new Map();
+
+/** A part of the page has one follower, which is told the names of what has changed. */
+export const follow = (name, follower) => followers.set(name, follower);
+
+export const forgetFollowers = () => followers.clear();
+
+export function change(values) {
+  const changed = Object.keys(values).filter(key => state[key] !== values[key]);
+  Object.assign(state, values);
+  if (changed.length > 0) {
+    followers.forEach(follower => follower(changed));
+  }
+}
+
+/** The layer that all parts of the page mark. */
+export const marked = () => state.hovered ?? state.pinned;
+export const hover = layer => change({hovered: layer});
+export const pin = layer => change({pinned: layer, hovered: null});
