@@ -378,8 +378,8 @@ TEST(RunSummary, TakesTheTotalsOfARun) {
     EXPECT_EQ(summary.generator, "runner v3");
     EXPECT_EQ(summary.backendVersion, "v4");
     const GraphSummary& ofB = summary.graphs[0];
-    EXPECT_EQ(ofB.executions, 3U);  // without the first one that took time
-    const std::optional<double> expected[totalCount] = {20, 18, 12, 3, 1.75, {}, 311, 200, 8};
+    EXPECT_EQ(ofB.executions, 4U);  // the first one has no time, and the second is no warm-up
+    const std::optional<double> expected[totalCount] = {25, 18, 12, 3, 1.75, {}, 311, 200, 8};
     for (std::size_t position = 0; position < totalCount; ++position) {
         EXPECT_EQ(ofB.totalsUs[position], expected[position]) << nameOf(static_cast<Total>(position));
     }
@@ -391,6 +391,10 @@ TEST(RunSummary, TakesTheTotalsOfARun) {
     run.steps.push_back({StepKind::init, "", {}, 77, {}});
     run.graphs = {graph};
     run.graphs[0].executions.durationUs = {900};
+    run.graphs.push_back(run.graphs[0]);
+    run.graphs[1].executions.durationUs = {900, std::nullopt, 20};
+    EXPECT_EQ(summarize(run).graphs[1].totalUs(Total::marlix), 20.0);
+    run.graphs.pop_back();
     const RunSummary single = summarize(run);
     EXPECT_EQ(single.graphs[0].totalUs(Total::init), 77.0);
     EXPECT_EQ(single.graphs[0].totalUs(Total::finalize), 300.0);  // whatever they call the one graph

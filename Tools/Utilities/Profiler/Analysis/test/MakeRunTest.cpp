@@ -234,9 +234,52 @@ TEST(Spread, LiesInProportionBetweenTheNearestValues) {
     EXPECT_DOUBLE_EQ(spread.p90Us, 46.0);
     EXPECT_DOUBLE_EQ(spread.p99Us, 49.6);
     EXPECT_DOUBLE_EQ(spread.maxUs, 50.0);
-    EXPECT_DOUBLE_EQ(spread.firstUs, 50.0);
+    EXPECT_EQ(spread.firstUs, 50.0);
     EXPECT_DOUBLE_EQ(spreadOf(graphOf({7}).executions).p99Us, 7.0);
     EXPECT_EQ(spreadOf(graphOf({0}).executions).count, 0U);
+    EXPECT_EQ(spreadOf(graphOf({0, 20}).executions).firstUs, std::nullopt)
+        << "the second one is not the first";
+}
+
+std::string told(const Outliers& outliers) {
+    std::string text = std::to_string(outliers.count) + " above " +
+                       std::to_string(static_cast<int>(outliers.limitUs)) + " by " +
+                       std::to_string(static_cast<int>(outliers.excessUs)) + ":";
+    for (const Outlier& outlier : outliers.longest) {
+        text += ' ' + std::to_string(outlier.position);
+    }
+    return text;
+}
+
+TEST(Outliers, AreBehindTheFirstAndAboveTheLimit) {
+    const std::pair<std::vector<std::uint64_t>, const char*> cases[] = {
+        {{}, "0 above 0 by 0:"},
+        {{100, 100, 151, 150}, "0 above 187 by 0:"},
+        {{100, 100, 100, 151}, "1 above 150 by 51: 3"},
+        {{4000, 100, 100, 100, 700, 160}, "2 above 195 by 0:"},
+        {{900, 100, 700, 100, 100, 160, 100}, "2 above 150 by 660: 2 5"},
+        {{0, 900, 100, 100}, "1 above 150 by 800: 1"},
+    };
+    for (const auto& [durations, wanted] : cases) {
+        const Graph graph = graphOf(durations);
+        EXPECT_EQ(told(outliersOf(graph.executions, spreadOf(graph.executions))), wanted);
+    }
+}
+
+TEST(Outliers, OfManyTheLongestAreHeldInTheirOrder) {
+    std::vector<std::uint64_t> durations(10'000, 100);
+    for (std::size_t position = 0; position < 1000; ++position) {
+        durations[position * 10 + 1] = 1000 + (position * 7919) % 1000;
+    }
+    const Graph graph = graphOf(durations);
+    const Outliers outliers = outliersOf(graph.executions, spreadOf(graph.executions));
+    EXPECT_EQ(outliers.count, 1000U);
+    ASSERT_EQ(outliers.longest.size(), maxHeldOutliers);
+    for (std::size_t at = 0; at < outliers.longest.size(); ++at) {
+        EXPECT_GE(outliers.longest[at].us, 1800.0);
+        EXPECT_EQ(durations[outliers.longest[at].position], outliers.longest[at].us);
+        EXPECT_TRUE(at == 0 || outliers.longest[at - 1].position < outliers.longest[at].position);
+    }
 }
 
 OruLayer oru(bool isOffloaded, std::uint64_t us, const char* type = "ADD") {
@@ -270,6 +313,7 @@ std::string rulesOf(Graph graph, Level level = Level::detailed) {
     Run run;
     run.level = level;
     graph.spread = spreadOf(graph.executions);
+    graph.outliers = outliersOf(graph.executions, graph.spread);
     addFindings(graph, run);
     std::string rules;
     for (const Finding& finding : graph.findings) {
@@ -313,8 +357,14 @@ TEST(Findings, SpeakWhereTheirRuleHoldsAlone) {
          [](Graph& graph) {
              graph.zebLayers = {{"a", 0, 40, {}}, {"b", 24, 0, {}}, {"c", 24, 0, {}}};
          }},
+        {"dominant-layer ",
+         [](Graph& graph) {
+             graph.zebLayers = {{"a", 0, 29, {}}, {"b", 29, 0, {}}, {"c", 29, 0, {}}};
+         }},
         {"warm-up ", [](Graph& graph) { graph.executions.durationUs[0] = 125; }},
         {"", [](Graph& graph) { graph.executions.durationUs[0] = 124; }},
+        {"", [](Graph& graph) { graph.executions.durationUs = {{}, 125, 100, 100, 100, 100, 100}; }},
+        {"outliers ", [](Graph& graph) { graph.executions.durationUs = {100, 100, 100, 151}; }},
         {"outliers spread ", [](Graph& graph) { graph.executions.durationUs[3] = 151; }},
     };
     for (const auto& [rules, change] : cases) {
@@ -332,13 +382,14 @@ TEST(Findings, TellWhichExecutionsAreOutliers) {
         graph.executions.durationUs[position] = 151 + position;
     }
     graph.spread = spreadOf(graph.executions);
+    graph.outliers = outliersOf(graph.executions, graph.spread);
     addFindings(graph, {});
-    std::string text;
-    for (const Finding& finding : graph.findings) {
-        text += finding.rule == "outliers" ? finding.text : "";
-    }
-    EXPECT_EQ(text,
+    const auto finding = std::find_if(graph.findings.begin(), graph.findings.end(),
+                                      [](const Finding& each) { return each.rule == "outliers"; });
+    ASSERT_NE(finding, graph.findings.end());
+    EXPECT_EQ(finding->text,
               "6 executions take more than 150 us, 1.5 times the median: numbers 3, 5, 6, 9, 10 and others.");
+    EXPECT_EQ(finding->us, 63.0) << "of the longest of them, whatever the warm-up takes";
 }
 
 }  // namespace

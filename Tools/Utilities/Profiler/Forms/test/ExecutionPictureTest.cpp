@@ -29,8 +29,7 @@ std::string jsonOf(const Graph& graph, std::size_t mostBins) {
 TEST(ExecutionPicture, FewExecutionsHaveABinEach) {
     EXPECT_EQ(jsonOf(graphOf({100, std::nullopt, 104, 0, 200}), 10),
               R"({"count":5,"bin_size":1,"median_us":[100,null,104,null,200],)"
-              R"("from_us":100,"column_us":25,"columns":[2,0,0,0,1],"above":0,)"
-              R"("outlier_limit_us":156,"outlier_count":1,"outliers":[[4,200]]})");
+              R"("from_us":100,"column_us":25,"columns":[2,0,0,0,1],"above":0})");
 }
 
 TEST(ExecutionPicture, ManyArePutTogetherWithTheirNeighbours) {
@@ -42,7 +41,7 @@ TEST(ExecutionPicture, ManyArePutTogetherWithTheirNeighbours) {
 
 TEST(ExecutionPicture, NothingIsMadeOfNothing) {
     const std::string none =
-        R"("from_us":0,"column_us":0,"columns":[],"above":0,"outlier_limit_us":0,"outlier_count":0,"outliers":[]})";
+        R"("from_us":0,"column_us":0,"columns":[],"above":0})";
     EXPECT_EQ(jsonOf(graphOf({}), 10), R"({"count":0,"bin_size":1,"median_us":[],)" + none);
     EXPECT_EQ(jsonOf(graphOf({0, std::nullopt}), 10),
               R"({"count":2,"bin_size":1,"median_us":[null,null],)" + none);
@@ -66,21 +65,6 @@ TEST(ExecutionPicture, TheHistogramHasEachExecutionOnce) {
         EXPECT_EQ(picture.above, above);
         EXPECT_LE(picture.columns.size(), 41U);
         EXPECT_GT(picture.columns.front(), 0U);
-    }
-}
-
-TEST(ExecutionPicture, OfManyOutliersTheLongestAreShownInTheirOrder) {
-    Durations durations(10'000, 100);
-    for (std::size_t position = 0; position < 1000; ++position) {
-        durations[position * 10] = 1000 + (position * 7919) % 1000;
-    }
-    const ExecutionPicture picture = pictureOf(graphOf(durations), 100);
-    EXPECT_EQ(picture.outlierCount, 1000U);
-    ASSERT_EQ(picture.outliers.size(), mostOutliers);
-    for (std::size_t at = 0; at < picture.outliers.size(); ++at) {
-        EXPECT_GE(picture.outliers[at].us, 1800.0);
-        EXPECT_EQ(durations[picture.outliers[at].position], picture.outliers[at].us);
-        EXPECT_TRUE(at == 0 || picture.outliers[at - 1].position < picture.outliers[at].position);
     }
 }
 

@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <span>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -30,6 +31,12 @@ std::string counted(std::uint64_t count, std::string_view one, std::string_view 
 
 double share(double part, double whole) {
     return whole > 0.0 ? part / whole * 100.0 : 0.0;
+}
+
+// A third of a whole is one, whatever the division has rounded.
+bool reaches(double percent, double threshold) {
+    constexpr double rounding = 1e-9;
+    return percent >= threshold - rounding;
 }
 
 double layersUs(const Graph& graph) {
@@ -78,7 +85,7 @@ Said layersDoNotAddUp(const Graph& graph, const Run& /*run*/, double threshold) 
     const auto accelerator = static_cast<double>(*graph.breakdown->acceleratorUs);
     const double difference = accelerator - layersUs(graph);
     const double part = share(difference, accelerator);
-    if (std::abs(part) < threshold) {
+    if (!reaches(std::abs(part), threshold)) {
         return std::nullopt;
     }
     return Sentence{"The layers' times add up to " + us(layersUs(graph)) + ", the accelerator's time is " +
@@ -94,7 +101,7 @@ Said outsideAccelerator(const Graph& graph, const Run& /*run*/, double threshold
     const auto whole = static_cast<double>(graph.average.durationUs);
     const double outside = whole - static_cast<double>(*graph.breakdown->acceleratorUs);
     const double part = share(outside, whole);
-    if (part < threshold) {
+    if (!reaches(part, threshold)) {
         return std::nullopt;
     }
     return Sentence{us(outside) + " of an inference, " + percent(part) + ", pass outside of the accelerator.",
@@ -107,7 +114,7 @@ Said queueWait(const Graph& graph, const Run& /*run*/, double threshold) {
     }
     const auto wait = static_cast<double>(*graph.breakdown->queueWaitUs);
     const double part = share(wait, static_cast<double>(graph.average.durationUs));
-    if (part < threshold) {
+    if (!reaches(part, threshold)) {
         return std::nullopt;
     }
     return Sentence{"An execution waits " + us(wait) + " in queues, " + percent(part) + " of its time.", wait,
@@ -127,7 +134,7 @@ Said dspBetweenOffloaded(const Graph& graph, const Run& /*run*/, double threshol
         }
     }
     const double part = share(time, layersUs(graph));
-    if (layers == 0 || part < threshold) {
+    if (layers == 0 || !reaches(part, threshold)) {
         return std::nullopt;
     }
     return Sentence{counted(layers, "layer runs", "layers run") +
@@ -148,7 +155,7 @@ Said offloadOverhead(const Graph& graph, const Run& /*run*/, double threshold) {
         krel += layer.krelExecUs;
     }
     const double part = share(hal - krel, krel);
-    if (krel <= 0.0 || part < threshold) {
+    if (krel <= 0.0 || !reaches(part, threshold)) {
         return std::nullopt;
     }
     return Sentence{"Offloaded layers take " + us(hal) + " in the HAL, " + us(driver) +
@@ -175,7 +182,7 @@ Said dataIsMoved(const Graph& graph, const Run& /*run*/, double threshold) {
         }
     }
     const double part = share(time, layersUs(graph));
-    if (part < threshold) {
+    if (!reaches(part, threshold)) {
         return std::nullopt;
     }
     return Sentence{counted(layers, "layer changes or moves", "layers change or move") +
@@ -203,7 +210,7 @@ Said dominantLayer(const Graph& graph, const Run& /*run*/, double threshold) {
         }
     }
     const double part = share(static_cast<double>(time), layersUs(graph));
-    if (part < threshold) {
+    if (!reaches(part, threshold)) {
         return std::nullopt;
     }
     return Sentence{name + " alone takes " + us(static_cast<double>(time)) + ", " + percent(part) +
@@ -215,19 +222,20 @@ constexpr std::uint64_t fewestForSpread = 5;  // executions; less tell nothing a
 
 Said warmUp(const Graph& graph, const Run& /*run*/, double threshold) {
     const Spread& spread = graph.spread;
-    const double part = share(spread.firstUs - spread.medianUs, spread.medianUs);
-    if (spread.count < fewestForSpread || part < threshold) {
+    const double excess = spread.firstUs.value_or(0.0) - spread.medianUs;
+    const double part = share(excess, spread.medianUs);
+    if (spread.count < fewestForSpread || !reaches(part, threshold)) {
         return std::nullopt;
     }
-    return Sentence{"The first execution takes " + us(spread.firstUs) + ", " + percent(part) +
+    return Sentence{"The first execution takes " + us(*spread.firstUs) + ", " + percent(part) +
                         " more than the median of " + us(spread.medianUs) + ".",
-                    spread.firstUs - spread.medianUs, part};
+                    excess, part};
 }
 
 Said wideSpread(const Graph& graph, const Run& /*run*/, double threshold) {
     const Spread& spread = graph.spread;
     const double part = share(spread.p90Us - spread.medianUs, spread.medianUs);
-    if (spread.count < fewestForSpread || part < threshold) {
+    if (spread.count < fewestForSpread || !reaches(part, threshold)) {
         return std::nullopt;
     }
     return Sentence{"One execution in ten takes " + us(spread.p90Us) + " or more, " + percent(part) +
@@ -235,29 +243,27 @@ Said wideSpread(const Graph& graph, const Run& /*run*/, double threshold) {
                     spread.p90Us - spread.medianUs, part};
 }
 
-// The first one is warm-up, which has a rule of its own.
-Said outliers(const Graph& graph, const Run& /*run*/, double threshold) {
-    constexpr std::size_t mostNumbers = 5;
-    const Spread& spread = graph.spread;
-    if (spread.count < fewestForSpread) {
+Said outliers(const Graph& graph, const Run& /*run*/, double /*threshold*/) {
+    constexpr std::size_t maxNumbers = 5;
+    const Outliers& outliers = graph.outliers;
+    if (outliers.count == 0) {
         return std::nullopt;
     }
-    const double limit = spread.medianUs * (1.0 + threshold / 100.0);
-    std::uint64_t count = 0;
     std::string numbers;
-    for (std::size_t position = 1; position < graph.executions.count(); ++position) {
-        if (static_cast<double>(graph.executions.durationUs[position].value_or(0)) > limit) {
-            numbers += ++count <= mostNumbers ? (count == 1 ? "" : ", ") + std::to_string(position + 1) : "";
-        }
+    double longestUs = 0.0;
+    for (const Outlier& outlier : outliers.longest) {
+        longestUs = std::max(longestUs, outlier.us);
     }
-    if (count == 0) {
-        return std::nullopt;
+    for (const Outlier& outlier :
+         std::span(outliers.longest).first(std::min(maxNumbers, outliers.longest.size()))) {
+        numbers += (numbers.empty() ? "" : ", ") + std::to_string(outlier.position + 1);
     }
-    return Sentence{counted(count, "execution takes", "executions take") + " more than " + us(limit) + ", " +
-                        fixedPoint(1.0 + threshold / 100.0, 1) +
-                        " times the median: " + (count == 1 ? "number " : "numbers ") + numbers +
-                        (count > mostNumbers ? " and others." : "."),
-                    spread.maxUs - spread.medianUs, share(spread.maxUs - spread.medianUs, spread.medianUs)};
+    const double medianUs = graph.spread.medianUs;
+    return Sentence{counted(outliers.count, "execution takes", "executions take") + " more than " +
+                        us(outliers.limitUs) + ", " + fixedPoint(outlierFactor, 1) +
+                        " times the median: " + (outliers.count == 1 ? "number " : "numbers ") + numbers +
+                        (outliers.count > maxNumbers ? " and others." : "."),
+                    longestUs - medianUs, share(longestUs - medianUs, medianUs)};
 }
 
 // The rules, and from what per cent on each of them speaks. Those on what is missing come first, since they
@@ -282,7 +288,7 @@ constexpr Rule rules[] = {
     {"dominant-layer", false, 100.0 / 3.0, dominantLayer},
     {"warm-up", false, 25.0, warmUp},
     {"spread", false, 20.0, wideSpread},
-    {"outliers", false, 50.0, outliers},
+    {"outliers", false, (outlierFactor - 1.0) * 100.0, outliers},
 };
 
 }  // namespace

@@ -278,6 +278,7 @@ private:
             graph.executions = executionsOf(*found->second);
         }
         graph.spread = spreadOf(graph.executions);
+        graph.outliers = outliersOf(graph.executions, graph.spread);
         graph.average = typicalOf(store_.executeAverage[position]);
         graph.shortest = typicalOf(store_.executeMin[position]);
         graph.longest = typicalOf(store_.executeMax[position]);

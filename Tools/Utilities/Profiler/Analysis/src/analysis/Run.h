@@ -78,7 +78,25 @@ struct Spread {
     double p90Us = 0.0;
     double p99Us = 0.0;
     double maxUs = 0.0;
-    double firstUs = 0.0;
+    std::optional<double> firstUs;  ///< of the log's first execution; nothing where it has no duration
+};
+
+/// Executions above that multiple of the median are outliers.
+inline constexpr double outlierFactor = 1.5;
+/// Outliers that are held one by one, the longest.
+inline constexpr std::size_t maxHeldOutliers = 200;
+
+struct Outlier {
+    std::uint64_t position = 0;  ///< among the executions, from 0
+    double us = 0.0;
+};
+
+/// The executions that take far longer than most. The first is none of them, however long: it is the warm-up.
+struct Outliers {
+    double limitUs = 0.0;  ///< what takes more is one
+    std::uint64_t count = 0;
+    double excessUs = 0.0;         ///< what they take above the median, all together
+    std::vector<Outlier> longest;  ///< in log order
 };
 
 /// The average, the shortest or the longest execution.
@@ -156,6 +174,7 @@ struct Graph {
     std::string name;
     Executions executions;
     Spread spread;
+    Outliers outliers;
     TypicalExecution average;
     TypicalExecution shortest;
     TypicalExecution longest;

@@ -64,16 +64,14 @@ std::vector<LayerTime> timesOf(const Rows& rows, Time time) {
 }
 
 void addExecutions(GraphSummary& summary, const Executions& all) {
-    Executions executions;
-    for (const auto& us : all.durationUs) {
-        if (us.value_or(0) != 0) {
-            executions.durationUs.push_back(us);
-        }
+    Executions withoutFirst;
+    if (all.count() > 1) {
+        withoutFirst.durationUs.assign(all.durationUs.begin() + 1, all.durationUs.end());
     }
-    if (executions.count() > 1) {
-        executions.durationUs.erase(executions.durationUs.begin());
+    Spread spread = spreadOf(withoutFirst);
+    if (spread.count == 0) {
+        spread = spreadOf(all);
     }
-    const Spread spread = spreadOf(executions);
     if (spread.count != 0) {
         summary.executions = spread.count;
         summary.p90Us = spread.p90Us;

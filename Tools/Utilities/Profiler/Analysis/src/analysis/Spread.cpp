@@ -24,7 +24,10 @@ Spread spreadOf(const Executions& executions) {
     if (durations.empty()) {
         return {};
     }
-    Spread spread{.count = durations.size(), .firstUs = durations.front()};
+    Spread spread{.count = durations.size(), .firstUs = {}};
+    if (const std::uint64_t firstUs = executions.durationUs.front().value_or(0); firstUs != 0) {
+        spread.firstUs = static_cast<double>(firstUs);
+    }
     std::sort(durations.begin(), durations.end());
     spread.minUs = durations.front();
     spread.medianUs = quantile(durations, 0.5);
@@ -32,6 +35,32 @@ Spread spreadOf(const Executions& executions) {
     spread.p99Us = quantile(durations, 0.99);
     spread.maxUs = durations.back();
     return spread;
+}
+
+Outliers outliersOf(const Executions& executions, const Spread& spread) {
+    Outliers outliers{.limitUs = spread.medianUs * outlierFactor};
+    const auto isLonger = [](const Outlier& left, const Outlier& right) { return left.us > right.us; };
+    std::vector<Outlier>& longest = outliers.longest;  // a heap, the shortest of them in front
+    for (std::size_t position = 1; position < executions.count(); ++position) {
+        const auto us = static_cast<double>(executions.durationUs[position].value_or(0));
+        if (us <= outliers.limitUs) {
+            continue;
+        }
+        ++outliers.count;
+        outliers.excessUs += us - spread.medianUs;
+        if (longest.size() == maxHeldOutliers) {
+            if (us <= longest.front().us) {
+                continue;
+            }
+            std::pop_heap(longest.begin(), longest.end(), isLonger);
+            longest.pop_back();
+        }
+        longest.push_back({position, us});
+        std::push_heap(longest.begin(), longest.end(), isLonger);
+    }
+    std::sort(longest.begin(), longest.end(),
+              [](const Outlier& left, const Outlier& right) { return left.position < right.position; });
+    return outliers;
 }
 
 }  // namespace zeb::analysis

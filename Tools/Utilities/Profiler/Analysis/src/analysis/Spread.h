@@ -16,4 +16,7 @@ double quantile(std::span<const double> sorted, double share);
 /// @return how the durations are spread that are there and not 0
 Spread spreadOf(const Executions& executions);
 
+/// @param spread of these executions
+Outliers outliersOf(const Executions& executions, const Spread& spread);
+
 }  // namespace zeb::analysis

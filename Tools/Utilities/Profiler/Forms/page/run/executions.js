@@ -74,22 +74,25 @@ function markAt({x, y, to}, place, us, kind, text) {
   return draw("path", {class: kind, d: shape}, text ? draw("title", {}, text) : null);
 }
 
-function singleMarks(picture, known, scales) {
+// What has a mark of its own as an outlier is no dot besides.
+function placesOf(outliers, picture) {
+  return new Set(outliers.longest.map(({execution}) => Math.floor(execution / picture.bin_size)));
+}
+
+function singleMarks(picture, known, marked, scales) {
   const radius = known.length > 800 ? 1.4 : known.length > 150 ? 2 : 3;
   const dot = (place, us) =>
     draw("circle", {cx: scales.x(place).toFixed(1), cy: scales.y(us).toFixed(1), r: radius, class: "dot"});
   return known
-    .filter(([us]) => us <= picture.outlier_limit_us)
+    .filter(([, place]) => !marked.has(place))
     .map(([us, place]) => (us > scales.to ? markAt(scales, place, us, "dot") : dot(place, us)));
 }
 
-function binMarks(picture, known, scales) {
+function binMarks(picture, known, marked, scales) {
   const {x, y, to} = scales;
   const edge = key => known.map(([, place]) => `${x(place).toFixed(1)} ${y(picture[key][place]).toFixed(1)}`);
   const outline = edge("max_us").concat(edge("min_us").reverse()).join("L");
-  const far = known.filter(
-    ([, place]) => picture.max_us[place] > to && picture.max_us[place] <= picture.outlier_limit_us,
-  );
+  const far = known.filter(([, place]) => picture.max_us[place] > to && !marked.has(place));
   return [
     draw("path", {class: "range", d: `M${outline}Z`}),
     stroke(
@@ -102,7 +105,8 @@ function binMarks(picture, known, scales) {
 
 function timeline(view, width) {
   const {picture} = view;
-  const {spread} = view.graph;
+  const {spread, outliers} = view.graph;
+  const marked = placesOf(outliers, picture);
   const scales = scalesOf(view, width);
   const {left, right, from, to, y} = scales;
   const known = picture.median_us.map((us, place) => [us, place]).filter(([us]) => us !== null);
@@ -118,7 +122,7 @@ function timeline(view, width) {
   const words =
     `Times of ${plural(number(spread.count), "execution", "executions")} from ${time(spread.min_us)} to ` +
     `${time(spread.max_us)}, median ${time(spread.median_us)}; ` +
-    `${plural(number(picture.outlier_count), "outlier", "outliers")}. The tables below have the figures.`;
+    `${plural(number(outliers.count), "outlier", "outliers")}. The tables below have the figures.`;
   const svg = chart(
     width,
     height,
@@ -126,14 +130,14 @@ function timeline(view, width) {
     verticalAxis(left, right, from, to, y),
     level(spread.median_us, "median"),
     level(spread.p90_us, "p90"),
-    picture.bin_size > 1 ? binMarks(picture, known, scales) : singleMarks(picture, known, scales),
-    picture.outliers.map(([position, us]) =>
+    picture.bin_size > 1 ? binMarks(picture, known, marked, scales) : singleMarks(picture, known, marked, scales),
+    outliers.longest.map(({execution, us}) =>
       markAt(
         scales,
-        Math.floor(position / picture.bin_size),
+        Math.floor(execution / picture.bin_size),
         us,
         "outlier",
-        `Execution ${digits(position + 1)}: ${time(us)}`,
+        `Execution ${digits(execution + 1)}: ${time(us)}`,
       ),
     ),
     label(left + 6, height - 6, "execution 1", "soft", "start"),
@@ -229,22 +233,22 @@ function spreadTable(spread) {
   return make("div", {class: "scroll spread"}, make("table", {}, titles, make("tbody", {}, make("tr", {}, cells))));
 }
 
-function outlierTable(picture, spread) {
-  if (picture.outliers.length === 0) {
+function outlierTable(outliers, spread) {
+  if (outliers.longest.length === 0) {
     return null;
   }
-  const longest = picture.outliers
+  const longest = outliers.longest
     .slice()
-    .sort((left, right) => right[1] - left[1])
+    .sort((left, right) => right.us - left.us)
     .slice(0, 10);
   const cell = text => make("td", {class: "number"}, text);
-  const rows = longest.map(([position, us]) =>
-    make("tr", {}, cell(digits(position + 1)), cell(time(us)), cell(`× ${digits(share(us, spread.median_us), 1)}`)),
+  const rows = longest.map(({execution, us}) =>
+    make("tr", {}, cell(digits(execution + 1)), cell(time(us)), cell(`× ${digits(share(us, spread.median_us), 1)}`)),
   );
-  const caption = picture.outlier_count > longest.length ? `The ${longest.length} longest` : "All outliers";
+  const caption = outliers.count > longest.length ? `The ${longest.length} longest` : "All outliers";
   const titles = headings(["Execution", "number"], ["Time", "number"], ["of the median", "number"]);
   const table = make("table", {}, make("caption", {}, caption), titles, make("tbody", {}, rows));
-  const summary = make("summary", {}, plural(number(picture.outlier_count), "outlier", "outliers"));
+  const summary = make("summary", {}, plural(number(outliers.count), "outlier", "outliers"));
   return make("details", {class: "more"}, summary, make("div", {class: "list"}, table));
 }
 
@@ -256,6 +260,7 @@ export function showExecutions(view, width) {
     return;
   }
   const {picture} = view;
+  const {outliers} = view.graph;
   const isNarrow = width < 760;
   const overTime = isNarrow ? width : Math.floor(((width - 28) * 2) / 3);
   const distribution = isNarrow ? width : width - 28 - overTime;
@@ -271,7 +276,7 @@ export function showExecutions(view, width) {
   entries.push(
     ["", "median", line("median")],
     ["", "p90: nine in ten are below", line("p90")],
-    ["", `outlier, above ${time(picture.outlier_limit_us)} (1.5 medians)`, diamond],
+    ["", `outlier, above ${time(outliers.limit_us)} (1.5 medians)`, diamond],
   );
   const pair = make(
     "div",
@@ -280,5 +285,5 @@ export function showExecutions(view, width) {
     make("div", {}, make("h3", {}, "How often each time occurs"), histogram(view, distribution)),
   );
   host.replaceChildren(pair, legend(...entries), spreadTable(spread));
-  host.append(outlierTable(picture, spread) ?? "");
+  host.append(outlierTable(outliers, spread) ?? "");
 }

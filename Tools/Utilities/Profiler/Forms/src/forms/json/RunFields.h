@@ -102,6 +102,20 @@ void fieldsOf(Spread& spread, Visit visit) {
     visit("first_us", spread.firstUs);
 }
 
+template <typename Visit, Is<analysis::Outlier> Outlier>
+void fieldsOf(Outlier& outlier, Visit visit) {
+    visit("execution", outlier.position);
+    visit("us", outlier.us);
+}
+
+template <typename Visit, Is<analysis::Outliers> Outliers>
+void fieldsOf(Outliers& outliers, Visit visit) {
+    visit("limit_us", outliers.limitUs);
+    visit("count", outliers.count);
+    visit("excess_us", outliers.excessUs);
+    visit("longest", outliers.longest);
+}
+
 template <typename Visit, Is<analysis::TypicalExecution> Execution>
 void fieldsOf(Execution& execution, Visit visit) {
     visit("duration_us", execution.durationUs);
@@ -170,6 +184,7 @@ template <typename Visit, Is<analysis::Graph> Graph>
 void fieldsOf(Graph& graph, Visit visit) {
     visit("name", graph.name);
     visit("spread", graph.spread);
+    visit("outliers", graph.outliers);
     visit("breakdown", graph.breakdown);
     visit("dsp_clock_hz", graph.dspClockHz);
     visit("krel_clock_hz", graph.krelClockHz);

@@ -15,7 +15,6 @@ namespace {
 
 using Durations = std::vector<std::optional<std::uint64_t>>;
 using Bin = ExecutionPicture::Bin;
-using Outlier = ExecutionPicture::Outlier;
 
 constexpr std::size_t fewestBins = 16;
 constexpr std::size_t mostBinsOfGraph = 1000;
@@ -71,29 +70,6 @@ void addHistogram(ExecutionPicture& picture, const analysis::Graph& graph) {
     });
 }
 
-void addOutliers(ExecutionPicture& picture, const analysis::Graph& graph) {
-    picture.outlierLimitUs = graph.spread.medianUs * outlierFactor;
-    const auto isLonger = [](const Outlier& left, const Outlier& right) { return left.us > right.us; };
-    std::vector<Outlier>& longest = picture.outliers;  // a heap, the shortest of them in front
-    forEachTimed(graph.executions.durationUs, [&](std::size_t position, double us) {
-        if (us <= picture.outlierLimitUs) {
-            return;
-        }
-        ++picture.outlierCount;
-        if (longest.size() == mostOutliers) {
-            if (us <= longest.front().us) {
-                return;
-            }
-            std::pop_heap(longest.begin(), longest.end(), isLonger);
-            longest.pop_back();
-        }
-        longest.push_back({position, us});
-        std::push_heap(longest.begin(), longest.end(), isLonger);
-    });
-    std::sort(longest.begin(), longest.end(),
-              [](const Outlier& left, const Outlier& right) { return left.position < right.position; });
-}
-
 template <typename List, typename Append>
 void appendList(std::string& json, std::string_view key, const List& list, Append append) {
     json.append("\"").append(key).append("\":[");
@@ -147,7 +123,6 @@ ExecutionPicture pictureOf(const analysis::Graph& graph, std::size_t mostBins) {
             durations.subspan(first, std::min<std::size_t>(picture.binSize, durations.size() - first))));
     }
     addHistogram(picture, graph);
-    addOutliers(picture, graph);
     return picture;
 }
 
@@ -165,16 +140,8 @@ void appendJson(std::string& json, const ExecutionPicture& picture) {
     appendList(json, "columns", picture.columns,
                [&json](std::uint64_t count) { appendJsonNumber(json, count); });
     json += ',';
-    appendField(json, "above", picture.above);
-    appendField(json, "outlier_limit_us", picture.outlierLimitUs);
-    appendField(json, "outlier_count", picture.outlierCount);
-    appendList(json, "outliers", picture.outliers, [&json](const Outlier& outlier) {
-        json += '[';
-        appendJsonNumber(json, outlier.position);
-        json += ',';
-        appendJsonNumber(json, outlier.us);
-        json += ']';
-    });
+    json.append("\"above\":");
+    appendJsonNumber(json, picture.above);
     json += '}';
 }
 

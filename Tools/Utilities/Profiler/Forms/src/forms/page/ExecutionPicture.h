@@ -13,10 +13,6 @@ namespace zeb::forms {
 /// The executions of a run that are shown one by one; of a run that has more, each graph has its share of
 /// them.
 inline constexpr std::size_t mostSingleExecutions = 4000;
-/// Outliers that have a place of their own, the longest.
-inline constexpr std::size_t mostOutliers = 200;
-/// Durations above that multiple of the median are outliers.
-inline constexpr double outlierFactor = 1.5;
 
 /// Executions without both times, and those that took none, are in no figure: they are in no statistics
 /// either.
@@ -28,10 +24,6 @@ struct ExecutionPicture {
         double medianUs = 0.0;
         double maxUs = 0.0;
     };
-    struct Outlier {
-        std::uint64_t position = 0;  ///< in the log, from 0
-        double us = 0.0;
-    };
 
     std::uint64_t count = 0;    ///< of all executions
     std::uint64_t binSize = 1;  ///< the last bin may have less
@@ -40,9 +32,6 @@ struct ExecutionPicture {
     double columnUs = 0.0;               ///< how wide each of its columns is
     std::vector<std::uint64_t> columns;  ///< from the shortest execution to the bulk of the long ones
     std::uint64_t above = 0;             ///< executions behind the last column
-    double outlierLimitUs = 0.0;
-    std::uint64_t outlierCount = 0;
-    std::vector<Outlier> outliers;  ///< in log order
 };
 
 /// @return how many executions of a graph have a bin each; graphs of more are binned, to so many at most
