@@ -256,7 +256,7 @@ TEST(Outliers, AreBehindTheFirstAndAboveTheLimit) {
         {{}, "0 above 0 by 0:"},
         {{100, 100, 151, 150}, "0 above 187 by 0:"},
         {{100, 100, 100, 151}, "1 above 150 by 51: 3"},
-        {{4000, 100, 100, 100, 700, 160}, "2 above 195 by 0:"},
+        {{4000, 100, 100, 100, 700, 160}, "1 above 195 by 570: 4"},
         {{900, 100, 700, 100, 100, 160, 100}, "2 above 150 by 660: 2 5"},
         {{0, 900, 100, 100}, "1 above 150 by 800: 1"},
     };
@@ -363,8 +363,12 @@ TEST(Findings, SpeakWhereTheirRuleHoldsAlone) {
          }},
         {"warm-up ", [](Graph& graph) { graph.executions.durationUs[0] = 125; }},
         {"", [](Graph& graph) { graph.executions.durationUs[0] = 124; }},
-        {"", [](Graph& graph) { graph.executions.durationUs = {{}, 125, 100, 100, 100, 100, 100}; }},
-        {"outliers ", [](Graph& graph) { graph.executions.durationUs = {100, 100, 100, 151}; }},
+        {"", [](Graph& graph) { graph.executions.durationUs = {{}, 125, 100, 100, 100, 100}; }},
+        {"outliers ",
+         [](Graph& graph) {
+             graph.executions.durationUs = {100, 100, 100, 151};
+             graph.breakdown->executionCount = 4;
+         }},
         {"outliers spread ", [](Graph& graph) { graph.executions.durationUs[3] = 151; }},
     };
     for (const auto& [rules, change] : cases) {

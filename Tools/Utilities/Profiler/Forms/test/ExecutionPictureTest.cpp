@@ -40,8 +40,7 @@ TEST(ExecutionPicture, ManyArePutTogetherWithTheirNeighbours) {
 }
 
 TEST(ExecutionPicture, NothingIsMadeOfNothing) {
-    const std::string none =
-        R"("from_us":0,"column_us":0,"columns":[],"above":0})";
+    const std::string none = R"("from_us":0,"column_us":0,"columns":[],"above":0})";
     EXPECT_EQ(jsonOf(graphOf({}), 10), R"({"count":0,"bin_size":1,"median_us":[],)" + none);
     EXPECT_EQ(jsonOf(graphOf({0, std::nullopt}), 10),
               R"({"count":2,"bin_size":1,"median_us":[null,null],)" + none);

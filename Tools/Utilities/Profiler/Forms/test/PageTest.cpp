@@ -3,6 +3,7 @@
 #include <fstream>
 
 #include "PageSupport.h"
+#include "analysis/Spread.h"
 #include "forms/json/RunJson.h"
 
 namespace zeb::forms {

@@ -38,7 +38,8 @@ Spread spreadOf(const Executions& executions) {
 }
 
 Outliers outliersOf(const Executions& executions, const Spread& spread) {
-    Outliers outliers{.limitUs = spread.medianUs * outlierFactor};
+    Outliers outliers;
+    outliers.limitUs = spread.medianUs * outlierFactor;
     const auto isLonger = [](const Outlier& left, const Outlier& right) { return left.us > right.us; };
     std::vector<Outlier>& longest = outliers.longest;  // a heap, the shortest of them in front
     for (std::size_t position = 1; position < executions.count(); ++position) {

@@ -419,9 +419,8 @@ void printExecutionTimes(std::ostream& out, const Style& style, const Run& run) 
         table.add({style.name(graph.name, numbersWidth), std::to_string(spread.count), number(spread.minUs),
                    number(spread.medianUs), number(spread.p90Us), number(spread.p99Us), number(spread.maxUs),
                    spread.firstUs ? number(*spread.firstUs) : "-",
-                   spread.firstUs
-                       ? signedPercent(shareOf(*spread.firstUs - spread.medianUs, spread.medianUs))
-                       : "-"});
+                   spread.firstUs ? signedPercent(shareOf(*spread.firstUs - spread.medianUs, spread.medianUs))
+                                  : "-"});
     }
     printTable(out, style, table, {});
 }
