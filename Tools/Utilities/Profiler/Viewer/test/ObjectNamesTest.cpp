@@ -130,19 +130,24 @@ TEST_F(ObjectNames, MustStandForAFileThatCanBeMade) {
     }
 }
 
-// The number of a taken name may not fit, where it is needed.
+// The number of a taken name may not fit, where it is needed, whatever the directory's path is.
 TEST_F(ObjectNames, LeaveRoomForTheirNumber) {
-    const std::string longest(255, 'n');
-    const std::string shorter(253, 'n');
-    const auto tooLong = [&](const std::string& number) {
-        return "3 chunk 1: the object \"" + longest.substr(0, 200) + "...\" can't be saved in " + objects +
-               " with the number " + number + ": File name too long";
-    };
-    EXPECT_EQ(checking(logOf({object(longest), object(longest)})), tooLong("4"));
-    EXPECT_EQ(checking(logOf({object(shorter), object(shorter), object(shorter)})), "");
-    EXPECT_EQ(checking(logOf(std::vector(4, object(shorter)))), tooLong("12"));
-    files.write("objects/" + longest, "");
-    EXPECT_EQ(checking(logOf({object(longest)})), tooLong("1"));
+    for (const std::string directory : {"objects", "tmp.x/objects"}) {
+        SCOPED_TRACE(directory);
+        fs::create_directories(files.path(directory));
+        objects = (fs::canonical(files.path("")) / directory).string();
+        const std::string longest(255, 'n');
+        const std::string shorter(253, 'n');
+        const auto tooLong = [&](const std::string& number) {
+            return "3 chunk 1: the object \"" + longest.substr(0, 200) + "...\" can't be saved in " + objects +
+                   " with the number " + number + ": File name too long";
+        };
+        EXPECT_EQ(checking(logOf({object(longest), object(longest)})), tooLong("4"));
+        EXPECT_EQ(checking(logOf({object(shorter), object(shorter), object(shorter)})), "");
+        EXPECT_EQ(checking(logOf(std::vector(4, object(shorter)))), tooLong("12"));
+        files.write(directory + "/" + longest, "");
+        EXPECT_EQ(checking(logOf({object(longest)})), tooLong("1"));
+    }
 }
 
 TEST_F(ObjectNames, MayNotStandForTheCsvFile) {

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "logging/Logger.h"
+#include "text/NumberedName.h"
 
 namespace zeb::profiling {
 
@@ -19,17 +20,6 @@ struct FileCloser {
     void operator()(std::FILE* file) const { static_cast<void>(std::fclose(file)); }
 };
 using File = std::unique_ptr<std::FILE, FileCloser>;
-
-// Number 0 is the file name itself. Only the last "." of the whole name counts, also one in a directory's
-// name.
-std::string candidateName(const std::string& fileName, std::uint64_t number) {
-    if (number == 0) {
-        return fileName;
-    }
-    const std::size_t point = fileName.rfind('.');
-    std::string candidate = fileName.substr(0, point) + "_" + std::to_string(number);
-    return point == std::string::npos ? candidate : candidate + fileName.substr(point);
-}
 
 bool writeAll(File file, std::span<const std::byte> bytes) {
     const bool isWritten =
@@ -55,7 +45,7 @@ void ObjectFiles::write(const ProfileEvent& event) {
     const std::string fileName(event.objectFileName());
     std::uint64_t& number = nextNumbers_[fileName];
     for (;;) {
-        const std::string candidate = candidateName(fileName, number);
+        const std::string candidate = numberedName(fileName, number);
         if (File file{std::fopen(candidate.c_str(), "wx")}) {
             ++number;
             if (!writeAll(std::move(file), event.objectBytes())) {

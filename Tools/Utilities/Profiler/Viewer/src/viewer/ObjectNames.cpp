@@ -20,6 +20,7 @@
 #include "log/EventUnit.h"
 #include "log/FlatBufferReaderUtil.h"
 #include "log/LogAccess.h"
+#include "text/NumberedName.h"
 
 namespace zeb::viewer {
 
@@ -63,10 +64,9 @@ bool isWithin(const fs::path& path, const fs::path& directory) {
            directory.end();
 }
 
-// What stands for the numbered forms of a name has the number before the last "." of all of it.
-bool isNumberedElsewhere(std::string_view name) {
-    const std::size_t point = name.rfind('.');
-    return point != std::string_view::npos && name.find('/', point) != std::string_view::npos;
+// The number of a taken name may change the directory's name.
+bool isNumberedElsewhere(const fs::path& name) {
+    return fs::path(profiling::numberedName(name.native(), 1)).parent_path() != name.parent_path();
 }
 
 class NameCheck {
@@ -84,7 +84,7 @@ public:
         if (!parent.isWithin) {
             throw leadsOut(name, "would be saved");
         }
-        if (isNumberedElsewhere(name)) {
+        if (isNumberedElsewhere(path)) {
             throw leadsOut(name, "could be saved, with a number at its last \".\",");
         }
         const bool isTooLong = path.filename().native().size() > NAME_MAX;

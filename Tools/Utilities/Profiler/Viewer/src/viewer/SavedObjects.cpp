@@ -13,6 +13,7 @@
 
 #include "command/Failure.h"
 #include "command/FileDescriptor.h"
+#include "text/NumberedName.h"
 
 namespace zeb::viewer {
 
@@ -29,14 +30,6 @@ namespace fs = std::filesystem;
 constexpr std::uint64_t savesOfAnObject = 4;
 constexpr int maxLinks = 40;
 constexpr std::size_t maxShownName = 200;
-
-std::string numbered(const std::string& name, std::uint64_t number) {
-    if (number == 0) {
-        return name;
-    }
-    const std::size_t point = std::min(name.rfind('.'), name.size());
-    return name.substr(0, point) + "_" + std::to_string(number) + name.substr(point);
-}
 
 std::string fileNameOf(const std::string& path) {
     return path.substr(path.rfind('/') + 1);
@@ -120,6 +113,10 @@ void SavedObjects::checkRoom(const std::string& words) const {
     }
 }
 
+std::string SavedObjects::pathOf(const Object& object, std::uint64_t number) const {
+    return directory_ + "/" + profiling::numberedName(object.name, number);
+}
+
 const SavedObjects::Object* SavedObjects::find(std::size_t directory, const std::string& fileName) const {
     const auto place = objects_.find(keyOf(directory, fileName));
     return place == objects_.end() ? nullptr : &place->second;
@@ -154,10 +151,9 @@ void SavedObjects::refuseCsvFile(const std::string& csvPath) const {
 // A reader that saves every object as often as it may needs no more numbers than are looked at here.
 void SavedObjects::findTaken(Object& object) const {
     const std::uint64_t lastNeeded = savesOfAnObject * (object.count - 1);
-    const std::string path = directory_ + "/" + object.name;
     struct stat status {};
     for (std::uint64_t free = 0; free < savesOfAnObject * object.count; ++object.endNumber) {
-        const std::string candidate = numbered(path, object.endNumber);
+        const std::string candidate = pathOf(object, object.endNumber);
         if (::lstat(candidate.c_str(), &status) == 0) {
             object.takenNumbers.push_back(object.endNumber);
         } else if (free++ == lastNeeded && fileNameOf(candidate).size() > NAME_MAX) {
@@ -201,7 +197,7 @@ void SavedObjects::checkFiles(const std::string& key, const Object& object) cons
             ++taken;
             continue;
         }
-        const std::string path = directory_ + "/" + numbered(object.name, number);
+        const std::string path = pathOf(object, number);
         struct stat status {};
         if (::lstat(path.c_str(), &status) != 0) {
             return;

@@ -58,6 +58,7 @@ private:
 
     void checkRoom(const std::string& words) const;
     void refuseCsvFile(const std::string& csvPath) const;
+    [[nodiscard]] std::string pathOf(const Object& object, std::uint64_t number) const;
     void findTaken(Object& object) const;
     [[nodiscard]] const Object* find(std::size_t directory, const std::string& fileName) const;
     [[nodiscard]] bool mayHaveSize(std::size_t directory, const std::string& fileName,
