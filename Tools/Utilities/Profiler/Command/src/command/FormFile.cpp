@@ -8,11 +8,13 @@
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
+#include <new>
 #include <system_error>
 #include <utility>
 
 #include "command/Failure.h"
 #include "command/HeldSignals.h"
+#include "command/MemoryLimit.h"
 #include "command/StandardOutput.h"
 
 namespace zeb::command {
@@ -71,6 +73,9 @@ void printTo(int descriptor, const std::string& path, const std::function<void(s
     std::ostream out(&buffer);
     out.imbue(std::locale::classic());
     print(out);
+    if (MemoryLimit::wasHit()) {
+        throw std::bad_alloc();
+    }
     buffer.finish();
     const bool isClosedPipe = buffer.error() == EPIPE && descriptor == STDOUT_FILENO;
     if (buffer.error() != 0 && !isClosedPipe) {

@@ -28,7 +28,8 @@ public:
     ~FormFile();
 
     /// @param print writes the form; what it throws passes, with the file as it was
-    /// @throws Failure when it can't be written
+    /// @throws Failure when it can't be written; std::bad_alloc when an allocation has failed, also when `print`
+    ///         has caught that, as text streams do
     void write(const std::function<void(std::ostream&)>& print);
 
 private:

@@ -9,16 +9,14 @@
 
 namespace zeb::viewer {
 
-/// A piece of work, and the words in front of the cause when it fails, and when it is memory that it wants.
+/// A piece of work, and the words in front of the cause when it fails, and when it is memory that it wants:
+/// more than a log may have is that log's fault, whichever step finds out.
 struct GuardedStep {
     command::ExitCode exitCode;
     std::string subject;
     std::string failed;
     std::string wanting;
 
-    [[nodiscard]] command::Failure outOfMemory(const std::string& words) const {
-        return {exitCode, subject, wanting + words};
-    }
 };
 
 /// Does the work. An exception becomes a failure that tells the cause, and so does an allocation whose
@@ -37,10 +35,11 @@ auto guarded(const GuardedStep& step, command::MemoryLimit* memory, Work work) {
         throw;
     } catch (const std::bad_alloc&) {
         if (memory == nullptr) {
-            throw step.outOfMemory(command::MemoryLimit::withoutLimit);
+            throw command::Failure(step.exitCode, step.subject,
+                                   step.wanting + command::MemoryLimit::withoutLimit);
         }
         memory->releaseReserve();
-        throw step.outOfMemory(memory->cause());
+        throw command::Failure(command::ExitCode::badLog, step.subject, step.wanting + memory->cause());
     } catch (const std::exception& error) {
         throw command::Failure(step.exitCode, step.subject, step.failed + error.what());
     } catch (...) {

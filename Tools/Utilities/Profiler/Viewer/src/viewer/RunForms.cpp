@@ -43,7 +43,7 @@ void RunForms::show(StandardOutput& output, MemoryLimit& memory) {
         return;
     }
     const GuardedStep printing{ExitCode::badReport, options_.log,
-                               "the figures of the run can't be told: ", "to note the figures of the run "};
+                               "the figures of the run can't be told: ", "to tell the figures of the run "};
     guarded(printing, &memory, [&] {
         const analysis::Run run = readRun(memory);
         if (options_.topRows) {
