@@ -36,9 +36,11 @@ TEST_F(LogDiagnosis, HasOwnWordsForPlainTroubles) {
     EXPECT_EQ(trouble(files.write("empty.log", "")), "the file is empty");
     EXPECT_EQ(trouble(files.write("file", "x") + "/run.log"), "the log can't be read: Not a directory");
     EXPECT_EQ(trouble(files.path(std::string(300, 'n'))), "the log can't be read: File name too long");
-    EXPECT_EQ(trouble(files.write("one-byte.log", "x")), "");
-    EXPECT_EQ(trouble("/dev/null"), "");
-    const std::string secret = files.write("secret.log", "x");
+    EXPECT_EQ(trouble(files.write("short.log", "xyz")),
+              "the file has only 3 bytes, and no log is that short");
+    EXPECT_EQ(trouble(files.write("four-bytes.log", "wxyz")), "");
+    EXPECT_EQ(trouble("/dev/null"), "the file is empty");
+    const std::string secret = files.write("secret.log", "wxyz");
     ASSERT_EQ(::chmod(files.path("").c_str(), 0755) + ::chmod(secret.c_str(), 0), 0);
     const OrdinaryUser user;
     EXPECT_EQ(trouble(secret), "the log can't be read: Permission denied");

@@ -143,7 +143,7 @@ TEST_F(CompareCommand, RefusesWrongUsage) {
         {{"--html", "", "a", "b"}, "--html: needs a value"},
         {{"--json", "-", "--html", "-", "a", "b"},
          "--html: standard output takes one form, and --json has it"},
-        {{"--html", "x", "--json", "x", "a", "b"}, "--html: goes to where --json goes"},
+        {{"--html", "x", "--json", "./x", "a", "b"}, "--html: goes to where --json goes"},
         {{"--max-memory", "1T", "a", "b"}, "--max-memory: \"1T\" is no size like 800M, 2G or 1000000"},
     };
     for (const auto& [arguments, line] : cases) {
@@ -185,6 +185,32 @@ TEST_F(CompareCommand, TakesTheJsonOfARunForItsLog) {
         EXPECT_EQ(tablesOf(result.out), expected);
         EXPECT_TRUE(holds(result.out.substr(0, result.out.find('\n')), "/json")) << result.out;
     }
+}
+
+// A log and the JSON of a run alike, each read as often as it takes.
+TEST_F(CompareCommand, TakesEitherThroughAPipe) {
+    const std::string base = log("a");
+    const std::string json = files.path("json");
+    std::ofstream jsonOfRun(json);
+    forms::writeRunJson(jsonOfRun, analysis::makeRun(base, profiling::VisibilityLevel{127}).value());
+    jsonOfRun.close();
+    const auto through = [&](const std::string& script, const std::string& piped) {
+        return command::test::runCommand({"/bin/bash", "-c", script, "sh", ZEB_COMPARE, piped, base});
+    };
+    for (const std::string& piped : {base, json}) {
+        const CommandResult standardInput = through("cat \"$2\" | \"$1\" - \"$3\"", piped);
+        EXPECT_EQ(standardInput.exitCode, 0) << standardInput.err;
+        EXPECT_TRUE(holds(standardInput.out, "/dev/stdin")) << standardInput.out;
+        EXPECT_EQ(through("\"$1\" <(cat \"$2\") <(cat \"$3\")", piped).exitCode, 0);
+    }
+    const std::string cut = files.write("cut", test::fileText(base).substr(0, 50));
+    EXPECT_TRUE(holds(through("cat \"$2\" | \"$1\" - \"$3\"", cut).err,
+                      "/dev/stdin: the log can't be read: chunk 1 at byte 0, "));
+    command::test::expectFailure(
+        through(": | \"$1\" - \"$3\"", base), 1,
+        "/dev/stdin: nothing came through the pipe; has the command that writes to it "
+        "failed?",
+        "zeb-profile-compare");
 }
 
 TEST_F(CompareCommand, WritesJsonThatKeepsToItsSchema) {
@@ -249,7 +275,8 @@ TEST_F(CompareCommand, LeavesAFileAsItWasUnlessAllOfThePageIsThere) {
     expectFailure({"--html", good, good, other}, 2, good + ": the file is the log itself");
     EXPECT_EQ(test::fileText(good), before);
     expectFailure({"--json", json, "--html", files.path("none/html"), good, good}, 3,
-                  files.path("none/html") + ": the file can't be written: No such file or directory");
+                  files.path("none/html") + ": the file can't be created in " + files.path("none") +
+                      ": No such file or directory");
     EXPECT_FALSE(std::ifstream(json).is_open());  // nor is the other form
     expectFailure({"--html=-", good, good}, 3,
                   "standard output: the file can't be written: No space left on device", output::full);
@@ -280,6 +307,7 @@ TEST_F(CompareCommand, ManyLogsTakeTheMemoryOfOne) {
 TEST_F(CompareCommand, ShowsHelpAndVersion) {
     const CommandResult help = run({"--version", "--help", "--gate", "x"});
     EXPECT_EQ(help.exitCode, 0);
+    EXPECT_EQ(run({"-h"}).out, help.out);
     for (const std::string text :
          {"Usage: zeb-profile-compare [options] BASE NEW\n", "  --base LOG...", "  --rename OLD=NEW",
           "  7  --fail-above has nothing that it can compare\n", "A build pipeline"}) {

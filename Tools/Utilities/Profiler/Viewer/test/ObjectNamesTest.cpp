@@ -58,9 +58,11 @@ protected:
     }
 
     // The failure without the log's path, which stands behind its exit code.
-    std::string checking(const std::string& bytes, const std::string& csv = {}) const {
+    std::string checking(const std::string& bytes, const command::Given& output = {}) const {
         const std::string log = files.write("run.log", bytes);
-        std::string failure = test::failureOf([&] { checkObjectNames(log, objects).checkBefore(csv); });
+        std::string failure = test::failureOf([&] {
+            checkObjectNames(log, objects).checkBefore({&output, 1});
+        });
         return failure.empty() ? "" : failure.replace(failure.find(" " + log), log.size() + 2, "");
     }
     std::string leadsOut(const std::string& name, const std::string& chunk = "1") const {
@@ -139,8 +141,8 @@ TEST_F(ObjectNames, LeaveRoomForTheirNumber) {
         const std::string longest(255, 'n');
         const std::string shorter(253, 'n');
         const auto tooLong = [&](const std::string& number) {
-            return "3 chunk 1: the object \"" + longest.substr(0, 200) + "...\" can't be saved in " + objects +
-                   " with the number " + number + ": File name too long";
+            return "3 chunk 1: the object \"" + longest.substr(0, 200) + "...\" can't be saved in " +
+                   objects + " with the number " + number + ": File name too long";
         };
         EXPECT_EQ(checking(logOf({object(longest), object(longest)})), tooLong("4"));
         EXPECT_EQ(checking(logOf({object(shorter), object(shorter), object(shorter)})), "");
@@ -150,7 +152,7 @@ TEST_F(ObjectNames, LeaveRoomForTheirNumber) {
     }
 }
 
-TEST_F(ObjectNames, MayNotStandForTheCsvFile) {
+TEST_F(ObjectNames, MayNotStandForAFileThatIsWrittenBeside) {
     files.write("objects/old.csv", "");
     fs::create_symlink("objects/sub/deep/a_12.csv", files.path("link.csv"));
     const struct {
@@ -167,11 +169,13 @@ TEST_F(ObjectNames, MayNotStandForTheCsvFile) {
     };
     for (const auto& [csv, name, isRefused] : cases) {
         const std::string path = files.path(csv);
-        EXPECT_EQ(checking(logOf({object(name)}), path),
-                  isRefused ? "1 chunk 1: the object \"" + name + "\" could be saved as the CSV file " +
-                                  path + ", which needs another name"
-                            : "")
-            << csv;
+        for (const std::string option : {"--csv", "--json"}) {
+            EXPECT_EQ(checking(logOf({object(name)}), {option, path}),
+                      isRefused ? "1 chunk 1: the object \"" + name + "\" could be saved as " + path +
+                                      ", the file of " + option + ", which needs another name"
+                                : "")
+                << csv;
+        }
     }
 }
 

@@ -123,6 +123,18 @@ TEST_F(RealReader, TellsWhatCompressesALog) {
     }
 }
 
+TEST_F(RealReader, TellsWhatBeginsLikeAnotherKindOfFile) {
+    const std::pair<std::string, std::string> cases[] = {
+        {"{\"schema\":1}\n", "JSON"}, {"\n [1]", "JSON"}, {"Caf\xC3\xA9 au lait", "text"}, {"1234", "text"}};
+    for (const auto& [bytes, kind] : cases) {
+        const std::string other = files.write("other.log", bytes);
+        expectFailure(view({other}), 1,
+                      other + ": the log can't be read: it is no log, and begins like " + kind);
+    }
+    // What is damaged further on is a log all the same.
+    expectPart(view({files.write("cut.log", chunk + "text")}).err, "the log can't be read: chunk 2 at byte ");
+}
+
 TEST_F(RealReader, TellsWhatIsWrongWithALog) {
     const std::string bad = files.path("bad.log");
     const std::string notANumber = "the report failed: a value in the log is no number ";

@@ -7,6 +7,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "command/MemoryLimit.h"
 #include "samplelog/MethodsLog.h"
 #include "samplelog/NetworkLog.h"
 #include "support/Command.h"
@@ -91,6 +92,37 @@ TEST_F(RunForms, RefuseWhatMakesNoSenseTogether) {
     expectFailure(view({log, "--json", log}), 2, log + ": the file is the log itself");
 }
 
+// One file by other spellings, by links, and before it is there.
+TEST_F(RunForms, RefuseTwoOutputsToOneFile) {
+    fs::create_directory(files.path("directory"));
+    fs::create_symlink("directory", files.path("link"));
+    fs::create_symlink("directory/new", files.path("to-new"));
+    files.write("old.csv", "gathered\n");
+    fs::create_hard_link(files.path("old.csv"), files.path("hard.csv"));
+    const std::pair<std::string, std::string> same[] = {
+        {"old.csv", "./old.csv"},    {"old.csv", "directory/../old.csv"}, {"old.csv", "hard.csv"},
+        {"new", "directory/../new"}, {"directory/new", "link/new"},       {"to-new", "link/new"},
+    };
+    for (const auto& [one, other] : same) {
+        expectFailure(view({log, "--csv", files.path(one), "--json", files.path(other)}), 2,
+                      "--json: goes to where --csv goes; see zeb-profile-viewer --help");
+        expectFailure(view({log, "--json", files.path(one), "--html", files.path(other)}), 2,
+                      "--html: goes to where --json goes; see zeb-profile-viewer --help");
+    }
+    EXPECT_EQ(textOf(files.path("old.csv")), "gathered\n");
+    EXPECT_FALSE(fs::exists(files.path("new")));
+    const std::string output = files.write("output", "");
+    expectFailure(view({log, "--json", output}, ">>" + output), 2,
+                  output + ": standard output goes there; \"-\" is its name as a file");
+    EXPECT_EQ(view({log, "--json", json, "--html", files.path("directory/run.json")}).exitCode, 0);
+}
+
+TEST_F(RunForms, NameTheDirectoryThatTakesNoFile) {
+    expectFailure(view({log, "--json", files.path("none/run.json")}), 3,
+                  files.path("none/run.json") + ": the file can't be created in " + files.path("none") +
+                      ": No such file or directory");
+}
+
 TEST_F(RunForms, LeaveFilesWholeOrAsTheyWere) {
     const std::string damaged = files.write("damaged.log", std::string_view("\x08\0\0\0damaged!", 12));
     files.write("run.json", "old");
@@ -137,6 +169,23 @@ TEST_F(RunForms, LeaveTheOldFileOnAFullDiskAndAtALimit) {
         }
         EXPECT_EQ(view({"--quiet", log, form, file}).exitCode, 0);
         EXPECT_EQ(textOf(file), view({log, form, "-"}).out);
+    }
+}
+
+// The fake reader needs none of it.
+TEST_F(RunForms, TellThatTheyNeedTooMuchMemory) {
+    if (!command::MemoryLimit::canBeSet) {
+        GTEST_SKIP() << "no limit under sanitizers";
+    }
+    const std::string large = write(
+        "large.log", [](std::ostream& out) { samplelog::writeNetworkLog(out, {.executions = 20'000}); });
+    const std::string file = files.write("form", "old");
+    const Strings forms[] = {{"--top"}, {"--json", file}, {"--trace", file}, {"--html", file}, {"--json=-"}};
+    for (Strings arguments : forms) {
+        arguments.insert(arguments.end(), {large, "--reader", ZEB_FAKE_READER, "--max-memory=16M"});
+        expectFailure(view(arguments), 1,
+                      large + ": to tell the figures of the run needs more than 16M of memory");
+        EXPECT_EQ(textOf(file), "old");
     }
 }
 

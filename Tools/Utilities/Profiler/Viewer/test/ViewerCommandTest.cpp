@@ -64,7 +64,12 @@ TEST_F(ViewerCommand, RefusesWrongUsage) {
     const std::string once = "--csv: to be given once, with a value" + seeHelp;
     const std::pair<Strings, std::string> cases[] = {
         {{"--csv", "a.csv"}, "no LOG given" + seeHelp},
-        {{log, "--csv"}, once},
+        {{log, "--csv"}, "--csv: needs a value" + seeHelp},
+        {{log, "--quiet=yes"}, "--quiet: takes no value" + seeHelp},
+        {{"--top", "5", log}, "--top: its value goes behind a \"=\": --top=5" + seeHelp},
+        {{"--top", "5"}, "--top: its value goes behind a \"=\": --top=5" + seeHelp},
+        {{"--save-objects", files.path(""), log},
+         "--save-objects: its value goes behind a \"=\": --save-objects=" + files.path("") + seeHelp},
         {{log, "--csv", "a", "--csv", "b"}, once},
         {{log, "--csv", ""}, "--csv: needs a value" + seeHelp},
         {{log, "--csv", "-"},
@@ -120,6 +125,8 @@ TEST_F(ViewerCommand, NamesWhatKeepsTheLogFromBeingRead) {
         {{files.path("line\nfeed.log")}, files.path("line?feed.log") + ": there is no such file"},
         {{files.path("")}, files.path("") + ": it is a directory, not a log"},
         {{"/proc/self/mem"}, "/proc/self/mem: the log can't be read: Input/output error"},
+        {{"/dev/null"}, "/dev/null: the file is empty"},
+        {{"--top", "missing"}, "missing: there is no such file"},
         {{log, "--load=memory", "--max-memory=3g"}, log + ": " + memoryWords("3g")},
         {{log, "--load=throw"}, log + ": the log can't be read: the cat sat on it"},
         {{log, "--load=odd"}, log + ": the log can't be read: unknown error"},
@@ -138,7 +145,29 @@ TEST_F(ViewerCommand, NamesWhatKeepsTheLogFromBeingRead) {
                   "/dev/stdin: the log can't be read: chunk 1 at byte 0, " + std::to_string(length) +
                       " bytes long, is cut off at the end of the file: only " + std::to_string(length - 1) +
                       " bytes of it are there");
-    EXPECT_EQ(view({"/dev/null"}).exitCode, 0);
+}
+
+// Nothing is written for a log whose producer has failed, though a reader takes no chunk for a good log.
+TEST_F(ViewerCommand, TellsALogWithoutAChunk) {
+    const std::string empty = "nothing came through the pipe; has the command that writes to it failed?";
+    const std::pair<std::string, std::string> cases[] = {
+        {": | \"$@\"", empty},
+        {"printf xyz | \"$@\"", "through the pipe came only 3 bytes, and no log is that short"},
+        {"\"$@\" <&-", "the file is empty"},
+    };
+    const Strings forms[] = {{"--csv", csv}, {"--json", "-"}};
+    for (Strings arguments : forms) {
+        arguments.insert(arguments.begin(), "-");
+        for (const auto& [script, words] : cases) {
+            const CommandResult result = viewThrough(script, arguments);
+            expectFailure(result, 1, "/dev/stdin: " + words);
+            EXPECT_EQ(result.out, "");
+        }
+    }
+    const std::string shortLog = files.write("short.log", "xyz");
+    expectFailure(view({shortLog, "--csv", csv}), 1,
+                  shortLog + ": the file has only 3 bytes, and no log is that short");
+    EXPECT_FALSE(fs::exists(csv));
 }
 
 TEST_F(ViewerCommand, EndsWithALineWhenItNeedsTooMuchMemory) {
@@ -285,6 +314,7 @@ TEST_F(ViewerCommand, AppendsToTheCsvFileOrLeavesItAsItWas) {
 TEST_F(ViewerCommand, ShowsItsHelpAndThatOfTheReader) {
     const CommandResult help = view({log, "--level=no", "--help", "--version"});
     EXPECT_EQ(help.exitCode, 0);
+    EXPECT_EQ(view({"-h"}).out, help.out);
     EXPECT_EQ(help.err, "help of the fake reader\n");
     for (const char* const part :
          {"Usage: zeb-profile-viewer [options] LOG [reader options]\n", "--reader NAME|PATH", "--csv FILE",

@@ -1,10 +1,10 @@
 #include "command/CommandLine.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstddef>
 #include <utility>
 
+#include "command/FileIdentity.h"
 #include "text/NearestName.h"
 
 namespace zeb::command {
@@ -13,20 +13,29 @@ namespace {
 
 constexpr const char* helpName = "--help";
 constexpr const char* versionName = "--version";
+constexpr std::string_view endOfOptions = "--";
 
-bool takesValue(const DeclaredOption& option) {
-    return option.takes != Takes::nothing && option.takes != Takes::optionalValue;
+bool looksLikeOption(std::string_view word) {
+    return word.size() > 1 && word.front() == '-' && (word[1] < '0' || word[1] > '9');
 }
 
-// The parser takes the word behind an option that ends in its "=" for its value.
-void refuseEmptyValues(const std::vector<DeclaredOption>& options, int argc, const char* const* argv) {
-    for (int index = 1; index < argc && std::string_view(argv[index]) != "--"; ++index) {
-        for (const DeclaredOption& option : options) {
-            if (option.takes != Takes::nothing && argv[index] == option.name + "=") {
-                throw wrongUsage(option.name, "needs a value");
-            }
-        }
+bool takesWords(Takes takes) {
+    return takes != Takes::nothing && takes != Takes::optionalValue;
+}
+
+bool takesOneValue(Takes takes) {
+    return takes == Takes::value || takes == Takes::optionalValue;
+}
+
+bool isSame(const Given& file, const Given& other) {
+    if (file.value == other.value) {
+        return !file.value.empty();
     }
+    if (file.value == "-" || other.value == "-") {
+        return false;
+    }
+    const auto identity = identityOf(file.value);
+    return identity && identity == identityOf(other.value);
 }
 
 std::string meant(const std::string& name, const Words& names) {
@@ -36,115 +45,103 @@ std::string meant(const std::string& name, const Words& names) {
 
 }  // namespace
 
-// Values stay texts, so that every complaint about one is worded by its command.
-struct CommandLine::Parser {
-    struct Slot {
-        std::string text;
-        Words texts;
-        bool isOn = false;
-    };
-
-    Parser(std::vector<DeclaredOption> declared, const std::string& wordName)
-        : options(std::move(declared)), slots(options.size()) {
-        app.set_help_flag();
-        app.allow_extras();
-        app.add_flag(helpName, showsHelp);
-        app.add_flag(versionName, showsVersion);
-        if (!wordName.empty()) {
-            app.add_option(wordName, word);
-        }
-        for (std::size_t index = 0; index < slots.size(); ++index) {
-            declare(options[index], slots[index]);
+CommandLine::CommandLine(std::vector<DeclaredOption> options, OwnWord ownWord,
+                         std::span<const char* const> words)
+    : slots_(options.size()), ownWord_(ownWord) {
+    std::transform(options.begin(), options.end(), slots_.begin(), [](DeclaredOption& option) {
+        return Slot{std::move(option), {}};
+    });
+    std::size_t at = 0;
+    while (at < words.size() && words[at] != endOfOptions) {
+        at = readOption(words, at);
+    }
+    if (at < words.size()) {
+        remaining_.emplace_back(endOfOptions);
+        while (++at < words.size()) {
+            readWord(words[at]);
         }
     }
-
-    void declare(const DeclaredOption& option, Slot& slot) {
-        switch (option.takes) {
-            case Takes::nothing:
-                app.add_flag(option.name, slot.isOn);
-                break;
-            case Takes::value:
-                app.add_option(option.name, slot.text);
-                break;
-            case Takes::optionalValue:
-                app.add_flag(option.name + "{" + option.valueLeftOut + "}", slot.text)
-                    ->multi_option_policy(CLI::MultiOptionPolicy::Throw);
-                break;
-            case Takes::values:
-            case Takes::valueEachTime:
-                app.add_option(option.name, slot.texts)->allow_extra_args(option.takes == Takes::values);
-                break;
-        }
-    }
-
-    void parse(int argc, const char* const* argv) {
-        try {
-            app.parse(argc, argv);
-        } catch (const CLI::ArgumentMismatch& error) {
-            // The parser's text names the option, and tells the rest in its own terms.
-            const std::string text = error.what();
-            throw wrongUsage(text.substr(0, text.find(':')), "to be given once, with a value");
-        } catch (const CLI::ParseError& error) {
-            throw wrongUsage(error.what());
-        }
-    }
-
-    [[nodiscard]] std::size_t indexOf(std::string_view name) const {
-        const auto found = std::find_if(options.begin(), options.end(),
-                                        [name](const DeclaredOption& option) { return option.name == name; });
-        return static_cast<std::size_t>(found - options.begin());
-    }
-
-    CLI::App app;
-    std::vector<DeclaredOption> options;
-    std::vector<Slot> slots;
-    std::optional<std::string> word;
-    bool showsHelp = false;
-    bool showsVersion = false;
-};
-
-CommandLine::CommandLine(std::vector<DeclaredOption> options, const std::string& wordName, int argc,
-                         const char* const* argv) {
-    refuseEmptyValues(options, argc, argv);
-    parser_ = std::make_unique<Parser>(std::move(options), wordName);
-    parser_->parse(argc, argv);
 }
 
-CommandLine::~CommandLine() = default;
+std::size_t CommandLine::readOption(std::span<const char* const> words, std::size_t at) {
+    const std::string text = words[at++];
+    if (text == helpName || text == "-h") {
+        showsHelp_ = true;
+        return at;
+    }
+    if (text == versionName) {
+        showsVersion_ = true;
+        return at;
+    }
+    const std::size_t equals = text.find('=');
+    const std::size_t index = indexOf(text.substr(0, equals));
+    if (index == slots_.size()) {
+        looksLikeOption(text) ? remaining_.push_back(text) : readWord(text);
+        return at;
+    }
+    auto& [option, values] = slots_[index];
+    const auto& [name, takes, valueLeftOut] = option;
+    if (takesOneValue(takes) && !values.empty()) {
+        throw wrongUsage(name, "to be given once, with a value");
+    }
+    if (equals != std::string::npos) {
+        if (takes == Takes::nothing || equals + 1 == text.size()) {
+            throw wrongUsage(name, takes == Takes::nothing ? "takes no value" : "needs a value");
+        }
+        values.push_back(text.substr(equals + 1));
+        return at;
+    }
+    if (!takesWords(takes)) {
+        values.push_back(valueLeftOut);
+        if (takes == Takes::optionalValue && !word_ && at < words.size() && !looksLikeOption(words[at])) {
+            optionBeforeWord_ = name;
+        }
+        return at;
+    }
+    if (at == words.size()) {
+        throw wrongUsage(name, "needs a value");
+    }
+    do {
+        values.emplace_back(words[at++]);
+    } while (takes == Takes::values && at < words.size() && !looksLikeOption(words[at]) &&
+             words[at] != endOfOptions);
+    return at;
+}
+
+void CommandLine::readWord(const std::string& word) {
+    if (ownWord_ == OwnWord::one && !word_) {
+        word_ = word;
+    } else {
+        remaining_.push_back(word);
+    }
+}
 
 Action CommandLine::action() const {
-    return parser_->showsHelp ? Action::showHelp : parser_->showsVersion ? Action::showVersion : Action::work;
+    return showsHelp_ ? Action::showHelp : showsVersion_ ? Action::showVersion : Action::work;
 }
 
 bool CommandLine::isGiven(std::string_view name) const {
-    const std::size_t index = parser_->indexOf(name);
-    return parser_->options[index].takes == Takes::nothing ? parser_->slots[index].isOn
-                                                           : parser_->app.count(std::string(name)) != 0;
+    const std::size_t index = indexOf(name);
+    return index < slots_.size() && !slots_[index].values.empty();
 }
 
-Words CommandLine::valuesOf(std::string_view name) const {
-    const std::size_t index = parser_->indexOf(name);
-    const DeclaredOption& option = parser_->options[index];
-    const auto& [text, texts, isOn] = parser_->slots[index];
-    Words values =
-        option.takes == Takes::values || option.takes == Takes::valueEachTime ? texts : Words{text};
+const Words& CommandLine::valuesOf(std::string_view name) const {
+    const auto& [option, values] = slots_.at(indexOf(name));
     for (const std::string& value : values) {
-        if (takesValue(option) && value.empty()) {
+        if (takesWords(option.takes) && value.empty()) {
             throw wrongUsage(option.name, "needs a value");
         }
-        if (takesValue(option) && value.starts_with("--")) {
+        if (takesWords(option.takes) && value.starts_with("--")) {
             throw wrongUsage(option.name, "needs a value, and " + value + " is an option");
         }
     }
     return values;
 }
 
-const std::optional<std::string>& CommandLine::word() const {
-    return parser_->word;
-}
-
-Words CommandLine::remaining() const {
-    return parser_->app.remaining();
+std::size_t CommandLine::indexOf(std::string_view name) const {
+    const auto found = std::find_if(slots_.begin(), slots_.end(),
+                                    [name](const Slot& slot) { return slot.option.name == name; });
+    return static_cast<std::size_t>(found - slots_.begin());
 }
 
 Failure wrongUsage(const std::string& line) {
@@ -172,9 +169,9 @@ Failure unknownOption(const std::string& name, const Words& known) {
 
 void refuseSameFiles(std::span<const Given> files) {
     for (auto later = files.begin(); later != files.end(); ++later) {
-        const auto other = std::find_if(files.begin(), later,
-                                        [later](const Given& file) { return file.value == later->value; });
-        if (other != later && !later->value.empty()) {
+        const auto other =
+            std::find_if(files.begin(), later, [later](const Given& file) { return isSame(file, *later); });
+        if (other != later) {
             throw wrongUsage(later->name, later->value == "-" ? "standard output takes one form, and " +
                                                                     other->name + " has it"
                                                               : "goes to where " + other->name + " goes");

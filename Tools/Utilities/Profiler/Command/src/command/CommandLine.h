@@ -2,8 +2,8 @@
 
 #include <charconv>
 #include <concepts>
+#include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -55,30 +55,50 @@ struct DeclaredOption {
     std::string valueLeftOut;
 };
 
-/// The words of a command line, sorted. All commands have --help and --version besides.
+/// Whether a command takes one word that belongs to no option.
+enum class OwnWord : bool { none, one };
+
+/// The words of a command line, sorted. All commands have --help, which is -h too, and --version besides.
 class CommandLine {
 public:
-    /// @param wordName of the one word that is no option; empty when there is none
+    /// @param words without the program's name; options may be given as "--name value" and as "--name=value"
     /// @throws Failure for wrong usage
-    CommandLine(std::vector<DeclaredOption> options, const std::string& wordName, int argc,
-                const char* const* argv);
-    ~CommandLine();
+    CommandLine(std::vector<DeclaredOption> options, OwnWord ownWord, std::span<const char* const> words);
 
     [[nodiscard]] Action action() const;
     [[nodiscard]] bool isGiven(std::string_view name) const;
 
-    /// @return what is given behind the option, an empty text for one that takes nothing
+    /// @return what is given behind the option each time, an empty text for one that takes nothing
+    /// @param name of a declared option
     /// @throws Failure for a value that is empty or an option
-    [[nodiscard]] Words valuesOf(std::string_view name) const;
+    [[nodiscard]] const Words& valuesOf(std::string_view name) const;
 
-    [[nodiscard]] const std::optional<std::string>& word() const;
+    [[nodiscard]] const std::optional<std::string>& word() const { return word_; }
+    /// @return the option that stands right in front of the word and may have a value behind a "=" alone,
+    /// which
+    ///         the word may be meant for
+    [[nodiscard]] const std::optional<std::string>& optionBeforeWord() const { return optionBeforeWord_; }
     /// @return the words that belong to no option, unknown options among them; a "--" marks that the rest is
     /// none
-    [[nodiscard]] Words remaining() const;
+    [[nodiscard]] const Words& remaining() const { return remaining_; }
 
 private:
-    struct Parser;
-    std::unique_ptr<Parser> parser_;
+    struct Slot {
+        DeclaredOption option;
+        Words values;
+    };
+
+    std::size_t readOption(std::span<const char* const> words, std::size_t at);
+    void readWord(const std::string& word);
+    [[nodiscard]] std::size_t indexOf(std::string_view name) const;
+
+    std::vector<Slot> slots_;
+    std::optional<std::string> word_;
+    std::optional<std::string> optionBeforeWord_;
+    Words remaining_;
+    OwnWord ownWord_;
+    bool showsHelp_ = false;
+    bool showsVersion_ = false;
 };
 
 /// @return what is wrong with an argument, with a word that the help says more
@@ -91,7 +111,8 @@ Failure noneOf(const Given& given, const Words& names);
 /// @return the failure of an option that nobody knows, with the one that was meant
 Failure unknownOption(const std::string& name, const Words& known);
 
-/// @throws Failure when two of them, which are all to be written, are one
+/// @param files that are all to be written; an empty path stands for none, "-" for standard output
+/// @throws Failure when two of them are one file, by whatever path
 void refuseSameFiles(std::span<const Given> files);
 
 /// @return the whole text as a number; nothing when it is none, or does not fit
@@ -130,13 +151,14 @@ Words optionNames(const std::vector<OptionRow<Options>>& rows) {
 
 /// @throws Failure for wrong usage
 template <typename Options>
-CommandLine parsedBy(const std::vector<OptionRow<Options>>& rows, const std::string& wordName, int argc,
+CommandLine parsedBy(const std::vector<OptionRow<Options>>& rows, OwnWord ownWord, int argc,
                      const char* const* argv) {
     std::vector<DeclaredOption> declared;
     for (const auto& row : rows) {
         declared.push_back({row.manual.name, row.takes, row.valueLeftOut});
     }
-    return {std::move(declared), wordName, argc, argv};
+    const std::span words(argv, static_cast<std::size_t>(argc));
+    return {std::move(declared), ownWord, words.subspan(words.empty() ? 0 : 1)};
 }
 
 /// Puts into the options what is given, in the order of the rows.
@@ -144,10 +166,8 @@ CommandLine parsedBy(const std::vector<OptionRow<Options>>& rows, const std::str
 template <typename Options>
 void applyGiven(const CommandLine& line, const std::vector<OptionRow<Options>>& rows, Options& options) {
     for (const auto& row : rows) {
-        if (line.isGiven(row.manual.name)) {
-            for (const std::string& value : line.valuesOf(row.manual.name)) {
-                row.apply(options, {row.manual.name, value});
-            }
+        for (const std::string& value : line.valuesOf(row.manual.name)) {
+            row.apply(options, {row.manual.name, value});
         }
     }
 }
@@ -161,7 +181,7 @@ std::vector<profiling::ManualOption> manualOf(const std::vector<OptionRow<Option
     for (const auto& row : rows) {
         options.push_back(row.manual);
     }
-    options.push_back({"--help", "", helpText});
+    options.push_back({"--help", "", helpText + " So does -h."});
     options.push_back({"--version", "", "Show the version."});
     return options;
 }

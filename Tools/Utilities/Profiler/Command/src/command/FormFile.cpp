@@ -7,12 +7,11 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <filesystem>
 #include <new>
-#include <system_error>
 #include <utility>
 
 #include "command/Failure.h"
+#include "command/FileIdentity.h"
 #include "command/HeldSignals.h"
 #include "command/MemoryLimit.h"
 #include "command/StandardOutput.h"
@@ -31,22 +30,6 @@ Failure fileFailure(const std::string& path, int error) {
 std::optional<struct stat> statusOf(const std::string& path) {
     struct stat status {};
     return ::stat(path.c_str(), &status) == 0 ? std::optional(status) : std::nullopt;
-}
-
-std::string directoryOf(const std::string& path) {
-    const std::filesystem::path directory = std::filesystem::path(path).parent_path();
-    return directory.empty() ? "." : directory.string();
-}
-
-// Links in front of a file that does not exist are followed too.
-std::string placeOf(const std::string& path) {
-    std::error_code error;
-    std::filesystem::path place(path);
-    for (int links = 0; links < 40 && std::filesystem::is_symlink(place, error); ++links) {
-        const std::filesystem::path target = std::filesystem::read_symlink(place, error);
-        place = target.is_absolute() ? target : place.parent_path() / target;
-    }
-    return place.string();
 }
 
 std::string besideName(const std::string& place, int number) {
@@ -105,9 +88,17 @@ FormFile::FormFile(const std::string& path, std::span<const std::string> logs) :
         })) {
         throw Failure(ExitCode::usage, path, "the file is the log itself");
     }
-    place_ = placeOf(path);
-    if ((status && ::access(place_.c_str(), W_OK) != 0) || !openBeside()) {
+    struct stat output {};
+    if (status && ::fstat(STDOUT_FILENO, &output) == 0 && isSameFile(*status, output)) {
+        throw Failure(ExitCode::usage, path, "standard output goes there; \"-\" is its name as a file");
+    }
+    place_ = behindLinks(path).string();
+    if (status && ::access(place_.c_str(), W_OK) != 0) {
         throw fileFailure(path, errno);
+    }
+    if (!openBeside()) {
+        throw Failure(ExitCode::badOutput, path,
+                      "the file can't be created in " + directoryOf(place_) + ": " + errorText(errno));
     }
     if (status && ::fchmod(beside_->file.get(), status->st_mode & 07777U) != 0) {
         throw fileFailure(path, errno);

@@ -31,14 +31,22 @@ std::string unreadable(int error) {
     return "the log can't be read: " + errorText(error);
 }
 
-std::optional<std::string> troubleWithRegularFile(const std::string& path) {
-    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
-    char byte = 0;
-    const ssize_t count = file.isOpen() ? ::read(file.get(), &byte, 1) : -1;
+// A log without one chunk is the mark of a producer that failed.
+std::optional<std::string> troubleWithStart(const std::string& path, const std::string& whenEmpty,
+                                            const std::string& whenShort) {
+    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY));
+    std::array<char, chunkPrefixSize> bytes{};
+    const ssize_t count =
+        file.isOpen() ? restarted([&] { return ::read(file.get(), bytes.data(), bytes.size()); }) : -1;
     if (count < 0) {
         return unreadable(errno);
     }
-    return count == 0 ? std::optional<std::string>("the file is empty") : std::nullopt;
+    if (count == 0) {
+        return whenEmpty;
+    }
+    const bool isShort = static_cast<std::size_t>(count) < bytes.size();
+    return isShort ? std::optional(whenShort + std::to_string(count) + " bytes, and no log is that short")
+                   : std::nullopt;
 }
 
 std::string cutOff(std::uint64_t bytesThere) {
@@ -138,23 +146,48 @@ constexpr Compression compressions[] = {
     {std::string_view("\xFD\x37zXZ\0", 6), "xz", "xzcat"},
 };
 
-std::optional<std::string> compressionOf(const std::string& path, std::string_view unpackedTo) {
+std::string firstBytesOf(const std::string& path) {
+    constexpr std::size_t enoughToTell = 64;
     const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
-    std::array<std::uint8_t, 6> bytes{};
-    if (!file.isOpen() || readAt(file, 0, bytes) < 2) {
-        return std::nullopt;
-    }
-    const std::string_view first(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    std::array<std::uint8_t, enoughToTell> bytes{};
+    const ssize_t count = file.isOpen() ? readAt(file, 0, bytes) : 0;
+    return {bytes.begin(), bytes.begin() + std::max<ssize_t>(count, 0)};
+}
+
+bool isBlank(char character) {
+    return std::string_view(" \t\r\n").find(character) != std::string_view::npos;
+}
+
+bool isOfText(char character) {
+    return isBlank(character) || static_cast<unsigned char>(character) >= ' ';
+}
+
+// Which file that is no log it seems to be, for one that was rejected.
+std::optional<std::string> otherKindOf(const std::string& path, std::string_view unpackedTo) {
+    const std::string first = firstBytesOf(path);
     for (const Compression& compression : compressions) {
         if (first.starts_with(compression.firstBytes)) {
             return "the log can't be read: it seems to be compressed by " + std::string(compression.name) +
                    "; try " + std::string(compression.command) + ' ' + path + ' ' + std::string(unpackedTo);
         }
     }
-    return std::nullopt;
+    const Beginning beginning = beginningOf(path);
+    return beginning == Beginning::other
+               ? std::nullopt
+               : std::optional("the log can't be read: it is no log, and begins like " +
+                               std::string(beginning == Beginning::json ? "JSON" : "text"));
 }
 
 }  // namespace
+
+bool comesOnce(const std::string& path) {
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0 || !S_ISCHR(status.st_mode)) {
+        return S_ISFIFO(status.st_mode) || S_ISSOCK(status.st_mode);
+    }
+    const FileDescriptor device(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
+    return device.isOpen() && ::lseek(device.get(), 0, SEEK_CUR) < 0 && errno == ESPIPE;
+}
 
 std::optional<std::string> troubleWithPath(const std::string& path) {
     struct stat status {};
@@ -164,10 +197,24 @@ std::optional<std::string> troubleWithPath(const std::string& path) {
     if (S_ISDIR(status.st_mode)) {
         return "it is a directory, not a log";
     }
-    if (S_ISREG(status.st_mode)) {
-        return troubleWithRegularFile(path);
+    if (!comesOnce(path)) {
+        return troubleWithStart(path, "the file is empty", "the file has only ");
     }
     return ::access(path.c_str(), R_OK) == 0 ? std::nullopt : std::optional(unreadable(errno));
+}
+
+std::optional<std::string> troubleWithKept(const std::string& path) {
+    return troubleWithStart(path, "nothing came through the pipe; has the command that writes to it failed?",
+                            "through the pipe came only ");
+}
+
+Beginning beginningOf(const std::string& path) {
+    const std::string bytes = firstBytesOf(path);
+    if (bytes.size() < chunkPrefixSize || !std::all_of(bytes.begin(), bytes.end(), isOfText)) {
+        return Beginning::other;
+    }
+    const auto first = std::find_if_not(bytes.begin(), bytes.end(), isBlank);
+    return first == bytes.end() || *first == '{' || *first == '[' ? Beginning::json : Beginning::text;
 }
 
 std::optional<std::string> whyEndedEarly(const std::string& path) {
@@ -197,8 +244,8 @@ std::string whyRejected(const std::string& path, const MemoryLimit& memory, std:
     if (!S_ISREG(status.st_mode)) {
         return "the log can't be read, and, being no regular file, not a second time to find out why";
     }
-    if (const auto compression = compressionOf(path, unpackedTo)) {
-        return *compression;
+    if (const auto otherKind = otherKindOf(path, unpackedTo)) {
+        return *otherKind;
     }
     ChunkReader chunks(path);
     if (!chunks.isOpen()) {

@@ -189,7 +189,7 @@ std::string_view meaningOf(ExitCode exitCode) {
 }
 
 CompareOptions parseCommandLine(int argc, const char* const* argv) {
-    const CommandLine line = parsedBy(optionRows(), "", argc, argv);
+    const CommandLine line = parsedBy(optionRows(), command::OwnWord::none, argc, argv);
     GivenOptions all;
     all.options.action = line.action();
     const Words files = filesAmong(line.remaining());

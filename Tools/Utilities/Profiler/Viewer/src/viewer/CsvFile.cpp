@@ -10,11 +10,11 @@
 #include <array>
 #include <cerrno>
 #include <cstdint>
-#include <filesystem>
 #include <optional>
 #include <utility>
 
 #include "command/Failure.h"
+#include "command/FileIdentity.h"
 #include "command/HeldSignals.h"
 
 namespace zeb::viewer {
@@ -51,11 +51,10 @@ struct stat statusOf(const FileDescriptor& file, const std::string& path) {
 }
 
 void checkDirectoryOf(const std::string& path) {
-    const std::filesystem::path directory = std::filesystem::path(path).parent_path();
-    const std::string name = directory.empty() ? "." : directory.string();
-    if (::access(name.c_str(), W_OK | X_OK) != 0) {
+    const std::string directory = command::directoryOf(command::behindLinks(path));
+    if (::access(directory.c_str(), W_OK | X_OK) != 0) {
         throw Failure(ExitCode::badOutput, path,
-                      "the CSV file can't be created in " + name + ": " + errorText(errno));
+                      "the CSV file can't be created in " + directory + ": " + errorText(errno));
     }
 }
 

@@ -61,7 +61,7 @@ int errorOfGrowing(const FileDescriptor& file, std::uint64_t size) {
 }  // namespace
 
 CsvSpool::CsvSpool(std::string csvPath)
-    : csvPath_(std::move(csvPath)), spool_(makeNamelessFile(directoryBeside(csvPath_))) {
+    : csvPath_(std::move(csvPath)), spool_(command::makeNamelessFile(directoryBeside(csvPath_))) {
     if (!spool_.file.isOpen()) {
         throw Failure(ExitCode::badOutput, csvPath_,
                       "there is no directory for the CSV report while it is made: " + errorText(errno));

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-#include "viewer/NamelessFile.h"
+#include "command/NamelessFile.h"
 
 namespace zeb::viewer {
 
@@ -29,7 +29,7 @@ public:
 
 private:
     std::string csvPath_;
-    NamelessFile spool_;
+    command::NamelessFile spool_;
 };
 
 }  // namespace zeb::viewer

@@ -4,16 +4,17 @@
 #include <stdexcept>
 #include <system_error>
 
+#include "command/LoadProgress.h"
 #include "command/LogDiagnosis.h"
 #include "viewer/CsvFile.h"
 #include "viewer/CsvSpool.h"
-#include "viewer/LoadProgress.h"
 #include "viewer/ObjectNames.h"
 
 namespace zeb::viewer {
 
 using command::ExitCode;
 using command::Failure;
+using command::LoadProgress;
 using command::MemoryLimit;
 using command::StandardOutput;
 using command::whyEndedEarly;
@@ -65,7 +66,7 @@ void ReportRun::show() {
 void ReportRun::checkObjects() {
     if (!options_.trustObjectNames) {
         saved_ = checkObjectNames(options_.logPath, objects_->path());
-        saved_->checkBefore(options_.csv);
+        saved_->checkBefore(options_.outputs());
     }
     printErrorLine("objects go to " + objects_->path());
 }

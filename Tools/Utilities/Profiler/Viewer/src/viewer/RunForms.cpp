@@ -7,19 +7,20 @@
 #include <utility>
 
 #include "analysis/MakeRun.h"
+#include "command/LoadProgress.h"
 #include "command/LogDiagnosis.h"
 #include "command/TerminalStyle.h"
 #include "forms/json/RunJson.h"
 #include "forms/page/Page.h"
 #include "forms/text/TopText.h"
 #include "forms/trace/Trace.h"
-#include "viewer/LoadProgress.h"
 
 namespace zeb::viewer {
 
 using command::ExitCode;
 using command::Failure;
 using command::FormFile;
+using command::LoadProgress;
 using command::MemoryLimit;
 using command::StandardOutput;
 using command::styleOfTerminal;

@@ -8,11 +8,11 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <filesystem>
 #include <optional>
 
 #include "command/Failure.h"
 #include "command/FileDescriptor.h"
+#include "command/FileIdentity.h"
 #include "text/NumberedName.h"
 
 namespace zeb::viewer {
@@ -24,11 +24,8 @@ using command::FileDescriptor;
 
 namespace {
 
-namespace fs = std::filesystem;
-
 // An execution's event may be saved for itself, the average, the shortest and the longest of its graph.
 constexpr std::uint64_t savesOfAnObject = 4;
-constexpr int maxLinks = 40;
 constexpr std::size_t maxShownName = 200;
 
 std::string fileNameOf(const std::string& path) {
@@ -60,15 +57,6 @@ int errorOfNewFile(const std::string& directory) {
 std::uint64_t fileSizeLimit() {
     rlimit limit{};
     return ::getrlimit(RLIMIT_FSIZE, &limit) == 0 ? limit.rlim_cur : RLIM_INFINITY;
-}
-
-// The file that opening the path would create, behind links to what is not there.
-fs::path behindLinks(fs::path path) {
-    std::error_code error;
-    for (int link = 0; link < maxLinks && fs::is_symlink(path, error); ++link) {
-        path = path.parent_path() / fs::read_symlink(path, error);
-    }
-    return path;
 }
 
 std::string subject(const SavedObjects::Object& object) {
@@ -122,29 +110,24 @@ const SavedObjects::Object* SavedObjects::find(std::size_t directory, const std:
     return place == objects_.end() ? nullptr : &place->second;
 }
 
-void SavedObjects::refuseCsvFile(const std::string& csvPath) const {
-    struct stat status {};
-    if (csvPath.empty() || ::stat(csvPath.c_str(), &status) == 0) {
-        return;  // no object is written to a file that is there
-    }
-    const fs::path csv = behindLinks(csvPath);
-    const std::string parent = csv.has_parent_path() ? csv.parent_path().string() : ".";
-    if (::stat(parent.c_str(), &status) != 0) {
+// No object is written to a file that is there.
+void SavedObjects::refuseOutput(const command::Given& output) const {
+    const auto identity = command::identityOf(output.value);
+    if (!identity || identity->name.empty()) {
         return;
     }
-    const auto directory = directoryNumbers_.find({status.st_dev, status.st_ino});
+    const auto directory = directoryNumbers_.find({identity->device, identity->inode});
     if (directory == directoryNumbers_.end()) {
         return;
     }
-    const std::string fileName = csv.filename().string();
-    const Object* object = find(directory->second, fileName);
-    if (const auto name = withoutNumber(fileName); object == nullptr && name) {
+    const Object* object = find(directory->second, identity->name);
+    if (const auto name = withoutNumber(identity->name); object == nullptr && name) {
         object = find(directory->second, *name);
     }
     if (object != nullptr) {
-        throw Failure(
-            ExitCode::badLog, logPath_,
-            subject(*object) + " could be saved as the CSV file " + csvPath + ", which needs another name");
+        throw Failure(ExitCode::badLog, logPath_,
+                      subject(*object) + " could be saved as " + output.value + ", the file of " +
+                          output.name + ", which needs another name");
     }
 }
 
@@ -164,8 +147,10 @@ void SavedObjects::findTaken(Object& object) const {
     }
 }
 
-void SavedObjects::checkBefore(const std::string& csvPath) {
-    refuseCsvFile(csvPath);
+void SavedObjects::checkBefore(std::span<const command::Given> outputs) {
+    for (const command::Given& output : outputs) {
+        refuseOutput(output);
+    }
     checkRoom("objects can't be saved there: ");
     const std::uint64_t limit = fileSizeLimit();
     for (auto& [key, object] : objects_) {

@@ -5,11 +5,14 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
 #include <vector>
+
+#include "command/CommandLine.h"
 
 namespace zeb::viewer {
 
@@ -43,10 +46,11 @@ public:
     Object& at(std::string_view name, std::uint64_t chunkNumber, const std::string& parent);
 
     /// Looks before the report.
-    /// @param csvPath empty for none
-    /// @throws Failure when an object could become the CSV file, can't be made for its size or the length of
+    /// @param outputs files that are written beside the objects; an empty path stands for none
+    /// @throws Failure when an object could become one of these files, can't be made for its size or the
+    /// length of
     ///         its numbered name, or a directory has no room for any file
-    void checkBefore(const std::string& csvPath);
+    void checkBefore(std::span<const command::Given> outputs);
 
     /// Looks after the report.
     /// @throws Failure that names a new file whose size is that of no object of its name, or a directory that
@@ -57,7 +61,7 @@ private:
     using Directory = std::pair<::dev_t, ::ino_t>;
 
     void checkRoom(const std::string& words) const;
-    void refuseCsvFile(const std::string& csvPath) const;
+    void refuseOutput(const command::Given& output) const;
     [[nodiscard]] std::string pathOf(const Object& object, std::uint64_t number) const;
     void findTaken(Object& object) const;
     [[nodiscard]] const Object* find(std::size_t directory, const std::string& fileName) const;

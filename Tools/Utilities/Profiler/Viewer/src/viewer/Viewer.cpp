@@ -6,14 +6,14 @@
 #include <utility>
 
 #include "command/CommandLine.h"
+#include "command/LoadProgress.h"
 #include "command/LogDiagnosis.h"
 #include "command/MemoryLimit.h"
+#include "command/PipedLog.h"
 #include "command/StandardOutput.h"
 #include "text/BuildText.h"
 #include "viewer/CsvFile.h"
 #include "viewer/GuardedStep.h"
-#include "viewer/LoadProgress.h"
-#include "viewer/PipedLog.h"
 #include "viewer/PluginLibrary.h"
 #include "viewer/ReportRun.h"
 #include "viewer/RunForms.h"
@@ -26,9 +26,10 @@ namespace zeb::viewer {
 using command::Action;
 using command::ExitCode;
 using command::Failure;
+using command::LoadProgress;
 using command::MemoryLimit;
+using command::PipedLog;
 using command::StandardOutput;
-using command::troubleWithPath;
 
 namespace {
 
@@ -58,14 +59,6 @@ void showHelp(const ViewerOptions& options, StandardOutput& output) {
     output.finish();
 }
 
-// The log may be read from here on, as often as it takes.
-void prepareLog(PipedLog& log) {
-    if (const auto trouble = troubleWithPath(log.given())) {
-        throw Failure(ExitCode::badLog, log.given(), *trouble);
-    }
-    log.keep();
-}
-
 void refuseLeftovers(const ViewerArgs& args) {
     const auto leftover = args.firstLeftover();
     if (!leftover) {
@@ -91,7 +84,7 @@ std::optional<MemoryLimit> showReport(const ViewerOptions& options, PipedLog& pi
     if (!options.csv.empty()) {
         checkCsvPath(options.csv, options.logPath);
     }
-    prepareLog(pipe);
+    pipe.prepare();
     std::optional<MemoryLimit> memory(std::in_place, options.maxMemory);
     output.setMuted(options.quiet);
     ReportRun(*reader, options, output, *memory).show();
@@ -100,14 +93,15 @@ std::optional<MemoryLimit> showReport(const ViewerOptions& options, PipedLog& pi
 }
 
 ExitCode show(ViewerOptions options, StandardOutput& output) {
-    if (options.quiet) {
-        LoadProgress::silence();
+    if (!options.quiet) {
+        LoadProgress::showFor(programName);
     }
     PipedLog pipe(options.log);
+    options.log = pipe.given();
     options.logPath = pipe.path();
     RunForms forms(options);
     if (options.isFormAlone()) {
-        prepareLog(pipe);
+        pipe.prepare();
         MemoryLimit memory(options.maxMemory);
         forms.show(output, memory);
         return ExitCode::good;

@@ -2,7 +2,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <string_view>
+#include <system_error>
 
 #include "command/CommandLine.h"
 #include "text/NearestName.h"
@@ -102,7 +104,7 @@ const OptionRows& optionRows() {
         {{"--save-objects", "[=DIR]",
           "Let the reader save object events to files in the directory DIR (default: the working directory). "
           "Files that are there are not overwritten, and a log whose object names lead out of the directory, "
-          "or to the CSV file, is refused."},
+          "or to another file that is to be written, is refused."},
          Takes::optionalValue,
          [](auto& options, const auto& given) { options.objectDirectory = given.value; },
          "."},
@@ -175,10 +177,7 @@ void checkTogether(const CommandLine& line, const ViewerOptions& options) {
             throw wrongUsage(name, "needs --trace beside it");
         }
     }
-    command::refuseSameFiles({{{"--csv", options.csv},
-                               {"--json", options.json},
-                               {"--trace", options.trace},
-                               {"--html", options.html}}});
+    command::refuseSameFiles(options.outputs());
     if (options.isFormAlone()) {
         checkFormAlone(line, options);
     }
@@ -195,6 +194,20 @@ Failure withoutLog(const command::Words& remaining) {
     return wrongUsage("no LOG given");
 }
 
+// "--top 5 run.log" makes a LOG of the 5.
+void refuseValueAsLog(const CommandLine& line) {
+    const std::string& word = *line.word();
+    const auto& option = line.optionBeforeWord();
+    std::error_code error;
+    const bool isLog =
+        word == "-" || (std::filesystem::exists(word, error) && !std::filesystem::is_directory(word, error));
+    const command::Words& rest = line.remaining();
+    const bool isLogBehind = !rest.empty() && !rest.front().starts_with('-');
+    if (option && !isLog && (isLogBehind || command::numberOf<std::size_t>(word))) {
+        throw wrongUsage(*option, "its value goes behind a \"=\": " + *option + "=" + word);
+    }
+}
+
 }  // namespace
 
 std::string_view meaningOf(ExitCode exitCode) {
@@ -203,7 +216,8 @@ std::string_view meaningOf(ExitCode exitCode) {
             return "good";
         case ExitCode::badLog:
             return "the log can't be read, needs more memory than it may have (--max-memory), or has an "
-                   "object that would be saved outside of the directory for objects, or as the CSV file";
+                   "object that would be saved outside of the directory for objects, or as another file to "
+                   "write";
         case ExitCode::usage:
             return "wrong usage, or the reader has shown its help";
         case ExitCode::badOutput:
@@ -222,7 +236,7 @@ std::string_view meaningOf(ExitCode exitCode) {
 }
 
 ViewerOptions parseCommandLine(int argc, const char* const* argv) {
-    const CommandLine line = parsedBy(optionRows(), "LOG", argc, argv);
+    const CommandLine line = parsedBy(optionRows(), command::OwnWord::one, argc, argv);
     ViewerOptions options;
     options.action = line.action();
     if (options.action != command::Action::work) {  // a help that is shown whatever the values hold
@@ -235,7 +249,8 @@ ViewerOptions parseCommandLine(int argc, const char* const* argv) {
     if (!line.word()) {
         throw withoutLog(line.remaining());
     }
-    options.log = *line.word() == "-" ? "/dev/stdin" : *line.word();
+    refuseValueAsLog(line);
+    options.log = *line.word();
     options.logPath = options.log;
     options.readerArguments = line.remaining();
     checkTogether(line, options);

@@ -44,6 +44,10 @@ struct ViewerOptions {
     [[nodiscard]] bool wantsForms() const {
         return topRows || !json.empty() || !trace.empty() || !html.empty();
     }
+    /// @return the files to write, by their options; empty where none is
+    [[nodiscard]] std::vector<command::Given> outputs() const {
+        return {{"--csv", csv}, {"--json", json}, {"--trace", trace}, {"--html", html}};
+    }
     /// @return whether one form takes the place of the report, on standard output
     [[nodiscard]] bool isFormAlone() const { return json == "-" || trace == "-" || html == "-"; }
 };

@@ -212,7 +212,7 @@ std::string_view meaningOf(ExitCode exitCode) {
 }
 
 CommandOptions parseCommandLine(int argc, const char* const* argv) {
-    const CommandLine line = parsedBy(optionRows(), "FILE", argc, argv);
+    const CommandLine line = parsedBy(optionRows(), command::OwnWord::one, argc, argv);
     bool areAllFiles = false;
     for (const std::string& word : line.remaining()) {
         if (!areAllFiles && word.starts_with('-') && word != "--") {

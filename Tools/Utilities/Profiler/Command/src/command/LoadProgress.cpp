@@ -1,10 +1,9 @@
-#include "viewer/LoadProgress.h"
+#include "command/LoadProgress.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <atomic>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
@@ -15,9 +14,8 @@
 #include "command/Failure.h"
 #include "command/FileDescriptor.h"
 #include "text/NumberText.h"
-#include "viewer/ProgramName.h"
 
-namespace zeb::viewer {
+namespace zeb::command {
 
 namespace {
 
@@ -28,7 +26,7 @@ constexpr auto quietTime = std::chrono::seconds(1);
 constexpr auto betweenLines = std::chrono::milliseconds(200);
 constexpr std::string_view clearLine = "\r\x1B[K";
 
-std::atomic<bool> isSilent = false;
+std::string nameOfProgram;
 
 void writeToTerminal(std::string_view text) {
     static_cast<void>(!::write(STDERR_FILENO, text.data(), text.size()));
@@ -56,7 +54,7 @@ std::optional<std::uint64_t> positionIn(const struct stat& file) {
     for (fs::directory_iterator each("/proc/self/fd", error), end; !error && each != end;
          each.increment(error)) {
         struct stat open {};
-        if (::stat(each->path().c_str(), &open) == 0 && command::isSameFile(open, file)) {
+        if (::stat(each->path().c_str(), &open) == 0 && isSameFile(open, file)) {
             furthest = std::max(furthest, positionOf(each->path().filename().string()));
         }
     }
@@ -105,13 +103,13 @@ LoadProgress::~LoadProgress() {
     thread_.join();
 }
 
-void LoadProgress::silence() {
-    isSilent = true;
+void LoadProgress::showFor(std::string_view programName) {
+    nameOfProgram = programName;
 }
 
 // Without a thread there is no progress, and no harm.
 void LoadProgress::start() {
-    if (isSilent || ::isatty(STDERR_FILENO) != 1) {
+    if (nameOfProgram.empty() || ::isatty(STDERR_FILENO) != 1) {
         return;
     }
     const SignalsElsewhere elsewhere;
@@ -156,7 +154,7 @@ std::optional<std::uint64_t> LoadProgress::bytesDone() const {
 std::string LoadProgress::line(std::uint64_t done, double seconds) const {
     const auto bytes = static_cast<double>(done);
     const double rate = bytes / seconds;
-    std::string text = std::string(programName) + ": ";
+    std::string text = nameOfProgram + ": ";
     if (size_ == 0) {
         return text + amount(bytes) + " read, " + amount(rate) + "/s";
     }
@@ -169,4 +167,4 @@ std::string LoadProgress::line(std::uint64_t done, double seconds) const {
     return text;
 }
 
-}  // namespace zeb::viewer
+}  // namespace zeb::command

@@ -1,4 +1,4 @@
-#include "viewer/NamelessFile.h"
+#include "command/NamelessFile.h"
 
 #include <fcntl.h>
 #include <linux/magic.h>
@@ -10,9 +10,7 @@
 #include <cerrno>
 #include <vector>
 
-namespace zeb::viewer {
-
-using command::FileDescriptor;
+namespace zeb::command {
 
 namespace {
 
@@ -69,4 +67,4 @@ NamelessFile makeNamelessFile(const std::optional<fs::path>& preferred) {
     return {FileDescriptor(-1), {}};
 }
 
-}  // namespace zeb::viewer
+}  // namespace zeb::command

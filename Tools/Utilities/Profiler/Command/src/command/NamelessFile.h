@@ -6,11 +6,11 @@
 
 #include "command/FileDescriptor.h"
 
-namespace zeb::viewer {
+namespace zeb::command {
 
 /// An open file without a name, for reading and writing: it goes with the process, however that ends.
 struct NamelessFile {
-    command::FileDescriptor file;
+    FileDescriptor file;
     std::string directory;  ///< it takes room there
 
     /// @return a path that leads to it within this process
@@ -23,4 +23,4 @@ struct NamelessFile {
 /// @return a file that is not open when it can be made nowhere; `errno` tells why not in the first place
 NamelessFile makeNamelessFile(const std::optional<std::filesystem::path>& preferred);
 
-}  // namespace zeb::viewer
+}  // namespace zeb::command

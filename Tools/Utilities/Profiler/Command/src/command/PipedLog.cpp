@@ -1,4 +1,4 @@
-#include "viewer/PipedLog.h"
+#include "command/PipedLog.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -10,26 +10,18 @@
 #include <vector>
 
 #include "command/Failure.h"
-#include "viewer/LoadProgress.h"
+#include "command/LoadProgress.h"
+#include "command/LogDiagnosis.h"
 
-namespace zeb::viewer {
-
-using command::errorText;
-using command::ExitCode;
-using command::Failure;
-using command::FileDescriptor;
-using command::restarted;
+namespace zeb::command {
 
 namespace {
 
-bool isPipe(const std::string& path) {
-    struct stat status {};
-    return ::stat(path.c_str(), &status) == 0 && (S_ISFIFO(status.st_mode) || S_ISSOCK(status.st_mode));
-}
+constexpr const char* standardInput = "/dev/stdin";
 
 // The number of an own descriptor that a path names.
 std::optional<int> descriptorNamed(std::string_view path) {
-    if (path == "/dev/stdin") {
+    if (path == standardInput) {
         return STDIN_FILENO;
     }
     for (const std::string_view front : {"/dev/fd/", "/proc/self/fd/"}) {
@@ -75,24 +67,33 @@ void copy(const std::string& log, int from, const NamelessFile& kept) {
 
 }  // namespace
 
-PipedLog::PipedLog(const std::string& log) : log_(log), path_(log) {
-    if (!isPipe(log)) {
+PipedLog::PipedLog(const std::string& log) : log_(log == "-" ? standardInput : log), path_(log_) {
+    if (!comesOnce(log_)) {
         return;
     }
-    descriptor_ = descriptorNamed(log);
+    descriptor_ = descriptorNamed(log_);
     kept_ = makeNamelessFile(std::nullopt);
     if (!kept_->file.isOpen()) {
-        throw cantKeep(log, *kept_, errno);
+        throw cantKeep(log_, *kept_, errno);
     }
     if (!descriptor_) {
         path_ = kept_->path();
     }
 }
 
-void PipedLog::keep() {
-    if (!kept_) {
-        return;
+void PipedLog::prepare() {
+    if (const auto trouble = troubleWithPath(log_)) {
+        throw Failure(ExitCode::badLog, log_, *trouble);
     }
+    if (kept_) {
+        keep();
+        if (const auto trouble = troubleWithKept(path_)) {
+            throw Failure(ExitCode::badLog, log_, *trouble);
+        }
+    }
+}
+
+void PipedLog::keep() {
     if (!descriptor_) {
         const FileDescriptor pipe(restarted([this] { return ::open(log_.c_str(), O_RDONLY | O_CLOEXEC); }));
         if (!pipe.isOpen()) {
@@ -108,4 +109,4 @@ void PipedLog::keep() {
     }
 }
 
-}  // namespace zeb::viewer
+}  // namespace zeb::command

@@ -5,12 +5,13 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <thread>
 
-namespace zeb::viewer {
+namespace zeb::command {
 
 /// Shows on standard error how far a log has been read, as long as it lives: once that takes more than a
-/// second, and only on a terminal, which it leaves as it was. It looks at the position of the file that is
+/// second, and only on a terminal, which it leaves as it was, and for a command that wants it. It looks at the position of the file that is
 /// open for reading beside it, so it needs no help of who reads.
 class LoadProgress {
 public:
@@ -27,8 +28,9 @@ public:
     LoadProgress& operator=(const LoadProgress&) = delete;
     ~LoadProgress();
 
-    /// No progress is shown from here on, whoever reads.
-    static void silence();
+    /// Progress is shown from here on, whoever reads, in lines that begin with the program's name.
+    /// @param programName empty for none, as at first
+    static void showFor(std::string_view programName);
 
 private:
     void start();
@@ -46,4 +48,4 @@ private:
     std::thread thread_;
 };
 
-}  // namespace zeb::viewer
+}  // namespace zeb::command

@@ -10,12 +10,10 @@
 
 #include "command/FileDescriptor.h"
 #include "support/TestChunks.h"
-#include "viewer/LoadProgress.h"
+#include "command/LoadProgress.h"
 
-namespace zeb::viewer {
+namespace zeb::command {
 namespace {
-
-namespace test = command::test;
 
 // A terminal that takes the place of standard error for as long as it lives.
 class Terminal {
@@ -23,7 +21,7 @@ public:
     Terminal() : terminal_(::posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK)), before_(::dup(STDERR_FILENO)) {
         EXPECT_TRUE(terminal_.isOpen() && ::grantpt(terminal_.get()) == 0 &&
                     ::unlockpt(terminal_.get()) == 0);
-        user_ = command::FileDescriptor(::open(::ptsname(terminal_.get()), O_RDWR | O_NOCTTY));
+        user_ = FileDescriptor(::open(::ptsname(terminal_.get()), O_RDWR | O_NOCTTY));
         ::dup2(user_.get(), STDERR_FILENO);
     }
     Terminal(const Terminal&) = delete;
@@ -47,22 +45,23 @@ public:
     }
 
 private:
-    command::FileDescriptor terminal_;
-    command::FileDescriptor before_;
-    command::FileDescriptor user_{-1};
+    FileDescriptor terminal_;
+    FileDescriptor before_;
+    FileDescriptor user_{-1};
     std::string text_;
 };
 
 TEST(LoadProgress, IsShownOnATerminalAfterASecondAndGoesAway) {
     const test::TempDir files;
     const std::string path = files.write("log", std::string(2'000'000, 'x'));
-    const command::FileDescriptor reader(::open(path.c_str(), O_RDONLY));
+    const FileDescriptor reader(::open(path.c_str(), O_RDONLY));
     EXPECT_EQ(::lseek(reader.get(), 500'000, SEEK_SET), 500'000);
     Terminal terminal;
     {
+        LoadProgress::showFor("viewer");
         const LoadProgress progress(path);
         EXPECT_EQ(terminal.text(), "") << "it took no second";
-        EXPECT_TRUE(terminal.shows("25% of 2 MB, "));
+        EXPECT_TRUE(terminal.shows("viewer: 25% of 2 MB, "));
         EXPECT_TRUE(terminal.shows(" s left"));
     }
     EXPECT_TRUE(terminal.text().ends_with("\r\x1B[K")) << terminal.text();
@@ -71,4 +70,4 @@ TEST(LoadProgress, IsShownOnATerminalAfterASecondAndGoesAway) {
 }
 
 }  // namespace
-}  // namespace zeb::viewer
+}  // namespace zeb::command
