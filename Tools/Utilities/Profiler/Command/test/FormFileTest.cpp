@@ -6,9 +6,12 @@
 #include <new>
 #include <sstream>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "command/FileIdentity.h"
 #include "command/FormFile.h"
+#include "command/Forms.h"
 #include "command/MemoryLimit.h"
 #include "support/TestChunks.h"
 
@@ -38,6 +41,35 @@ TEST(FormFile, IsAsItWasWhenAnAllocationHasFailed) {
     };
     EXPECT_EXIT(writeWithoutMemory(), testing::ExitedWithCode(0), "");
     EXPECT_EQ(test::fileText(path), "old");
+}
+
+struct Size {
+    std::size_t bytes;
+};
+Words writeBytes(std::ostream& out, const Size& size) {
+    out << std::string(size.bytes, 'x');
+    return {"as it is"};
+}
+Words writeNothing(std::ostream& /*out*/, const Size& /*size*/) {
+    return {};
+}
+constexpr Form<Size> formTable[] = {
+    {"--nothing", "Write nothing to FILE", writeNothing, 0, "are too much"},
+    {"--bytes", "Write bytes to FILE", writeBytes, 1U << 20U, "are too much"}};
+
+TEST(WantedForms, TellWhatIsTooLargeForItsReaders) {
+    const test::TempDir files;
+    const std::vector<Given> wanted = {{"--bytes", files.path("bytes")},
+                                       {"--nothing", files.path("nothing")}};
+    const std::string note = "program: " + files.path("bytes") + ": note: ";
+    for (const auto& [size, words] : {std::pair{1U << 20U, ""}, {3U << 20U, "3 MB are too much\n"}}) {
+        testing::internal::CaptureStderr();
+        WantedForms<Size>(formTable, wanted, {}).write({size}, "program");
+        EXPECT_EQ(testing::internal::GetCapturedStderr(),
+                  note + "as it is\n" + (*words == '\0' ? "" : note + words));
+        EXPECT_EQ(std::filesystem::file_size(files.path("bytes")), size);
+        EXPECT_EQ(std::filesystem::file_size(files.path("nothing")), 0U);
+    }
 }
 
 TEST(FileIdentity, IsThatOfTheFileWhereverItIs) {

@@ -175,6 +175,47 @@ TEST_F(RealReader, HasTheLastWordOnItsOptions) {
                   "--internal: unknown option; see zeb-profile-viewer --help");
 }
 
+// The words and exit codes are those of a run that makes the report, though none is made.
+TEST_F(RealReader, IsNotAskedForAReportThatNobodySees) {
+    const std::string file = files.path("run.json");
+    const std::string odd = files.write("odd.log", chunkOf(profilingLevel("abc")));
+    const std::string broken = files.write("broken.log", chunk + chunk.substr(0, 90));
+    const Strings cases[] = {
+        {log},
+        {log, "--internal"},
+        {log, "--reader", "murk"},
+        {log, "--intrenal"},
+        {log, "--extra_help"},
+        {broken},
+        {odd},
+        {odd, "--reader=generic"},
+        {files.path("none")},
+    };
+    for (const Strings& arguments : cases) {
+        for (const Strings& form : {Strings{}, Strings{"--json", file}}) {
+            const auto with = [&](Strings words) {
+                words.insert(words.end(), arguments.begin(), arguments.end());
+                words.insert(words.end(), form.begin(), form.end());
+                return view(words);
+            };
+            const CommandResult loud = with({});
+            const CommandResult quiet = with({"--quiet"});
+            EXPECT_EQ(quiet.exitCode, loud.exitCode) << arguments.back();
+            EXPECT_EQ(quiet.err, loud.err);
+            EXPECT_EQ(quiet.out, "");
+        }
+    }
+    // It is loaded and has its options, and that is all.
+    const CommandResult calls =
+        view({log, "--reader", ZEB_FAKE_READER, "--quiet", "--json", file, "--calls"});
+    EXPECT_EQ(calls.err, "createReader " + log + " 127\nparseBackendArgs\ndeleteReader\n");
+    for (const Strings& needed : {Strings{"--csv", csv}, Strings{"--save-objects=" + files.path("")}}) {
+        Strings words = {log, "--reader", ZEB_FAKE_READER, "--quiet", "--calls"};
+        words.insert(words.end(), needed.begin(), needed.end());
+        expectPart(view(words).err, "generateReports\n");
+    }
+}
+
 TEST_F(RealReader, WritesAPageBesideTheReportOrInItsPlace) {
     const std::string page = files.path("run.html");
     const CommandResult beside = view({log, "--html", page});

@@ -11,6 +11,7 @@
 #include "samplelog/MethodsLog.h"
 #include "samplelog/NetworkLog.h"
 #include "support/Command.h"
+#include "viewer/RunForms.h"
 
 namespace zeb::viewer {
 namespace {
@@ -19,7 +20,7 @@ using namespace command::test;
 
 namespace fs = std::filesystem;
 
-class RunForms : public testing::Test {
+class RunFormsTest : public testing::Test {
 protected:
     static CommandResult view(Strings arguments, const std::string& output = output::captured) {
         arguments.insert(arguments.begin(), ZEB_VIEWER);
@@ -46,7 +47,7 @@ protected:
     std::string trace = files.path("trace.json");
 };
 
-TEST_F(RunForms, StandBehindTheReportOfWhicheverReader) {
+TEST_F(RunFormsTest, StandBehindTheReportOfWhicheverReader) {
     for (const char* const reader : {"--reader=murl", "--reader=generic"}) {
         const CommandResult report = view({log, reader});
         const CommandResult withForms = view({log, reader, "--top=2", "--json", json, "--trace", trace});
@@ -64,7 +65,7 @@ TEST_F(RunForms, StandBehindTheReportOfWhicheverReader) {
     EXPECT_EQ(view({"--trace", "-", log}).out, textOf(trace));
 }
 
-TEST_F(RunForms, RefuseWhatMakesNoSenseTogether) {
+TEST_F(RunFormsTest, RefuseWhatMakesNoSenseTogether) {
     const std::string alone = "there is no report while a form goes to standard output";
     const std::pair<Strings, std::string> cases[] = {
         {{"--sort", "name"}, "--sort: needs --top beside it"},
@@ -93,7 +94,7 @@ TEST_F(RunForms, RefuseWhatMakesNoSenseTogether) {
 }
 
 // One file by other spellings, by links, and before it is there.
-TEST_F(RunForms, RefuseTwoOutputsToOneFile) {
+TEST_F(RunFormsTest, RefuseTwoOutputsToOneFile) {
     fs::create_directory(files.path("directory"));
     fs::create_symlink("directory", files.path("link"));
     fs::create_symlink("directory/new", files.path("to-new"));
@@ -117,13 +118,13 @@ TEST_F(RunForms, RefuseTwoOutputsToOneFile) {
     EXPECT_EQ(view({log, "--json", json, "--html", files.path("directory/run.json")}).exitCode, 0);
 }
 
-TEST_F(RunForms, NameTheDirectoryThatTakesNoFile) {
+TEST_F(RunFormsTest, NameTheDirectoryThatTakesNoFile) {
     expectFailure(view({log, "--json", files.path("none/run.json")}), 3,
                   files.path("none/run.json") + ": the file can't be created in " + files.path("none") +
                       ": No such file or directory");
 }
 
-TEST_F(RunForms, LeaveFilesWholeOrAsTheyWere) {
+TEST_F(RunFormsTest, LeaveFilesWholeOrAsTheyWere) {
     const std::string damaged = files.write("damaged.log", std::string_view("\x08\0\0\0damaged!", 12));
     files.write("run.json", "old");
     ::chmod(json.c_str(), 0640);
@@ -150,9 +151,10 @@ TEST_F(RunForms, LeaveFilesWholeOrAsTheyWere) {
     EXPECT_EQ(view({log, "--json", files.path("")}).exitCode, 3);
 }
 
-TEST_F(RunForms, LeaveTheOldFileOnAFullDiskAndAtALimit) {
+TEST_F(RunFormsTest, LeaveTheOldFileOnAFullDiskAndAtALimit) {
     const std::string old(100, 'o');
-    for (const std::string form : {"--json", "--trace", "--html"}) {
+    for (const auto& row : runForms()) {
+        const std::string form(row.option);
         SCOPED_TRACE(form);
         const std::string noSpace = "the file can't be written: No space left on device";
         expectFailure(view({log, form, "/dev/full"}), 3, "/dev/full: " + noSpace);
@@ -173,7 +175,7 @@ TEST_F(RunForms, LeaveTheOldFileOnAFullDiskAndAtALimit) {
 }
 
 // The fake reader needs none of it.
-TEST_F(RunForms, TellThatTheyNeedTooMuchMemory) {
+TEST_F(RunFormsTest, TellThatTheyNeedTooMuchMemory) {
     if (!command::MemoryLimit::canBeSet) {
         GTEST_SKIP() << "no limit under sanitizers";
     }
@@ -182,14 +184,14 @@ TEST_F(RunForms, TellThatTheyNeedTooMuchMemory) {
     const std::string file = files.write("form", "old");
     const Strings forms[] = {{"--top"}, {"--json", file}, {"--trace", file}, {"--html", file}, {"--json=-"}};
     for (Strings arguments : forms) {
-        arguments.insert(arguments.end(), {large, "--reader", ZEB_FAKE_READER, "--max-memory=16M"});
+        arguments.insert(arguments.end(), {large, "--reader", ZEB_FAKE_READER, "--max-memory=3M"});
         expectFailure(view(arguments), 1,
-                      large + ": to tell the figures of the run needs more than 16M of memory");
+                      large + ": to tell the figures of the run needs more than 3M of memory");
         EXPECT_EQ(textOf(file), "old");
     }
 }
 
-TEST_F(RunForms, TellAValueThatIsNoNumber) {
+TEST_F(RunFormsTest, TellAValueThatIsNoNumber) {
     const std::string odd = write("odd.log", [](std::ostream& out) {
         const samplelog::Event level{
             "Execute Profiling Level", std::string("deep"), samplelog::none, 0, {}, {}, {}};

@@ -27,15 +27,27 @@ bool takesOneValue(Takes takes) {
     return takes == Takes::value || takes == Takes::optionalValue;
 }
 
-bool isSame(const Given& file, const Given& other) {
-    if (file.value == other.value) {
-        return !file.value.empty();
+bool isSame(const std::string& file, const std::string& other) {
+    if (file == other) {
+        return true;
     }
-    if (file.value == "-" || other.value == "-") {
-        return false;
+    const auto identity = file == "-" || other == "-" ? std::nullopt : identityOf(file);
+    return identity && identity == identityOf(other);
+}
+
+void refuseSameFiles(std::span<const GivenBeside> options) {
+    for (auto later = options.begin(); later != options.end(); ++later) {
+        const auto other = std::find_if(options.begin(), later, [later](const GivenBeside& earlier) {
+            return earlier.beside.writesFile && later->beside.writesFile &&
+                   isSame(earlier.given.value, later->given.value);
+        });
+        if (other != later) {
+            throw wrongUsage(later->given.name,
+                             later->given.value == "-"
+                                 ? "standard output takes one form, and " + other->given.name + " has it"
+                                 : "goes to where " + other->given.name + " goes");
+        }
     }
-    const auto identity = identityOf(file.value);
-    return identity && identity == identityOf(other.value);
 }
 
 std::string meant(const std::string& name, const Words& names) {
@@ -167,16 +179,29 @@ Failure unknownOption(const std::string& name, const Words& known) {
                            : Failure(ExitCode::usage, name, "unknown option" + nearest);
 }
 
-void refuseSameFiles(std::span<const Given> files) {
-    for (auto later = files.begin(); later != files.end(); ++later) {
-        const auto other =
-            std::find_if(files.begin(), later, [later](const Given& file) { return isSame(file, *later); });
-        if (other != later) {
-            throw wrongUsage(later->name, later->value == "-" ? "standard output takes one form, and " +
-                                                                    other->name + " has it"
-                                                              : "goes to where " + other->name + " goes");
+void checkBeside(std::span<const GivenBeside> options) {
+    for (const auto& [given, beside] : options) {
+        if (!beside.needs.empty() &&
+            std::none_of(options.begin(), options.end(), [&needed = beside.needs](const GivenBeside& other) {
+                return other.given.name == needed;
+            })) {
+            throw wrongUsage(given.name, "needs " + beside.needs + " beside it");
         }
     }
+    refuseSameFiles(options);
+    const bool isFormAlone = std::any_of(options.begin(), options.end(), [](const GivenBeside& option) {
+        return option.beside.writesFile && option.given.value == "-";
+    });
+    for (const auto& [given, beside] : options) {
+        if (isFormAlone && beside.needsText) {
+            throw wrongUsage(given.name, "there is no report while a form goes to standard output");
+        }
+    }
+}
+
+std::string helpOf(const Beside& beside) {
+    return (beside.needs.empty() ? "" : " Needs " + beside.needs + ".") +
+           (beside.needsText ? " Not with a form on standard output." : "");
 }
 
 profiling::ManualOption maxMemoryOption() {

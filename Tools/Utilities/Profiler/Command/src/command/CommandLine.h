@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <charconv>
 #include <concepts>
 #include <cstddef>
@@ -38,6 +39,13 @@ struct Given {
     std::string value;  ///< empty for one that takes nothing
 };
 
+/// What an option asks of those that are given beside it.
+struct Beside {
+    std::string needs = {};   ///< the option without which it says nothing
+    bool needsText = false;   ///< it says nothing while a form takes the text's place on standard output
+    bool writesFile = false;  ///< its value is a file that no other option may write; "-" for standard output
+};
+
 /// A row of a command's table of options.
 template <typename Options>
 struct OptionRow {
@@ -46,6 +54,7 @@ struct OptionRow {
     /// Puts it into the options. Throws Failure for a value that is none.
     void (*apply)(Options& options, const Given& given);
     std::string valueLeftOut = {};  ///< what an optional value is where it is not given
+    Beside beside = {};
 };
 
 /// An option as the parser has to know it.
@@ -111,9 +120,22 @@ Failure noneOf(const Given& given, const Words& names);
 /// @return the failure of an option that nobody knows, with the one that was meant
 Failure unknownOption(const std::string& name, const Words& known);
 
-/// @param files that are all to be written; an empty path stands for none, "-" for standard output
-/// @throws Failure when two of them are one file, by whatever path
-void refuseSameFiles(std::span<const Given> files);
+/// An option that was given, with its row.
+struct GivenBeside {
+    Given given;
+    Beside beside;
+};
+
+/// @throws Failure when one needs what is not there, or two of them write one file, by whatever path
+void checkBeside(std::span<const GivenBeside> options);
+
+/// @return whether a form has standard output for itself
+inline bool isFormAlone(std::span<const Given> forms) {
+    return std::any_of(forms.begin(), forms.end(), [](const Given& form) { return form.value == "-"; });
+}
+
+/// @return the help that follows from the rules
+std::string helpOf(const Beside& beside);
 
 /// @return the whole text as a number; nothing when it is none, or does not fit
 template <typename Number>
@@ -162,14 +184,17 @@ CommandLine parsedBy(const std::vector<OptionRow<Options>>& rows, OwnWord ownWor
 }
 
 /// Puts into the options what is given, in the order of the rows.
-/// @throws Failure for a value that is none
+/// @throws Failure for a value that is none, and for options that don't go together
 template <typename Options>
 void applyGiven(const CommandLine& line, const std::vector<OptionRow<Options>>& rows, Options& options) {
+    std::vector<GivenBeside> given;
     for (const auto& row : rows) {
         for (const std::string& value : line.valuesOf(row.manual.name)) {
             row.apply(options, {row.manual.name, value});
+            given.push_back({{row.manual.name, value}, row.beside});
         }
     }
+    checkBeside(given);
 }
 
 /// @param helpText of --help itself
@@ -180,6 +205,7 @@ std::vector<profiling::ManualOption> manualOf(const std::vector<OptionRow<Option
     std::vector<profiling::ManualOption> options;
     for (const auto& row : rows) {
         options.push_back(row.manual);
+        options.back().text += helpOf(row.beside);
     }
     options.push_back({"--help", "", helpText + " So does -h."});
     options.push_back({"--version", "", "Show the version."});

@@ -51,7 +51,9 @@ std::string makeBeside(const std::string& place, Make make) {
     return {};
 }
 
-void printTo(int descriptor, const std::string& path, const std::function<void(std::ostream&)>& print) {
+// Gives the number of bytes.
+std::uint64_t printTo(int descriptor, const std::string& path,
+                      const std::function<void(std::ostream&)>& print) {
     DescriptorBuffer buffer(descriptor);
     std::ostream out(&buffer);
     out.imbue(std::locale::classic());
@@ -64,6 +66,7 @@ void printTo(int descriptor, const std::string& path, const std::function<void(s
     if (buffer.error() != 0 && !isClosedPipe) {
         throw fileFailure(path, buffer.error());
     }
+    return buffer.size();
 }
 
 }  // namespace
@@ -105,10 +108,6 @@ FormFile::FormFile(const std::string& path, std::span<const std::string> logs) :
     }
 }
 
-std::optional<FormFile> FormFile::openIfWanted(const std::string& path, std::span<const std::string> logs) {
-    return path.empty() ? std::nullopt : std::optional<FormFile>(std::in_place, path, logs);
-}
-
 FormFile::FormFile(FormFile&& other) noexcept
     : path_(std::move(other.path_)),
       place_(std::move(other.place_)),
@@ -140,22 +139,21 @@ bool FormFile::openBeside() {
     return beside_->file.isOpen();
 }
 
-void FormFile::write(const std::function<void(std::ostream&)>& print) {
+std::uint64_t FormFile::write(const std::function<void(std::ostream&)>& print) {
     if (path_ == standardOutput) {
-        printTo(STDOUT_FILENO, "standard output", print);
-        return;
+        return printTo(STDOUT_FILENO, "standard output", print);
     }
     if (beside_) {
-        printTo(beside_->file.get(), path_, print);
+        const std::uint64_t size = printTo(beside_->file.get(), path_, print);
         putInPlace();
-        return;
+        return size;
     }
     const FileDescriptor file(
         restarted([this] { return ::open(path_.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY); }));
     if (!file.isOpen()) {
         throw fileFailure(path_, errno);
     }
-    printTo(file.get(), path_, print);
+    return printTo(file.get(), path_, print);
 }
 
 void FormFile::putInPlace() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <ostream>
@@ -21,16 +22,16 @@ public:
     /// @param logs that are read, of which it may be none
     /// @throws Failure when it can't be written, or is a log
     FormFile(const std::string& path, std::span<const std::string> logs);
-    /// @return nothing for a form that is not wanted, whose path is empty
-    static std::optional<FormFile> openIfWanted(const std::string& path, std::span<const std::string> logs);
     FormFile(FormFile&& other) noexcept;
     FormFile& operator=(FormFile&& other) = delete;
     ~FormFile();
 
     /// @param print writes the form; what it throws passes, with the file as it was
-    /// @throws Failure when it can't be written; std::bad_alloc when an allocation has failed, also when `print`
+    /// @return its bytes
+    /// @throws Failure when it can't be written; std::bad_alloc when an allocation has failed, also when
+    /// `print`
     ///         has caught that, as text streams do
-    void write(const std::function<void(std::ostream&)>& print);
+    std::uint64_t write(const std::function<void(std::ostream&)>& print);
 
 private:
     struct Beside {

@@ -78,6 +78,7 @@ int DescriptorBuffer::sync() {
 }
 
 void DescriptorBuffer::writeAll(std::string_view bytes) {
+    size_ += bytes.size();
     while (!bytes.empty() && error_ == 0 && !isMuted_) {
         const ssize_t count = restarted([&] { return ::write(descriptor_, bytes.data(), bytes.size()); });
         if (count >= 0) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <optional>
 #include <streambuf>
 #include <string_view>
@@ -28,6 +29,9 @@ public:
     /// Drops what is written from here on, or no longer does.
     void setMuted(bool isMuted);
 
+    /// @return how many bytes have been brought out, those that were dropped among them
+    [[nodiscard]] std::uint64_t size() const { return size_; }
+
     /// @return the `errno` of the first write that failed, else 0
     [[nodiscard]] int error() const { return error_; }
 
@@ -40,6 +44,7 @@ private:
 
     int descriptor_;
     int error_ = 0;
+    std::uint64_t size_ = 0;
     bool isMuted_ = false;
     std::optional<forms::TerminalText> terminalText_;
     std::array<char, 65536> buffer_{};

@@ -9,13 +9,11 @@
 #include <vector>
 
 #include "command/Failure.h"
-#include "command/FormFile.h"
 #include "command/StandardOutput.h"
 #include "command/TerminalStyle.h"
 #include "compare/CompareOptions.h"
+#include "compare/ComparisonForms.h"
 #include "compare/LoadRun.h"
-#include "forms/json/ComparisonJson.h"
-#include "forms/page/ComparisonPage.h"
 #include "forms/text/ComparisonText.h"
 #include "text/BuildText.h"
 #include "zeb/profiling/Version.h"
@@ -66,16 +64,8 @@ ExitCode judgeBy(const analysis::Comparison& comparison, const analysis::Gate& g
 void writeForms(const CompareOptions& options, const analysis::Comparison& comparison) {
     std::vector<std::string> logs = options.base;
     logs.insert(logs.end(), options.changed.begin(), options.changed.end());
-    auto json = command::FormFile::openIfWanted(options.json, logs);
-    auto html = command::FormFile::openIfWanted(options.html, logs);
-    if (json) {
-        json->write([&](std::ostream& out) { forms::writeComparisonJson(out, comparison, options.gate); });
-    }
-    if (html) {
-        html->write([&](std::ostream& out) {
-            forms::writeComparisonPage(out, comparison, options.gate, options.hideBelow);
-        });
-    }
+    command::WantedForms<ComparisonFormInput> forms(comparisonForms(), options.formFiles, logs);
+    forms.write({comparison, options}, programName);
 }
 
 ExitCode compareVersions(const CompareOptions& options, StandardOutput& output) {
@@ -85,7 +75,7 @@ ExitCode compareVersions(const CompareOptions& options, StandardOutput& output) 
         const std::vector<analysis::RunSummary> changed = load(options.changed, memory);
         const analysis::Comparison comparison = analysis::compare(base, changed, options.renames);
         writeForms(options, comparison);
-        const bool hasText = !options.isFormAlone();
+        const bool hasText = !isFormAlone(options.formFiles);
         if (hasText) {
             // Names are made fit for a terminal where they are printed; the colours have to pass.
             output.showRaw();
@@ -96,6 +86,9 @@ ExitCode compareVersions(const CompareOptions& options, StandardOutput& output) 
                                     .hideBelow = options.hideBelow});
         }
         output.finish();
+        if (MemoryLimit::wasHit()) {
+            throw std::bad_alloc();
+        }
         const ExitCode exitCode = options.gate ? judgeBy(comparison, *options.gate, hasText) : ExitCode::good;
         output.finish();
         return exitCode;

@@ -5,6 +5,8 @@
 #include <string_view>
 
 #include "command/CommandLine.h"
+#include "command/Forms.h"
+#include "compare/ComparisonForms.h"
 
 namespace zeb::compare {
 
@@ -72,8 +74,6 @@ analysis::Total totalOf(const Given& given) {
 constexpr const char* baseName = "--base";
 constexpr const char* newName = "--new";
 constexpr const char* failName = "--fail-above";
-constexpr const char* gateName = "--gate";
-constexpr const char* minChangeName = "--min-change-us";
 
 // What is given, before the gate is put together: its options make none unless a growth is forbidden.
 struct GivenOptions {
@@ -83,9 +83,8 @@ struct GivenOptions {
 
 using OptionRows = std::vector<command::OptionRow<GivenOptions>>;
 
-// All options, in the order of the help.
-const OptionRows& optionRows() {
-    static const OptionRows rows = {
+OptionRows ownRows() {
+    return {
         {{baseName, " LOG...", "The logs of the base."},
          Takes::values,
          [](auto& all, const auto& given) { all.options.base.push_back(given.value); }},
@@ -105,26 +104,33 @@ const OptionRows& optionRows() {
           "sure; with one a side the change alone decides."},
          Takes::value,
          [](auto& all, const auto& given) { all.gate.maxGrowth = shareOf(given); }},
-        {{gateName, " TIME",
+        {{"--gate", " TIME",
           "The time to judge: " + profiling::namesInARow(command::namesOf(gateNames)) + ". Default marlix.",
           command::namesOf(gateNames)},
          Takes::value,
-         [](auto& all, const auto& given) { all.gate.total = totalOf(given); }},
-        {{minChangeName, " N", "Let a growth by less than N microseconds pass."},
+         [](auto& all, const auto& given) { all.gate.total = totalOf(given); },
+         {},
+         {.needs = failName}},
+        {{"--min-change-us", " N", "Let a growth by less than N microseconds pass."},
          Takes::value,
-         [](auto& all, const auto& given) { all.gate.minChangeUs = usOf(given); }},
-        {{"--json", " FILE",
-          "Write the comparison to FILE as JSON; \"-\" is standard output, without the text."},
-         Takes::value,
-         [](auto& all, const auto& given) { all.options.json = given.value; }},
-        {{"--html", " FILE",
-          "Write the comparison to FILE as a page for a browser; \"-\" is standard output, without the "
-          "text."},
-         Takes::value,
-         [](auto& all, const auto& given) { all.options.html = given.value; }},
+         [](auto& all, const auto& given) { all.gate.minChangeUs = usOf(given); },
+         {},
+         {.needs = failName}},
         {command::maxMemoryOption(), Takes::value,
          [](auto& all, const auto& given) { all.options.maxMemory = command::maxMemoryOf(given); }},
     };
+}
+
+// All options, in the order of the help.
+const OptionRows& optionRows() {
+    static const OptionRows rows = [] {
+        OptionRows all = ownRows();
+        const OptionRows forms = command::formRows<GivenOptions>(
+            comparisonForms(), "the text",
+            [](GivenOptions& given, const Given& form) { given.options.formFiles.push_back(form); });
+        all.insert(all.end(), forms.begin(), forms.end());
+        return all;
+    }();
     return rows;
 }
 
@@ -197,15 +203,9 @@ CompareOptions parseCommandLine(int argc, const char* const* argv) {
         return all.options;
     }
     applyGiven(line, optionRows(), all);
-    for (const char* const name : {gateName, minChangeName}) {
-        if (line.isGiven(name) && !line.isGiven(failName)) {
-            throw wrongUsage(name, "needs " + std::string(failName) + " beside it");
-        }
-    }
     if (line.isGiven(failName)) {
         all.options.gate = all.gate;
     }
-    command::refuseSameFiles({{{"--json", all.options.json}, {"--html", all.options.html}}});
     takeFiles(all.options, files);
     return all.options;
 }

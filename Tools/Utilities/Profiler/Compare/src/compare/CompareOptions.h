@@ -27,14 +27,10 @@ struct CompareOptions {
     std::vector<std::string> base;  ///< one log at least, and so below
     std::vector<std::string> changed;
     std::vector<analysis::Rename> renames;
-    double hideBelow = 0.005;            ///< a share
-    std::optional<analysis::Gate> gate;  ///< nothing: every change is good
-    std::string json;                    ///< empty: no JSON; "-": on standard output, without the text
-    std::string html;                    ///< the page, the same way
+    double hideBelow = 0.005;               ///< a share
+    std::optional<analysis::Gate> gate;     ///< nothing: every change is good
+    std::vector<command::Given> formFiles;  ///< of the forms that are wanted (`comparisonForms`)
     command::MemorySize maxMemory = command::defaultMemorySize();
-
-    /// Whether a form is on standard output, which then has no text.
-    [[nodiscard]] bool isFormAlone() const { return json == "-" || html == "-"; }
 };
 
 /// Help and version win over everything but words that no option takes.

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <stdexcept>
 #include <system_error>
+#include <vector>
 
 #include "command/LoadProgress.h"
 #include "command/LogDiagnosis.h"
@@ -66,7 +67,9 @@ void ReportRun::show() {
 void ReportRun::checkObjects() {
     if (!options_.trustObjectNames) {
         saved_ = checkObjectNames(options_.logPath, objects_->path());
-        saved_->checkBefore(options_.outputs());
+        std::vector<command::Given> outputs = options_.formFiles;
+        outputs.push_back({"--csv", options_.csv});
+        saved_->checkBefore(outputs);
     }
     printErrorLine("objects go to " + objects_->path());
 }

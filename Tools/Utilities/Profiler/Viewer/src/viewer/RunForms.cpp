@@ -19,7 +19,6 @@ namespace zeb::viewer {
 
 using command::ExitCode;
 using command::Failure;
-using command::FormFile;
 using command::LoadProgress;
 using command::MemoryLimit;
 using command::StandardOutput;
@@ -29,53 +28,82 @@ using command::whyRejected;
 
 namespace {
 
-constexpr std::uint64_t mostBytesOfBrowsers = std::uint64_t{256} << 20U;
+using command::Words;
+using Form = command::Form<RunFormInput>;
+
+Words writeJson(std::ostream& out, const RunFormInput& input) {
+    forms::writeRunJson(out, input.run);
+    return {};
+}
+
+Words writeTrace(std::ostream& out, const RunFormInput& input) {
+    const ViewerOptions& options = input.options;
+    const auto result =
+        forms::writeTrace(out, input.run, options.logPath,
+                          {.level = options.level, .fromMs = options.traceFromMs, .toMs = options.traceToMs});
+    if (!result) {
+        throw Failure(ExitCode::badLog, options.log, "the log has changed while it was read");
+    }
+    if (result->leftOutForTracks + result->leftOutAsTooLate == 0) {
+        return {};
+    }
+    return {std::to_string(result->leftOutForTracks) + " messages overlap too many others to be drawn, and " +
+            std::to_string(result->leftOutAsTooLate) + " lie too far behind the first"};
+}
+
+Words writePage(std::ostream& out, const RunFormInput& input) {
+    forms::writePage(out, input.run);
+    return {};
+}
+
+constexpr Form formTable[] = {
+    {"--json", "Write all figures of the run to FILE as JSON", writeJson},
+    {"--trace", "Write the log's timeline to FILE, for the trace viewers of browsers", writeTrace,
+     std::uint64_t{256} << 20U, "are more than most browsers open; --trace-from and --trace-to cut it"},
+    {"--html", "Write the run to FILE as a page for a browser", writePage, std::uint64_t{50} << 20U,
+     "are more than most browsers show at ease; --json has the same figures"},
+};
 
 }  // namespace
 
-RunForms::RunForms(const ViewerOptions& options)
-    : options_(options),
-      json_(FormFile::openIfWanted(options.json, {&options.logPath, 1})),
-      trace_(FormFile::openIfWanted(options.trace, {&options.logPath, 1})),
-      html_(FormFile::openIfWanted(options.html, {&options.logPath, 1})) {}
+std::span<const Form> runForms() {
+    return formTable;
+}
 
-void RunForms::show(StandardOutput& output, MemoryLimit& memory) {
-    if (!options_.wantsForms()) {
-        return;
-    }
-    const GuardedStep printing{ExitCode::badReport, options_.log,
-                               "the figures of the run can't be told: ", "to tell the figures of the run "};
-    guarded(printing, &memory, [&] {
-        const analysis::Run run = readRun(memory);
-        if (options_.topRows) {
-            printTop(run, output);
-        }
-        if (json_) {
-            json_->write([&run](std::ostream& out) { forms::writeRunJson(out, run); });
-        }
-        if (trace_) {
-            writeTrace(run);
-        }
-        if (html_) {
-            html_->write([&run](std::ostream& out) { forms::writePage(out, run); });
-        }
-        return true;
-    });
+RunForms::RunForms(const ViewerOptions& options)
+    : options_(options), forms_(runForms(), options.formFiles, {&options.logPath, 1}) {}
+
+GuardedStep RunForms::step() const {
+    return {ExitCode::badReport, options_.log, "the figures of the run can't be told: ",
+            "to tell the figures of the run "};
 }
 
 analysis::Run RunForms::readRun(MemoryLimit& memory) const {
-    auto run = [this] {
-        const LoadProgress progress(options_.logPath);
-        return analysis::makeRun(options_.logPath, options_.level);
-    }();
-    if (!run) {
-        throw Failure(ExitCode::badLog, options_.log, whyRejected(options_.logPath, memory, pipedIntoViewer));
-    }
-    if (const auto trouble = whyEndedEarly(options_.logPath)) {
-        throw Failure(ExitCode::badLog, options_.log, *trouble);
-    }
-    run->logFile = options_.log;
-    return std::move(*run);
+    return guarded(step(), &memory, [&] {
+        auto run = [this] {
+            const LoadProgress progress(options_.logPath);
+            return analysis::makeRun(options_.logPath, options_.level);
+        }();
+        if (!run) {
+            throw Failure(ExitCode::badLog, options_.log,
+                          whyRejected(options_.logPath, memory, pipedIntoViewer));
+        }
+        if (const auto trouble = whyEndedEarly(options_.logPath)) {
+            throw Failure(ExitCode::badLog, options_.log, *trouble);
+        }
+        run->logFile = options_.log;
+        return std::move(*run);
+    });
+}
+
+void RunForms::show(const analysis::Run& run, StandardOutput& output, MemoryLimit& memory) {
+    guarded(step(), &memory, [&] {
+        if (options_.topRows) {
+            printTop(run, output);
+        }
+        forms_.write({run, options_}, programName);
+        return true;
+    });
 }
 
 // What the log's names hold is made fit for a terminal there, and colours have to reach it.
@@ -88,28 +116,6 @@ void RunForms::printTop(const analysis::Run& run, StandardOutput& output) const 
                      .filter = options_.topFilter,
                      .style = styleOfTerminal(STDOUT_FILENO)});
     output.finish();
-}
-
-void RunForms::writeTrace(const analysis::Run& run) {
-    std::optional<forms::TraceResult> result;
-    trace_->write([&](std::ostream& out) {
-        result = forms::writeTrace(
-            out, run, options_.logPath,
-            {.level = options_.level, .fromMs = options_.traceFromMs, .toMs = options_.traceToMs});
-        if (!result) {
-            throw Failure(ExitCode::badLog, options_.log, "the log has changed while it was read");
-        }
-    });
-    const auto note = [this](const std::string& what) { printErrorLine(options_.trace + ": note: " + what); };
-    if (result->leftOutForTracks + result->leftOutAsTooLate > 0) {
-        note(std::to_string(result->leftOutForTracks) +
-             " messages overlap too many others to be drawn, and " +
-             std::to_string(result->leftOutAsTooLate) + " lie too far behind the first");
-    }
-    if (result->bytes > mostBytesOfBrowsers) {
-        note(std::to_string(result->bytes >> 20U) +
-             " MB are more than most browsers open; --trace-from and --trace-to cut it");
-    }
 }
 
 }  // namespace zeb::viewer

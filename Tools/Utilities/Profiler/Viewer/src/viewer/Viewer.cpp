@@ -5,6 +5,7 @@
 #include <string>
 #include <utility>
 
+#include "analysis/Run.h"
 #include "command/CommandLine.h"
 #include "command/LoadProgress.h"
 #include "command/LogDiagnosis.h"
@@ -72,24 +73,56 @@ void refuseLeftovers(const ViewerArgs& args) {
     throw command::unknownOption(leftover->name, known);
 }
 
-// The report of a plug-in; nothing when the reader has shown its help.
-std::optional<MemoryLimit> showReport(const ViewerOptions& options, PipedLog& pipe, StandardOutput& output) {
-    const PluginLibrary plugin(options.reader);
-    const ReaderPtr reader = plugin.createReader(options.logPath, options.level);
-    ViewerArgs args(options.readerArguments);
-    if (!parseReaderOptions(*reader, args, options.reader, ExitCode::usage)) {
-        return std::nullopt;  // the reader has said why
-    }
-    refuseLeftovers(args);
-    if (!options.csv.empty()) {
-        checkCsvPath(options.csv, options.logPath);
-    }
-    pipe.prepare();
-    std::optional<MemoryLimit> memory(std::in_place, options.maxMemory);
+void showReport(IZebPluginLogReader& reader, const ViewerOptions& options, StandardOutput& output,
+                MemoryLimit& memory) {
     output.setMuted(options.quiet);
-    ReportRun(*reader, options, output, *memory).show();
+    ReportRun(reader, options, output, memory).show();
     output.setMuted(false);
-    return memory;
+}
+
+// In place of a report that nobody sees and that leaves no file. Only of a log with a fault it is made, for
+// the reader's words on that.
+std::optional<analysis::Run> readWithoutReport(IZebPluginLogReader& reader, const ViewerOptions& options,
+                                               const RunForms& forms, StandardOutput& output,
+                                               MemoryLimit& memory) {
+    try {
+        return forms.readRun(memory);
+    } catch (const Failure&) {
+        showReport(reader, options, output, memory);
+        if (options.wantsForms()) {
+            throw;
+        }
+        return std::nullopt;
+    }
+}
+
+// What a plug-in is asked for, and all forms. Gives false when the reader has shown its help instead.
+bool showAll(const ViewerOptions& options, PipedLog& pipe, RunForms& forms, StandardOutput& output) {
+    std::optional<MemoryLimit> memory;
+    std::optional<analysis::Run> run;
+    {
+        const PluginLibrary plugin(options.reader);
+        const ReaderPtr reader = plugin.createReader(options.logPath, options.level);
+        ViewerArgs args(options.readerArguments);
+        if (!parseReaderOptions(*reader, args, options.reader, ExitCode::usage)) {
+            return false;  // the reader has said why
+        }
+        refuseLeftovers(args);
+        if (!options.csv.empty()) {
+            checkCsvPath(options.csv, options.logPath);
+        }
+        pipe.prepare();
+        memory.emplace(options.maxMemory);
+        if (options.needsReport()) {
+            showReport(*reader, options, output, *memory);
+        } else {
+            run = readWithoutReport(*reader, options, forms, output, *memory);
+        }
+    }
+    if (options.wantsForms()) {
+        forms.show(run ? *run : forms.readRun(*memory), output, *memory);
+    }
+    return true;
 }
 
 ExitCode show(ViewerOptions options, StandardOutput& output) {
@@ -100,17 +133,12 @@ ExitCode show(ViewerOptions options, StandardOutput& output) {
     options.log = pipe.given();
     options.logPath = pipe.path();
     RunForms forms(options);
-    if (options.isFormAlone()) {
-        pipe.prepare();
-        MemoryLimit memory(options.maxMemory);
-        forms.show(output, memory);
-        return ExitCode::good;
+    if (!isFormAlone(options.formFiles)) {
+        return showAll(options, pipe, forms, output) ? ExitCode::good : ExitCode::usage;
     }
-    auto memory = showReport(options, pipe, output);
-    if (!memory) {
-        return ExitCode::usage;
-    }
-    forms.show(output, *memory);
+    pipe.prepare();
+    MemoryLimit memory(options.maxMemory);
+    forms.show(forms.readRun(memory), output, memory);
     return ExitCode::good;
 }
 

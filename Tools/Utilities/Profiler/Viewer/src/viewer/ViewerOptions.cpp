@@ -7,7 +7,9 @@
 #include <system_error>
 
 #include "command/CommandLine.h"
+#include "command/Forms.h"
 #include "text/NearestName.h"
+#include "viewer/RunForms.h"
 
 namespace zeb::viewer {
 
@@ -64,6 +66,13 @@ forms::LayerOrder orderOf(const Given& given) {
     throw noneOf(given, command::namesOf(layerOrders));
 }
 
+std::string csvOf(const Given& given) {
+    if (given.value == "-") {
+        throw wrongUsage(given.name, "standard output has the report, so the CSV report can't go there");
+    }
+    return given.value;
+}
+
 std::string readerNames() {
     std::string names;
     for (const NamedReader& reader : namedReaders) {
@@ -75,9 +84,8 @@ std::string readerNames() {
 
 using OptionRows = std::vector<command::OptionRow<ViewerOptions>>;
 
-// All options, in the order of the help.
-const OptionRows& optionRows() {
-    static const OptionRows rows = {
+OptionRows ownRows() {
+    return {
         {{"--reader", " NAME|PATH",
           "Plug-in that reads the log: " + readerNames() +
               ", or the path of a library. A name is looked for beside this program, in its ../lib and where "
@@ -87,13 +95,18 @@ const OptionRows& optionRows() {
          [](auto& options, const auto& given) { options.reader = given.value; }},
         {{"--csv", " FILE", "Append the CSV report to FILE."},
          Takes::value,
-         [](auto& options, const auto& given) { options.csv = given.value; }},
+         [](auto& options, const auto& given) { options.csv = csvOf(given); },
+         {},
+         {.needsText = true, .writesFile = true}},
         {{"--raw", "",
           "Let control characters in names and texts of the log reach a terminal, where they show as \"?\" "
           "otherwise. A file or a pipe gets them in any case."},
          Takes::nothing,
          [](auto& options, const auto& /*given*/) { options.raw = true; }},
-        {{"--quiet", "", "Leave out the console report, and all progress."},
+        {{"--quiet", "",
+          "Leave out the console report, and all progress. Without --csv and --save-objects the report is "
+          "not "
+          "made at all."},
          Takes::nothing,
          [](auto& options, const auto& /*given*/) { options.quiet = true; }},
         {{"--level", " N",
@@ -107,7 +120,8 @@ const OptionRows& optionRows() {
           "or to another file that is to be written, is refused."},
          Takes::optionalValue,
          [](auto& options, const auto& given) { options.objectDirectory = given.value; },
-         "."},
+         ".",
+         {.needsText = true}},
         {{"--trust-object-names", "", "Save objects under whatever names the log gives them."},
          Takes::nothing,
          [](auto& options, const auto& /*given*/) { options.trustObjectNames = true; }},
@@ -118,69 +132,51 @@ const OptionRows& optionRows() {
           "and what stands out."},
          Takes::optionalValue,
          [](auto& options, const auto& given) { options.topRows = rowsOf(given); },
-         "10"},
+         "10",
+         {.needsText = true}},
         {{"--sort", " ORDER", "Order of the layers of --top: time (default), order or name.",
           command::namesOf(layerOrders)},
          Takes::value,
-         [](auto& options, const auto& given) { options.topOrder = orderOf(given); }},
+         [](auto& options, const auto& given) { options.topOrder = orderOf(given); },
+         {},
+         {.needs = "--top"}},
         {{"--filter", " TEXT", "Show layers of --top whose name holds TEXT, in any case."},
          Takes::value,
-         [](auto& options, const auto& given) { options.topFilter = given.value; }},
-        {{"--json", " FILE",
-          "Write all figures of the run to FILE as JSON; \"-\" is standard output, without a report."},
-         Takes::value,
-         [](auto& options, const auto& given) { options.json = given.value; }},
-        {{"--trace", " FILE",
-          "Write the log's timeline to FILE, for the trace viewers of browsers; \"-\" is standard output, "
-          "without a report."},
-         Takes::value,
-         [](auto& options, const auto& given) { options.trace = given.value; }},
+         [](auto& options, const auto& given) { options.topFilter = given.value; },
+         {},
+         {.needs = "--top"}},
+    };
+}
+
+OptionRows traceRows() {
+    return {
         {{"--trace-from", " MS", "Leave out of the timeline what ends before MS, from its start."},
          Takes::value,
-         [](auto& options, const auto& given) { options.traceFromMs = msOf(given); }},
+         [](auto& options, const auto& given) { options.traceFromMs = msOf(given); },
+         {},
+         {.needs = "--trace"}},
         {{"--trace-to", " MS", "Leave out of the timeline what begins behind MS."},
          Takes::value,
-         [](auto& options, const auto& given) { options.traceToMs = msOf(given); }},
-        {{"--html", " FILE",
-          "Write the run to FILE as a page for a browser; \"-\" is standard output, without a report."},
-         Takes::value,
-         [](auto& options, const auto& given) { options.html = given.value; }},
+         [](auto& options, const auto& given) { options.traceToMs = msOf(given); },
+         {},
+         {.needs = "--trace"}},
     };
+}
+
+// All options, in the order of the help.
+const OptionRows& optionRows() {
+    static const OptionRows rows = [] {
+        OptionRows all = ownRows();
+        const auto takeForm = [](ViewerOptions& options, const Given& given) {
+            options.formFiles.push_back(given);
+        };
+        for (const OptionRows& more :
+             {command::formRows<ViewerOptions>(runForms(), "a report", takeForm), traceRows()}) {
+            all.insert(all.end(), more.begin(), more.end());
+        }
+        return all;
+    }();
     return rows;
-}
-
-// What is on standard output has it for itself, and no reader is asked.
-void checkFormAlone(const CommandLine& line, const ViewerOptions& options) {
-    for (const char* const name : {"--csv", "--top", "--save-objects"}) {
-        if (line.isGiven(name)) {
-            throw wrongUsage(name, "there is no report while a form goes to standard output");
-        }
-    }
-    if (!options.readerArguments.empty()) {
-        throw wrongUsage(options.readerArguments.front(),
-                         "no reader is asked while a form goes to standard output");
-    }
-}
-
-// Options that make sense beside others only, or not beside them.
-void checkTogether(const CommandLine& line, const ViewerOptions& options) {
-    if (options.csv == "-") {
-        throw wrongUsage("--csv", "standard output has the report, so the CSV report can't go there");
-    }
-    for (const char* const name : {"--sort", "--filter"}) {
-        if (line.isGiven(name) && !options.topRows) {
-            throw wrongUsage(name, "needs --top beside it");
-        }
-    }
-    for (const char* const name : {"--trace-from", "--trace-to"}) {
-        if (line.isGiven(name) && options.trace.empty()) {
-            throw wrongUsage(name, "needs --trace beside it");
-        }
-    }
-    command::refuseSameFiles(options.outputs());
-    if (options.isFormAlone()) {
-        checkFormAlone(line, options);
-    }
 }
 
 // What is not the viewer's may be an option of the reader's, unless it is all but one of the viewer's.
@@ -253,7 +249,10 @@ ViewerOptions parseCommandLine(int argc, const char* const* argv) {
     options.log = *line.word();
     options.logPath = options.log;
     options.readerArguments = line.remaining();
-    checkTogether(line, options);
+    if (isFormAlone(options.formFiles) && !options.readerArguments.empty()) {
+        throw wrongUsage(options.readerArguments.front(),
+                         "no reader is asked while a form goes to standard output");
+    }
     return options;
 }
 

@@ -30,26 +30,18 @@ struct ViewerOptions {
     std::optional<std::size_t> topRows;  ///< nothing: no ranking behind the report
     forms::LayerOrder topOrder = forms::LayerOrder::time;
     std::string topFilter;
-    std::string json;                   ///< empty: no JSON; "-" is standard output
-    std::string html;                   ///< the same for the page
-    std::string trace;                  ///< and for the timeline
-    std::optional<double> traceFromMs;  ///< behind the smallest start; so is the next one
+    std::vector<command::Given> formFiles;  ///< of the forms that are wanted (`runForms`)
+    std::optional<double> traceFromMs;      ///< behind the smallest start; so is the next one
     std::optional<double> traceToMs;
     std::string log;      ///< as it was given, for people
     std::string logPath;  ///< what leads to it; differs for a pipe that has been kept
     /// What the viewer doesn't know, in its order, with a "--" mark.
     std::vector<std::string> readerArguments;
 
+    /// @return whether anybody sees what the plug-in's report says
+    [[nodiscard]] bool needsReport() const { return !quiet || !csv.empty() || objectDirectory; }
     /// @return whether more than the plug-in's report is wanted
-    [[nodiscard]] bool wantsForms() const {
-        return topRows || !json.empty() || !trace.empty() || !html.empty();
-    }
-    /// @return the files to write, by their options; empty where none is
-    [[nodiscard]] std::vector<command::Given> outputs() const {
-        return {{"--csv", csv}, {"--json", json}, {"--trace", trace}, {"--html", html}};
-    }
-    /// @return whether one form takes the place of the report, on standard output
-    [[nodiscard]] bool isFormAlone() const { return json == "-" || trace == "-" || html == "-"; }
+    [[nodiscard]] bool wantsForms() const { return topRows || !formFiles.empty(); }
 };
 
 /// @return what the exit code says, as help and README have it; empty for a number that is none of this

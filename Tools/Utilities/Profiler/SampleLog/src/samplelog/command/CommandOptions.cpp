@@ -86,13 +86,6 @@ std::uint32_t millionthsOf(const Given& given, std::uint32_t maxPercent) {
     return millionths;
 }
 
-std::uint32_t driftOf(const Given& given, const NetworkOptions& options) {
-    if (!options.seed) {
-        throw wrongUsage(given.name, "needs --seed beside it");
-    }
-    return millionthsOf(given, maxDrift);
-}
-
 SlowerLayer slowerLayerOf(const Given& given, const NetworkOptions& options) {
     const std::size_t equals = given.value.rfind('=');
     if (equals == std::string::npos) {
@@ -154,12 +147,13 @@ const OptionRows& optionRows() {
          }},
         {{"--drift", " PERCENT",
           "Multiply all times of the log by one random factor with this standard deviation, 0 to " +
-              std::to_string(maxDrift) + ". It takes a --seed."},
+              std::to_string(maxDrift) + "."},
          Takes::value,
          [](auto& options, const auto& given) {
-             auto& network = networkOf(options, given);
-             network.driftMillionths = driftOf(given, network);
-         }},
+             networkOf(options, given).driftMillionths = millionthsOf(given, maxDrift);
+         },
+         {},
+         {.needs = "--seed"}},
         {{"--slower", " PERCENT",
           "Make all times longer by 0 to " + std::to_string(maxSlower) + " per cent."},
          Takes::value,
