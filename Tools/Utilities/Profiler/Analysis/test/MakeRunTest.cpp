@@ -54,16 +54,19 @@ TEST_F(MadeRun, AgreesWithTheReportOnOneGraph) {
             runOf({.async = isAsync, .level = samplelog::ProfileLevel::internal, .seed = 3});
         profiling::ZebProfileLogReaderMURL reader(directory.path("log"), allMessages);
         ASSERT_TRUE(reader.loadLog(false));
-        const auto figures = workOutFigures(reader.store(), readProfileLevel(reader.store()));
+        const profiling::EventStore& store = reader.store();
+        const auto mapping = findNodeMapping(store);
+        ASSERT_TRUE(mapping);
+        const auto figures = workOutFigures(store, wholeRun(store), readProfileLevel(store), &*mapping);
         const profiling::ExecutionFigures& execution = figures.execution;
         ASSERT_EQ(run.graphs.size(), 1U);
         const Graph& graph = run.graphs[0];
         EXPECT_EQ(run.level, Level::internal);
         EXPECT_EQ(run.isAsync, isAsync);
-        EXPECT_EQ(graph.average.durationUs, execution.onlyGraphUs);
+        EXPECT_EQ(graph.average.durationUs, singleGraphDuration(store));
         ASSERT_TRUE(graph.breakdown);
         EXPECT_EQ(graph.breakdown->executionCount, execution.executionCount);
-        EXPECT_EQ(graph.breakdown->backendUs, execution.apiUs);
+        EXPECT_EQ(graph.breakdown->backendUs, execution.backendExecuteUs);
         EXPECT_EQ(graph.breakdown->queueWaitUs,
                   isAsync ? std::optional(execution.queueWaitUs) : std::nullopt);
         EXPECT_EQ(graph.breakdown->inputCopyUs, execution.tensorCopyUs[0]);
@@ -78,13 +81,13 @@ TEST_F(MadeRun, AgreesWithTheReportOnOneGraph) {
             EXPECT_EQ(graph.oruLayers[row].averageUs, figures.oruLayers[row].avgTimeUs);
             EXPECT_EQ(graph.oruLayers[row].coreUs, figures.oruLayers[row].avgCoreTimeUs);
         }
-        ASSERT_EQ(graph.zebLayers.size(), figures.zebLayers.layers.size());
+        ASSERT_EQ(graph.zebLayers.size(), figures.zebLayerStats.size());
         std::uint64_t dspUs = 0;
         std::uint64_t krelUs = 0;
         for (std::size_t row = 0; row < graph.zebLayers.size(); ++row) {
-            EXPECT_EQ(graph.zebLayers[row].name, figures.zebLayers.layers[row].name);
-            dspUs += figures.zebLayers.layers[row].dspTimeUs;
-            krelUs += figures.zebLayers.layers[row].krelTimeUs;
+            EXPECT_EQ(graph.zebLayers[row].name, figures.zebLayers.zebLayerOrder[row].name);
+            dspUs += figures.zebLayerStats[row].dspTimeUs;
+            krelUs += figures.zebLayerStats[row].krelTimeUs;
         }
         EXPECT_EQ(graph.layersDspUs(), dspUs);
         EXPECT_EQ(graph.layersKrelUs(), krelUs);

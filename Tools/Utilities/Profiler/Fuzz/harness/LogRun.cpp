@@ -5,8 +5,6 @@
 #include <stdexcept>
 
 #include "harness/MemoryFile.h"
-#include "reader/backend/BackendFigures.h"
-#include "reader/backend/BackendReport.h"
 #include "reader/backend/ZebProfileLogReaderMURL.h"
 #include "reports/ConsoleReport.h"
 #include "reports/CsvReport.h"
@@ -25,6 +23,11 @@ const std::string& pathOf(std::span<const std::uint8_t> log) {
     return file.path();
 }
 
+void askForInternalColumns(profiling::ZebProfileLogReaderMURL& reader) {
+    test::CommandLine args(test::CommandLine::Given{{"--internal", {}}});
+    reader.parseBackendArgs(args);
+}
+
 std::unique_ptr<profiling::IZebPluginLogReader> makeReader(const std::string& path,
                                                            const RunOptions& options) {
     if (options.kind == ReportKind::generic) {
@@ -32,8 +35,7 @@ std::unique_ptr<profiling::IZebPluginLogReader> makeReader(const std::string& pa
     }
     auto reader = std::make_unique<profiling::ZebProfileLogReaderMURL>(path, options.level);
     if (options.kind == ReportKind::backendInternal) {
-        test::CommandLine args(test::CommandLine::Given{{"--internal", {}}});
-        reader->parseBackendArgs(args);
+        askForInternalColumns(*reader);
     }
     return reader;
 }
@@ -57,7 +59,7 @@ void report(Outcome& outcome, MakeReport makeReport) {
 }
 
 // What `generateReports` of the reader of that kind does between its files.
-bool reportInMemory(profiling::ZebProfileLogReader& reader, ReportKind kind, Outcome& outcome) {
+bool reportInMemory(profiling::ZebProfileLogReaderMURL& reader, ReportKind kind, Outcome& outcome) {
     profiling::TextStream console;
     profiling::TextStream csv;
     const profiling::ReportSource source = reader.reportSource();
@@ -72,12 +74,11 @@ bool reportInMemory(profiling::ZebProfileLogReader& reader, ReportKind kind, Out
         }
         writeCsvReport(csv, source);
     } else {
-        const bool internalColumns = kind == ReportKind::backendInternal;
-        const auto profileLevel = profiling::readProfileLevel(reader.store());
-        printReportHeader(console, source);
-        const auto figures = profiling::workOutFigures(reader.store(), profileLevel);
-        printBackendReport(console, source, figures, internalColumns);
-        writeBackendCsv(csv, source, figures, internalColumns);
+        if (kind == ReportKind::backendInternal) {
+            askForInternalColumns(reader);
+        }
+        reader.printBackendReport(console);
+        reader.writeBackendCsv(csv);
     }
     outcome.console = console.str();
     outcome.csv = csv.str();
@@ -107,7 +108,7 @@ std::array<Outcome, reportKinds.size()> readLogInMemory(std::span<const std::uin
                                                         profiling::VisibilityLevel level) {
     const test::CaughtLog caughtLog;
     const std::vector<std::string>& lines = caughtLog.lines();
-    profiling::ZebProfileLogReader reader(pathOf(log), level);
+    profiling::ZebProfileLogReaderMURL reader(pathOf(log), level);
     Outcome loaded;
     load(reader, false, loaded);
     loaded.lines = lines;

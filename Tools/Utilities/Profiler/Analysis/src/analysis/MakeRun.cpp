@@ -145,7 +145,7 @@ std::optional<Breakdown> breakdownOf(const profiling::ExecutionFigures& executio
         return std::nullopt;
     }
     Breakdown breakdown{.executionCount = execution.executionCount,
-                        .backendUs = execution.apiUs,
+                        .backendUs = execution.backendExecuteUs,
                         .queueWaitUs = {},
                         .inputCopyUs = execution.tensorCopyUs[0],
                         .outputCopyUs = execution.tensorCopyUs[1],
@@ -210,11 +210,13 @@ void addLayers(Graph& graph, const BackendFigures& figures) {
     figures.oruLayers.forEach(
         [&graph](const profiling::LayerStats& stats) { graph.oruLayers.push_back(layerOf(stats)); });
     graph.layerTypes = typesOf(graph.oruLayers);
-    graph.zebLayers.reserve(figures.zebLayers.layers.size());
-    for (const profiling::ZebLayer& layer : figures.zebLayers.layers) {
+    graph.zebLayers.reserve(figures.zebLayerStats.size());
+    for (std::size_t row = 0; row < figures.zebLayerStats.size(); ++row) {
+        const profiling::ZebLayerEntry& layer = figures.zebLayers.zebLayerOrder[row];
+        const profiling::ZebLayerStats& times = figures.zebLayerStats[row];
         graph.zebLayers.push_back({.name = ownText(layer.name),
-                                   .dspUs = layer.dspTimeUs,
-                                   .krelUs = layer.krelTimeUs,
+                                   .dspUs = times.dspTimeUs,
+                                   .krelUs = times.krelTimeUs,
                                    .oruLayers = {layer.oruLayerIds.begin(), layer.oruLayerIds.end()}});
     }
 }

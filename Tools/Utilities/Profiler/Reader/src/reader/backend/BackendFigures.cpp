@@ -20,32 +20,6 @@ constexpr std::string_view hostTimeName = "HLOS Graph Execution Time";
 constexpr std::string_view queueWaitNames[] = {"graphQueueWaitUs", "dispatcherQueueWaitUs"};
 constexpr double hzPerMhz = 1000000.0;
 
-FigureScope wholeRun(const EventStore& store) {
-    FigureScope scope;
-    scope.executions.reserve(store.executeRecords.size());
-    scope.averages.reserve(store.executeAverage.size());
-    scope.finalizations.reserve(store.finalizeRecords.size());
-    for (const GraphMethodRecords& graph : store.executeRecords) {
-        scope.executions.push_back(&graph);
-    }
-    for (const NamedMethodRecord& average : store.executeAverage) {
-        scope.averages.push_back(&average);
-    }
-    for (const NamedMethodRecord& entry : store.finalizeRecords) {
-        scope.finalizations.push_back(&entry);
-    }
-    return scope;
-}
-
-std::optional<std::string> findValueIn(const GraphMethodRecords& graph, std::string_view name) {
-    for (const MethodRecord& record : graph.records) {
-        if (auto value = findEventValue(name, record.events)) {
-            return value;
-        }
-    }
-    return std::nullopt;
-}
-
 // The text of the first event of a name among those of all executions.
 std::optional<std::string> findExecuteEventValue(const EventStore& store, const FigureScope& scope,
                                                  std::string_view name) {
@@ -53,18 +27,8 @@ std::optional<std::string> findExecuteEventValue(const EventStore& store, const 
         return std::nullopt;
     }
     for (const GraphMethodRecords* const graph : scope.executions) {
-        if (auto value = findValueIn(*graph, name)) {
-            return value;
-        }
-    }
-    return std::nullopt;
-}
-
-// The same of the whole run, which takes no list of its executions.
-std::optional<std::string> findLevelText(const EventStore& store) {
-    if (store.mayHaveEvent(levelName)) {
-        for (const GraphMethodRecords& graph : store.executeRecords) {
-            if (auto value = findValueIn(graph, levelName)) {
+        for (const MethodRecord& record : graph->records) {
+            if (auto value = findEventValue(name, record.events)) {
                 return value;
             }
         }
@@ -85,20 +49,6 @@ void collectObjectEvents(const EventList& events, std::vector<ProfileEvent>& obj
             objects.push_back(event);
         }
         collectObjectEvents(event.subEvents, objects);
-    }
-}
-
-void loadLayerConfig(BackendFigures& figures, const EventStore& store, const FigureScope& scope) {
-    if (!store.hasFinalizeEvents) {
-        return;
-    }
-    std::vector<ProfileEvent> objects;
-    for (const NamedMethodRecord* const entry : scope.finalizations) {
-        collectObjectEvents(entry->record->events, objects);
-        if (!objects.empty()) {
-            figures.layerConfig = readLayerConfig(objects.front().objectBytes(), figures.hasLayers());
-            return;
-        }
     }
 }
 
@@ -159,50 +109,27 @@ void loadGraphProfiles(BackendFigures& figures, const EventStore& store, const F
     }
 }
 
-void workOutExecution(BackendFigures& figures, const EventStore& store, const FigureScope& scope) {
-    ExecutionFigures& execution = figures.execution;
-    execution.isAsync = store.asyncExecute;
-    execution.hasAverage = !scope.averages.empty();
-    if (!execution.hasAverage) {
-        // A log that failed to load has executions without an average; the CSV form names their tensor
-        // copies.
-        for (std::size_t copy = 0; copy < tensorCopyNames.size(); ++copy) {
-            if (findExecuteEventValue(store, scope, tensorCopyNames[copy])) {
-                execution.tensorCopyUs[copy] = 0.0;
-            }
-        }
-        return;
-    }
-    execution.lastGraphUs = scope.averages.back()->record->durationUs;
-    if (scope.averages.size() == 1) {
-        execution.onlyGraphUs = execution.lastGraphUs;
-    }
-    loadGraphProfiles(figures, store, scope);
-    const GraphProfile& profile = figures.graphProfile;
-    execution.dspClockMhz = static_cast<std::uint32_t>(figures.layerConfig.dspClockHz / hzPerMhz);
-    execution.krelClockMhz = static_cast<std::uint32_t>(figures.layerConfig.krelClockHz / hzPerMhz);
-    if (execution.isAsync) {
-        for (const std::string_view name : queueWaitNames) {
-            execution.queueWaitUs +=
-                perExecution(profile, findExecuteEventNumber(store, scope, name).value_or(0));
-        }
-    }
-    if (const auto total = findExecuteEventNumber(store, scope, executeCallName(execution.isAsync))) {
-        execution.apiUs = perExecution(profile, *total);
-    }
-    for (std::size_t copy = 0; copy < tensorCopyNames.size(); ++copy) {
-        if (const auto total = findExecuteEventNumber(store, scope, tensorCopyNames[copy])) {
-            execution.tensorCopyUs[copy] = averagePerExecution(profile, *total);
-        }
-    }
-    execution.acceleratorTimeUs = perExecution(profile, profile.acceleratorTimeUs);
-    execution.executionCount = profile.executionCount;
-}
-
 }  // namespace
 
+FigureScope wholeRun(const EventStore& store) {
+    FigureScope scope;
+    scope.executions.reserve(store.executeRecords.size());
+    scope.averages.reserve(store.executeAverage.size());
+    scope.finalizations.reserve(store.finalizeRecords.size());
+    for (const GraphMethodRecords& graph : store.executeRecords) {
+        scope.executions.push_back(&graph);
+    }
+    for (const NamedMethodRecord& average : store.executeAverage) {
+        scope.averages.push_back(&average);
+    }
+    for (const NamedMethodRecord& entry : store.finalizeRecords) {
+        scope.finalizations.push_back(&entry);
+    }
+    return scope;
+}
+
 std::optional<ProfileLevel> findProfileLevel(const EventStore& store) {
-    const auto text = findLevelText(store);
+    const auto text = findExecuteEventValue(store, wholeRun(store), levelName);
     if (!text) {
         logMessage(ZEB_LOG_LEVEL_WARN, "failed get Profile Level Value!");
         return std::nullopt;
@@ -238,9 +165,79 @@ std::optional<std::vector<NodeMappingEntry>> findNodeMapping(const EventStore& s
     return std::nullopt;
 }
 
-BackendFigures workOutFigures(const EventStore& store, ProfileLevel level) {
-    const auto mapping = findNodeMapping(store);
-    return workOutFigures(store, wholeRun(store), level, mapping ? &*mapping : nullptr);
+void loadNodeMapping(BackendFigures& figures, const std::vector<NodeMappingEntry>& mapping) {
+    figures.hasNodeMapping = true;
+    figures.zebLayers = gatherZebLayers(mapping);
+}
+
+void loadLayerConfig(BackendFigures& figures, const EventStore& store, const FigureScope& scope) {
+    if (!store.hasFinalizeEvents) {
+        return;
+    }
+    std::vector<ProfileEvent> objects;
+    for (const NamedMethodRecord* const entry : scope.finalizations) {
+        collectObjectEvents(entry->record->events, objects);
+        if (!objects.empty()) {
+            figures.layerConfig = readLayerConfig(objects.front().objectBytes(), figures.hasLayers());
+            return;
+        }
+    }
+}
+
+void workOutExecution(BackendFigures& figures, const EventStore& store, const FigureScope& scope) {
+    ExecutionFigures& execution = figures.execution;
+    execution.isAsync = store.asyncExecute;
+    execution.hasAverage = !scope.averages.empty();
+    if (!execution.hasAverage) {
+        // A log that failed to load has executions without an average; the CSV form names their tensor
+        // copies.
+        for (std::size_t copy = 0; copy < tensorCopyNames.size(); ++copy) {
+            if (findExecuteEventValue(store, scope, tensorCopyNames[copy])) {
+                execution.tensorCopyUs[copy] = 0.0;
+            }
+        }
+        return;
+    }
+    execution.lastGraphUs = scope.averages.back()->record->durationUs;
+    loadGraphProfiles(figures, store, scope);
+    const GraphProfile& profile = figures.graphProfile;
+    execution.dspClockMhz = static_cast<std::uint32_t>(figures.layerConfig.dspClockHz / hzPerMhz);
+    execution.krelClockMhz = static_cast<std::uint32_t>(figures.layerConfig.krelClockHz / hzPerMhz);
+    if (execution.isAsync) {
+        for (const std::string_view name : queueWaitNames) {
+            execution.queueWaitUs +=
+                perExecution(profile, findExecuteEventNumber(store, scope, name).value_or(0));
+        }
+    }
+    if (const auto total = findExecuteEventNumber(store, scope, executeCallName(execution.isAsync))) {
+        execution.backendExecuteUs = perExecution(profile, *total);
+    }
+    for (std::size_t copy = 0; copy < tensorCopyNames.size(); ++copy) {
+        if (const auto total = findExecuteEventNumber(store, scope, tensorCopyNames[copy])) {
+            execution.tensorCopyUs[copy] = averagePerExecution(profile, *total);
+        }
+    }
+    execution.acceleratorTimeUs = perExecution(profile, profile.acceleratorTimeUs);
+    execution.executionCount = profile.executionCount;
+}
+
+void workOutOruLayers(BackendFigures& figures) {
+    figures.oruLayers = OruLayers(computeLayerStats(figures.graphProfile, figures.layerConfig),
+                                  figures.layerConfig.layerCount);
+}
+
+void workOutZebLayers(BackendFigures& figures) {
+    figures.zebLayerStats =
+        computeZebLayerStats(figures.zebLayers.zebLayerOrder, figures.oruLayers.layerStats());
+    figures.zebTimeShare = shareOfTime(figures.zebLayerStats);
+}
+
+std::optional<std::uint64_t> singleGraphDuration(const EventStore& store) {
+    if (store.executeAverage.size() == 1) {
+        return store.executeAverage[0].record->durationUs;
+    }
+    logMessage(ZEB_LOG_LEVEL_ERROR, "multiple graph not supported yet!");
+    return std::nullopt;
 }
 
 BackendFigures workOutFigures(const EventStore& store, const FigureScope& scope, ProfileLevel level,
@@ -248,16 +245,13 @@ BackendFigures workOutFigures(const EventStore& store, const FigureScope& scope,
     BackendFigures figures;
     figures.profileLevel = level;
     if (mapping != nullptr) {
-        figures.hasNodeMapping = true;
-        figures.zebLayers = gatherZebLayers(*mapping);
+        loadNodeMapping(figures, *mapping);
     }
     loadLayerConfig(figures, store, scope);
     workOutExecution(figures, store, scope);
     if (figures.hasLayers()) {
-        const LayerStatsList layerStats = computeLayerStats(figures.graphProfile, figures.layerConfig);
-        addLayerTimes(figures.zebLayers.layers, layerStats);
-        figures.zebTimeShare = shareOfTime(figures.zebLayers.layers);
-        figures.oruLayers = OruLayers(layerStats, figures.layerConfig.layerCount);
+        workOutOruLayers(figures);
+        workOutZebLayers(figures);
     }
     return figures;
 }

@@ -34,10 +34,10 @@ constexpr std::string_view executeCallName(bool isAsync) {
 struct ExecutionFigures {
     bool hasAverage = false;  ///< executions were aggregated; if not, no object was looked at
     bool isAsync = false;
-    std::optional<std::uint64_t> onlyGraphUs;  ///< average of the run's one graph, if it is one
-    std::uint64_t lastGraphUs = 0;             ///< average of the last graph
-    std::optional<std::uint64_t> apiUs;        ///< in the backend's call, if the log has an event of it
-    std::uint64_t queueWaitUs = 0;             ///< asynchronous runs only, part of the times above
+    std::optional<std::uint64_t> singleGraphUs;     ///< average of the one graph, worked out for CSV
+    std::uint64_t lastGraphUs = 0;                  ///< average of the last graph
+    std::optional<std::uint64_t> backendExecuteUs;  ///< in the backend's call, if the log has an event of it
+    std::uint64_t queueWaitUs = 0;                  ///< asynchronous runs only, part of the times above
     std::array<std::optional<double>, tensorCopyNames.size()> tensorCopyUs;  ///< those that are told
     std::uint64_t ipcTimeUs = 0;                                             ///< between host and DSP
     std::uint64_t acceleratorTimeUs = 0;
@@ -46,9 +46,10 @@ struct ExecutionFigures {
     std::uint32_t krelClockMhz = 0;
 };
 
-/// Everything that the backend's report shows of a run besides the records of the store itself. The layers
-/// refer into the objects beside them, so it can be moved and not copied; names and objects belong to the
-/// store, which has to outlive it.
+/// Everything that the backend's report shows of a run besides the records of the store itself. A report
+/// works it out section by section, each from what the ones before it have left. The layers refer into the
+/// objects beside them, so it can be moved and not copied; names and objects belong to the store, which has
+/// to outlive it.
 struct BackendFigures {
     BackendFigures() = default;
     BackendFigures(BackendFigures&&) = default;
@@ -60,7 +61,8 @@ struct BackendFigures {
     GraphProfile graphProfile;  ///< the totals of the last profile, and the layers of all of them
     OruLayers oruLayers;        ///< over the two before
     bool hasNodeMapping = false;
-    ZebLayers zebLayers;  ///< of the node mapping, with their times
+    ZebLayers zebLayers;                       ///< of the node mapping
+    std::vector<ZebLayerStats> zebLayerStats;  ///< their times, one for each
     TimeShare zebTimeShare;
 
     /// @return whether the reports have the tables of layers
@@ -74,6 +76,8 @@ struct FigureScope {
     std::vector<const NamedMethodRecord*> finalizations;  ///< the first with a configuration tells it
 };
 
+FigureScope wholeRun(const EventStore& store);
+
 /// @return the profiling level that the log tells; nothing, which is logged, when it tells none
 /// @throws std::invalid_argument, std::out_of_range for a value that has to be a number and is none
 std::optional<ProfileLevel> findProfileLevel(const EventStore& store);
@@ -84,13 +88,24 @@ ProfileLevel readProfileLevel(const EventStore& store);
 /// @return the node mapping; nothing, which is logged if it is but half there, when the log has none
 std::optional<std::vector<NodeMappingEntry>> findNodeMapping(const EventStore& store);
 
-/// Works out the figures of a run, once.
-/// @param store aggregated; of a log that failed to load it has no averages, and the figures none but names
-/// @throws as above; std::bad_alloc
-BackendFigures workOutFigures(const EventStore& store, ProfileLevel level);
+// What each section of the report adds to the figures, in their order. The profile level is set before.
 
-/// Works out the figures of a part of a run.
+void loadNodeMapping(BackendFigures& figures, const std::vector<NodeMappingEntry>& mapping);
+void loadLayerConfig(BackendFigures& figures, const EventStore& store, const FigureScope& scope);
+
+/// Loads the graph profiles and works out where an execution's time goes. The time of the DSP is logged.
+/// @param store aggregated; of a log that failed to load it has no averages, and the figures none but names
+/// @throws like `findProfileLevel`
+void workOutExecution(BackendFigures& figures, const EventStore& store, const FigureScope& scope);
+void workOutOruLayers(BackendFigures& figures);
+void workOutZebLayers(BackendFigures& figures);
+
+/// @return average of the run's one graph; nothing, which is logged, unless it is one
+std::optional<std::uint64_t> singleGraphDuration(const EventStore& store);
+
+/// Works out all figures of a part of a run.
 /// @param mapping null: no ZEB layers
+/// @throws as above; std::bad_alloc
 BackendFigures workOutFigures(const EventStore& store, const FigureScope& scope, ProfileLevel level,
                               const std::vector<NodeMappingEntry>* mapping);
 

@@ -1,14 +1,9 @@
 #include "reader/backend/BackendReport.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <string_view>
-#include <vector>
 
-#include "logging/Logger.h"
 #include "reader/backend/ExecutionLines.h"
-#include "reader/backend/OruTable.h"
-#include "reader/backend/ZebTables.h"
 #include "reports/EventReport.h"
 #include "reports/ReportForms.h"
 
@@ -16,7 +11,21 @@ namespace zeb::profiling {
 
 namespace {
 
-constexpr ObjectFiles* saveNone = nullptr;  // but for the De-Init section, whatever the host asked for
+constexpr ObjectFiles* saveNone = nullptr;  // whatever the host asked for
+
+std::string_view levelLabel(ProfileLevel level) {
+    switch (level) {
+        case ProfileLevel::detailed:
+            return "Detailed";
+        case ProfileLevel::internal:
+            return "Internal";
+        case ProfileLevel::basic:
+            break;
+    }
+    return "Basic";
+}
+
+}  // namespace
 
 void printBackendInitStats(std::ostream& out, const EventStore& store) {
     printSectionHead(out, heads::init);
@@ -57,59 +66,9 @@ void printExecutionStats(std::ostream& out, const EventStore& store, const Backe
     printExecutionLines(out, figures);
 }
 
-std::string_view levelLabel(ProfileLevel level) {
-    switch (level) {
-        case ProfileLevel::detailed:
-            return "Detailed";
-        case ProfileLevel::internal:
-            return "Internal";
-        case ProfileLevel::basic:
-            break;
-    }
-    return "Basic";
-}
-
-std::size_t longestName(const std::vector<ZebLayer>& layers) {
-    std::size_t length = 0;
-    for (const ZebLayer& layer : layers) {
-        length = std::max(length, layer.name.size());
-    }
-    return length;
-}
-
-}  // namespace
-
-void printBackendReport(std::ostream& out, const ReportSource& source, const BackendFigures& figures,
-                        bool internalColumns) {
-    printBackendInitStats(out, source.store);
-    printBackendFinalizeStats(out, source.store);
-    printDeInitStats(out, source);
-    printExecutionStats(out, source.store, figures);
-    if (figures.hasLayers()) {
-        const Alignment alignment = hasDetailLine(figures.execution) ? Alignment::left : Alignment::right;
-        const std::vector<ZebLayer>& zebLayers = figures.zebLayers.layers;
-        const std::size_t nameWidth = longestName(zebLayers);
-        printOruLayerStats(out, figures.oruLayers, internalColumns, alignment);
-        printZebLayerStats(out, zebLayers, figures.zebTimeShare,
-                           figures.hasNodeMapping ? nameWidth : defaultNameWidth(), alignment);
-        printLayerMapping(out, zebLayers, nameWidth, alignment);
-    }
-}
-
-void writeBackendCsv(std::ostream& out, const ReportSource& source, const BackendFigures& figures,
-                     bool internalColumns) {
-    writeCsvPreamble(out, source);
+void writeExecutionCsv(std::ostream& out, const BackendFigures& figures) {
     out << "Profile Level, " << levelLabel(figures.profileLevel) << '\n';
-    if (!figures.execution.onlyGraphUs) {
-        logMessage(ZEB_LOG_LEVEL_ERROR, "multiple graph not supported yet!");
-    }
     writeExecutionLinesCsv(out, figures);
-    if (figures.hasLayers()) {
-        const std::vector<ZebLayer>& zebLayers = figures.zebLayers.layers;
-        writeOruLayerCsv(out, figures.oruLayers, internalColumns);
-        writeZebLayerCsv(out, zebLayers, figures.zebTimeShare);
-        writeLayerMappingCsv(out, zebLayers, longestName(zebLayers));
-    }
 }
 
 }  // namespace zeb::profiling

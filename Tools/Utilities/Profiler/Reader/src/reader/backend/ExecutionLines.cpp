@@ -26,27 +26,27 @@ std::string clock(std::uint32_t hz, std::uint32_t mhz) {
 }
 
 std::string backendTime(const ExecutionFigures& execution) {
-    return microseconds(differenceOrZero(execution.apiUs.value_or(0), execution.queueWaitUs));
+    return microseconds(differenceOrZero(execution.backendExecuteUs.value_or(0), execution.queueWaitUs));
 }
 
 // Behind the graph heads an asynchronous run has no time, so its last graph has it here.
 Text asyncMarlix(const BackendFigures& figures) {
     const ExecutionFigures& execution = figures.execution;
-    return execution.isAsync && execution.apiUs
+    return execution.isAsync && execution.backendExecuteUs
                ? Text(microseconds(differenceOrZero(execution.lastGraphUs, execution.queueWaitUs)))
                : std::nullopt;
 }
 
-Text onlyGraphMarlix(const BackendFigures& figures) {
+Text singleGraphMarlix(const BackendFigures& figures) {
     const ExecutionFigures& execution = figures.execution;
-    return execution.onlyGraphUs
-               ? Text(microseconds(differenceOrZero(*execution.onlyGraphUs, execution.queueWaitUs)))
+    return execution.singleGraphUs
+               ? Text(microseconds(differenceOrZero(*execution.singleGraphUs, execution.queueWaitUs)))
                : std::nullopt;
 }
 
 template <bool isAsync>
 Text backend(const BackendFigures& figures) {
-    return figures.execution.isAsync == isAsync && figures.execution.apiUs
+    return figures.execution.isAsync == isAsync && figures.execution.backendExecuteUs
                ? Text(backendTime(figures.execution))
                : std::nullopt;
 }
@@ -99,7 +99,7 @@ constexpr ExecutionLine detail(std::string_view label, ValueOf value, std::strin
 }
 
 constexpr ExecutionLine executionLines[] = {
-    {1, "Marlix: ", 0, asyncMarlix, "Marlix, ", onlyGraphMarlix},
+    {1, "Marlix: ", 0, asyncMarlix, "Marlix, ", singleGraphMarlix},
     {2, "Backend (ZebGraph_execute): ", 0, backend<false>, "Backend (ZebGraph_execute), ",
      backendOrZero<false>},
     {2, "Backend (ZebGraph_executeAsync): ", 0, backend<true>, "Backend (ZebGraph_executeAsync), ",
@@ -133,9 +133,10 @@ void writeExecutionLinesCsv(std::ostream& out, const BackendFigures& figures) {
     }
 }
 
-bool hasDetailLine(const ExecutionFigures& execution) {
-    return execution.hasAverage && (execution.ipcTimeUs != 0 || execution.tensorCopyUs[0].has_value() ||
-                                    execution.tensorCopyUs[1].has_value());
+Alignment tableAlignment(const ExecutionFigures& execution) {
+    const bool hasDetailLine = execution.ipcTimeUs != 0 || execution.tensorCopyUs[0].has_value() ||
+                               execution.tensorCopyUs[1].has_value();
+    return execution.hasAverage && hasDetailLine ? Alignment::left : Alignment::right;
 }
 
 }  // namespace zeb::profiling

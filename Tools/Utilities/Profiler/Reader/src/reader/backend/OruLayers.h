@@ -14,7 +14,10 @@ public:
     OruLayers() = default;
 
     /// @param layerCount number of layers by the layer configuration; those that have figures become rows
-    OruLayers(const LayerStatsList& layerStats, std::uint32_t layerCount);
+    OruLayers(LayerStatsList layerStats, std::uint32_t layerCount);
+
+    /// @return the figures of all layers by position, those that are no row included
+    [[nodiscard]] const LayerStatsList& layerStats() const { return layerStats_; }
 
     [[nodiscard]] std::size_t size() const { return oruRowOrder_.size(); }
     [[nodiscard]] LayerStats operator[](std::size_t row) const { return layerStats_[oruRowOrder_[row]]; }

@@ -16,7 +16,7 @@ namespace {
 // Finds ZEB layers by name, and adds those that are new.
 class LayerFinder {
 public:
-    explicit LayerFinder(std::vector<ZebLayer>& layers) : layers_(layers) {}
+    explicit LayerFinder(std::vector<ZebLayerEntry>& layers) : layers_(layers) {}
 
     std::uint32_t positionOf(std::string_view name) {
         constexpr std::size_t longestShort = 256;
@@ -42,7 +42,7 @@ private:
         return last_;
     }
 
-    std::vector<ZebLayer>& layers_;
+    std::vector<ZebLayerEntry>& layers_;
     HashIndex positions_;
     std::uint32_t last_ = 0;
     std::unordered_map<const char*, std::uint32_t>
@@ -51,7 +51,7 @@ private:
 
 // The position of the ZEB layer of each entry.
 std::vector<std::uint32_t> findLayers(const std::vector<NodeMappingEntry>& mapping,
-                                      std::vector<ZebLayer>& layers) {
+                                      std::vector<ZebLayerEntry>& layers) {
     LayerFinder finder(layers);
     std::vector<std::uint32_t> found;
     found.reserve(mapping.size());
@@ -63,51 +63,64 @@ std::vector<std::uint32_t> findLayers(const std::vector<NodeMappingEntry>& mappi
 
 }  // namespace
 
+ZebLayers::ZebLayers(std::vector<ZebLayerEntry> entries, std::vector<std::uint32_t> ids)
+    : zebLayerOrder(std::move(entries)), zebToOruLayers(std::move(ids)) {
+    for (const ZebLayerEntry& layer : zebLayerOrder) {
+        maxZebLayerNameLength = std::max(maxZebLayerNameLength, layer.name.size());
+    }
+}
+
 ZebLayers gatherZebLayers(const std::vector<NodeMappingEntry>& mapping) {
-    std::vector<ZebLayer> layers;
+    std::vector<ZebLayerEntry> layers;
     const std::vector<std::uint32_t> found = findLayers(mapping, layers);
     std::vector<std::uint32_t> ends(layers.size() + 1);  // of the layers' ids; begins as those before them
     for (const std::uint32_t layer : found) {
         ++ends[layer + 1];
     }
     std::partial_sum(ends.begin(), ends.end(), ends.begin());
-    std::vector<std::uint32_t> oruLayerIds(mapping.size());
+    std::vector<std::uint32_t> zebToOruLayers(mapping.size());
     for (std::size_t entry = 0; entry < mapping.size(); ++entry) {
-        oruLayerIds[ends[found[entry]]++] = mapping[entry].oruLayerId;
+        zebToOruLayers[ends[found[entry]]++] = mapping[entry].oruLayerId;
     }
     for (std::size_t layer = 0; layer < layers.size(); ++layer) {
         const std::size_t begin = layer == 0 ? 0 : ends[layer - 1];
-        layers[layer].oruLayerIds = std::span(oruLayerIds).subspan(begin, ends[layer] - begin);
+        layers[layer].oruLayerIds = std::span(zebToOruLayers).subspan(begin, ends[layer] - begin);
     }
-    const auto reportPosition = [](const ZebLayer& layer) {
-        return std::tuple(static_cast<std::int32_t>(layer.oruLayerIds.back()), layer.name);
+    const auto reportPosition = [](const ZebLayerEntry& layer) {
+        return std::tuple(static_cast<std::int32_t>(layer.lastOruLayerId()), layer.name);
     };
-    std::sort(layers.begin(), layers.end(), [&reportPosition](const ZebLayer& left, const ZebLayer& right) {
-        return reportPosition(left) < reportPosition(right);
-    });
-    return {std::move(layers), std::move(oruLayerIds)};
+    std::sort(layers.begin(), layers.end(),
+              [&reportPosition](const ZebLayerEntry& left, const ZebLayerEntry& right) {
+                  return reportPosition(left) < reportPosition(right);
+              });
+    return {std::move(layers), std::move(zebToOruLayers)};
 }
 
-void addLayerTimes(std::vector<ZebLayer>& zebLayers, const LayerStatsList& layerStats) {
-    for (ZebLayer& zebLayer : zebLayers) {
-        for (const std::uint32_t oruLayerId : zebLayer.oruLayerIds) {
+std::vector<ZebLayerStats> computeZebLayerStats(const std::vector<ZebLayerEntry>& zebLayerOrder,
+                                                const LayerStatsList& layerStats) {
+    std::vector<ZebLayerStats> zebLayerStats;
+    zebLayerStats.reserve(zebLayerOrder.size());
+    for (const ZebLayerEntry& layer : zebLayerOrder) {
+        ZebLayerStats& times = zebLayerStats.emplace_back();
+        for (const std::uint32_t oruLayerId : layer.oruLayerIds) {
             if (oruLayerId >= layerStats.size()) {
                 continue;
             }
             const LayerStats stats = layerStats[oruLayerId];
             if (stats.offloaded) {
-                zebLayer.krelTimeUs += stats.avgCoreTimeUs;
+                times.krelTimeUs += stats.avgCoreTimeUs;
             } else {
-                zebLayer.dspTimeUs += stats.avgTimeUs;
+                times.dspTimeUs += stats.avgTimeUs;
             }
         }
     }
+    return zebLayerStats;
 }
 
-TimeShare shareOfTime(const std::vector<ZebLayer>& zebLayers) {
+TimeShare shareOfTime(const std::vector<ZebLayerStats>& zebLayerStats) {
     std::uint64_t totalDspTimeUs = 0;
     std::uint64_t totalKrelTimeUs = 0;
-    for (const ZebLayer& layer : zebLayers) {
+    for (const ZebLayerStats& layer : zebLayerStats) {
         totalDspTimeUs += layer.dspTimeUs;
         totalKrelTimeUs += layer.krelTimeUs;
     }

@@ -21,7 +21,7 @@ std::string percentText(double percent) {
     return fixedPoint(percent, 0) + '%';
 }
 
-void writeIds(TableText& table, const ZebLayer& layer) {
+void writeIds(TableText& table, const ZebLayerEntry& layer) {
     for (const std::uint32_t id : layer.oruLayerIds) {
         table.number(static_cast<std::int32_t>(id)).text(",");
     }
@@ -33,7 +33,8 @@ std::size_t defaultNameWidth() {
     return columnWidth(zebColumns[0]);
 }
 
-void printZebLayerStats(std::ostream& out, const std::vector<ZebLayer>& layers, const TimeShare& share,
+void printZebLayerStats(std::ostream& out, const ZebLayers& layers,
+                        const std::vector<ZebLayerStats>& zebLayerStats, const TimeShare& share,
                         std::size_t nameWidth, Alignment alignment) {
     const std::array<std::size_t, zebColumns.size()> widths = {
         nameWidth, columnWidth(zebColumns[1]), columnWidth(zebColumns[2]), columnWidth(zebColumns[3])};
@@ -46,45 +47,47 @@ void printZebLayerStats(std::ostream& out, const std::vector<ZebLayer>& layers, 
         table.endRow();
     };
     printRow(zebColumns[0], zebColumns[1], zebColumns[2], zebColumns[3]);
-    for (const ZebLayer& layer : layers) {
-        printRow(layer.name, layer.dspTimeUs, layer.krelTimeUs, layer.totalTimeUs());
+    for (std::size_t row = 0; row < zebLayerStats.size(); ++row) {
+        const ZebLayerStats& times = zebLayerStats[row];
+        printRow(layers.zebLayerOrder[row].name, times.dspTimeUs, times.krelTimeUs, times.totalTimeUs());
     }
     table.text(std::string(std::accumulate(widths.begin(), widths.end(), std::size_t{0}), '-')).endRow();
     printRow("Summary", percentText(share.dspTimePercent), percentText(share.krelTimePercent), " ");
 }
 
-void writeZebLayerCsv(std::ostream& out, const std::vector<ZebLayer>& layers, const TimeShare& share) {
+void writeZebLayerCsv(std::ostream& out, const ZebLayers& layers,
+                      const std::vector<ZebLayerStats>& zebLayerStats, const TimeShare& share) {
     out << '\n' << heads::zebLayers.title << '\n';
     TableText table(out);
     for (const std::string_view title : zebColumns) {
         table.text(title).text(",");
     }
     table.endRow();
-    for (const ZebLayer& layer : layers) {
-        table.text(layer.name).text(",").number(layer.dspTimeUs).text(",").number(layer.krelTimeUs).text(",");
-        table.number(layer.totalTimeUs()).text(",").endRow();
+    for (std::size_t row = 0; row < zebLayerStats.size(); ++row) {
+        const ZebLayerStats& times = zebLayerStats[row];
+        table.text(layers.zebLayerOrder[row].name).text(",").number(times.dspTimeUs).text(",");
+        table.number(times.krelTimeUs).text(",").number(times.totalTimeUs()).text(",").endRow();
     }
     table.text("Summary,").text(percentText(share.dspTimePercent)).text(",");
     table.text(percentText(share.krelTimePercent)).endRow();
 }
 
-void printLayerMapping(std::ostream& out, const std::vector<ZebLayer>& layers, std::size_t nameWidth,
-                       Alignment alignment) {
+void printLayerMapping(std::ostream& out, const ZebLayers& layers, Alignment alignment) {
     out << '\n';
     printSectionHead(out, heads::layerMapping);
     TableText table(out, alignment);
-    for (const ZebLayer& layer : layers) {
-        table.field(layer.name, nameWidth).text(":  ");
+    for (const ZebLayerEntry& layer : layers.zebLayerOrder) {
+        table.field(layer.name, layers.maxZebLayerNameLength).text(":  ");
         writeIds(table, layer);
         table.endRow();
     }
 }
 
-void writeLayerMappingCsv(std::ostream& out, const std::vector<ZebLayer>& layers, std::size_t nameWidth) {
+void writeLayerMappingCsv(std::ostream& out, const ZebLayers& layers) {
     out << '\n' << heads::layerMapping.title << '\n' << "ZEB Layer,ORU Layer(s)\n";
     TableText table(out);
-    for (const ZebLayer& layer : layers) {
-        table.field(layer.name, nameWidth).text(",\"");
+    for (const ZebLayerEntry& layer : layers.zebLayerOrder) {
+        table.field(layer.name, layers.maxZebLayerNameLength).text(",\"");
         writeIds(table, layer);
         table.text("\"").endRow();
     }

@@ -12,16 +12,17 @@
 namespace zeb::profiling {
 
 /// The framework's table, a row for each ZEB layer, and a summary of the share.
+/// @param zebLayerStats one for each layer
 /// @param nameWidth width of the names' column
-void printZebLayerStats(std::ostream& out, const std::vector<ZebLayer>& layers, const TimeShare& share,
+void printZebLayerStats(std::ostream& out, const ZebLayers& layers,
+                        const std::vector<ZebLayerStats>& zebLayerStats, const TimeShare& share,
                         std::size_t nameWidth, Alignment alignment);
-void writeZebLayerCsv(std::ostream& out, const std::vector<ZebLayer>& layers, const TimeShare& share);
+void writeZebLayerCsv(std::ostream& out, const ZebLayers& layers,
+                      const std::vector<ZebLayerStats>& zebLayerStats, const TimeShare& share);
 
-/// The ORU layers of each ZEB layer.
-/// @param nameWidth length of the longest name
-void printLayerMapping(std::ostream& out, const std::vector<ZebLayer>& layers, std::size_t nameWidth,
-                       Alignment alignment);
-void writeLayerMappingCsv(std::ostream& out, const std::vector<ZebLayer>& layers, std::size_t nameWidth);
+/// The ORU layers of each ZEB layer. Names take the width of the longest.
+void printLayerMapping(std::ostream& out, const ZebLayers& layers, Alignment alignment);
+void writeLayerMappingCsv(std::ostream& out, const ZebLayers& layers);
 
 /// @return width of the names' column of a report whose log has no node mapping
 std::size_t defaultNameWidth();

@@ -158,7 +158,7 @@ TEST(NodeMapping, FindsLongNamesByWhereTheyStand) {
     EXPECT_EQ(mappingText(mapping, names), expected);
     const ZebLayers layers = gatherZebLayers(readNodeMapping(spanOf(mapping), spanOf(names)));
     std::string ids;
-    for (const ZebLayer& layer : layers.layers) {
+    for (const ZebLayerEntry& layer : layers.zebLayerOrder) {
         for (const std::uint32_t id : layer.oruLayerIds) {
             ids += std::to_string(id) + ",";
         }
@@ -174,8 +174,8 @@ TEST(NodeMapping, CostsNoMoreForALongNameThanForAShortOne) {
     const std::clock_t start = std::clock();
     const ZebLayers layers = gatherZebLayers(readNodeMapping(spanOf(mapping), spanOf(names)));
     EXPECT_LT((std::clock() - start) / CLOCKS_PER_SEC, 3);
-    ASSERT_EQ(layers.layers.size(), 1U);
-    EXPECT_EQ(layers.layers[0].name.size(), 1U << 22U);
+    ASSERT_EQ(layers.zebLayerOrder.size(), 1U);
+    EXPECT_EQ(layers.zebLayerOrder[0].name.size(), 1U << 22U);
 }
 
 TEST(NodeMapping, IsReadFromShortObjects) {

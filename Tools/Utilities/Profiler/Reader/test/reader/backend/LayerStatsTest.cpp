@@ -126,7 +126,7 @@ TEST(ZebLayers, ComeByTheirLastOruLayer) {
     const auto gathered = [](const std::vector<NodeMappingEntry>& mapping) {
         std::string text;
         const ZebLayers zebLayers = gatherZebLayers(mapping);
-        for (const ZebLayer& layer : zebLayers.layers) {
+        for (const ZebLayerEntry& layer : zebLayers.zebLayerOrder) {
             text += std::string(layer.name) + ":";
             for (const std::uint32_t id : layer.oruLayerIds) {
                 text += std::to_string(id) + ",";
@@ -146,9 +146,11 @@ TEST(ZebLayers, AddUpTheTimesOfTheirOruLayers) {
                                .layerRecords = {{.execCount = 1, .totalTimeUs = 10, .totalCoreCycles = 99},
                                                 {.execCount = 1, .totalTimeUs = 99, .totalCoreCycles = 5},
                                                 {.execCount = 1, .totalTimeUs = 30}}};
-    ZebLayers zebLayers = gatherZebLayers({{0, "a"}, {1, "a"}, {2, "a"}, {1, "b"}, {3, "b"}, {huge, "a"}});
-    const std::vector<ZebLayer>& layers = zebLayers.layers;
-    addLayerTimes(zebLayers.layers, computeLayerStats(profile, config));
+    const ZebLayers zebLayers =
+        gatherZebLayers({{0, "a"}, {1, "a"}, {2, "a"}, {1, "b"}, {3, "b"}, {huge, "a"}});
+    const std::vector<ZebLayerStats> layers =
+        computeZebLayerStats(zebLayers.zebLayerOrder, computeLayerStats(profile, config));
+    ASSERT_EQ(layers.size(), 2U);
     EXPECT_EQ((Numbers{layers[0].dspTimeUs, layers[0].krelTimeUs, layers[0].totalTimeUs()}),
               (Numbers{40, 5, 45}));
     EXPECT_EQ(layers[1].totalTimeUs(), 5U);

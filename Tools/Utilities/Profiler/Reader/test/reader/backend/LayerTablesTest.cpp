@@ -68,17 +68,15 @@ TEST(OruTable, OrdersItsRowsByKeyAndStaysInsideItsLayers) {
 }
 
 TEST(ZebTables, AlignNamesAsTheyAreToldAndRoundShares) {
-    const std::vector<std::uint32_t> ids = {3, 0, 1};
-    const std::vector<ZebLayer> layers = {
-        {.name = "conv", .oruLayerIds = std::span(ids).first(2), .krelTimeUs = 1},
-        {.name = "a, pool", .oruLayerIds = std::span(ids).last(1), .dspTimeUs = 999}};
+    const ZebLayers layers = gatherZebLayers({{3, "conv"}, {0, "conv"}, {1, "a, pool"}});
     std::ostringstream out;
-    printLayerMapping(out, layers, 7, Alignment::right);
+    printLayerMapping(out, layers, Alignment::right);
     EXPECT_EQ(test::behindLines(out.str(), 3), "   conv:  3,0,\na, pool:  1,\n");
     out.str("");
-    printLayerMapping(out, layers, 7, Alignment::left);
+    printLayerMapping(out, layers, Alignment::left);
     EXPECT_EQ(test::behindLines(out.str(), 3), "conv   :  3,0,\na, pool:  1,\n");
-    writeZebLayerCsv(out, layers, shareOfTime(layers));
+    const std::vector<ZebLayerStats> times = {{.krelTimeUs = 1}, {.dspTimeUs = 999}};
+    writeZebLayerCsv(out, layers, times, shareOfTime(times));
     EXPECT_PRED2(test::holds, out.str(), "\nconv,0,1,1,\na, pool,999,0,999,\nSummary,100%,0%\n");
 }
 
