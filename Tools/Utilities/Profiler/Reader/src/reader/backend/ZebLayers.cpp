@@ -124,11 +124,12 @@ TimeShare shareOfTime(const std::vector<ZebLayerStats>& zebLayerStats) {
         totalDspTimeUs += layer.dspTimeUs;
         totalKrelTimeUs += layer.krelTimeUs;
     }
-    const std::uint64_t total = totalDspTimeUs + totalKrelTimeUs;
-    if (total == 0) {
+    // Added as floats: together they may take more than 64 bits.
+    const double total = static_cast<double>(totalDspTimeUs) + static_cast<double>(totalKrelTimeUs);
+    if (total == 0.0) {
         return {};
     }
-    const double dspTimePercent = static_cast<double>(totalDspTimeUs) / static_cast<double>(total) * 100.0;
+    const double dspTimePercent = static_cast<double>(totalDspTimeUs) / total * 100.0;
     return {dspTimePercent, 100.0 - dspTimePercent};
 }
 

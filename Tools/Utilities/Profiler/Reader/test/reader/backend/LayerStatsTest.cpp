@@ -156,5 +156,24 @@ TEST(ZebLayers, AddUpTheTimesOfTheirOruLayers) {
     EXPECT_EQ(layers[1].totalTimeUs(), 5U);
 }
 
+TEST(ZebLayers, ShareATimeThatTakesMoreThan64Bits) {
+    const std::uint64_t half = 1ULL << 63U;
+    const struct {
+        std::vector<ZebLayerStats> layers;
+        double dspTimePercent;
+        double krelTimePercent;
+    } cases[] = {
+        {{}, 0.0, 0.0},
+        {{{.dspTimeUs = 1, .krelTimeUs = 3}}, 25.0, 75.0},
+        {{{.dspTimeUs = half}, {.krelTimeUs = half}}, 50.0, 50.0},
+        {{{.dspTimeUs = half, .krelTimeUs = half + half / 2}}, 40.0, 60.0},
+    };
+    for (const auto& [layers, dspTimePercent, krelTimePercent] : cases) {
+        const TimeShare share = shareOfTime(layers);
+        EXPECT_DOUBLE_EQ(share.dspTimePercent, dspTimePercent);
+        EXPECT_DOUBLE_EQ(share.krelTimePercent, krelTimePercent);
+    }
+}
+
 }  // namespace
 }  // namespace zeb::profiling
