@@ -6,9 +6,6 @@
 
 #include "harness/MemoryFile.h"
 #include "reader/backend/ZebProfileLogReaderMURL.h"
-#include "reports/ConsoleReport.h"
-#include "reports/CsvReport.h"
-#include "reports/ReportForms.h"
 #include "support/CommandLine.h"
 #include "support/TestReader.h"
 #include "text/TextStream.h"
@@ -62,17 +59,11 @@ void report(Outcome& outcome, MakeReport makeReport) {
 bool reportInMemory(profiling::ZebProfileLogReaderMURL& reader, ReportKind kind, Outcome& outcome) {
     profiling::TextStream console;
     profiling::TextStream csv;
-    const profiling::ReportSource source = reader.reportSource();
     console << std::fixed << std::setprecision(0);
     csv << std::fixed << std::setprecision(0);
     if (kind == ReportKind::generic) {
-        printReportHeader(console, source);
-        if (reader.header().isAdapterUpdaterLog) {
-            printUpdateBinarySectionStats(console, source);
-        } else {
-            printConsoleReport(console, source);
-        }
-        writeCsvReport(csv, source);
+        reader.printConsoleReport(console);
+        reader.writeCsvReport(csv);
     } else {
         if (kind == ReportKind::backendInternal) {
             askForInternalColumns(reader);

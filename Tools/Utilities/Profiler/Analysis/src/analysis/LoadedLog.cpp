@@ -121,7 +121,7 @@ bool loadLog(const std::string& path, LoadedLog& log) {
         }
         bytesRead.add(chunks.prefix());
         bytesRead.add(buffer->bytes());
-        if (const auto* const header = walker.header(); header != nullptr && !log.header.isRead) {
+        if (const auto* const header = walker.header(); header != nullptr && !log.header.headerSaved) {
             log.header = profiling::readLogHeader(*header);
         }
         while (const LogMessage* const message = walker.nextMessage()) {

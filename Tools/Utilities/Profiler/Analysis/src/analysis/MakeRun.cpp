@@ -243,7 +243,7 @@ public:
     RunMaker(LoadedLog& log, Run& run) : log_(log), store_(log.store), run_(run) {}
 
     void make() {
-        if (log_.header.isRead) {
+        if (log_.header.headerSaved) {
             run_.header = headerOf(log_.header);
         }
         run_.isAsync = store_.asyncExecute;

@@ -12,9 +12,7 @@
 #include "benchmark/Floors.h"
 #include "benchmark/Processes.h"
 #include "log/ChunkReader.h"
-#include "reader/backend/BackendReport.h"
 #include "reader/backend/ZebProfileLogReaderMURL.h"
-#include "reports/CsvReport.h"
 
 namespace zeb::bench {
 
@@ -119,8 +117,7 @@ void measureCsv(const MeasuredLog& log, Figures& figures) {
     std::ostream unread(&sink);
     reader.printBackendReport(unread);  // works out what the CSV form shows
     figures[Figure::backendCsv] = timeOfCsv([&reader](std::ostream& csv) { reader.writeBackendCsv(csv); });
-    figures[Figure::genericCsv] =
-        timeOfCsv([&reader](std::ostream& csv) { profiling::writeCsvReport(csv, reader.reportSource()); });
+    figures[Figure::genericCsv] = timeOfCsv([&reader](std::ostream& csv) { reader.writeCsvReport(csv); });
 }
 
 void measureFormatting(const MeasuredLog& log, Figures& figures) {

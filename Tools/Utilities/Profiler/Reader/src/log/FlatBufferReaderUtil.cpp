@@ -14,11 +14,11 @@ bool FlatBufferReaderUtil::openChunk(const LogChunkBuffer& buffer) {
         logMessage(ZEB_LOG_LEVEL_ERROR, damagedChunkText);
         return false;
     }
-    const schema::LogChunk* const root = schema::GetLogChunk(buffer.data());
+    const schema::LogChunk* const rootTable = schema::GetLogChunk(buffer.data());
     if (headerTable_ == nullptr) {
-        headerTable_ = root->header();
+        headerTable_ = rootTable->header();
     }
-    messageVector_ = root->messages();
+    messageVector_ = rootTable->messages();
     chunk_ = {buffer.bytes(), ++chunks};
     messageIndex_ = 0;
     return true;
@@ -34,9 +34,11 @@ const schema::LogMessage* FlatBufferReaderUtil::nextMessage() {
     if (messageVector_ != nullptr && messageIndex_ < lengthOf(messageVector_)) {
         return tableAt(messageVector_, messageIndex_++);
     }
-    logFormatted(ZEB_LOG_LEVEL_DEBUG,
-                 "profiling::FlatBufferReaderUtil no more messages! (Message Counter: %d)",
-                 static_cast<int>(messageIndex_));
+    if (const auto logger = loggerFor(ZEB_LOG_LEVEL_DEBUG)) {
+        logMessage(*logger, ZEB_LOG_LEVEL_DEBUG,
+                   "profiling::FlatBufferReaderUtil no more messages! (Message Counter: %d)",
+                   static_cast<int>(messageIndex_));
+    }
     return nullptr;
 }
 

@@ -9,6 +9,8 @@
 
 namespace zeb::profiling {
 
+std::uint64_t loggerHandle = 0;
+
 namespace {
 
 struct LoggerTable {
@@ -30,12 +32,6 @@ void pass(const Logger& logger, std::int32_t level, const char* format, va_list 
     }
     const std::string ownFormat = format;
     logger.logCallback(ownFormat.c_str(), level, wallClockNs() - logger.startTimeNs, arguments);
-}
-
-// Null when the library's logger doesn't take messages of the level.
-std::shared_ptr<const Logger> loggerFor(std::int32_t level) {
-    auto logger = getLogger(loggerHandle);
-    return logger && logger->maxLevel >= level ? logger : nullptr;
 }
 
 // An argument list can only be made by a variadic function.
@@ -63,18 +59,14 @@ std::shared_ptr<const Logger> getLogger(std::uint64_t handle) {
     return entry == loggerTable.loggers.end() ? nullptr : entry->second;
 }
 
+std::shared_ptr<const Logger> loggerFor(std::int32_t level) {
+    auto logger = getLogger(loggerHandle);
+    return logger && logger->maxLevel >= level ? logger : nullptr;
+}
+
 void logMessage(std::int32_t level, const char* text) {
     if (const auto logger = loggerFor(level)) {
         passWithoutArguments(*logger, level, text);
-    }
-}
-
-void logFormatted(std::int32_t level, const char* format, ...) {
-    if (const auto logger = loggerFor(level)) {
-        va_list arguments;
-        va_start(arguments, format);
-        pass(*logger, level, format, arguments);
-        va_end(arguments);
     }
 }
 

@@ -29,8 +29,9 @@ struct Logger {
     std::uint64_t startTimeNs = 0;      ///< from which message times are counted, ns since the Unix epoch
 };
 
-/// The handle under which the whole library looks its logger up.
-inline constexpr std::uint64_t loggerHandle = 0;
+/// The handle under which the whole library looks its logger up. An embedding may set it before it has
+/// anything read: it is read without a lock.
+extern std::uint64_t loggerHandle;
 
 /// Puts a logger into the table for an embedding, in place of one that was there; null takes it out.
 void setLogger(std::uint64_t handle, std::shared_ptr<const Logger> logger);
@@ -42,8 +43,9 @@ std::shared_ptr<const Logger> getLogger(std::uint64_t handle);
 /// @param text becomes the format, so a percent sign in it has to be doubled
 void logMessage(std::int32_t level, const char* text);
 
-/// The same with arguments, which are evaluated in any case: what costs more than a look is no argument.
-[[gnu::format(printf, 2, 3)]] void logFormatted(std::int32_t level, const char* format, ...);
+/// @return the library's logger, null when there is none that takes messages of the level. A message with
+///         arguments is logged behind a look at it, so that they are worked out for somebody alone.
+std::shared_ptr<const Logger> loggerFor(std::int32_t level);
 
 /// Passes a message to the logger's callback, unless its level is too high for the logger.
 [[gnu::format(printf, 3, 4)]] void logMessage(const Logger& logger, std::int32_t level, const char* format,

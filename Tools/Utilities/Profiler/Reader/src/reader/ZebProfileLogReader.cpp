@@ -10,11 +10,8 @@
 #include "log/ChunkCheck.h"
 #include "log/ChunkReader.h"
 #include "logging/Logger.h"
-#include "reports/ConsoleReport.h"
-#include "reports/CsvReport.h"
 #include "reports/EventReport.h"
 #include "reports/HeaderText.h"
-#include "reports/ReportForms.h"
 #include "text/TextStream.h"
 
 namespace zeb::profiling {
@@ -30,9 +27,13 @@ std::unique_ptr<const LogChunkBuffer> readChunk(ChunkReader& chunks) {
         }
         return buffer;
     } catch (const std::bad_alloc& error) {
-        logFormatted(ZEB_LOG_LEVEL_ERROR, "Unable to allocate memory: %s", error.what());
+        if (const auto logger = loggerFor(ZEB_LOG_LEVEL_ERROR)) {
+            logMessage(*logger, ZEB_LOG_LEVEL_ERROR, "Unable to allocate memory: %s", error.what());
+        }
     } catch (const std::length_error& error) {
-        logFormatted(ZEB_LOG_LEVEL_ERROR, "Length error: %s", error.what());
+        if (const auto logger = loggerFor(ZEB_LOG_LEVEL_ERROR)) {
+            logMessage(*logger, ZEB_LOG_LEVEL_ERROR, "Length error: %s", error.what());
+        }
     }
     return nullptr;
 }
@@ -43,13 +44,6 @@ struct ChunkCloser {
     FlatBufferReaderUtil& walker;
 };
 
-void appendCsvReport(std::ofstream& csv, const ReportSource& source) {
-    if (csv.is_open()) {
-        writeCsvReport(csv, source);
-        csv.flush();
-    }
-}
-
 }  // namespace
 
 ZebProfileLogReader::ZebProfileLogReader(std::string logFilePath, VisibilityLevel visibilityLevel)
@@ -58,7 +52,9 @@ ZebProfileLogReader::ZebProfileLogReader(std::string logFilePath, VisibilityLeve
 bool ZebProfileLogReader::loadLog(bool saveObjects) {
     ChunkReader chunks(logFilePath_);
     if (!chunks.isOpen()) {
-        logFormatted(ZEB_LOG_LEVEL_ERROR, "Invalid or nonexistent file: %s", logFilePath_.c_str());
+        if (const auto logger = loggerFor(ZEB_LOG_LEVEL_ERROR)) {
+            logMessage(*logger, ZEB_LOG_LEVEL_ERROR, "Invalid or nonexistent file: %s", logFilePath_.c_str());
+        }
         return false;
     }
     while (chunks.nextLength()) {
@@ -67,7 +63,7 @@ bool ZebProfileLogReader::loadLog(bool saveObjects) {
             return false;
         }
         const ChunkCloser closer{logWalker_};
-        if (!header_.isRead) {
+        if (!header_.headerSaved) {
             captureHeader();
         }
         messagesDone_ = false;
@@ -97,7 +93,9 @@ bool ZebProfileLogReader::parseBackendArgs(commandline2::ParsedArgs& /*parsedArg
 }
 
 void ZebProfileLogReader::captureHeader() {
-    if (const schema::LogHeader* const header = logWalker_.header()) {
+    if (header_.headerSaved) {
+        logMessage(ZEB_LOG_LEVEL_DEBUG, "Header details have been saved already.");
+    } else if (const schema::LogHeader* const header = logWalker_.header()) {
         header_ = readLogHeader(*header);
     } else {
         logMessage(ZEB_LOG_LEVEL_DEBUG, "hdr is nullptr");
@@ -109,34 +107,82 @@ std::string ZebProfileLogReader::printHeader() {
 }
 
 bool ZebProfileLogReader::generateReports(const std::string& outputPath) {
-    const ReportSource source = beginReport();
     std::ofstream csv;
     if (!outputPath.empty()) {
         csv = openCsvFile(outputPath);
         if (!csv.is_open()) {
-            logFormatted(ZEB_LOG_LEVEL_ERROR, "Invalid output file: [%s]", outputPath.c_str());
+            if (const auto logger = loggerFor(ZEB_LOG_LEVEL_ERROR)) {
+                logMessage(*logger, ZEB_LOG_LEVEL_ERROR, "Invalid output file: [%s]", outputPath.c_str());
+            }
             return false;
         }
     }
     TextStream console;
     console << std::fixed << std::setprecision(0);
-    printReportHeader(console, source);
+    printConsoleReport(console);
     // Which of the two comes first shows when both go to one stream.
     if (header_.isAdapterUpdaterLog) {
-        printUpdateBinarySectionStats(console, source);
         console.putOnStandardOutput();
-        appendCsvReport(csv, source);
-    } else {
-        printConsoleReport(console, source);
-        appendCsvReport(csv, source);
+    }
+    if (csv.is_open()) {
+        writeCsvReport(csv);
+        csv.flush();
+    }
+    if (!header_.isAdapterUpdaterLog) {
         console.putOnStandardOutput();
     }
     return true;
 }
 
+void ZebProfileLogReader::printConsoleReport(std::ostream& out) {
+    beginReport();
+    printReportHeader(out);
+    if (header_.isAdapterUpdaterLog) {
+        printUpdateBinarySectionStats(out);
+        return;
+    }
+    printStatisticsOverview(out);
+    printContextRetrievalStats(out);
+    printContextSectionRetrievalStats(out);
+    printExecuteOverallStats(out);
+    printExecuteAverageStats(out);
+    printExecuteMinStats(out);
+    printExecuteMaxStats(out);
+    printLibLoadStats(out);
+    printApplyBinarySectionAverageStats(out);
+    printApplyBinarySectionMinStats(out);
+    printApplyBinarySectionMaxStats(out);
+    printFinalizeAfterTensorUpdatesAverageStats(out);
+    printFinalizeAfterTensorUpdatesMinStats(out);
+    printFinalizeAfterTensorUpdatesMaxStats(out);
+}
+
+void ZebProfileLogReader::writeCsvReport(std::ostream& out) {
+    writeCsvPreamble(out);
+    writeCsvColumns(out);
+    if (header_.isAdapterUpdaterLog) {
+        writeUpdateBinarySectionCsv(out);
+        return;
+    }
+    writeInitCsv(out);
+    writeComposeGraphsCsv(out);
+    writeFinalizeCsv(out);
+    writeDeInitCsv(out);
+    writeExecuteCsv(out);
+    writeExecuteIpsCsv(out);
+    writeLibLoadCsv(out);
+    writeApplyBinarySectionCsv(out);
+    writeFinalizeAfterTensorUpdatesCsv(out);
+    writeContextCsv(out);
+}
+
 void ZebProfileLogReader::printEvent(std::ostream& out, const EventList& events, std::uint64_t level) {
     for (const ProfileEvent& event : events) {
-        printOneEvent(out, event, level, reportSource().objectFiles);
+        if (!event.isObject()) {
+            printEventLine(out, event, level);
+        } else if (saveObjects_) {
+            objectFiles_.writeObjectFile(event);
+        }
         printEvent(out, event.subEvents, level + 1);  // of the class that the reader is
     }
 }

@@ -8,9 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "reports/EventReport.h"
 #include "reports/ExecutionRate.h"
-#include "reports/MethodForms.h"
 #include "reports/ReportForms.h"
 #include "store/ContextMethods.h"
 #include "store/Statistics.h"
@@ -19,12 +17,10 @@
 
 namespace zeb::profiling {
 
-namespace {
-
 void printInitStats(std::ostream& out, const ReportSource& source) {
     printSectionHead(out, heads::init);
     printTimeLine(out, source.store.initDurationUs);
-    printEvents(out, initSectionEvents(source.store), 1, source.objectFiles);
+    source.reader.printEvent(out, initSectionEvents(source.store), 1);
     out << '\n';
 }
 
@@ -34,6 +30,8 @@ void printComposeGraphsStats(std::ostream& out, const ReportSource& source) {
     out << '\n';
 }
 
+namespace {
+
 // One block for each graph: its head, its time, its events.
 template <typename Entries>
 void printGraphs(std::ostream& out, const ReportSource& source, const Entries& entries, bool withEvents) {
@@ -42,11 +40,13 @@ void printGraphs(std::ostream& out, const ReportSource& source, const Entries& e
         printGraphHead(out, position++, entry.name);
         printTimeLine(out, entry.record->durationUs);
         if (withEvents) {
-            printEvents(out, entry.record->events, 1, source.objectFiles);
+            source.reader.printEvent(out, entry.record->events, 1);
         }
         out << '\n';
     }
 }
+
+}  // namespace
 
 void printFinalizeStats(std::ostream& out, const ReportSource& source) {
     const EventStore& store = source.store;
@@ -65,11 +65,15 @@ void printStatisticsOverview(std::ostream& out, const ReportSource& source) {
     printDeInitStats(out, source);
 }
 
+namespace {
+
 void printContextBlock(std::ostream& out, std::string_view label, std::uint64_t durationUs) {
     out << label << ":\n";
     printTimeLine(out, durationUs);
     out << '\n';
 }
+
+}  // namespace
 
 void printContextRetrievalStats(std::ostream& out, const ReportSource& source) {
     const EventStore& store = source.store;
@@ -111,6 +115,8 @@ void printExecuteOverallStats(std::ostream& out, const ReportSource& source) {
         << fixedPoint(static_cast<double>(executionRate(store.executeOverallRecord)), 4) << " inf/sec \n\n";
 }
 
+namespace {
+
 std::uint64_t meanOf(const std::vector<std::uint64_t>& values) {
     const auto add = [](double sum, std::uint64_t value) { return sum + static_cast<double>(value); };
     const double sum = std::accumulate(values.begin(), values.end(), 0.0, add);
@@ -145,7 +151,7 @@ void printExecuteStats(std::ostream& out, const ReportSource& source, const Sect
             out << "Marlix (Host Round-Trip excluding queue wait): "
                 << record->durationUs - queueWaitUs(waits[position]) << '\n';
         }
-        printEvents(out, record->events, 1, source.objectFiles);
+        source.reader.printEvent(out, record->events, 1);
         out << '\n';
     }
 }
@@ -153,7 +159,7 @@ void printExecuteStats(std::ostream& out, const ReportSource& source, const Sect
 void saveObjects(const EventList& events, ObjectFiles& files) {
     for (const ProfileEvent& event : events) {
         if (event.isObject()) {
-            files.write(event);
+            files.writeObjectFile(event);
         }
     }
 }
@@ -164,7 +170,7 @@ void saveObjectsOfExecutions(const EventStore& store, ObjectFiles& files) {
         for (const MethodRecord& record : graph.records) {
             for (const ProfileEvent& event : record.events) {
                 if (event.isObject()) {
-                    files.write(event);
+                    files.writeObjectFile(event);
                 }
                 saveObjects(event.subEvents, files);
             }
@@ -172,15 +178,24 @@ void saveObjectsOfExecutions(const EventStore& store, ObjectFiles& files) {
     }
 }
 
-void printExecuteStatistics(std::ostream& out, const ReportSource& source) {
-    const EventStore& store = source.store;
-    const MethodStatistics& execute = store.methods.execute;
-    printExecuteStats(out, source, executeForm.average, execute.average, store.executeQueueWaits);
+}  // namespace
+
+void printExecuteAverageStats(std::ostream& out, const ReportSource& source) {
+    const MethodStatistics& execute = source.store.methods.execute;
+    printExecuteStats(out, source, executeForm.average, execute.average, source.store.executeQueueWaits);
     if (source.objectFiles != nullptr && !execute.average.empty()) {
-        saveObjectsOfExecutions(store, *source.objectFiles);
+        saveObjectsOfExecutions(source.store, *source.objectFiles);
     }
-    printExecuteStats(out, source, executeForm.min, execute.min, store.executeMinQueueWaits);
-    printExecuteStats(out, source, executeForm.max, execute.max, store.executeMaxQueueWaits);
+}
+
+void printExecuteMinStats(std::ostream& out, const ReportSource& source) {
+    const EventStore& store = source.store;
+    printExecuteStats(out, source, executeForm.min, store.methods.execute.min, store.executeMinQueueWaits);
+}
+
+void printExecuteMaxStats(std::ostream& out, const ReportSource& source) {
+    const EventStore& store = source.store;
+    printExecuteStats(out, source, executeForm.max, store.methods.execute.max, store.executeMaxQueueWaits);
 }
 
 void printLibLoadStats(std::ostream& out, const ReportSource& source) {
@@ -193,30 +208,12 @@ void printLibLoadStats(std::ostream& out, const ReportSource& source) {
     out << "Backend Latency: " << store.libLoadRecord.events.front().value().asNumber() << " us\n\n";
 }
 
-void printMethodStats(std::ostream& out, const ReportSource& source, const MethodForm& form) {
-    const MethodStatistics& statistics = source.store.methods.*form.method;
-    if (!statistics.isSeen) {
-        return;
-    }
-    printSectionHead(out, form.average);
-    printGraphs(out, source, statistics.average, true);
-    printSectionHead(out, form.min);
-    printGraphs(out, source, statistics.min, true);
-    printSectionHead(out, form.max);
-    printGraphs(out, source, statistics.max, true);
-}
-
-}  // namespace
-
-void printConsoleReport(std::ostream& out, const ReportSource& source) {
-    printStatisticsOverview(out, source);
-    printContextRetrievalStats(out, source);
-    printContextSectionRetrievalStats(out, source);
-    printExecuteOverallStats(out, source);
-    printExecuteStatistics(out, source);
-    printLibLoadStats(out, source);
-    for (const MethodForm& form : otherMethodForms) {
-        printMethodStats(out, source, form);
+void printMethodStats(std::ostream& out, const ReportSource& source, const MethodForm& form,
+                      const StatisticForm& statistic) {
+    const MethodStatistics& method = source.store.methods.*form.method;
+    if (method.isSeen) {
+        printSectionHead(out, form.*statistic.head);
+        printGraphs(out, source, method.*statistic.records, true);
     }
 }
 
@@ -229,7 +226,7 @@ void printUpdateBinarySectionStats(std::ostream& out, const ReportSource& source
     if (!store.updateBinarySectionRecords.empty()) {
         const MethodRecord& record = *store.updateBinarySectionRecords.front().record;
         printTimeLine(out, record.durationUs);
-        printEvents(out, record.events, 1, source.objectFiles);
+        source.reader.printEvent(out, record.events, 1);
         out << '\n';
     }
 }

@@ -4,9 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "reports/EventReport.h"
 #include "reports/ExecutionRate.h"
-#include "reports/MethodForms.h"
 #include "reports/ReportForms.h"
 #include "text/NumberText.h"
 
@@ -34,26 +32,34 @@ void writeMethodRow(std::ostream& out, std::uint64_t timestamp, std::string_view
     out << timestamp << ',' << keyword << ',' << durationUs << source << identifier << '\n';
 }
 
+}  // namespace
+
+void writeCsvColumns(std::ostream& out) {
+    out << columnLine;
+}
+
 void writeInitCsv(std::ostream& out, const ReportSource& source) {
     const EventStore& store = source.store;
     writeMethodRow(out, store.initTimestamp, "INIT", store.initDurationUs,
                    textOrNull(store.initStepMessage, " (init)"));
-    writeEventRows(out, initSectionEvents(store), store.initTimestamp, "INIT");
+    source.reader.writeEventCsv(out, initSectionEvents(store), store.initTimestamp, "INIT");
 }
 
-void writeComposeGraphsCsv(std::ostream& out, const EventStore& store) {
+void writeComposeGraphsCsv(std::ostream& out, const ReportSource& source) {
+    const EventStore& store = source.store;
     writeMethodRow(out, store.composeTimestamp, "COMPOSE GRAPHS", store.composeDurationUs,
                    textOrNull(store.composeGraphNames));
 }
 
 void writeFinalizeCsv(std::ostream& out, const ReportSource& source) {
     const EventStore& store = source.store;
+    const std::string eventMessage = "FINALIZE";
     std::size_t position = 0;
     for (const auto& [name, record] : store.finalizeRecords) {
         writeMethodRow(out, record->timestamp, "FINALIZE", record->durationUs,
                        graphIdentifier(position++, name));
         if (store.hasFinalizeEvents) {
-            writeEventRows(out, record->events, record->timestamp, "FINALIZE");
+            source.reader.writeEventCsv(out, record->events, record->timestamp, eventMessage);
         }
     }
 }
@@ -62,24 +68,26 @@ void writeDeInitCsv(std::ostream& out, const ReportSource& source) {
     const MethodRecord& record = source.store.deInitRecord;
     writeMethodRow(out, record.timestamp, "DE-INIT", record.durationUs,
                    textOrNull(record.message, " (deinit)"));
-    writeEventRows(out, record.events, record.timestamp, "DE-INIT");
+    source.reader.writeEventCsv(out, record.events, record.timestamp, "DE-INIT");
 }
 
 // A row for every record of every graph.
-void writeMethodCsv(std::ostream& out, const EventStore& store, const MethodForm& form) {
-    const GraphRecordList& graphs = (store.methods.*form.method).records;
+void writeMethodCsv(std::ostream& out, const ReportSource& source, const MethodForm& form) {
+    const GraphRecordList& graphs = (source.store.methods.*form.method).records;
+    const std::string eventMessage(form.csvEventMessage);
     for (std::size_t position = 0; position < graphs.size(); ++position) {
         const GraphMethodRecords& graph = graphs[position];
         for (const MethodRecord& record : graph.records) {
             const StoredText& text = form.csvShowsMessage ? record.message : graph.graphName;
             writeMethodRow(out, record.timestamp, form.csvMessage, record.durationUs,
                            graphIdentifier(position, text));
-            writeEventRows(out, record.events, record.timestamp, form.csvEventMessage);
+            source.reader.writeEventCsv(out, record.events, record.timestamp, eventMessage);
         }
     }
 }
 
-void writeExecuteIpsCsv(std::ostream& out, const EventStore& store) {
+void writeExecuteIpsCsv(std::ostream& out, const ReportSource& source) {
+    const EventStore& store = source.store;
     const MethodRecord& record = store.executeOverallRecord;
     if (store.hasExecuteOverall && record.events.countByWalking() >= executionRateEvents) {
         out << record.timestamp << ",EXECUTE IPS,"
@@ -87,7 +95,8 @@ void writeExecuteIpsCsv(std::ostream& out, const EventStore& store) {
     }
 }
 
-void writeLibLoadCsv(std::ostream& out, const EventStore& store) {
+void writeLibLoadCsv(std::ostream& out, const ReportSource& source) {
+    const EventStore& store = source.store;
     const MethodRecord& record = store.libLoadRecord;
     if (store.hasLibLoad && !record.events.empty()) {
         writeMethodRow(out, record.timestamp, "DLOPEN LATENCY", record.events.front().value().asNumber(),
@@ -95,7 +104,8 @@ void writeLibLoadCsv(std::ostream& out, const EventStore& store) {
     }
 }
 
-void writeContextCsv(std::ostream& out, const EventStore& store) {
+void writeContextCsv(std::ostream& out, const ReportSource& source) {
+    const EventStore& store = source.store;
     for (const auto& [key, record] : store.contextRetrieval) {
         writeMethodRow(out, record->timestamp, key, record->durationUs, textOrNull(record->message));
     }
@@ -112,31 +122,8 @@ void writeUpdateBinarySectionCsv(std::ostream& out, const ReportSource& source) 
     if (!store.updateBinarySectionRecords.empty()) {
         const MethodRecord& record = *store.updateBinarySectionRecords.front().record;
         writeMethodRow(out, record.timestamp, "UPDATE BINARY SECTION", record.durationUs, "null", labuUs);
-        writeEventRows(out, record.events, record.timestamp, "UPDATE_BINARY_SECTION");
+        source.reader.writeEventCsv(out, record.events, record.timestamp, "UPDATE_BINARY_SECTION");
     }
-}
-
-}  // namespace
-
-void writeCsvReport(std::ostream& out, const ReportSource& source) {
-    const EventStore& store = source.store;
-    writeCsvPreamble(out, source);
-    out << columnLine;
-    if (source.header.isAdapterUpdaterLog) {
-        writeUpdateBinarySectionCsv(out, source);
-        return;
-    }
-    writeInitCsv(out, source);
-    writeComposeGraphsCsv(out, store);
-    writeFinalizeCsv(out, source);
-    writeDeInitCsv(out, source);
-    writeMethodCsv(out, store, executeForm);
-    writeExecuteIpsCsv(out, store);
-    writeLibLoadCsv(out, store);
-    for (const MethodForm& form : otherMethodForms) {
-        writeMethodCsv(out, store, form);
-    }
-    writeContextCsv(out, store);
 }
 
 }  // namespace zeb::profiling

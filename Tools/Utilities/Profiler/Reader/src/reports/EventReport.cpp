@@ -1,45 +1,44 @@
 #include "reports/EventReport.h"
 
+#include <iomanip>
+
 #include "reports/EventText.h"
 #include "reports/ReportForms.h"
+#include "text/TableText.h"
 
 namespace zeb::profiling {
 
 namespace {
 
-void writeEventRow(std::ostream& out, const ProfileEvent& event, std::string_view level,
-                   std::uint64_t timestamp, std::string_view message) {
+void writeEventRow(TableText& row, const ProfileEvent& event, std::string_view level, std::uint64_t timestamp,
+                   std::string_view message) {
     if (!event.isObject()) {
-        out << timestamp << ',' << message << ',' << formatEventValue(event.value()) << ','
-            << unitCsvText(event.unit()) << ",BACKEND" << level << event.name << '\n';
+        row.number(timestamp).text(",").text(message).text(",").text(formatEventValue(event.value()));
+        row.text(",").text(unitCsvText(event.unit())).text(",BACKEND").text(level).text(event.name).endRow();
     }
 }
 
 }  // namespace
 
-void printOneEvent(std::ostream& out, const ProfileEvent& event, std::uint64_t level,
-                   ObjectFiles* objectFiles) {
-    if (!event.isObject()) {
-        printEventLine(out, event, level);
-    } else if (objectFiles != nullptr) {
-        objectFiles->write(event);
+void printEventLine(std::ostream& out, const ProfileEvent& event, std::uint64_t level) {
+    indent(out, level);
+    if (level == 1) {
+        out << "Backend (" << event.name << "): ";
+    } else {
+        out << event.name << ": ";
     }
-}
-
-void printEvents(std::ostream& out, const EventList& events, std::uint64_t level, ObjectFiles* objectFiles) {
-    for (const ProfileEvent& event : events) {
-        printOneEvent(out, event, level, objectFiles);
-        printEvents(out, event.subEvents, level + 1, objectFiles);
-    }
+    out << std::fixed << std::setprecision(0) << formatEventValue(event.value()) << unitSuffix(event.unit())
+        << '\n';
 }
 
 // The sub-events of an object event have their rows without it.
 void writeEventRows(std::ostream& out, const EventList& events, std::uint64_t timestamp,
                     std::string_view message) {
+    TableText row(out);
     for (const ProfileEvent& event : events) {
-        writeEventRow(out, event, ",ROOT,", timestamp, message);
+        writeEventRow(row, event, ",ROOT,", timestamp, message);
         for (const ProfileEvent& subEvent : event.subEvents) {
-            writeEventRow(out, subEvent, ",SUB-EVENT,", timestamp, message);
+            writeEventRow(row, subEvent, ",SUB-EVENT,", timestamp, message);
         }
     }
 }

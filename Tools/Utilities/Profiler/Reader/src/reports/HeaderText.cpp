@@ -33,7 +33,7 @@ bool printCreationTime(std::ostream& out, std::uint64_t epochTimestamp) {
 }  // namespace
 
 std::string headerText(const LogHeaderDetails& header, const std::string& logFilePath) {
-    if (!header.isRead) {
+    if (!header.headerSaved) {
         logMessage(ZEB_LOG_LEVEL_DEBUG, "Header details unavailable.");
         return {};
     }

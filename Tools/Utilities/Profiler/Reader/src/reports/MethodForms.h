@@ -27,23 +27,34 @@ inline constexpr MethodForm executeForm = {&MeasuredMethods::execute,
                                            "EXECUTE",
                                            false};
 
-/// The others, whose sections are all made in one way.
-inline constexpr MethodForm otherMethodForms[] = {
-    {&MeasuredMethods::applyBinarySection,
-     {"ApplyBinarySection Stats (Average):", 35},
-     {"ApplyBinarySection Stats (Min):", 35},
-     {"ApplyBinarySection Stats (Max):", 35},
-     "APPLY BINARY SECTION",
-     "APPLYBINARY",
-     false},
-    {&MeasuredMethods::finalizeAfterTensorUpdates,
-     {"FinalizeAfterTensorUpdates Stats (Average):", 45},
-     {"FinalizeAfterTensorUpdates Stats (Min):", 40},
-     {"FinalizeAfterTensorUpdates Stats (Max):", 40},
-     "FINALIZE AFTER TENSOR UPDATES",
-     "FINALIZE_AFTER_TENSOR_UPDATES",
-     true},
+inline constexpr MethodForm applyBinarySectionForm = {&MeasuredMethods::applyBinarySection,
+                                                      {"ApplyBinarySection Stats (Average):", 35},
+                                                      {"ApplyBinarySection Stats (Min):", 35},
+                                                      {"ApplyBinarySection Stats (Max):", 35},
+                                                      "APPLY BINARY SECTION",
+                                                      "APPLYBINARY",
+                                                      false};
+
+inline constexpr MethodForm finalizeAfterTensorUpdatesForm = {
+    &MeasuredMethods::finalizeAfterTensorUpdates,
+    {"FinalizeAfterTensorUpdates Stats (Average):", 45},
+    {"FinalizeAfterTensorUpdates Stats (Min):", 40},
+    {"FinalizeAfterTensorUpdates Stats (Max):", 40},
+    "FINALIZE AFTER TENSOR UPDATES",
+    "FINALIZE_AFTER_TENSOR_UPDATES",
+    true};
+
+inline constexpr const MethodForm* methodForms[] = {&executeForm, &applyBinarySectionForm,
+                                                    &finalizeAfterTensorUpdatesForm};
+static_assert(std::size(methodForms) == std::size(measuredMethods), "each has a form");
+
+/// One of the statistics of a method: the head of its section, and its records.
+struct StatisticForm {
+    SectionHead MethodForm::*head;
+    BlockList<NamedMethodRecord> MethodStatistics::*records;
 };
-static_assert(std::size(otherMethodForms) + 1 == std::size(measuredMethods));
+inline constexpr StatisticForm averageForm = {&MethodForm::average, &MethodStatistics::average};
+inline constexpr StatisticForm minForm = {&MethodForm::min, &MethodStatistics::min};
+inline constexpr StatisticForm maxForm = {&MethodForm::max, &MethodStatistics::max};
 
 }  // namespace zeb::profiling

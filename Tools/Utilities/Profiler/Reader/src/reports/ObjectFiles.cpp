@@ -33,12 +33,14 @@ bool isTaken(const std::string& name, int error) {
 }
 
 void logFailure(const std::string& fileName) {
-    logFormatted(ZEB_LOG_LEVEL_ERROR, "Invalid output fileName: [%s]", fileName.c_str());
+    if (const auto logger = loggerFor(ZEB_LOG_LEVEL_ERROR)) {
+        logMessage(*logger, ZEB_LOG_LEVEL_ERROR, "Invalid output fileName: [%s]", fileName.c_str());
+    }
 }
 
 }  // namespace
 
-void ObjectFiles::write(const ProfileEvent& event) {
+void ObjectFiles::writeObjectFile(const ProfileEvent& event) {
     if (event.objectFileName().empty()) {
         return;
     }

@@ -15,7 +15,7 @@ public:
     /// on to "a_1.bin", "a_2.bin" and so on. An event without a file name is passed over. No directory is
     /// made. A file that cannot be made, or not be written whole, is logged; of the latter stays what was
     /// written, so that its size tells the loss.
-    void write(const ProfileEvent& event);
+    void writeObjectFile(const ProfileEvent& event);
 
 private:
     std::unordered_map<std::string, std::uint64_t>

@@ -3,9 +3,6 @@
 #include <iomanip>
 #include <locale>
 
-#include "reports/EventReport.h"
-#include "reports/EventText.h"
-#include "reports/HeaderText.h"
 #include "zeb/profiling/Version.h"
 
 namespace zeb::profiling {
@@ -29,26 +26,15 @@ void printTimeLine(std::ostream& out, std::uint64_t durationUs) {
     out << "Marlix: " << durationUs << " us\n";
 }
 
-void printEventLine(std::ostream& out, const ProfileEvent& event, std::uint64_t level) {
-    indent(out, level);
-    if (level == 1) {
-        out << "Backend (" << event.name << "): ";
-    } else {
-        out << event.name << ": ";
-    }
-    out << std::fixed << std::setprecision(0) << formatEventValue(event.value()) << unitSuffix(event.unit())
-        << '\n';
-}
-
 void printReportHeader(std::ostream& out, const ReportSource& source) {
-    out << headerText(source.header, source.logFilePath) << '\n';
+    out << source.reader.printHeader() << '\n';
 }
 
 void printDeInitStats(std::ostream& out, const ReportSource& source) {
     const MethodRecord& record = source.store.deInitRecord;
     printSectionHead(out, heads::deInit);
     printTimeLine(out, record.durationUs);
-    printEvents(out, record.events, 1, source.objectFiles);
+    source.reader.printEvent(out, record.events, 1);
     out << '\n';
 }
 

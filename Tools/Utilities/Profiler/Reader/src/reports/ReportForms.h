@@ -26,10 +26,6 @@ void printGraphHead(std::ostream& out, std::size_t position, std::string_view gr
 
 void printTimeLine(std::ostream& out, std::uint64_t durationUs);
 
-/// The line of one event that is no object; `level` is 1 for the events of a message. Leaves the stream in
-/// fixed notation with precision 0.
-void printEventLine(std::ostream& out, const ProfileEvent& event, std::uint64_t level);
-
 /// The header text of the log and a blank line.
 void printReportHeader(std::ostream& out, const ReportSource& source);
 

@@ -106,7 +106,7 @@ public:
         }
     }
 
-    void merge(EventList incoming) {
+    void mergeEvents(EventList incoming) {
         searchAllFromNowOn();
         std::uint32_t expected = 0;
         for (const ProfileEvent& event : incoming) {
@@ -120,14 +120,14 @@ public:
         }
     }
 
-    EventList divide() {
+    EventList divideEvents() {
         for (std::size_t position = 0; position < sums_.size(); ++position) {
             if (const auto& sum = sums_[position]) {
                 ProfileEvent& event = *merged_[position];
                 putValue(event, sum->value.mean(), sum->object, arena_);
                 event.setOccurrences(sum->occurrences);
                 if (sum->subEvents) {
-                    event.subEvents = sum->subEvents->divide();
+                    event.subEvents = sum->subEvents->divideEvents();
                 }
             }
         }
@@ -174,7 +174,7 @@ private:
             sum.subEvents = std::make_unique<MergedList>(arena_, Level::below, own.countByWalking());
             sum.subEvents->begin(own);
         }
-        sum.subEvents->merge(incoming.subEvents);
+        sum.subEvents->mergeEvents(incoming.subEvents);
     }
 
     // Events that came in one list are not merged with each other.
@@ -233,8 +233,8 @@ EventList averageEvents(const RecordList& records, EventArena& arena) {
     }
     MergedList merged(arena, MergedList::Level::outermost, first->events.countByWalking());
     std::for_each(first, records.end(),
-                  [&merged](const MethodRecord& record) { merged.merge(record.events); });
-    return merged.divide();
+                  [&merged](const MethodRecord& record) { merged.mergeEvents(record.events); });
+    return merged.divideEvents();
 }
 
 }  // namespace zeb::profiling

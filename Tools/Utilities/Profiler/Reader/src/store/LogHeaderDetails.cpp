@@ -18,7 +18,7 @@ std::string ownText(const flatbuffers::String* text) {
 
 LogHeaderDetails readLogHeader(const schema::LogHeader& header) {
     LogHeaderDetails details;
-    details.isRead = true;
+    details.headerSaved = true;
     details.timeScale = header.timeScale();
     details.epochTimestamp = header.epochTimestamp();
     details.steadyClockTimestamp = header.steadyClockTimestamp();

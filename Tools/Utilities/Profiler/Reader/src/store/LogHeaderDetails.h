@@ -9,7 +9,7 @@ namespace zeb::profiling {
 
 /// What a log says about itself, from its first `LogHeader`.
 struct LogHeaderDetails {
-    bool isRead = false;  ///< the log had a header; without one all else is empty
+    bool headerSaved = false;  ///< the log had a header; without one all else is empty
     float timeScale = 0.0F;
     std::uint64_t epochTimestamp = 0;        ///< us since the Unix epoch
     std::uint64_t steadyClockTimestamp = 0;  ///< of the same moment

@@ -111,6 +111,23 @@ TEST(LogHeader, IsTheFirstOneOfTheLogThatIsWhole) {
     }
 }
 
+class Capturing final : public ZebProfileLogReader {
+public:
+    using ZebProfileLogReader::captureHeader;
+    using ZebProfileLogReader::ZebProfileLogReader;
+};
+
+TEST(LogHeader, IsCapturedOnceAndOutOfAnOpenChunkAlone) {
+    for (const bool hasOne : {true, false}) {
+        test::Loaded<Capturing> loaded(chunkOf(hasOne ? std::optional<std::string>("tool") : std::nullopt));
+        const test::CaughtLog log;
+        loaded.reader.captureHeader();
+        EXPECT_EQ(log.lines(), std::vector<std::string>{hasOne ? "5 Header details have been saved already."
+                                                               : "5 hdr is nullptr"});
+        EXPECT_EQ(loaded.reader.header().generatorName, hasOne ? "tool" : "");
+    }
+}
+
 TEST(LogHeader, KnowsTheAdapterUpdaterByItsExactName) {
     const std::string exact = "sorel-lora-adapter-bin-updater";
     for (const std::string& name : {exact, exact + "2", exact.substr(1), exact + '\0', std::string()}) {

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <iomanip>
 #include <limits>
+#include <locale>
 
 #include "reports/EventText.h"
 #include "support/TestReader.h"
@@ -79,6 +81,11 @@ public:
     std::string levels;
 };
 
+// What a stream of a host may have.
+class Grouping final : public std::numpunct<char> {
+    std::string do_grouping() const override { return "\1"; }
+};
+
 TEST(Events, HaveALineAtEveryLevelAndCsvRowsOnTwoButObjectsHaveNone) {
     test::Loaded<Counting> loaded({message(
         MethodType::Init, "", 1,
@@ -94,10 +101,12 @@ TEST(Events, HaveALineAtEveryLevelAndCsvRowsOnTwoButObjectsHaveNone) {
               "            below: 6 us\n        below object: 4 us\n            deep: 5 us\n3");
     EXPECT_EQ(loaded.reader.levels, "123434234") << "through the virtual operation";
     std::ostringstream csv;
-    loaded.reader.writeEventCsv(csv, events, 77, "MSG");
+    csv.imbue(std::locale(std::locale::classic(), new Grouping));
+    csv << std::hex << std::showbase << std::setfill('*') << std::setw(30);
+    loaded.reader.writeEventCsv(csv, events, 7700, "MSG");
     EXPECT_EQ(csv.str(),
-              "77,MSG,1,US,BACKEND,ROOT,parent\n77,MSG,2.500000,US,BACKEND,SUB-EVENT,child, first\n"
-              "77,MSG,4,US,BACKEND,SUB-EVENT,below object\n");
+              "7700,MSG,1,US,BACKEND,ROOT,parent\n7700,MSG,2.500000,US,BACKEND,SUB-EVENT,child, first\n"
+              "7700,MSG,4,US,BACKEND,SUB-EVENT,below object\n");
 }
 
 }  // namespace

@@ -18,7 +18,7 @@ class ObjectFilesTest : public testing::Test {
 protected:
     void save(const std::string& path, std::string_view content) {
         const EventObject object{std::as_bytes(std::span(content)), path, {}};
-        files.write({{}, 0, EventUnit::object, &object, {}});
+        files.writeObjectFile({{}, 0, EventUnit::object, &object, {}});
     }
     void saveHere(std::string_view fileName, std::string_view content) {
         save(directory.path(fileName), content);
@@ -75,7 +75,7 @@ TEST_F(ObjectFilesTest, LogsAFileThatCannotBeMadeAndPassesOverAnEventWithoutANam
     directory.write("out.d/data", "old");
     const CaughtLog log;
     save("", "content");
-    files.write({});
+    files.writeObjectFile({});
     EXPECT_EQ(log.lines(), Lines{});
     for (const char* const name : {"missing/a", "missing/", "out.d/data/", "out.d/data/a", "out.d/data"}) {
         saveHere(name, "content");

@@ -93,8 +93,10 @@ void loadGraphProfile(BackendFigures& figures, const ProfileEvent& event,
     if (hostTimeUs) {
         figures.execution.ipcTimeUs =
             cutToWhole(averagePerExecution(profile, differenceOrZero(*hostTimeUs, profile.dspGraphTimeUs)));
-        logFormatted(ZEB_LOG_LEVEL_INFO, "dsp graph exec time is %u",
-                     static_cast<unsigned>(profile.dspGraphTimeUs));
+        if (const auto logger = loggerFor(ZEB_LOG_LEVEL_INFO)) {
+            logMessage(*logger, ZEB_LOG_LEVEL_INFO, "dsp graph exec time is %u",
+                       static_cast<unsigned>(profile.dspGraphTimeUs));
+        }
     }
 }
 
@@ -145,7 +147,9 @@ std::optional<ProfileLevel> findProfileLevel(const EventStore& store) {
         case ProfileLevel::internal:
             return level;
     }
-    logFormatted(ZEB_LOG_LEVEL_WARN, "Profile Level Value %s not supported.", text->c_str());
+    if (const auto logger = loggerFor(ZEB_LOG_LEVEL_WARN)) {
+        logMessage(*logger, ZEB_LOG_LEVEL_WARN, "Profile Level Value %s not supported.", text->c_str());
+    }
     return std::nullopt;
 }
 

@@ -125,7 +125,7 @@ GraphProfile readGraphProfile(std::span<const std::byte> object, bool withRecord
 std::vector<NodeMappingEntry> readNodeMapping(std::span<const std::byte> mappingObject,
                                               std::span<const std::byte> namesObject) {
     const PayloadReader mapping(mappingObject);
-    NodeNameTable names(namesObject);
+    NodeNameTable nodeNames(namesObject);
     const std::uint32_t entryCount = mapping.u32(0);
     std::vector<NodeMappingEntry> entries;
     std::uint64_t at = mappingHeadSize;
@@ -133,7 +133,7 @@ std::vector<NodeMappingEntry> readNodeMapping(std::span<const std::byte> mapping
     // name.
     for (std::uint32_t entry = 0; entry < entryCount && mapping.has(at, 12); ++entry) {
         const std::uint32_t valueCount = mapping.u32(at + 4);
-        const auto name = valueCount == 0 ? std::nullopt : names.name(mapping.u32(at + 8));
+        const auto name = valueCount == 0 ? std::nullopt : nodeNames.name(mapping.u32(at + 8));
         if (name) {
             entries.push_back({mapping.u32(at), *name});
         }

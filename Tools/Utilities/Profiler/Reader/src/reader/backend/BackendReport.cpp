@@ -1,6 +1,7 @@
 #include "reader/backend/BackendReport.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
 
 #include "reader/backend/ExecutionLines.h"
@@ -11,7 +12,15 @@ namespace zeb::profiling {
 
 namespace {
 
-constexpr ObjectFiles* saveNone = nullptr;  // whatever the host asked for
+// The lines that the reader's `printEvent` writes, but no object goes to a file, whatever the host asked for.
+void printBackendEvents(std::ostream& out, const EventList& events, std::uint64_t level) {
+    for (const ProfileEvent& event : events) {
+        if (!event.isObject()) {
+            printEventLine(out, event, level);
+        }
+        printBackendEvents(out, event.subEvents, level + 1);
+    }
+}
 
 std::string_view levelLabel(ProfileLevel level) {
     switch (level) {
@@ -30,7 +39,7 @@ std::string_view levelLabel(ProfileLevel level) {
 void printBackendInitStats(std::ostream& out, const EventStore& store) {
     printSectionHead(out, heads::init);
     printTimeLine(out, store.initDurationUs);
-    printEvents(out, initSectionEvents(store), 1, saveNone);
+    printBackendEvents(out, initSectionEvents(store), 1);
     out << '\n';
 }
 
@@ -44,7 +53,7 @@ void printBackendFinalizeStats(std::ostream& out, const EventStore& store) {
     for (const auto& [name, record] : store.finalizeRecords) {
         printGraphHead(out, position++, name);
         if (store.hasFinalizeEvents) {
-            printEvents(out, record->events, 1, saveNone);
+            printBackendEvents(out, record->events, 1);
         }
         out << '\n';
     }

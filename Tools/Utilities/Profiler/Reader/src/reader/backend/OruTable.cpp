@@ -91,7 +91,7 @@ constexpr ReportColumn oruColumns[] = {
     forCore("Avg Krel Core Time (us)", shown, number<&LayerStats::avgCoreTimeUs>),
 };
 
-std::vector<const ReportColumn*> shownColumns(bool internalColumns) {
+std::vector<const ReportColumn*> buildColumns(bool internalColumns) {
     std::vector<const ReportColumn*> columns;
     for (const ReportColumn& column : oruColumns) {
         if (internalColumns || !column.internal) {
@@ -107,7 +107,7 @@ void printOruLayerStats(std::ostream& out, const OruLayers& layers, bool interna
                         Alignment alignment) {
     out << '\n';
     printSectionHead(out, heads::oruLayers);
-    const auto columns = shownColumns(internalColumns);
+    const auto columns = buildColumns(internalColumns);
     TableText table(out, alignment);
     for (const ReportColumn* const column : columns) {
         table.field(column->title, columnWidth(column->title));
@@ -127,7 +127,7 @@ void printOruLayerStats(std::ostream& out, const OruLayers& layers, bool interna
 
 void writeOruLayerCsv(std::ostream& out, const OruLayers& layers, bool internalColumns) {
     out << '\n' << heads::oruLayers.title << '\n';
-    const auto columns = shownColumns(internalColumns);
+    const auto columns = buildColumns(internalColumns);
     TableText table(out);
     for (const ReportColumn* const column : columns) {
         table.text(column->title).text(",");

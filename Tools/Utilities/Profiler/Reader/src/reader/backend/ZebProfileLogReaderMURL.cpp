@@ -24,7 +24,9 @@ bool ZebProfileLogReaderMURL::generateReports(const std::string& outputPath) {
     }
     std::ofstream csv = openCsvFile(outputPath);
     if (!csv.is_open()) {
-        logFormatted(ZEB_LOG_LEVEL_ERROR, "Failed open file: %s", outputPath.c_str());
+        if (const auto logger = loggerFor(ZEB_LOG_LEVEL_ERROR)) {
+            logMessage(*logger, ZEB_LOG_LEVEL_ERROR, "Failed open file: %s", outputPath.c_str());
+        }
         return false;
     }
     writeBackendCsv(csv);
@@ -32,13 +34,13 @@ bool ZebProfileLogReaderMURL::generateReports(const std::string& outputPath) {
 }
 
 void ZebProfileLogReaderMURL::printBackendReport(std::ostream& out) {
-    const ReportSource source = beginReport();
+    beginReport();
     figures_ = {};
     figures_.profileLevel = readProfileLevel(store());
-    printReportHeader(out, source);
+    printReportHeader(out);
     printBackendInitStats(out);
     printBackendFinalizeStats(out);
-    printDeInitStats(out, source);
+    printDeInitStats(out);
     printExecutionStats(out);
     if (figures_.hasLayers()) {
         printOruLayerStats(out);
@@ -48,7 +50,7 @@ void ZebProfileLogReaderMURL::printBackendReport(std::ostream& out) {
 }
 
 void ZebProfileLogReaderMURL::writeBackendCsv(std::ostream& out) {
-    writeCsvPreamble(out, reportSource());
+    writeCsvPreamble(out);
     writeExecutionCsv(out);
     if (figures_.hasLayers()) {
         writeOruLayerCsv(out);
