@@ -13,6 +13,7 @@
 #include "reader/backend/ZebProfileLogReaderMURL.h"
 #include "samplelog/MethodsLog.h"
 #include "samplelog/NetworkLog.h"
+#include "samplelog/SharedEventsLog.h"
 #include "samplelog/SharedTextLog.h"
 #include "support/TestLog.h"
 #include "support/TestReader.h"
@@ -167,14 +168,14 @@ TEST_F(MadeRun, GivesEventsToTheLatestStepOfAKind) {
         told += std::to_string(static_cast<int>(step.kind)) + ' ' + step.text + ' ' +
                 (step.durationUs ? std::to_string(*step.durationUs) : "-");
         for (const Event& each : step.events) {
-            told += " " + each.name;
+            told += " " + std::string(each.name);
         }
         told += '\n';
     }
     EXPECT_EQ(told, "1 first 3\n1 second 3 start\n4 a 1\n4 b 1 of b\n4 a - new\n5  2 end\n");
     EXPECT_EQ(run.steps[0].startUs, 5U);
     EXPECT_EQ(std::get<double>(run.steps[4].events[0].value), -2.5);
-    EXPECT_EQ(std::get<std::string>(run.steps[5].events[0].value), "text");
+    EXPECT_EQ(std::get<SharedText>(run.steps[5].events[0].value), "text");
 }
 
 // A hostile log refers to one long text from many places: neither time nor memory follow the product.
@@ -186,8 +187,8 @@ TEST_F(MadeRun, TakesALongTextThatManyStepsShareInPart) {
                                                        .payloadStep = 0});
     const auto run = makeRun(directory.write("log", bytes), allMessages).value();
     ASSERT_EQ(run.steps.size(), 30'000U);
-    EXPECT_EQ(run.steps[9].text.size(), 255U);
-    EXPECT_TRUE(run.steps[9].text.starts_with("begin") && run.steps[9].text.ends_with("xend"));
+    EXPECT_LE(run.steps[9].text.size(), maxTextBytes);
+    EXPECT_TRUE(run.steps[9].text.starts_with("beginxxx") && run.steps[9].text.find("xend#") < maxTextBytes);
     EXPECT_TRUE(run.steps[9].events.empty());
     EXPECT_FALSE(run.steps.back().events.empty());
 }
@@ -206,6 +207,31 @@ TEST_F(MadeRun, IsKnownByAllBytesOfItsLogAndByNothingElse) {
     EXPECT_EQ(idOf(log, VisibilityLevel{-128}), inOnePiece.runId()) << "whatever is shown of it";
     ++log.back();
     EXPECT_NE(idOf(log, allMessages), inOnePiece.runId());
+}
+
+// The same of the names and values of events.
+TEST_F(MadeRun, HoldsTheLongTextsOfEventsOnceAndInPart) {
+    const std::string text = "begin" + std::string(1'000'000, 'x') + "end";
+    const auto shared = samplelog::encodeSharedTextLog(
+        {.methodType = MethodType::Init, .messages = 1, .text = text, .payloadSize = 8, .payloadStep = 0});
+    const std::string path = directory.write("log", shared);
+    const auto gathered = makeRun(path, allMessages).value();
+    ASSERT_EQ(gathered.steps.size(), 1U);
+    ASSERT_EQ(gathered.steps[0].events.size(), 2U);
+    const std::string_view name = gathered.steps[0].events[0].name;
+    EXPECT_LE(name.size(), maxTextBytes);
+    EXPECT_TRUE(name.starts_with("beginx") && name.ends_with("xend"));
+    EXPECT_EQ(gathered.steps[0].events[1].name.text().data(), name.data()) << "it is held twice";
+    EXPECT_EQ(std::get<SharedText>(gathered.steps[0].events[1].value), name);
+    const auto leftOut = makeRun(path, allMessages, EventTrees::leftOut).value();
+    EXPECT_TRUE(leftOut.steps[0].events.empty());
+
+    constexpr std::uint32_t events = 100'000;
+    const auto execution = samplelog::encodeSharedEventsLog(
+        {.levels = 2, .sharedLevels = 1, .fanOut = events, .name = text, .objectName = {}});
+    const auto run = makeRun(directory.write("log", execution), allMessages).value();
+    ASSERT_EQ(run.graphs.at(0).longest.events.at(0).events.size(), events);
+    EXPECT_EQ(run.graphs[0].longest.events[0].events.back().name, name);
 }
 
 TEST_F(MadeRun, IsNothingForADamagedLog) {

@@ -9,10 +9,12 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "analysis/Comparison.h"
 #include "analysis/MakeRun.h"
 #include "analysis/RunId.h"
 #include "forms/json/RunJson.h"
 #include "samplelog/AdapterUpdaterLog.h"
+#include "samplelog/BackendObjectWriter.h"
 #include "samplelog/MethodsLog.h"
 #include "samplelog/NetworkLog.h"
 #include "support/TestLog.h"
@@ -67,6 +69,61 @@ TEST(RunJson, IsTheSameAfterItWasReadBack) {
         EXPECT_TRUE(json.starts_with("{\"schema\":\"zeb-profile-run/1\",\"log\":\"")) << name;
         EXPECT_EQ(json.find('\n'), json.size() - 1) << name << ": one line";
         EXPECT_EQ(jsonOf(readBack(json)), json) << name;
+    }
+}
+
+// Two graphs and two layers whose long names differ in their middle alone, and a name that is no UTF-8.
+WriteLog longNames() {
+    const auto name = [](const std::string& middle) {
+        return std::string(400, 'b') + middle + std::string(400, 'e');
+    };
+    const std::vector<samplelog::NodeMappingEntry> mapping = {{0, {0}}, {1, {1}}};
+    const std::vector<std::string> layers = {name("1"), name("2")};
+    const auto config = samplelog::encodeLayerConfig(
+        {.krelClockHz = 1, .dspClockHz = 1, .layerCount = 2, .entries = {{.layerId = 0}, {.layerId = 1}}});
+    const auto profile = samplelog::encodeGraphProfile(
+        {.acceleratorTimeUs = 9,
+         .executionCount = 1,
+         .layerCount = 2,
+         .dspGraphTimeUs = 9,
+         .layerRecords = {{.execCount = 1, .totalTimeUs = 3}, {.execCount = 1, .totalTimeUs = 5}}});
+    std::vector<test::Message> messages = {
+        test::message(test::MethodType::Init, "", 1,
+                      {test::object("m", samplelog::encodeNodeMapping(mapping)),
+                       test::object("n", samplelog::encodeNameTable(layers))})};
+    for (const std::string& graph : {name("1"), name("2"), std::string("no UTF-8: \xE5\xB1")}) {
+        messages.push_back(
+            test::message(test::MethodType::Finalize, graph, graph.size(), {test::object("c", config)}));
+        messages.push_back(
+            test::message(test::MethodType::Execute, graph, 10,
+                          {test::event("Execute Profiling Level", test::number(2)),
+                           test::event("ZebGraph_execute", test::number(9),
+                                       {test::object("Graph Execute Profile Data", profile)})}));
+    }
+    return [bytes = test::logOf({messages})](std::ostream& out) {
+        out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    };
+}
+
+TEST(RunJson, HasTheNamesThatTheLogIsComparedBy) {
+    const test::TempDir place;
+    const Run run = runOf(place, "log", longNames());
+    ASSERT_EQ(run.graphs.size(), 3U);
+    EXPECT_NE(run.graphs[0].name, run.graphs[1].name);
+    EXPECT_LE(run.graphs[0].name.size(), analysis::maxTextBytes);
+    const analysis::RunSummary ofLog[] = {analysis::summarize(run)};
+    const analysis::RunSummary ofJson[] = {analysis::summarize(readBack(jsonOf(run)))};
+    const analysis::Comparison comparison = analysis::compare(ofLog, ofJson);
+    EXPECT_TRUE(comparison.goneGraphs.empty() && comparison.addedGraphs.empty());
+    ASSERT_EQ(comparison.graphs.size(), 3U);
+    for (const analysis::GraphComparison& graph : comparison.graphs) {
+        ASSERT_EQ(graph.layers.size(), 2U);
+        for (const analysis::LayerChange& layer : graph.layers) {
+            EXPECT_EQ(layer.verdict, analysis::Verdict::same) << layer.name;
+        }
+        EXPECT_NE(graph.layers[0].name, graph.layers[1].name);
+        EXPECT_EQ(graph.find(analysis::Total::finalize)->base.median,
+                  graph.newName.size() < 100 ? 12.0 : 801.0);
     }
 }
 

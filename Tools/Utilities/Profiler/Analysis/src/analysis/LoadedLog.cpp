@@ -2,7 +2,9 @@
 
 #include <sstream>
 #include <string_view>
+#include <unordered_map>
 
+#include "analysis/LogText.h"
 #include "analysis/RunId.h"
 #include "log/ChunkReader.h"
 #include "log/FlatBufferReaderUtil.h"
@@ -68,8 +70,18 @@ private:
         return isTimed(message) ? std::optional(profiling::durationOf(message)) : std::nullopt;
     }
 
+    // A long one is cut once, however many messages share it.
     std::string textOf(const LogMessage& message) {
-        return message.text() == nullptr ? std::string() : stepText(parts_.visible(message.text()));
+        const auto* const text = message.text();
+        if (text == nullptr || profiling::lengthOf(text) <= maxTextBytes) {
+            return text == nullptr ? std::string() : cutName(parts_.visible(text));
+        }
+        const profiling::StoredText whole = parts_.name(text);
+        const auto [found, isNew] = cutNames_.try_emplace(whole.kept());
+        if (isNew) {
+            found->second = cutName(whole);
+        }
+        return found->second;
     }
 
     void addExecution(const LogMessage& message) {
@@ -92,19 +104,11 @@ private:
 
     LoadedLog& log_;
     profiling::MessageParts parts_{log_.names};
+    std::unordered_map<const profiling::KeptText*, std::string> cutNames_;
     profiling::NamedList<NamedGraph, &NamedGraph::name> graphs_;
 };
 
 }  // namespace
-
-std::string stepText(std::string_view text) {
-    if (text.size() <= longestStepText) {
-        return std::string(text);
-    }
-    constexpr std::string_view gap = "...";
-    constexpr std::size_t half = (longestStepText - gap.size()) / 2;
-    return std::string(text.substr(0, half)).append(gap).append(text.substr(text.size() - half));
-}
 
 bool loadLog(const std::string& path, LoadedLog& log) {
     profiling::ChunkReader chunks(path);

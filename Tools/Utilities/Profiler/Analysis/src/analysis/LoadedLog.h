@@ -14,13 +14,6 @@
 
 namespace zeb::analysis {
 
-/// Bytes of a step's text at most: a log may have a long text in one place and refer to it from any number of
-/// steps.
-inline constexpr std::size_t longestStepText = 256;
-
-/// @return the text of a step, without its middle where it is longer
-std::string stepText(std::string_view text);
-
 /// The executions of one graph as the log has them.
 struct GraphExecutions {
     profiling::StoredText name;
@@ -37,7 +30,7 @@ struct LoadedLog {
     std::string runId;
     profiling::LogHeaderDetails header;
     std::vector<Step> steps;      ///< without their events
-    profiling::EventArena names;  ///< of the graphs below
+    profiling::EventArena names;  ///< of the graphs below, and long ones of steps
     std::vector<GraphExecutions> graphs;
 };
 

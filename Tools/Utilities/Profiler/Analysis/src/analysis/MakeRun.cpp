@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
@@ -9,6 +10,7 @@
 
 #include "analysis/Findings.h"
 #include "analysis/LoadedLog.h"
+#include "analysis/LogText.h"
 #include "analysis/Spread.h"
 #include "reader/backend/BackendFigures.h"
 #include "reader/backend/LayerTypeNames.h"
@@ -28,42 +30,73 @@ using profiling::NamedMethodRecord;
 using profiling::ValueKind;
 using NodeMapping = std::optional<std::vector<profiling::NodeMappingEntry>>;
 
-std::string ownText(std::string_view text) {
-    return std::string(text);
-}
+// Makes the events of a run. The texts of a log that have more bytes than a run has of them, or that come
+// again and again, are held once.
+class EventMaker {
+public:
+    explicit EventMaker(EventTrees wanted) : wanted_(wanted) {}
 
-Value valueOf(const profiling::EventValue& value) {
-    switch (value.kind) {
-        case ValueKind::int64:
-            return static_cast<std::int64_t>(value.payload);
-        case ValueKind::float32:
-            return static_cast<double>(value.asFloat());
-        case ValueKind::float64:
-            return value.asDouble();
-        case ValueKind::text:
-            return std::string(value.asText());
-        case ValueKind::uint64:
-            return value.payload;
-        default:
-            return {};
+    // The tree is no deeper than the verifier of the log lets it be.
+    std::vector<Event> eventsOf(const profiling::EventList& list) {
+        std::vector<Event> events;
+        if (wanted_ == EventTrees::leftOut) {
+            return events;
+        }
+        for (const profiling::ProfileEvent& event : list) {
+            events.push_back({.name = held(event.name.kept(), event.name),
+                              .type = event.eventType,
+                              .unit = event.unit(),
+                              .value = valueOf(event.value()),
+                              .objectBytes = event.isObject()
+                                                 ? std::optional<std::uint64_t>(event.objectBytes().size())
+                                                 : std::nullopt,
+                              .events = eventsOf(event.subEvents)});
+        }
+        return events;
     }
-}
 
-// The tree is no deeper than the verifier of the log lets it be.
-std::vector<Event> eventsOf(const profiling::EventList& list) {
-    std::vector<Event> events;
-    for (const profiling::ProfileEvent& event : list) {
-        events.push_back({.name = ownText(event.name),
-                          .type = event.eventType,
-                          .unit = event.unit(),
-                          .value = valueOf(event.value()),
-                          .objectBytes = event.isObject()
-                                             ? std::optional<std::uint64_t>(event.objectBytes().size())
-                                             : std::nullopt,
-                          .events = eventsOf(event.subEvents)});
+private:
+    SharedText held(const void* address, std::string_view text) {
+        const auto [found, isNew] = texts_.try_emplace(address);
+        if (isNew) {
+            found->second = cutText(text);
+        }
+        return found->second;
     }
-    return events;
-}
+
+    Value valueOf(const profiling::EventValue& value) {
+        switch (value.kind) {
+            case ValueKind::int64:
+                return static_cast<std::int64_t>(value.payload);
+            case ValueKind::float32:
+                return static_cast<double>(value.asFloat());
+            case ValueKind::float64:
+                return value.asDouble();
+            case ValueKind::text:
+                return textOf(value.asText());
+            case ValueKind::uint64:
+                return value.payload;
+            default:
+                return {};
+        }
+    }
+
+    // A long text is looked at once, however many values share it.
+    SharedText textOf(const char* text) {
+        const std::size_t length = ::strnlen(text, maxTextBytes + 1);
+        if (length <= maxTextBytes) {
+            return SharedText({text, length});
+        }
+        const auto [found, isNew] = texts_.try_emplace(text);
+        if (isNew) {
+            found->second = cutText(text);
+        }
+        return found->second;
+    }
+
+    EventTrees wanted_;
+    std::unordered_map<const void*, SharedText> texts_;
+};
 
 Header headerOf(const profiling::LogHeaderDetails& details) {
     return {.timeScale = static_cast<double>(details.timeScale),
@@ -79,7 +112,8 @@ Header headerOf(const profiling::LogHeaderDetails& details) {
 // latest of each graph.
 class StepEvents {
 public:
-    StepEvents(const EventStore& store, std::vector<Step>& steps) : store_(store), steps_(steps) {}
+    StepEvents(const EventStore& store, EventMaker& events, std::vector<Step>& steps)
+        : store_(store), events_(events), steps_(steps) {}
 
     void add() {
         addToLatest(StepKind::libraryLoad, store_.libLoadRecord.events);
@@ -94,7 +128,7 @@ private:
         const auto latest = std::find_if(steps_.rbegin(), steps_.rend(),
                                          [kind](const Step& step) { return step.kind == kind; });
         if (latest != steps_.rend()) {
-            latest->events = eventsOf(events);
+            latest->events = events_.eventsOf(events);
         }
     }
 
@@ -106,13 +140,14 @@ private:
             }
         }
         for (const NamedMethodRecord& entry : store_.finalizeRecords) {
-            if (const auto found = latest.find(stepText(entry.name)); found != latest.end()) {
-                steps_[found->second].events = eventsOf(entry.record->events);
+            if (const auto found = latest.find(cutName(entry.name)); found != latest.end()) {
+                steps_[found->second].events = events_.eventsOf(entry.record->events);
             }
         }
     }
 
     const EventStore& store_;
+    EventMaker& events_;
     std::vector<Step>& steps_;
 };
 
@@ -134,10 +169,6 @@ Executions executionsOf(GraphExecutions& graph) {
         executions.queueWaitUs.push_back(queueWaitOf(record));
     }
     return executions;
-}
-
-TypicalExecution typicalOf(const NamedMethodRecord& entry) {
-    return {entry.record->durationUs, eventsOf(entry.record->events)};
 }
 
 std::optional<Breakdown> breakdownOf(const profiling::ExecutionFigures& execution) {
@@ -163,7 +194,7 @@ std::optional<Breakdown> breakdownOf(const profiling::ExecutionFigures& executio
 OruLayer layerOf(const profiling::LayerStats& stats) {
     return {.id = stats.layerId,
             .type = stats.layerType,
-            .typeName = ownText(profiling::layerTypeName(stats.layerType)),
+            .typeName = std::string(profiling::layerTypeName(stats.layerType)),
             .isOffloaded = stats.offloaded,
             .isLinked = stats.linked,
             .isLoopbackEnabled = stats.loopbackEnabled,
@@ -214,7 +245,7 @@ void addLayers(Graph& graph, const BackendFigures& figures) {
     for (std::size_t row = 0; row < figures.zebLayerStats.size(); ++row) {
         const profiling::ZebLayerEntry& layer = figures.zebLayers.zebLayerOrder[row];
         const profiling::ZebLayerStats& times = figures.zebLayerStats[row];
-        graph.zebLayers.push_back({.name = ownText(layer.name),
+        graph.zebLayers.push_back({.name = cutName(layer.name),
                                    .dspUs = times.dspTimeUs,
                                    .krelUs = times.krelTimeUs,
                                    .oruLayers = {layer.oruLayerIds.begin(), layer.oruLayerIds.end()}});
@@ -240,7 +271,8 @@ std::vector<OtherMethod> otherMethodsOf(const EventStore& store);
 
 class RunMaker {
 public:
-    RunMaker(LoadedLog& log, Run& run) : log_(log), store_(log.store), run_(run) {}
+    RunMaker(LoadedLog& log, EventTrees eventTrees, Run& run)
+        : log_(log), store_(log.store), events_(eventTrees), run_(run) {}
 
     void make() {
         if (log_.header.headerSaved) {
@@ -248,7 +280,7 @@ public:
         }
         run_.isAsync = store_.asyncExecute;
         run_.steps = std::move(log_.steps);
-        StepEvents(store_, run_.steps).add();
+        StepEvents(store_, events_, run_.steps).add();
         run_.otherMethods = otherMethodsOf(store_);
         makeGraphs();
     }
@@ -275,7 +307,7 @@ private:
     Graph makeGraph(std::size_t position, profiling::ProfileLevel level) {
         const GraphMethodRecords& records = store_.executeRecords[position];
         Graph graph;
-        graph.name = ownText(records.graphName);
+        graph.name = cutName(records.graphName);
         if (const auto found = executions_.find(records.graphName.text()); found != executions_.end()) {
             graph.executions = executionsOf(*found->second);
         }
@@ -293,6 +325,10 @@ private:
         }
         addFigures(graph, scope, level);
         return graph;
+    }
+
+    TypicalExecution typicalOf(const NamedMethodRecord& entry) {
+        return {entry.record->durationUs, events_.eventsOf(entry.record->events)};
     }
 
     [[nodiscard]] bool isOnlyGraph() const { return store_.executeRecords.size() == 1; }
@@ -325,6 +361,7 @@ private:
 
     LoadedLog& log_;
     const EventStore& store_;
+    EventMaker events_;
     Run& run_;
     NodeMapping mapping_;
     std::unordered_map<std::string_view, const NamedMethodRecord*> finalizations_;
@@ -335,8 +372,8 @@ void addOthers(std::vector<OtherMethod>& others, std::string_view name,
                const profiling::MethodStatistics& method) {
     for (std::size_t position = 0; position < method.records.size(); ++position) {
         const GraphMethodRecords& graph = method.records[position];
-        others.push_back({.method = ownText(name),
-                          .graph = ownText(graph.graphName),
+        others.push_back({.method = std::string(name),
+                          .graph = cutName(graph.graphName),
                           .count = graph.records.countByWalking(),
                           .averageUs = method.average[position].record->durationUs,
                           .minUs = method.min[position].record->durationUs,
@@ -350,14 +387,15 @@ std::vector<OtherMethod> otherMethodsOf(const EventStore& store) {
     addOthers(others, "finalize after tensor updates", store.methods.finalizeAfterTensorUpdates);
     for (const NamedMethodRecord& entry : store.updateBinarySectionRecords) {
         const std::uint64_t us = entry.record->durationUs;
-        others.push_back({"update binary section", ownText(entry.name), 1, us, us, us});
+        others.push_back({"update binary section", cutName(entry.name), 1, us, us, us});
     }
     return others;
 }
 
 }  // namespace
 
-std::optional<Run> makeRun(const std::string& logFile, profiling::VisibilityLevel level) {
+std::optional<Run> makeRun(const std::string& logFile, profiling::VisibilityLevel level,
+                           EventTrees eventTrees) {
     LoadedLog log(level);
     if (!loadLog(logFile, log)) {
         return std::nullopt;
@@ -365,7 +403,7 @@ std::optional<Run> makeRun(const std::string& logFile, profiling::VisibilityLeve
     std::optional<Run> run(std::in_place);
     run->logFile = logFile;
     run->runId = log.runId;
-    RunMaker(log, *run).make();
+    RunMaker(log, eventTrees, *run).make();
     return run;
 }
 

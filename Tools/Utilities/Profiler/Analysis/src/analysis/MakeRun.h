@@ -8,11 +8,15 @@
 
 namespace zeb::analysis {
 
+/// Whether a run has the events of its steps and executions, which few forms show.
+enum class EventTrees : bool { leftOut, gathered };
+
 /// Reads a log and works out all figures of its run. The log is held in memory meanwhile.
 /// @param level messages of this level and above are left out
 /// @return nothing when the log can't be opened, or a chunk is damaged
 /// @throws std::invalid_argument, std::out_of_range for a value that has to be a number and is none;
 ///         std::bad_alloc, std::length_error
-std::optional<Run> makeRun(const std::string& logFile, profiling::VisibilityLevel level);
+std::optional<Run> makeRun(const std::string& logFile, profiling::VisibilityLevel level,
+                           EventTrees eventTrees = EventTrees::gathered);
 
 }  // namespace zeb::analysis

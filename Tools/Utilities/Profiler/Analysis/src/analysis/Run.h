@@ -7,20 +7,22 @@
 #include <variant>
 #include <vector>
 
+#include "analysis/LogText.h"
 #include "store/ProfileEvent.h"
 
 /// The figures of one run as plain values. They own all that they hold, so a run outlives the log and the
-/// store that it was made from. Units stand in the names; texts are the bytes of the log and may be no UTF-8.
+/// store that it was made from. Units stand in the names. Names of graphs and layers and the texts of steps
+/// and events have no more bytes than `maxTextBytes`; texts are the bytes of the log and may be no UTF-8.
 namespace zeb::analysis {
 
 /// How deep a run was profiled.
 enum class Level : std::int32_t { basic = 1, detailed = 2, internal = 1100 };
 
-using Value = std::variant<std::monostate, std::int64_t, std::uint64_t, double, std::string>;
+using Value = std::variant<std::monostate, std::int64_t, std::uint64_t, double, SharedText>;
 
 /// An event and what stands below it.
 struct Event {
-    std::string name;
+    SharedText name;
     std::uint32_t type = 0;
     profiling::EventUnit unit = profiling::EventUnit::microseconds;
     Value value;
@@ -44,7 +46,7 @@ enum class StepKind : std::uint8_t { libraryLoad, initStep, compose, init, final
 /// One measured step of the start or the end of a run.
 struct Step {
     StepKind kind = StepKind::init;
-    std::string text;                         ///< the graph, where the step has one; no longer than 256 bytes
+    std::string text;                         ///< the graph, where the step has one
     std::optional<std::uint64_t> startUs;     ///< of the log's clock
     std::optional<std::uint64_t> durationUs;  ///< nothing when the log does not have both times
     std::vector<Event> events;                ///< of the latest step of a kind, and of a graph

@@ -26,6 +26,16 @@ enum class Figure : std::size_t {
     csvFloor,
     flatc,
     python,
+    top,  ///< the forms: the log read and the form written
+    json,
+    html,
+    trace,
+    compare,
+    topMemory,  ///< the same, peak resident bytes above those of the idle process
+    jsonMemory,
+    htmlMemory,
+    traceMemory,
+    compareMemory,
     logSize,  ///< bytes
     count,
 };

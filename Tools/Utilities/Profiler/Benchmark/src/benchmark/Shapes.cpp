@@ -8,6 +8,7 @@
 #include "samplelog/BackendObjectWriter.h"
 #include "samplelog/EventMakers.h"
 #include "samplelog/LogWriter.h"
+#include "samplelog/SharedEventsLog.h"
 #include "samplelog/SharedTextLog.h"
 
 namespace zeb::bench {
@@ -280,21 +281,38 @@ void writeSharedLayer(ChunkedLog& log, std::size_t layers) {
                      object("node names", samplelog::encodeNameTable(names))}));
 }
 
-constexpr std::array<Shape, 14> shapes = {{
-    {"steady", "steady", 4'000, 12'000, 24'000, usualChunk, writeSteady},
+void writeSharedName(ChunkedLog& log, std::size_t events) {
+    log.addChunks(samplelog::encodeSharedEventsLog({.levels = 2,
+                                                    .sharedLevels = 1,
+                                                    .fanOut = static_cast<std::uint32_t>(events),
+                                                    .name = std::string(events * textPerReference, 'n'),
+                                                    .objectName = {}}));
+}
+
+// Its CSV report joins the texts, so it takes the product of both.
+void writeSharedCompose(ChunkedLog& log, std::size_t references) {
+    log.addChunks(samplelog::encodeSharedTextLog(
+        {MethodType::ComposeGraphs, references, std::string(references * textPerReference, 'n')}));
+}
+
+constexpr std::array<Shape, 16> shapes = {{
+    {"steady", "steady", 4'000, 12'000, 24'000, usualChunk, writeSteady, true, true, true},
     {"tiny-chunks", "tiny chunks", 4'000, 12'000, 24'000, messageAChunk, writeSteady},
     {oneChunkShape, "one chunk", 4'000, 12'000, 109'000, allInOneChunk, writeSteady},
-    {"many-graphs", "many graphs", 50'000, 200'000, 200'000, usualChunk, writeManyGraphs},
+    {"many-graphs", "many graphs", 50'000, 200'000, 200'000, usualChunk, writeManyGraphs, true, true, true},
     {"wide", "wide", 8'000, 20'000, 40'000, usualChunk, writeWide},
     {"late-events", "late events", 60'000, 200'000, 200'000, usualChunk, writeLateEvents},
     {"rising", "rising", 400, 1'200, 2'400, usualChunk, writeRising},
     {"objects", "objects", 4, 4, 8, usualChunk, writeObjects},
-    {layersShape, "layers", 100'000, 200'000, 400'000, usualChunk, writeLayers},
+    {layersShape, "layers", 100'000, 200'000, 400'000, usualChunk, writeLayers, true, true, true},
     {"strings", "strings", 4'000, 16'000, 32'000, usualChunk, writeStrings},
     {"deep", "deep", 4'000, 12'000, 24'000, usualChunk, writeDeep},
     {"new-names", "new names", 8'000, 24'000, 48'000, usualChunk, writeNewNames},
-    {"shared-text", "shared text", 40'000, 160'000, 320'000, usualChunk, writeSharedText, false},
+    {"shared-text", "shared text", 40'000, 160'000, 320'000, usualChunk, writeSharedText, true, false, true},
     {"shared-layer", "shared layer", 200'000, 800'000, 1'600'000, usualChunk, writeSharedLayer},
+    {"shared-name", "shared name", 40'000, 160'000, 320'000, usualChunk, writeSharedName, false, false, true},
+    {"shared-compose", "shared compose", 40'000, 160'000, 320'000, usualChunk, writeSharedCompose, false,
+     false, true},
 }};
 
 }  // namespace

@@ -21,7 +21,9 @@ struct Shape {
     std::size_t full;        ///< the same of a full run
     std::size_t chunkLimit;  ///< a chunk ends with the message that takes it beyond that many bytes
     void (*write)(ChunkedLog& log, std::size_t size);
+    bool isForReader = true;   ///< the reader is measured on it
     bool hasCopyFloor = true;  ///< plain records, each with a copy of its texts, fit into memory
+    bool isForForms = false;   ///< the forms are measured on it
 };
 
 /// The shape of a backend log with per-layer data, whose reports have a floor of their own.

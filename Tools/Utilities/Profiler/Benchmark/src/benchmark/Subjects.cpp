@@ -9,8 +9,16 @@
 #include <stdexcept>
 #include <streambuf>
 
+#include "analysis/Comparison.h"
+#include "analysis/MakeRun.h"
+#include "analysis/RunSummary.h"
 #include "benchmark/Floors.h"
 #include "benchmark/Processes.h"
+#include "forms/json/RunJson.h"
+#include "forms/page/Page.h"
+#include "forms/text/ComparisonText.h"
+#include "forms/text/TopText.h"
+#include "forms/trace/Trace.h"
 #include "log/ChunkReader.h"
 #include "reader/backend/ZebProfileLogReaderMURL.h"
 
@@ -18,6 +26,7 @@ namespace zeb::bench {
 
 namespace {
 
+using analysis::EventTrees;
 using profiling::VisibilityLevel;
 using profiling::ZebProfileLogReader;
 using profiling::ZebProfileLogReaderMURL;
@@ -128,7 +137,7 @@ void measureFormatting(const MeasuredLog& log, Figures& figures) {
     require(!report.empty() && !csv.empty(), "nothing formatted");
 }
 
-constexpr std::array<Subject, 8> subjects = {{
+constexpr std::array<Subject, 8> ofReader = {{
     {measureRead},
     {measureVerify},
     {measureCopy, false, true},
@@ -139,10 +148,68 @@ constexpr std::array<Subject, 8> subjects = {{
     {measureCsv},
 }};
 
+template <typename Show>
+void measureForm(const MeasuredLog& log, Figures& figures, Figure time, Figure memory, EventTrees eventTrees,
+                 Show show) {
+    const double idleMemory = peakMemory();
+    Sink sink;
+    std::ostream out(&sink);
+    figures[time] = timeOf([&] {
+        const auto run = analysis::makeRun(log.path, allMessages, eventTrees);
+        require(run.has_value(), "cannot load the log");
+        show(*run, out);
+    });
+    figures[memory] = peakMemory() - idleMemory;
+}
+
+void measureTop(const MeasuredLog& log, Figures& figures) {
+    measureForm(log, figures, Figure::top, Figure::topMemory, EventTrees::leftOut,
+                [](const analysis::Run& run, std::ostream& out) { forms::printTop(out, run, {}); });
+}
+
+void measureJson(const MeasuredLog& log, Figures& figures) {
+    measureForm(log, figures, Figure::json, Figure::jsonMemory, EventTrees::gathered,
+                [](const analysis::Run& run, std::ostream& out) { forms::writeRunJson(out, run); });
+}
+
+void measureHtml(const MeasuredLog& log, Figures& figures) {
+    measureForm(log, figures, Figure::html, Figure::htmlMemory, EventTrees::gathered,
+                [](const analysis::Run& run, std::ostream& out) { forms::writePage(out, run); });
+}
+
+void measureTrace(const MeasuredLog& log, Figures& figures) {
+    measureForm(log, figures, Figure::trace, Figure::traceMemory, EventTrees::leftOut,
+                [&log](const analysis::Run& run, std::ostream& out) {
+                    require(forms::writeTrace(out, run, log.path, {.level = allMessages}).has_value(),
+                            "cannot write the trace");
+                });
+}
+
+// Of the log with itself, which is read once.
+void measureCompare(const MeasuredLog& log, Figures& figures) {
+    measureForm(log, figures, Figure::compare, Figure::compareMemory, EventTrees::leftOut,
+                [](const analysis::Run& run, std::ostream& out) {
+                    const std::vector<analysis::RunSummary> side = {analysis::summarize(run)};
+                    forms::printComparison(out, analysis::compare(side, side), {});
+                });
+}
+
+constexpr std::array<Subject, 5> ofForms = {{
+    {measureTop},
+    {measureJson},
+    {measureHtml},
+    {measureTrace},
+    {measureCompare},
+}};
+
 }  // namespace
 
-std::span<const Subject> allSubjects() {
-    return subjects;
+std::span<const Subject> readerSubjects() {
+    return ofReader;
+}
+
+std::span<const Subject> formSubjects() {
+    return ofForms;
 }
 
 }  // namespace zeb::bench

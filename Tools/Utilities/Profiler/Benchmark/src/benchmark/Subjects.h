@@ -22,6 +22,8 @@ struct Subject {
 
 /// The subjects of one round, each floor beside what is held against it. Each is meant to run in a process of
 /// its own.
-[[nodiscard]] std::span<const Subject> allSubjects();
+[[nodiscard]] std::span<const Subject> readerSubjects();
+/// The forms of a run, as the commands make them.
+[[nodiscard]] std::span<const Subject> formSubjects();
 
 }  // namespace zeb::bench

@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <iomanip>
+#include <span>
 #include <sstream>
 
 namespace zeb::bench {
@@ -42,7 +43,7 @@ double csvTime(const Figures& figures) {
 
 constexpr double million = 1e6;
 
-constexpr std::array<Column, 21> columns = {{
+constexpr std::array<Column, 21> readerColumns = {{
     {"MB", 1, [](const Round& round) { return round.large[Figure::logSize] / million; }},
     {"MB/s", 0,
      [](const Round& round) { return round.large[Figure::logSize] / million / round.large[Figure::load]; }},
@@ -92,30 +93,69 @@ std::string textOf(double value, int decimals) {
     return text.str();
 }
 
-constexpr int titleWidth = 12;
+struct Form {
+    std::string_view title;
+    std::array<Column, 5> columns;
+};
 
-}  // namespace
+template <Figure Time, Figure Memory>
+constexpr Form formOf(std::string_view title) {
+    return {title,
+            {{{"log MB", 1, [](const Round& round) { return round.large[Figure::logSize] / million; }},
+              {"growth", 2, growth<Time>},
+              {"ms", 0, [](const Round& round) { return round.large[Time] * 1e3; }},
+              {"peak MB", 0, [](const Round& round) { return round.large[Memory] / million; }},
+              {"mem growth", 2, growth<Memory>}}}};
+}
 
-void printTable(std::ostream& out, const std::vector<ShapeResult>& results) {
-    const auto widthOf = [](const Column& column) {
-        return std::max<int>(6, static_cast<int>(column.title.size()));
-    };
+constexpr std::array<Form, 5> forms = {
+    formOf<Figure::top, Figure::topMemory>("top"), formOf<Figure::json, Figure::jsonMemory>("json"),
+    formOf<Figure::html, Figure::htmlMemory>("html"), formOf<Figure::trace, Figure::traceMemory>("trace"),
+    formOf<Figure::compare, Figure::compareMemory>("compare")};
+
+int widthOf(const Column& column) {
+    return std::max<int>(6, static_cast<int>(column.title.size()));
+}
+
+void printTitles(std::ostream& out, int titleWidth, std::span<const Column> columns) {
     out << "| " << std::left << std::setw(titleWidth) << "shape" << std::right;
     for (const Column& column : columns) {
         out << " | " << std::setw(widthOf(column)) << column.title;
     }
-    out << " |\n|-" << std::string(titleWidth, '-');
+    out << " |\n|-" << std::string(static_cast<std::size_t>(titleWidth), '-');
     for (const Column& column : columns) {
         out << "-|-" << std::string(static_cast<std::size_t>(widthOf(column)) - 1, '-') << ':';
     }
     out << "-|\n";
+}
+
+void printRow(std::ostream& out, int titleWidth, const std::string& title, std::span<const Column> columns,
+              const std::vector<Round>& rounds) {
+    out << "| " << std::left << std::setw(titleWidth) << title << std::right;
+    for (const Column& column : columns) {
+        out << " | " << std::setw(widthOf(column)) << textOf(medianOf(rounds, column.cell), column.decimals);
+    }
+    out << " |\n";
+}
+
+}  // namespace
+
+void printReaderTable(std::ostream& out, const std::vector<ShapeResult>& results) {
+    constexpr int titleWidth = 12;
+    printTitles(out, titleWidth, readerColumns);
     for (const ShapeResult& result : results) {
-        out << "| " << std::left << std::setw(titleWidth) << result.title << std::right;
-        for (const Column& column : columns) {
-            out << " | " << std::setw(widthOf(column))
-                << textOf(medianOf(result.rounds, column.cell), column.decimals);
+        printRow(out, titleWidth, std::string(result.title), readerColumns, result.rounds);
+    }
+}
+
+void printFormTable(std::ostream& out, const std::vector<ShapeResult>& results) {
+    constexpr int titleWidth = 23;
+    printTitles(out, titleWidth, forms.front().columns);
+    for (const Form& form : forms) {
+        for (const ShapeResult& result : results) {
+            printRow(out, titleWidth, std::string(form.title).append(", ").append(result.title), form.columns,
+                     result.rounds);
         }
-        out << " |\n";
     }
 }
 

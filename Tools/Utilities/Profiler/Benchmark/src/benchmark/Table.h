@@ -22,6 +22,8 @@ struct ShapeResult {
 };
 
 /// Writes one row for each shape. Ratios are taken within a round, and a cell is the median over the rounds.
-void printTable(std::ostream& out, const std::vector<ShapeResult>& results);
+void printReaderTable(std::ostream& out, const std::vector<ShapeResult>& results);
+/// Writes one row for each form and shape.
+void printFormTable(std::ostream& out, const std::vector<ShapeResult>& results);
 
 }  // namespace zeb::bench

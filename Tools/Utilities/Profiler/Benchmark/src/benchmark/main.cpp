@@ -26,6 +26,7 @@ struct Options {
     std::string flatc;                ///< empty: leave it out
     std::string schema;               ///< for flatc
     std::vector<std::string> python;  ///< command in front of the log's path; empty: leave it out
+    bool forms = false;               ///< measure the forms, and not the reader
     std::vector<std::string> shapes;  ///< empty: all
 };
 
@@ -50,11 +51,11 @@ void makeLog(const Shape& shape, const MeasuredLog& log) {
     }
 }
 
-Figures measureLog(const MeasuredLog& log, const Shape& shape) {
+Figures measureLog(const MeasuredLog& log, const Shape& shape, const Options& options) {
     const bool hasLayers = shape.name == layersShape;
     Figures figures;
     figures[Figure::logSize] = static_cast<double>(fs::file_size(log.path));
-    for (const Subject& subject : allSubjects()) {
+    for (const Subject& subject : options.forms ? formSubjects() : readerSubjects()) {
         if ((hasLayers || !subject.layersOnly) && (shape.hasCopyFloor || !subject.isCopyFloor)) {
             runApart([&](Figures& measured) { subject.measure(log, measured); }, figures);
         }
@@ -88,13 +89,13 @@ ShapeResult measureShape(const Shape& shape, const Options& options) {
     const MeasuredLog small = make(sizeOf(shape, options) / 4);
     const MeasuredLog large = make(sizeOf(shape, options));
     Figures others;
-    if (shape.name == oneChunkShape) {
+    if (shape.name == oneChunkShape && !options.forms) {
         measureOthers(large, options, others);
     }
     ShapeResult result{shape.title, {}};
     for (std::size_t round = 0; round < options.rounds; ++round) {
         std::cerr << ' ' << round + 1 << std::flush;
-        result.rounds.push_back({measureLog(small, shape), measureLog(large, shape)});
+        result.rounds.push_back({measureLog(small, shape, options), measureLog(large, shape, options)});
         for (const Figure figure : {Figure::flatc, Figure::python}) {
             result.rounds.back().large[figure] = others[figure];
         }
@@ -107,6 +108,9 @@ ShapeResult measureShape(const Shape& shape, const Options& options) {
 
 bool isAskedFor(const Shape& shape, const Options& options) {
     const auto& asked = options.shapes;
+    if (!(options.forms ? shape.isForForms : shape.isForReader)) {
+        return false;
+    }
     return asked.empty() || std::find(asked.begin(), asked.end(), shape.name) != asked.end();
 }
 
@@ -118,7 +122,7 @@ void run(const Options& options) {
             results.push_back(measureShape(shape, options));
         }
     }
-    printTable(std::cout, results);
+    (options.forms ? printFormTable : printReaderTable)(std::cout, results);
 }
 
 }  // namespace
@@ -138,6 +142,7 @@ int main(int argc, char** argv) {
             ->check(CLI::PositiveNumber);
         app.add_flag("--quick", options.quick, "Smaller logs");
         app.add_flag("--full", options.full, "Larger logs, the one chunk of 400 MB");
+        app.add_flag("--forms", options.forms, "The forms of a run instead of the reader");
         app.add_option("--flatc", options.flatc, "Measures this flatc too");
         app.add_option("--schema", options.schema, "The log's schema, for flatc");
         app.add_option("--python", options.python, "Measures this command too, with a log behind it")

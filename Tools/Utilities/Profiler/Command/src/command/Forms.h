@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <limits>
 #include <optional>
@@ -25,6 +26,7 @@ struct Form {
     Words (*write)(std::ostream& out, const Input& input);
     std::uint64_t maxBytes = std::numeric_limits<std::uint64_t>::max();  ///< that what opens it copes with
     std::string_view whenLarger = {};                                    ///< to follow "N MB"
+    bool isDetailed = false;  ///< shows what is gathered for such forms alone
 };
 
 /// Makes the forms' rows of a command's table of options.
@@ -63,6 +65,12 @@ public:
                 }
             }
         }
+    }
+
+    /// @return whether one of them is detailed
+    [[nodiscard]] bool haveDetailed() const {
+        return std::any_of(forms_.begin(), forms_.end(),
+                           [](const Wanted& wanted) { return wanted.form.isDetailed; });
     }
 
     /// Writes them one after the other, as the table has them, and what users have to know on standard error.

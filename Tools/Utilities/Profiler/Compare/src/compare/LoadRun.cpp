@@ -41,7 +41,7 @@ Run runFromJson(const PipedLog& log) {
 Run runFromLog(const PipedLog& log, const MemoryLimit& memory) {
     constexpr profiling::VisibilityLevel everything{127};
     try {
-        std::optional<Run> run = analysis::makeRun(log.path(), everything);
+        std::optional<Run> run = analysis::makeRun(log.path(), everything, analysis::EventTrees::leftOut);
         if (!run) {
             throw badLog(log.given(), command::whyRejected(log.path(), memory, ">run.log"));
         }

@@ -47,8 +47,13 @@ void writeInitCsv(std::ostream& out, const ReportSource& source) {
 
 void writeComposeGraphsCsv(std::ostream& out, const ReportSource& source) {
     const EventStore& store = source.store;
-    writeMethodRow(out, store.composeTimestamp, "COMPOSE GRAPHS", store.composeDurationUs,
-                   textOrNull(store.composeGraphNames));
+    out << store.composeTimestamp << ",COMPOSE GRAPHS," << store.composeDurationUs << marlixUs;
+    std::string_view between;
+    for (const StoredText name : store.composeGraphNames) {
+        out << between << name;
+        between = "; ";
+    }
+    out << (store.composeGraphNames.empty() ? "null\n" : "\n");
 }
 
 void writeFinalizeCsv(std::ostream& out, const ReportSource& source) {

@@ -189,8 +189,7 @@ bool EventStore::decodeComposeGraphs(const schema::LogMessage& message) {
     }
     composeDurationUs += durationOf(message);
     if (const auto text = textOf(message); text && !text->empty()) {
-        composeGraphNames += composeGraphNames.empty() ? "" : "; ";
-        composeGraphNames += *text;
+        composeGraphNames.add(parts_.name(message.text()));
     }
     return true;
 }

@@ -3,11 +3,11 @@
 #include <cstdint>
 #include <iosfwd>
 #include <optional>
-#include <string>
 #include <string_view>
 #include <vector>
 
 #include "log/ProfileLog_generated.h"
+#include "memory/BlockList.h"
 #include "store/EventArena.h"
 #include "store/MessageParts.h"
 #include "store/MethodRecord.h"
@@ -49,11 +49,12 @@ public:
     std::uint64_t initStepDurationUs = 0;  ///< of the latest InitStep message that was not dropped
     std::uint64_t composeTimestamp = 0;    ///< the first one of a ComposeGraphs message that is not 0
     std::uint64_t composeDurationUs = 0;   ///< sum over all ComposeGraphs messages
-    std::string composeGraphNames;         ///< texts of the ComposeGraphs messages, joined by "; "
-    StoredText initStepMessage;            ///< text of the latest InitStep message
-    EventList initEvents;                  ///< events of type init of the latest message that can have some
-    bool hasInitEvents = false;            ///< an event of type init was seen outside Init messages
-    MethodRecord initRecord;               ///< the latest Init message
+    BlockList<StoredText>
+        composeGraphNames;       ///< texts of the ComposeGraphs messages, those that are not empty
+    StoredText initStepMessage;  ///< text of the latest InitStep message
+    EventList initEvents;        ///< events of type init of the latest message that can have some
+    bool hasInitEvents = false;  ///< an event of type init was seen outside Init messages
+    MethodRecord initRecord;     ///< the latest Init message
     bool hasInitRecord = false;
 
     // Contexts; the keys are those of `contextMethods`

@@ -31,7 +31,7 @@ EventOffset encodeEvent(Builder& builder, TextOffset name, EventOffset below, st
 }
 
 EventOffset encodeTree(Builder& builder, const SharedEventsShape& shape) {
-    const auto name = builder.CreateString("event");
+    const auto name = builder.CreateString(shape.name);
     EventOffset event = encodeLowestEvent(builder, name, shape.objectName);
     for (std::uint32_t level = 1; level < shape.levels; ++level) {
         event = encodeEvent(builder, name, event, level <= shape.sharedLevels ? shape.fanOut : 1);

@@ -16,6 +16,7 @@ struct SharedEventsShape {
     std::uint32_t levels = 62;  ///< at most what a reader takes, which is 62
     std::uint32_t sharedLevels = 4;
     std::uint32_t fanOut = 216;
+    std::string name = "event";   ///< of all events, which refer to the one text
     std::string objectName = {};  ///< makes the lowest event an object for a file of that name
 
     /// @return events of the whole tree

@@ -17,6 +17,7 @@
 
 namespace zeb::viewer {
 
+using analysis::EventTrees;
 using command::ExitCode;
 using command::Failure;
 using command::LoadProgress;
@@ -57,11 +58,14 @@ Words writePage(std::ostream& out, const RunFormInput& input) {
 }
 
 constexpr Form formTable[] = {
-    {"--json", "Write all figures of the run to FILE as JSON", writeJson},
+    {.option = "--json",
+     .help = "Write all figures of the run to FILE as JSON",
+     .write = writeJson,
+     .isDetailed = true},
     {"--trace", "Write the log's timeline to FILE, for the trace viewers of browsers", writeTrace,
      std::uint64_t{256} << 20U, "are more than most browsers open; --trace-from and --trace-to cut it"},
     {"--html", "Write the run to FILE as a page for a browser", writePage, std::uint64_t{50} << 20U,
-     "are more than most browsers show at ease; --json has the same figures"},
+     "are more than most browsers show at ease; --json has the same figures", true},
 };
 
 }  // namespace
@@ -82,7 +86,8 @@ analysis::Run RunForms::readRun(MemoryLimit& memory) const {
     return guarded(step(), &memory, [&] {
         auto run = [this] {
             const LoadProgress progress(options_.logPath);
-            return analysis::makeRun(options_.logPath, options_.level);
+            return analysis::makeRun(options_.logPath, options_.level,
+                                     forms_.haveDetailed() ? EventTrees::gathered : EventTrees::leftOut);
         }();
         if (!run) {
             throw Failure(ExitCode::badLog, options_.log,

@@ -9,8 +9,6 @@ namespace zeb::forms {
 namespace {
 
 constexpr std::string_view replacementCharacter = "\xEF\xBF\xBD";
-constexpr std::string_view ellipsis = "\xE2\x80\xA6";
-constexpr std::size_t longestCharacter = 4;
 
 unsigned byteAt(std::string_view text, std::size_t at) {
     return static_cast<unsigned char>(text[at]);
@@ -125,22 +123,6 @@ void appendJsonNumber(std::string& json, double value) {
 
 void appendJsonNumber(std::string& json, float value) {
     appendQuotedIf(!std::isfinite(value), json, value);
-}
-
-std::string cutInMiddle(std::string_view text, std::size_t size) {
-    if (text.size() <= size) {
-        return std::string(text);
-    }
-    const std::size_t half = (size - ellipsis.size()) / 2;
-    std::size_t front = half;
-    std::size_t back = text.size() - half;
-    for (std::size_t steps = 1; steps < longestCharacter && isContinuation(byteAt(text, front)); ++steps) {
-        --front;
-    }
-    for (std::size_t steps = 1; steps < longestCharacter && isContinuation(byteAt(text, back)); ++steps) {
-        ++back;
-    }
-    return std::string(text.substr(0, front)).append(ellipsis).append(text.substr(back));
 }
 
 }  // namespace zeb::forms

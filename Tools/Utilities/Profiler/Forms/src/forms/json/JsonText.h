@@ -22,9 +22,4 @@ void appendJsonNumber(std::string& json, std::int64_t value);
 void appendJsonNumber(std::string& json, double value);
 void appendJsonNumber(std::string& json, float value);
 
-/// Shortens a text by what stands in its middle, and puts an ellipsis there. Work depends on `size` alone.
-/// @param size bytes that the result has at most; 16 or more
-/// @return the text itself if it is no longer; well-formed UTF-8 stays so
-std::string cutInMiddle(std::string_view text, std::size_t size);
-
 }  // namespace zeb::forms

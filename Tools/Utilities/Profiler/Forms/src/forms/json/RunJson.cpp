@@ -96,6 +96,7 @@ private:
     }
     void put(std::monostate /*nothing*/) { out_ << "null"; }
     void put(bool value) { out_ << (value ? "true" : "false"); }
+    void put(const analysis::SharedText& text) { put(std::string(text)); }
     void put(const std::string& text) {
         out_ << json(text).dump(-1, ' ', false, json::error_handler_t::replace);
     }
@@ -176,6 +177,12 @@ public:
             refuse(key, "text");
         }
         into = value.get<std::string>();
+    }
+
+    void read(const json& value, std::string_view key, analysis::SharedText& into) {
+        std::string text;
+        read(value, key, text);
+        into = std::move(text);
     }
 
     void read(const json& value, std::string_view key, bool& into) {

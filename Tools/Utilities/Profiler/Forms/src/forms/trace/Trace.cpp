@@ -130,9 +130,10 @@ public:
             return std::nullopt;
         }
         const std::string_view name = parts_.visible(message.text());
-        const auto whole = [](std::string_view text) { return text; };
-        const std::size_t position =
-            parts_.entryOf(positions_, name, whole, [&] { return addGraph(name); }).position;
+        const std::size_t position = parts_
+                                         .entryOf(positions_, name, analysis::cutName,
+                                                  [&] { return addGraph(analysis::cutName(name)); })
+                                         .position;
         if (position >= run_.graphs.size()) {
             return std::nullopt;
         }
@@ -179,7 +180,9 @@ private:
         return {names_.keepText(name), graphs_.size() - 1};
     }
 
-    static std::string nameOf(const Graph& graph) { return cutInMiddle(graph.name, longestTraceText / 2); }
+    static std::string nameOf(const Graph& graph) {
+        return profiling::cutInMiddle(graph.name, longestTraceText / 2);
+    }
 
     template <typename Name>
     std::optional<TrackNumber> place(TrackGroup& group, TimeSpan slice, std::uint64_t first, Name name) {
@@ -251,9 +254,10 @@ public:
 private:
     void addSlice(const LogMessage& message, const MethodForm& form,
                   const std::optional<RunTracks::Execution>& execution, TimeSpan slice, TrackNumber track) {
-        const std::string text = message.text() == nullptr
-                                     ? std::string()
-                                     : cutInMiddle(tracks_.parts().visible(message.text()), longestTraceText);
+        const std::string text =
+            message.text() == nullptr
+                ? std::string()
+                : profiling::cutInMiddle(tracks_.parts().visible(message.text()), longestTraceText);
         const bool isNamedByGraph = form.textField == graphField && !execution && !text.empty();
         const auto waitUs = execution ? execution->queueWaitUs : std::nullopt;
         const std::uint64_t us = slice.endUs - slice.startUs;

@@ -42,9 +42,10 @@ private:
     std::string pathOf(std::string_view above, const LogEvent& event) {
         std::string path(above);
         path += above.empty() ? "" : " > ";
-        path += event.name() == nullptr ? std::string()
-                                        : cutInMiddle(parts_.visible(event.name()), longestTraceText);
-        return cutInMiddle(path, longestTraceText);
+        path += event.name() == nullptr
+                    ? std::string()
+                    : profiling::cutInMiddle(parts_.visible(event.name()), longestTraceText);
+        return profiling::cutInMiddle(path, longestTraceText);
     }
 
     void addValue(const std::string& path, const LogEvent& event) {

@@ -8,6 +8,7 @@
 
 #include "forms/json/JsonText.h"
 #include "forms/trace/TraceTracks.h"
+#include "text/Utf8.h"
 
 /// A file in the Trace Event format as it is written: an event a line, and no more of it in memory than a
 /// piece.
@@ -25,7 +26,7 @@ public:
     /// Adds a text, cut to `longestTraceText`.
     void addText(std::string_view key, std::string_view text) {
         addKey(key);
-        appendJsonText(json_, cutInMiddle(text, longestTraceText));
+        appendJsonText(json_, profiling::cutInMiddle(text, longestTraceText));
     }
     template <typename Number>
     void addNumber(std::string_view key, Number value) {
