@@ -21,9 +21,11 @@ Graph graphOf(Durations durations) {
 }
 
 std::string jsonOf(const Graph& graph, std::size_t mostBins) {
-    std::string json;
-    appendJson(json, pictureOf(graph, mostBins));
-    return json;
+    std::ostringstream out;
+    JsonWriter json(out);
+    writePicture(json, pictureOf(graph, mostBins));
+    json.flush();
+    return out.str();
 }
 
 TEST(ExecutionPicture, FewExecutionsHaveABinEach) {

@@ -16,7 +16,7 @@ using test::runOf;
 
 std::string jsonOf(const analysis::Run& run) {
     std::ostringstream json;
-    writeRunJson(json, run, BigNumbers::asText);
+    writeRunJson(json, run, {.bigAsText = true});
     return json.str();
 }
 

@@ -24,9 +24,9 @@ namespace {
 
 using analysis::Run;
 
-std::string jsonOf(const Run& run, BigNumbers bigNumbers = BigNumbers::exact) {
+std::string jsonOf(const Run& run, JsonStyle style = {}) {
     std::ostringstream out;
-    writeRunJson(out, run, bigNumbers);
+    writeRunJson(out, run, style);
     return out.str();
 }
 
@@ -156,7 +156,7 @@ TEST(RunJson, KeepsNumbersAndReplacesWhatIsNoText) {
           R"("value":0.1,)", R"("value":null)"}) {
         EXPECT_NE(json.find(part), std::string::npos) << part << " in " << json;
     }
-    const std::string asText = jsonOf(run, BigNumbers::asText);
+    const std::string asText = jsonOf(run, {.bigAsText = true});
     EXPECT_NE(asText.find(R"("value":"-9007199254740993")"), std::string::npos) << asText;
     EXPECT_NE(asText.find(R"("epoch_us":"18446744073709551615")"), std::string::npos) << asText;
 }

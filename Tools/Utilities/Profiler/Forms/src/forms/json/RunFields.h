@@ -40,6 +40,17 @@ constexpr const auto& enumNames(profiling::EventUnit /*kind*/) {
     return unitNames;
 }
 
+/// @return the name of a value, empty for one that is none of its kind
+template <typename Enum>
+std::string_view nameIn(Enum value) {
+    for (const auto& [named, name] : enumNames(value)) {
+        if (named == value) {
+            return name;
+        }
+    }
+    return {};
+}
+
 /// The struct as it is visited: to be read from, or to be filled.
 template <typename Given, typename Wanted>
 concept Is = std::same_as<std::remove_const_t<Given>, Wanted>;

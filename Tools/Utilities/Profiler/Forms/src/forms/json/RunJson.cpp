@@ -1,7 +1,5 @@
 #include "forms/json/RunJson.h"
 
-#include <array>
-#include <charconv>
 #include <concepts>
 #include <limits>
 #include <nlohmann/json.hpp>
@@ -23,111 +21,6 @@ namespace {
 using analysis::Run;
 using analysis::Value;
 using nlohmann::json;
-
-template <typename Enum>
-std::string_view nameOf(Enum value) {
-    for (const auto& [named, name] : enumNames(value)) {
-        if (named == value) {
-            return name;
-        }
-    }
-    return {};
-}
-
-// Writes values straight to the stream: a document in between would hold a run twice.
-class Writer {
-public:
-    Writer(std::ostream& out, BigNumbers bigNumbers, std::size_t mostExecutions)
-        : out_(out), bigNumbers_(bigNumbers), mostExecutions_(mostExecutions) {}
-
-    void put(const Run& run) {
-        out_ << "{\"schema\":\"" << runSchema << '"';
-        fieldsOf(run, [this](std::string_view key, const auto& member) { putField(',', key, member); });
-        out_ << '}';
-    }
-
-private:
-    template <typename Member>
-    void putField(char before, std::string_view key, const Member& member) {
-        out_ << before << '"' << key << "\":";
-        put(member);
-    }
-
-    void put(const analysis::Executions& executions) {
-        static const analysis::Executions none;
-        putFields(executions.count() > mostExecutions_ ? none : executions);
-    }
-
-    template <typename Struct>
-    void put(const Struct& value) requires requires {
-        fieldsOf(value, [](std::string_view, const auto&) {});
-    }
-    { putFields(value); }
-
-    template <typename Struct>
-    void putFields(const Struct& value) {
-        char before = '{';
-        fieldsOf(value, [this, &before](std::string_view key, const auto& member) {
-            this->putField(std::exchange(before, ','), key, member);
-        });
-        out_ << '}';
-    }
-
-    template <typename Element>
-    void put(const std::vector<Element>& list) {
-        out_ << '[';
-        bool isFirst = true;
-        for (const Element& element : list) {
-            if (!std::exchange(isFirst, false)) {
-                out_ << ',';
-            }
-            put(element);
-        }
-        out_ << ']';
-    }
-
-    template <typename Member>
-    void put(const std::optional<Member>& member) {
-        member ? put(*member) : put(std::monostate());
-    }
-
-    void put(const Value& value) {
-        std::visit([this](const auto& held) { put(held); }, value);
-    }
-    void put(std::monostate /*nothing*/) { out_ << "null"; }
-    void put(bool value) { out_ << (value ? "true" : "false"); }
-    void put(const analysis::SharedText& text) { put(std::string(text)); }
-    void put(const std::string& text) {
-        out_ << json(text).dump(-1, ' ', false, json::error_handler_t::replace);
-    }
-    void put(double value) { out_ << json(value).dump(); }
-
-    template <typename Enum>
-    requires std::is_enum_v<Enum>
-    void put(Enum value) { out_ << '"' << nameOf(value) << '"'; }
-
-    template <std::integral Number>
-    void put(Number value) {
-        std::array<char, 20> text{};
-        const auto end = std::to_chars(text.data(), text.data() + text.size(), value).ptr;
-        const std::string_view digits(text.data(), static_cast<std::size_t>(end - text.data()));
-        if (bigNumbers_ == BigNumbers::asText && isBeyondDoubles(value)) {
-            out_ << '"' << digits << '"';
-        } else {
-            out_ << digits;
-        }
-    }
-
-    template <std::integral Number>
-    static bool isBeyondDoubles(Number value) {
-        constexpr auto limit = std::int64_t{1} << 53U;
-        return std::cmp_greater(value, limit) || std::cmp_less(value, -limit);
-    }
-
-    std::ostream& out_;
-    BigNumbers bigNumbers_;
-    std::size_t mostExecutions_;
-};
 
 [[noreturn]] void refuse(std::string_view key, std::string_view what) {
     throw std::runtime_error("the value of \"" + std::string(key) + "\" is no " + std::string(what));
@@ -253,11 +146,6 @@ void setRunId(Run& run) {
 }
 
 }  // namespace
-
-void writeRunJson(std::ostream& out, const Run& run, BigNumbers bigNumbers, std::size_t mostExecutions) {
-    Writer(out, bigNumbers, mostExecutions).put(run);
-    out << '\n';
-}
 
 Run readRunJson(std::istream& in) {
     const json document = json::parse(in, nullptr, false);

@@ -6,19 +6,15 @@
 #include <ostream>
 
 #include "analysis/Run.h"
+#include "forms/json/JsonWriter.h"
 
 /// A run as one JSON object on one line, and back. docs/json.md tells its keys.
 namespace zeb::forms {
 
-enum class BigNumbers : bool {
-    exact,
-    asText,  ///< whole numbers above 2^53 are strings, for readers whose numbers are doubles
-};
-
 /// Writes the object and a newline. Text that is no UTF-8 is replaced, numbers that are not finite are null.
 /// It takes no memory in proportion to the run.
 /// @param mostExecutions of a graph that has more of them the columns are empty
-void writeRunJson(std::ostream& out, const analysis::Run& run, BigNumbers bigNumbers = BigNumbers::exact,
+void writeRunJson(std::ostream& out, const analysis::Run& run, JsonStyle style = {},
                   std::size_t mostExecutions = std::numeric_limits<std::size_t>::max());
 
 /// Reads such an object, of this version. Keys that are not known are passed over, and what is missing is

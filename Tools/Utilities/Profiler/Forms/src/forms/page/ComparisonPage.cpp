@@ -1,10 +1,7 @@
 #include "forms/page/ComparisonPage.h"
 
-#include <string>
-
+#include "forms/json/ComparisonFields.h"
 #include "forms/json/ComparisonJson.h"
-#include "forms/json/EmbeddedJson.h"
-#include "forms/json/JsonText.h"
 #include "forms/page/PageParts.h"
 
 namespace zeb::forms {
@@ -12,20 +9,20 @@ namespace zeb::forms {
 namespace {
 
 // What the page shows and the object of --json does not hold.
-std::string viewJson(double hideBelow) {
-    std::string json = R"({"hide_below":)";
-    appendJsonNumber(json, hideBelow);
-    json += R"(,"fewest_logs":)";
-    appendJsonNumber(json, std::uint64_t{analysis::minLogs});
-    json += R"(,"totals":{)";
+void writeView(std::ostream& out, double hideBelow) {
+    JsonWriter json(out, jsonOfPage);
+    json.beginObject();
+    json.member("hide_below", hideBelow);
+    json.member("fewest_logs", analysis::minLogs);
+    json.key("totals");
+    json.beginObject();
     for (std::size_t index = 0; index < analysis::totalCount; ++index) {
         const auto total = static_cast<analysis::Total>(index);
-        json += index == 0 ? "" : ",";
-        appendJsonText(json, keyOfTotal(total));
-        json += ':';
-        appendJsonText(json, nameOf(total));
+        json.member(keyOf(total), nameOf(total));
     }
-    return json + "}}";
+    json.endObject();
+    json.endObject();
+    json.flush();
 }
 
 }  // namespace
@@ -33,8 +30,10 @@ std::string viewJson(double hideBelow) {
 void writeComparisonPage(std::ostream& out, const analysis::Comparison& comparison,
                          const std::optional<analysis::Gate>& gate, double hideBelow) {
     out << comparisonParts.beforeData;
-    writeEmbedded(out, [&](std::ostream& json) { writeComparisonJson(json, comparison, gate); });
-    out << comparisonParts.beforeExtra << viewJson(hideBelow) << comparisonParts.behind;
+    writeComparisonJson(out, comparison, gate, jsonOfPage);
+    out << comparisonParts.beforeExtra;
+    writeView(out, hideBelow);
+    out << comparisonParts.behind;
 }
 
 }  // namespace zeb::forms

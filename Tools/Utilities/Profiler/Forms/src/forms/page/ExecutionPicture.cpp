@@ -7,7 +7,6 @@
 #include <string_view>
 
 #include "analysis/Spread.h"
-#include "forms/json/JsonText.h"
 
 namespace zeb::forms {
 
@@ -70,35 +69,13 @@ void addHistogram(ExecutionPicture& picture, const analysis::Graph& graph) {
     });
 }
 
-template <typename List, typename Append>
-void appendList(std::string& json, std::string_view key, const List& list, Append append) {
-    json.append("\"").append(key).append("\":[");
-    for (const auto& element : list) {
-        append(element);
-        json += ',';
+void writeBins(JsonWriter& json, std::string_view key, const ExecutionPicture& picture, double Bin::*figure) {
+    json.key(key);
+    json.beginList();
+    for (const Bin& bin : picture.bins) {
+        bin.count == 0 ? json.null() : json.value(bin.*figure);
     }
-    if (!list.empty()) {
-        json.pop_back();
-    }
-    json += ']';
-}
-
-void appendField(std::string& json, std::string_view key, auto value) {
-    json.append("\"").append(key).append("\":");
-    appendJsonNumber(json, value);
-    json += ',';
-}
-
-void appendBins(std::string& json, std::string_view key, const ExecutionPicture& picture,
-                double Bin::*figure) {
-    appendList(json, key, picture.bins, [&json, figure](const Bin& bin) {
-        if (bin.count == 0) {
-            json += "null";
-        } else {
-            appendJsonNumber(json, bin.*figure);
-        }
-    });
-    json += ',';
+    json.endList();
 }
 
 }  // namespace
@@ -126,23 +103,24 @@ ExecutionPicture pictureOf(const analysis::Graph& graph, std::size_t mostBins) {
     return picture;
 }
 
-void appendJson(std::string& json, const ExecutionPicture& picture) {
-    json += '{';
-    appendField(json, "count", picture.count);
-    appendField(json, "bin_size", picture.binSize);
-    appendBins(json, "median_us", picture, &Bin::medianUs);
+void writePicture(JsonWriter& json, const ExecutionPicture& picture) {
+    json.beginObject();
+    json.member("count", picture.count);
+    json.member("bin_size", picture.binSize);
+    writeBins(json, "median_us", picture, &Bin::medianUs);
     if (picture.binSize > 1) {
-        appendBins(json, "min_us", picture, &Bin::minUs);
-        appendBins(json, "max_us", picture, &Bin::maxUs);
+        writeBins(json, "min_us", picture, &Bin::minUs);
+        writeBins(json, "max_us", picture, &Bin::maxUs);
     }
-    appendField(json, "from_us", picture.fromUs);
-    appendField(json, "column_us", picture.columnUs);
-    appendList(json, "columns", picture.columns,
-               [&json](std::uint64_t count) { appendJsonNumber(json, count); });
-    json += ',';
-    json.append("\"above\":");
-    appendJsonNumber(json, picture.above);
-    json += '}';
+    json.member("from_us", picture.fromUs);
+    json.member("column_us", picture.columnUs);
+    json.key("columns");
+    json.beginList();
+    for (const std::uint64_t count : picture.columns) {
+        json.value(count);
+    }
+    json.endList();
+    json.member("above", picture.above);
 }
 
 }  // namespace zeb::forms

@@ -2,10 +2,10 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <string>
 #include <vector>
 
 #include "analysis/Run.h"
+#include "forms/json/JsonWriter.h"
 
 /// The executions of a graph, however many, as few figures as a chart can show.
 namespace zeb::forms {
@@ -40,7 +40,7 @@ std::size_t mostSinglesOfGraph(const analysis::Run& run);
 /// @param mostBins 1 or more
 ExecutionPicture pictureOf(const analysis::Graph& graph, std::size_t mostBins);
 
-/// Appends the picture as a JSON object. Bins of one execution have a median alone.
-void appendJson(std::string& json, const ExecutionPicture& picture);
+/// Writes the picture as a JSON object. Bins of one execution have a median alone.
+void writePicture(JsonWriter& json, const ExecutionPicture& picture);
 
 }  // namespace zeb::forms

@@ -6,8 +6,7 @@
 namespace zeb::forms {
 
 /// Makes of text that comes from elsewhere what a terminal shows and doesn't obey: each control character
-/// (U+0000 to U+001F, U+007F to U+009F, a stray byte 80 to 9F) and each override of the writing direction
-/// (U+202A to U+202E, U+2066 to U+2069) becomes a question mark. All else stays, byte for byte.
+/// (`profiling::isControl`, a stray byte 80 to 9F) becomes a question mark. All else stays, byte for byte.
 class TerminalText {
 public:
     enum class Newlines : bool { hidden, kept };

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <optional>
+#include <span>
 #include <string>
-#include <vector>
 
 namespace zeb::forms {
 
@@ -51,16 +51,20 @@ private:
         if (!us) {
             return;
         }
-        file_.addSlice(layer.name, {process_, zebTrack}, {atUs_, atUs_ + *us}, [&](JsonObject& arguments) {
-            arguments.addText("placed", "laid out");
-            arguments.addNumber("dspUs", layer.dspUs);
-            arguments.addNumber("krelUs", layer.krelUs);
-            arguments.addNumber("oruLayerCount", std::uint64_t{layer.oruLayers.size()});
-            const auto shown = static_cast<std::ptrdiff_t>(std::min(maxShownIds, layer.oruLayers.size()));
-            arguments.addNumbers("oruLayers",
-                                 std::vector(layer.oruLayers.begin(), layer.oruLayers.begin() + shown));
+        file_.addSlice(layer.name, {process_, zebTrack}, {atUs_, atUs_ + *us}, [&](JsonWriter& arguments) {
+            arguments.member("placed", "laid out");
+            arguments.member("dspUs", layer.dspUs);
+            arguments.member("krelUs", layer.krelUs);
+            arguments.member("oruLayerCount", std::uint64_t{layer.oruLayers.size()});
+            arguments.key("oruLayers");
+            arguments.beginList();
+            for (const std::uint32_t id :
+                 std::span(layer.oruLayers).first(std::min(maxShownIds, layer.oruLayers.size()))) {
+                arguments.value(id);
+            }
+            arguments.endList();
         });
-        const auto addNothing = [](JsonObject& arguments) { arguments.addText("placed", "laid out"); };
+        const auto addNothing = [](JsonWriter& arguments) { arguments.member("placed", "laid out"); };
         addPart(layer.name, dspTrack, layer.dspUs, addNothing);
         addPart(layer.name, krelTrack, layer.krelUs, addNothing);
     }
@@ -70,10 +74,10 @@ private:
             return;
         }
         addPart(layer.typeName + " " + std::to_string(layer.id), layer.isOffloaded ? krelTrack : dspTrack,
-                layer.timeUs(), [&](JsonObject& arguments) {
-                    arguments.addText("placed", "laid out");
-                    arguments.addNumber("oruLayer", std::uint64_t{layer.id});
-                    arguments.addText("type", layer.typeName);
+                layer.timeUs(), [&](JsonWriter& arguments) {
+                    arguments.member("placed", "laid out");
+                    arguments.member("oruLayer", std::uint64_t{layer.id});
+                    arguments.member("type", traceText(layer.typeName));
                 });
     }
 

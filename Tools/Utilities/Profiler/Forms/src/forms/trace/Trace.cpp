@@ -255,16 +255,14 @@ private:
     void addSlice(const LogMessage& message, const MethodForm& form,
                   const std::optional<RunTracks::Execution>& execution, TimeSpan slice, TrackNumber track) {
         const std::string text =
-            message.text() == nullptr
-                ? std::string()
-                : profiling::cutInMiddle(tracks_.parts().visible(message.text()), longestTraceText);
+            message.text() == nullptr ? std::string() : traceText(tracks_.parts().visible(message.text()));
         const bool isNamedByGraph = form.textField == graphField && !execution && !text.empty();
         const auto waitUs = execution ? execution->queueWaitUs : std::nullopt;
         const std::uint64_t us = slice.endUs - slice.startUs;
         file_.addSlice(std::string(form.name) + (isNamedByGraph ? " " + text : ""), track, slice,
-                       [&](JsonObject& arguments) {
+                       [&](JsonWriter& arguments) {
                            if (message.text() != nullptr) {
-                               arguments.addText(form.textField, text);
+                               arguments.member(form.textField, text);
                            }
                            addArguments(arguments, message, us, waitUs);
                        });
@@ -273,17 +271,17 @@ private:
         }
     }
 
-    void addArguments(JsonObject& arguments, const LogMessage& message, std::uint64_t us,
+    void addArguments(JsonWriter& arguments, const LogMessage& message, std::uint64_t us,
                       std::optional<std::uint64_t> waitUs) {
-        arguments.addNumber("method", std::int64_t{static_cast<std::int8_t>(message.methodType())});
-        arguments.addNumber("level", std::int64_t{message.level()});
-        arguments.addNumber("durationUs", us);
+        arguments.member("method", static_cast<std::int8_t>(message.methodType()));
+        arguments.member("level", message.level());
+        arguments.member("durationUs", us);
         if (*message.timing()->endTime() < *message.timing()->startTime()) {
-            arguments.addTrue("endsBeforeStart");
+            arguments.member("endsBeforeStart", true);
         }
         if (waitUs) {
-            arguments.addNumber("queueWaitUs", *waitUs);
-            arguments.addNumber("withoutQueueWaitUs", profiling::differenceOrZero(us, *waitUs));
+            arguments.member("queueWaitUs", *waitUs);
+            arguments.member("withoutQueueWaitUs", profiling::differenceOrZero(us, *waitUs));
         }
         addEvents(arguments, message, tracks_.parts());
     }
@@ -292,9 +290,9 @@ private:
     void addQueueWait(std::uint64_t waitUs, TimeSpan execution, TrackNumber track) {
         const std::uint64_t us = std::min(waitUs, execution.endUs - execution.startUs);
         file_.addSlice("queue wait", track, {execution.startUs, execution.startUs + us},
-                       [&](JsonObject& arguments) {
-                           arguments.addText("placed", "assumed");
-                           arguments.addNumber("queueWaitUs", waitUs);
+                       [&](JsonWriter& arguments) {
+                           arguments.member("placed", "assumed");
+                           arguments.member("queueWaitUs", waitUs);
                        });
     }
 
@@ -320,23 +318,23 @@ std::string labelOf(const TraceResult& result) {
     return label.empty() ? label : "Messages not shown: " + label;
 }
 
-void describe(JsonObject& members, const analysis::Run& run, const TraceResult& result,
+void describe(JsonWriter& members, const analysis::Run& run, const TraceResult& result,
               std::optional<std::uint64_t> smallestStartUs) {
-    members.addText("logFile", run.logFile);
+    members.member("logFile", traceText(run.logFile));
     if (run.header) {
-        members.addText("generator", run.header->generatorName);
-        members.addText("generatorVersion", run.header->generatorVersion);
-        members.addText("backendVersion", run.header->backendVersion);
-        members.addNumber("epochUs", run.header->epochUs);
+        members.member("generator", traceText(run.header->generatorName));
+        members.member("generatorVersion", traceText(run.header->generatorVersion));
+        members.member("backendVersion", traceText(run.header->backendVersion));
+        members.member("epochUs", run.header->epochUs);
     }
     if (smallestStartUs) {
-        members.addNumber("smallestStartUs", *smallestStartUs);
+        members.member("smallestStartUs", *smallestStartUs);
     }
-    members.addNumber("slices", result.slices);
-    members.addNumber("messagesWithoutTimes", result.withoutTimes);
-    members.addNumber("messagesCutAway", result.outsideCut);
-    members.addNumber("messagesWithoutTrack", result.leftOutForTracks);
-    members.addNumber("messagesTooLate", result.leftOutAsTooLate);
+    members.member("slices", result.slices);
+    members.member("messagesWithoutTimes", result.withoutTimes);
+    members.member("messagesCutAway", result.outsideCut);
+    members.member("messagesWithoutTrack", result.leftOutForTracks);
+    members.member("messagesTooLate", result.leftOutAsTooLate);
 }
 
 }  // namespace
@@ -365,7 +363,7 @@ std::optional<TraceResult> writeTrace(std::ostream& out, const analysis::Run& ru
         file.labelProcess(runProcess, label);
     }
     addAverages(file, run, firstAverageProcess, slices.fromUs());
-    result.bytes = file.finish([&](JsonObject& members) { describe(members, run, result, smallestStartUs); });
+    result.bytes = file.finish([&](JsonWriter& members) { describe(members, run, result, smallestStartUs); });
     return result;
 }
 

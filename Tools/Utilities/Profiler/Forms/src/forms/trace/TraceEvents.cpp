@@ -20,7 +20,7 @@ using Events = flatbuffers::Vector<flatbuffers::Offset<LogEvent>>;
 
 class EventMembers {
 public:
-    EventMembers(profiling::MessageParts& parts, JsonObject& object) : parts_(parts), object_(object) {}
+    EventMembers(profiling::MessageParts& parts, JsonWriter& object) : parts_(parts), object_(object) {}
 
     /// @return false when there are more events than are shown
     bool add(std::string_view above, const Events* events) {
@@ -42,32 +42,30 @@ private:
     std::string pathOf(std::string_view above, const LogEvent& event) {
         std::string path(above);
         path += above.empty() ? "" : " > ";
-        path += event.name() == nullptr
-                    ? std::string()
-                    : profiling::cutInMiddle(parts_.visible(event.name()), longestTraceText);
-        return profiling::cutInMiddle(path, longestTraceText);
+        path += event.name() == nullptr ? std::string() : traceText(parts_.visible(event.name()));
+        return traceText(path);
     }
 
     void addValue(const std::string& path, const LogEvent& event) {
         switch (event.valueSelector()) {
             case ValueSelector::Int:
-                return object_.addNumber(keyOf(path, event), event.intValue());
+                return object_.member(keyOf(path, event), event.intValue());
             case ValueSelector::Uint:
-                return object_.addNumber(keyOf(path, event), event.uintValue());
+                return object_.member(keyOf(path, event), event.uintValue());
             case ValueSelector::Float:
-                return object_.addNumber(keyOf(path, event), event.floatValue());
+                return object_.member(keyOf(path, event), event.floatValue());
             case ValueSelector::Double:
-                return object_.addNumber(keyOf(path, event), event.doubleValue());
+                return object_.member(keyOf(path, event), event.doubleValue());
             case ValueSelector::Text:
-                return object_.addText(keyOf(path, event), event.stringValue() == nullptr
-                                                               ? std::string_view{}
-                                                               : parts_.visible(event.stringValue()));
+                return object_.member(
+                    keyOf(path, event),
+                    traceText(event.stringValue() == nullptr ? std::string_view{}
+                                                             : parts_.visible(event.stringValue())));
             case ValueSelector::Bytes:
-                return object_.addNumber(
-                    newKey(path + " [bytes]"),
-                    std::uint64_t{event.bytes() == nullptr ? 0 : profiling::lengthOf(event.bytes())});
+                return object_.member(newKey(path + " [bytes]"),
+                                      event.bytes() == nullptr ? 0U : profiling::lengthOf(event.bytes()));
             default:
-                return object_.addText(newKey(path), {});
+                return object_.member(newKey(path), "");
         }
     }
 
@@ -96,23 +94,24 @@ private:
     }
 
     profiling::MessageParts& parts_;
-    JsonObject& object_;
+    JsonWriter& object_;
     std::vector<std::string> keys_;
 };
 
 }  // namespace
 
-void addEvents(JsonObject& arguments, const profiling::schema::LogMessage& message,
+void addEvents(JsonWriter& arguments, const profiling::schema::LogMessage& message,
                profiling::MessageParts& parts) {
     const Events* const events = message.events();
     if (events == nullptr || profiling::lengthOf(events) == 0) {
         return;
     }
-    JsonObject object = arguments.addObject("events");
-    const bool isWhole = EventMembers(parts, object).add({}, events);
-    object.close();
+    arguments.key("events");
+    arguments.beginObject();
+    const bool isWhole = EventMembers(parts, arguments).add({}, events);
+    arguments.endObject();
     if (!isWhole) {
-        arguments.addTrue("hasMoreEvents");
+        arguments.member("hasMoreEvents", true);
     }
 }
 

@@ -15,7 +15,7 @@ inline constexpr std::size_t maxTraceEvents = 32;
 /// under the names on the way down to it and the unit. Further ones are not looked at, since any number of
 /// messages may share them; a member "hasMoreEvents" tells of them.
 /// @param parts has entered the message's chunk
-void addEvents(JsonObject& arguments, const profiling::schema::LogMessage& message,
+void addEvents(JsonWriter& arguments, const profiling::schema::LogMessage& message,
                profiling::MessageParts& parts);
 
 }  // namespace zeb::forms

@@ -2,62 +2,45 @@
 
 namespace zeb::forms {
 
-TraceFile::TraceFile(std::ostream& out) : out_(out), text_(R"({"displayTimeUnit":"ms","traceEvents":[)") {}
+TraceFile::TraceFile(std::ostream& out) : json_(out, {.bigAsText = true}) {
+    json_.beginObject();
+    json_.member("displayTimeUnit", "ms");
+    json_.key("traceEvents");
+    json_.beginList();
+}
 
 void TraceFile::nameProcess(std::uint64_t process, std::string_view name) {
-    addMetadata("process_name", {process, 0}, "name", name);
-    addSortIndex("process_sort_index", {process, 0}, process);
+    addMetadata("process_name", {process, 0}, "name", traceText(name));
+    addMetadata("process_sort_index", {process, 0}, "sort_index", process);
 }
 
 void TraceFile::labelProcess(std::uint64_t process, std::string_view label) {
-    addMetadata("process_labels", {process, 0}, "labels", label);
+    addMetadata("process_labels", {process, 0}, "labels", traceText(label));
 }
 
 void TraceFile::nameTrack(TrackNumber track, std::string_view name) {
-    addMetadata("thread_name", track, "name", name);
-    addSortIndex("thread_sort_index", track, track.track);
+    addMetadata("thread_name", track, "name", traceText(name));
+    addMetadata("thread_sort_index", track, "sort_index", track.track);
 }
 
-JsonObject TraceFile::open(std::string_view name, std::string_view phase, TrackNumber track) {
-    text_ += isFirst_ ? "\n" : ",\n";
-    isFirst_ = false;
-    JsonObject event(text_);
-    event.addText("name", name);
-    event.addText("ph", phase);
-    event.addNumber("pid", track.process);
-    event.addNumber("tid", track.track);
-    return event;
+void TraceFile::beginEvent(std::string_view name, std::string_view phase, TrackNumber track) {
+    json_.breakLine();
+    json_.beginObject();
+    json_.member("name", traceText(name));
+    json_.member("ph", phase);
+    json_.member("pid", track.process);
+    json_.member("tid", track.track);
 }
 
-void TraceFile::close(JsonObject& event) {
-    constexpr std::size_t pieceSize = 64UL * 1024;
-    event.close();
-    if (text_.size() >= pieceSize) {
-        flush();
-    }
-}
-
+template <typename Value>
 void TraceFile::addMetadata(std::string_view kind, TrackNumber track, std::string_view key,
-                            std::string_view text) {
-    JsonObject event = open(kind, "M", track);
-    JsonObject arguments = event.addObject("args");
-    arguments.addText(key, text);
-    arguments.close();
-    close(event);
-}
-
-void TraceFile::addSortIndex(std::string_view kind, TrackNumber track, std::uint64_t index) {
-    JsonObject event = open(kind, "M", track);
-    JsonObject arguments = event.addObject("args");
-    arguments.addNumber("sort_index", index);
-    arguments.close();
-    close(event);
-}
-
-void TraceFile::flush() {
-    out_.write(text_.data(), static_cast<std::streamsize>(text_.size()));
-    bytes_ += text_.size();
-    text_.clear();
+                            const Value& value) {
+    beginEvent(kind, "M", track);
+    json_.key("args");
+    json_.beginObject();
+    json_.member(key, value);
+    json_.endObject();
+    json_.endObject();
 }
 
 }  // namespace zeb::forms

@@ -1,0 +1,109 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string_view>
+
+#include "analysis/Comparison.h"
+#include "analysis/Gate.h"
+
+/// The keys of a comparison's JSON: each struct's members in the order of the documentation. A visitor is
+/// called with each key and value.
+namespace zeb::forms {
+
+/// @return how the object names the total, "marlix" or "queue-wait"
+std::string_view keyOf(analysis::Total total);
+std::string_view keyOf(analysis::Basis basis);
+std::string_view keyOf(analysis::GateOutcome outcome);
+
+/// A total on one side.
+struct SideTotal {
+    std::size_t logs;  ///< that have the figure
+    analysis::Range us;
+};
+
+/// What a comparison was judged by, and how.
+struct Judgement {
+    const analysis::Gate& gate;
+    analysis::GateResult result;
+};
+
+template <typename Visit>
+void fieldsOf(const SideTotal& side, Visit visit) {
+    visit("logs", side.logs);
+    visit("median_us", side.us.median);
+    visit("min_us", side.us.min);
+    visit("max_us", side.us.max);
+}
+
+template <typename Visit>
+void fieldsOf(const analysis::ExecutionSpread& spread, Visit visit) {
+    visit("count", spread.count);
+    visit("median_us", spread.medianUs);
+    visit("p90_us", spread.p90Us);
+}
+
+template <typename Visit>
+void fieldsOf(const analysis::TotalChange& row, Visit visit) {
+    const auto sideOf = [](std::size_t logs, const analysis::Range& us) {
+        return logs == 0 ? std::nullopt : std::optional(SideTotal{logs, us});
+    };
+    const bool isOnBoth = row.baseLogs != 0 && row.newLogs != 0;
+    visit("total", keyOf(row.total));
+    visit("base", sideOf(row.baseLogs, row.base));
+    visit("new", sideOf(row.newLogs, row.changed));
+    visit("change_us", isOnBoth ? std::optional(row.changeUs()) : std::nullopt);
+    visit("change", row.change);
+    visit("low", row.interval ? std::optional(row.interval->low) : std::nullopt);
+    visit("high", row.interval ? std::optional(row.interval->high) : std::nullopt);
+    visit("p", row.p);
+    visit("verdict", nameOf(row.verdict));
+}
+
+template <typename Visit>
+void fieldsOf(const analysis::LayerChange& row, Visit visit) {
+    visit("name", row.name);
+    visit("base_us", row.baseUs);
+    visit("new_us", row.newUs);
+    visit("change_us", row.changeUs());
+    visit("change", row.change);
+    visit("p", row.p);
+    visit("verdict", nameOf(row.verdict));
+}
+
+template <typename Visit>
+void fieldsOf(const analysis::GraphComparison& graph, Visit visit) {
+    const auto& executions = graph.executions;
+    visit("base_name", graph.baseName);
+    visit("new_name", graph.newName);
+    visit("base_logs", graph.baseLogs);
+    visit("new_logs", graph.newLogs);
+    visit("base_executions", executions ? std::optional(executions->first) : std::nullopt);
+    visit("new_executions", executions ? std::optional(executions->second) : std::nullopt);
+    visit("totals", graph.totals);
+    visit("layers", graph.layers);
+    visit("types", graph.types);
+}
+
+template <typename Visit>
+void fieldsOf(const analysis::Comparison& comparison, Visit visit) {
+    visit("basis", keyOf(comparison.basis));
+    visit("base", comparison.baseLogs);
+    visit("new", comparison.newLogs);
+    visit("different_levels", comparison.haveDifferentLevels);
+    visit("warnings", comparison.warnings);
+    visit("graphs", comparison.graphs);
+    visit("gone_graphs", comparison.goneGraphs);
+    visit("new_graphs", comparison.addedGraphs);
+}
+
+template <typename Visit>
+void fieldsOf(const Judgement& judgement, Visit visit) {
+    visit("total", keyOf(judgement.gate.total));
+    visit("fail_above", judgement.gate.maxGrowth);
+    visit("min_change_us", judgement.gate.minChangeUs);
+    visit("outcome", keyOf(judgement.result.outcome));
+    visit("reasons", judgement.result.reasons);
+}
+
+}  // namespace zeb::forms

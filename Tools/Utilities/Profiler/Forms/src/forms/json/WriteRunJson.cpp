@@ -1,0 +1,16 @@
+#include "forms/json/FieldsJson.h"
+#include "forms/json/RunJson.h"
+
+namespace zeb::forms {
+
+void writeRunJson(std::ostream& out, const analysis::Run& run, JsonStyle style, std::size_t mostExecutions) {
+    JsonWriter json(out, style);
+    json.beginObject();
+    json.member("schema", runSchema);
+    FieldsWriter(json, mostExecutions).putMembers(run);
+    json.endObject();
+    json.flush();
+    out << '\n';
+}
+
+}  // namespace zeb::forms
