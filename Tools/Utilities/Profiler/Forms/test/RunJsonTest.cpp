@@ -107,7 +107,7 @@ WriteLog longNames() {
 
 TEST(RunJson, HasTheNamesThatTheLogIsComparedBy) {
     const test::TempDir place;
-    const Run run = runOf(place, "log", longNames());
+    const analysis::Run run = runOf(place, "log", longNames());
     ASSERT_EQ(run.graphs.size(), 3U);
     EXPECT_NE(run.graphs[0].name, run.graphs[1].name);
     EXPECT_LE(run.graphs[0].name.size(), analysis::maxTextBytes);

@@ -121,6 +121,7 @@ void writePicture(JsonWriter& json, const ExecutionPicture& picture) {
     }
     json.endList();
     json.member("above", picture.above);
+    json.endObject();
 }
 
 }  // namespace zeb::forms
