@@ -17,7 +17,7 @@ Reader/src/reader             reports store text log logging zeb/profiling
 Reader/src/commandline        zeb/profiling
 Reader/src/reader/backend     reader reports store text log logging commandline zeb/profiling
 Analysis/src/analysis         reader/backend reports store text log memory zeb/profiling
-Forms/src/forms/json          analysis
+Forms/src/forms/json          analysis text
 Forms/src/forms/trace         forms/json analysis store text log zeb/profiling
 Forms/src/forms/page          forms/json analysis
 Forms/src/forms/text          analysis text

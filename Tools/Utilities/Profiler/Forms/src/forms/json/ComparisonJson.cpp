@@ -70,8 +70,8 @@ void writeComparisonJson(std::ostream& out, const analysis::Comparison& comparis
         json.null();
     }
     json.endObject();
+    json.breakLine();
     json.flush();
-    out << '\n';
 }
 
 }  // namespace zeb::forms

@@ -165,6 +165,7 @@ void JsonWriter::escaped(char32_t code) {
 }
 
 std::uint64_t JsonWriter::flush() {
+    text_ += std::exchange(breaksLine_, false) ? "\n" : "";
     out_.write(text_.data(), static_cast<std::streamsize>(text_.size()));
     bytes_ += text_.size();
     text_.clear();

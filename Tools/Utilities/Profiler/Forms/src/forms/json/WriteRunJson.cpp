@@ -9,8 +9,8 @@ void writeRunJson(std::ostream& out, const analysis::Run& run, JsonStyle style, 
     json.member("schema", runSchema);
     FieldsWriter(json, mostExecutions).putMembers(run);
     json.endObject();
+    json.breakLine();
     json.flush();
-    out << '\n';
 }
 
 }  // namespace zeb::forms
