@@ -42,7 +42,7 @@ forget
 build coverage
 forget
 "$bin/write-fuzz-seeds" build/fuzz-seeds
-for target in log messages payloads options; do
+for target in log messages payloads options run; do
     inputs=("build/fuzz-seeds/$target" "$findings_dir/$target")
     [ -d "build/fuzz-corpus/$target" ] && inputs+=("build/fuzz-corpus/$target")
     "$bin/replay-$target" "${inputs[@]}" 2>/dev/null | sed "s/^/Fuzz target $target: /"

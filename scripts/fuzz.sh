@@ -1,15 +1,15 @@
 #!/usr/bin/env bash
-# Fuzzes the reader and the command line:
+# Fuzzes the reader, the command line and what a comparison reads back:
 #
 #   scripts/fuzz.sh [TARGET] [SECONDS]
 #
-# TARGET is log, messages, payloads, options or all (default); each runs for SECONDS (default 60) on one core. What a
+# TARGET is log, messages, payloads, options, run or all (default); each runs for SECONDS (default 60) on one core. What a
 # run has learnt stays in build/fuzz-corpus. A finding goes to build/fuzz-findings; named after its fault and put into
 # Fuzz/findings/TARGET it becomes a test. Ends with 1 when there are findings.
 set -euo pipefail
 source "$(dirname "$0")/setup.sh"
 
-all_targets=(log messages payloads options)
+all_targets=(log messages payloads options run)
 target=${1:-all}
 seconds=${2:-60}
 source_dir=$PWD/Tools/Utilities/Profiler/Fuzz

@@ -10,6 +10,10 @@
 #include <string_view>
 #include <vector>
 
+#include "analysis/MakeRun.h"
+#include "forms/json/RunJson.h"
+#include "harness/MemoryFile.h"
+#include "log/ChunkCheck.h"
 #include "samplelog/BackendObjectWriter.h"
 #include "samplelog/MethodsLog.h"
 #include "samplelog/NetworkLog.h"
@@ -164,6 +168,45 @@ void writeOptions(const std::filesystem::path& directory) {
     }
 }
 
+// Events that stand one below the other, in the JSON of a run.
+std::string nestedEvents(std::uint32_t levels) {
+    std::string json = R"({"schema":"zeb-profile-run/1","steps":[{"events":[)";
+    for (std::uint32_t level = 1; level < levels; ++level) {
+        json += R"({"events":[)";
+    }
+    json += "{}";
+    for (std::uint32_t level = 0; level < levels; ++level) {
+        json += "]}";
+    }
+    return json + "]}";
+}
+
+void writeRuns(const std::filesystem::path& directory) {
+    const auto writeRun = [&directory](const std::string& name, const Bytes& log) {
+        zeb::fuzz::MemoryFile file;
+        file.assign(log);
+        const auto run = zeb::analysis::makeRun(file.path(), zeb::profiling::VisibilityLevel{127});
+        write(directory / name, written([&run](std::ostream& out) { zeb::forms::writeRunJson(out, *run); }));
+    };
+    const Header header{
+        .timeScale = 1.0F, .generatorName = "generator", .generatorVersion = "1", .backendInfo = "2"};
+    writeRun("nothing", {});
+    writeRun("one-execution",
+             logOf({{message(MethodType::Execute, "graph", 50, eventsWith(payloadsOf(2)))}}));
+    writeRun("header-and-two-graphs",
+             logOf({{message(MethodType::Finalize, "a", 30), message(MethodType::Execute, "a", 50),
+                     message(MethodType::Execute, "b", 70)}},
+                   header));
+    writeRun("methods", written(samplelog::writeMethodsLog));
+    writeRun("network", written([](std::ostream& out) {
+                 samplelog::writeNetworkLog(out, {.async = true, .executions = 3, .layers = 2});
+             }));
+    for (const std::uint32_t levels :
+         {zeb::profiling::maxEventDepth, zeb::profiling::maxEventDepth + 1, 400U}) {
+        write(directory / ("events-nested-" + std::to_string(levels)), bytesOf(nestedEvents(levels)));
+    }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -176,6 +219,7 @@ int main(int argc, char** argv) {
         writeMessages(directory / "messages");
         writePayloads(directory / "payloads");
         writeOptions(directory / "options");
+        writeRuns(directory / "run");
         return 0;
     } catch (const std::exception& error) {
         std::cerr << error.what() << '\n';

@@ -182,8 +182,26 @@ TEST(RunJson, KnowsARunWithoutAnIdByItsHeaderAndExecutions) {
     }
 }
 
+// A step whose events stand one below the other.
+std::string nestedEvents(std::size_t levels) {
+    constexpr std::string_view open = R"({"events":[)";
+    std::string json = R"({"schema":"zeb-profile-run/1","steps":[)";
+    for (std::size_t level = 0; level < levels; ++level) {
+        json += open;
+    }
+    json += "{}";
+    for (std::size_t level = 0; level < levels; ++level) {
+        json += "]}";
+    }
+    return json + "]}";
+}
+
 TEST(RunJson, RefusesWhatIsNoRun) {
+    const std::string tooDeep = nestedEvents(63);  // a log has 62 levels at most
+    const std::string farTooDeep = nestedEvents(60'000);
     const std::pair<const char*, const char*> cases[] = {
+        {tooDeep.c_str(), "its events nest deeper than 62 levels"},
+        {farTooDeep.c_str(), "its events nest deeper than 62 levels"},
         {"", "it is no JSON object"},
         {"[1]", "it is no JSON object"},
         {R"({"schema":"zeb-profile-run/2"})", "it is no object of the schema zeb-profile-run/1"},
@@ -199,18 +217,21 @@ TEST(RunJson, RefusesWhatIsNoRun) {
          "the value of \"asynchronous\" is no truth value"},
         {R"({"schema":"zeb-profile-run/1","graphs":[{"krel_clock_hz":4294967296}]})",
          "the value of \"krel_clock_hz\" is no whole number that fits"},
-        {R"({"schema":"zeb-profile-run/1","graphs":[{"executions":{"duration_us":[1]}}]})",
+        {R"({"schema":"zeb-profile-run/1","graphs":[{"executions":{"duration_us":[1],"start_us":[1]}}]})",
+         "the columns of \"executions\" differ in length"},
+        {R"({"schema":"zeb-profile-run/1","graphs":[{"executions":{"duration_us":[1],"queue_wait_us":[1]}}]})",
          "the columns of \"executions\" differ in length"},
     };
     for (const auto& [json, cause] : cases) {
         try {
             readBack(json);
-            ADD_FAILURE() << json << " was read";
+            ADD_FAILURE() << std::string_view(json).substr(0, 200) << " was read";
         } catch (const std::runtime_error& error) {
-            EXPECT_STREQ(error.what(), cause) << json;
+            EXPECT_STREQ(error.what(), cause) << std::string_view(json).substr(0, 200);
         }
     }
     EXPECT_EQ(readBack(R"({"schema":"zeb-profile-run/1","new key":[{}],"log":"l"})").logFile, "l");
+    EXPECT_EQ(readBack(nestedEvents(62)).steps.size(), 1U);
 }
 
 }  // namespace

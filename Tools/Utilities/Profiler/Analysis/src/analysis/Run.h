@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "analysis/LogText.h"
+#include "log/ChunkCheck.h"
 #include "store/ProfileEvent.h"
 
 /// The figures of one run as plain values. They own all that they hold, so a run outlives the log and the
@@ -19,6 +20,9 @@ namespace zeb::analysis {
 enum class Level : std::int32_t { basic = 1, detailed = 2, internal = 1100 };
 
 using Value = std::variant<std::monostate, std::int64_t, std::uint64_t, double, SharedText>;
+
+/// Events nest no deeper in a run than in a log, whatever it was read from.
+using profiling::maxEventDepth;
 
 /// An event and what stands below it.
 struct Event {

@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t minChunkSize = 12;
 constexpr std::size_t maxChunkSize = 2147483646;  // a FlatBuffer's offsets are signed 32-bit numbers
-constexpr flatbuffers::uoffset_t maxDepth = 64;   // root and message take two, so events nest 62 deep
+constexpr flatbuffers::uoffset_t maxDepth = 2 + maxEventDepth;  // the root and a message take two
 
 // Options that only some releases of FlatBuffers have are set where they exist.
 template <typename Options>

@@ -32,15 +32,17 @@ public:
     void read(const json& value, std::string_view key, Struct& into) requires requires {
         fieldsOf(into, [](std::string_view, auto&) {});
     }
-    {
-        if (!value.is_object()) {
-            refuse(key, "object");
+    { readFields(value, key, into); }
+
+    // What is below an event is read by recursion, so it ends where it does in a log.
+    void read(const json& value, std::string_view key, analysis::Event& into) {
+        if (eventDepth_ == analysis::maxEventDepth) {
+            throw std::runtime_error("its events nest deeper than " +
+                                     std::to_string(analysis::maxEventDepth) + " levels");
         }
-        fieldsOf(into, [this, &value](std::string_view name, auto& member) {
-            if (const auto found = value.find(name); found != value.end()) {
-                this->read(*found, name, member);
-            }
-        });
+        ++eventDepth_;
+        readFields(value, key, into);
+        --eventDepth_;
     }
 
     template <typename Element>
@@ -127,6 +129,21 @@ public:
             refuse(key, "value of an event");
         }
     }
+
+private:
+    template <typename Struct>
+    void readFields(const json& value, std::string_view key, Struct& into) {
+        if (!value.is_object()) {
+            refuse(key, "object");
+        }
+        fieldsOf(into, [this, &value](std::string_view name, auto& member) {
+            if (const auto found = value.find(name); found != value.end()) {
+                this->read(*found, name, member);
+            }
+        });
+    }
+
+    std::uint32_t eventDepth_ = 0;
 };
 
 void checkColumns(const analysis::Executions& executions) {
