@@ -39,6 +39,15 @@ std::vector<std::span<const std::byte>> objectsOf(const EventList& events) {
     return objects;
 }
 
+// The test ends here where there is none.
+template <typename List>
+const auto& firstOf(const List& list) {
+    if (list.size() == 0) {
+        throw std::out_of_range("the log lacks what is looked at");
+    }
+    return list[0];
+}
+
 // A run's log once it is loaded, and what the backend's report takes of its first graph.
 struct LoadedRun {
     explicit LoadedRun(const NetworkOptions& given) : options(given), loaded(networkLog(given)) {
@@ -48,7 +57,7 @@ struct LoadedRun {
         EXPECT_EQ(records.countByWalking(), options.executions);
         const EventList& lastEvents = records.back().events;
         const auto profiles = objectsOf(lastEvents.walkTo(lastEvents.countByWalking() - 1).subEvents);
-        const auto configs = objectsOf(store.finalizeRecords[0].record->events);
+        const auto configs = objectsOf(firstOf(store.finalizeRecords).record->events);
         const auto mappings = objectsOf(store.initEvents);
         profile = profiling::readGraphProfile(profiles.at(0), true);
         config = profiling::readLayerConfig(configs.at(0), true);
@@ -64,7 +73,7 @@ struct LoadedRun {
     NetworkOptions options;
     test::Loaded<profiling::ZebProfileLogReader> loaded;
     const profiling::EventStore& store = loaded.reader.store();
-    const profiling::RecordList& records = store.executeRecords[0].records;
+    const profiling::RecordList& records = firstOf(store.executeRecords).records;
     profiling::LayerConfig config;
     profiling::GraphProfile profile;
     std::vector<profiling::NodeMappingEntry> mapping;
@@ -178,6 +187,7 @@ TEST(NetworkLog, ScalesToTheNumberOfGraphsAndExecutions) {
     EXPECT_EQ(run.store.finalizeRecords.size(), 40U);
     EXPECT_EQ(run.store.executeQueueWaits.size(), 40U);
     EXPECT_EQ(objectsOf(run.store.initEvents).size(), 2U);
+    ASSERT_EQ(run.store.executeRecords.size(), 40U);
     EXPECT_EQ(run.store.executeRecords[39].graphName, "mobilenet_v1_224_40");
     std::set<std::uint64_t> durations;
     for (const auto& graph : run.store.executeRecords) {
@@ -206,9 +216,10 @@ TEST(NetworkLog, ASlowerRunIsSlowerInAllThatItMeasures) {
         EXPECT_NEAR(growth(base.profile.acceleratorTimeUs, slower.profile.acceleratorTimeUs), 25.0, 0.1);
         EXPECT_NEAR(growth(base.value("Input Tensor Copy Time"), slower.value("Input Tensor Copy Time")),
                     25.0, 1.0);
-        EXPECT_NEAR(growth(base.store.finalizeRecords[0].record->durationUs,
-                           slower.store.finalizeRecords[0].record->durationUs),
+        EXPECT_NEAR(growth(firstOf(base.store.finalizeRecords).record->durationUs,
+                           firstOf(slower.store.finalizeRecords).record->durationUs),
                     25.0, 0.1);
+        ASSERT_EQ(slower.profile.layerRecords.size(), base.profile.layerRecords.size());
         for (std::size_t position = 0; position < base.profile.layerRecords.size(); ++position) {
             const auto& from = base.profile.layerRecords[position];
             const auto& to = slower.profile.layerRecords[position];
@@ -224,6 +235,8 @@ TEST(NetworkLog, ASlowerLayerSlowsItsOwnOruLayersAndTheWhole) {
     const LoadedRun base({.executions = 4});
     const LoadedRun slower({.executions = 4, .slowerLayer = SlowerLayer{"conv_pw_3", 500'000}});
     std::uint64_t addedUs = 0;
+    ASSERT_EQ(slower.profile.layerRecords.size(), base.profile.layerRecords.size());
+    ASSERT_EQ(slower.mapping.size(), base.profile.layerRecords.size());
     for (std::size_t position = 0; position < base.profile.layerRecords.size(); ++position) {
         const auto from = base.profile.layerRecords[position].totalTimeUs;
         const auto to = slower.profile.layerRecords[position].totalTimeUs;

@@ -176,7 +176,8 @@ TEST_F(CsvFile, HasAllOrNothingOfAReportWhoseWriterIsInterrupted) {
         append(path, report);
         ::_exit(0);
     }
-    while (fs::file_size(path) == 4) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+    while (fs::file_size(path) == 4 && std::chrono::steady_clock::now() < deadline) {
     }
     ASSERT_EQ(::kill(writer, SIGTERM), 0);
     int status = 0;
