@@ -11,6 +11,7 @@
 #include "analysis/Spread.h"
 #include "reader/backend/BackendFigures.h"
 #include "reader/backend/ZebProfileLogReaderMURL.h"
+#include "samplelog/BackendObjectWriter.h"
 #include "samplelog/MethodsLog.h"
 #include "samplelog/NetworkLog.h"
 #include "samplelog/SharedEventsLog.h"
@@ -116,6 +117,48 @@ TEST_F(MadeRun, WorksOutEachGraphByItself) {
         finalizations += step.kind == StepKind::finalize && !step.events.empty() ? 1 : 0;
     }
     EXPECT_EQ(finalizations, 3U);
+}
+
+// A mapping is a graph's where it names each of its layers once.
+TEST_F(MadeRun, TakesAMappingForTheGraphsThatItCovers) {
+    const samplelog::LayerConfig config{1, 1, 2, {{.layerId = 0}, {.layerId = 1}}};
+    const samplelog::GraphProfile profile{90, 1, 2, 80, {{.execCount = 1}, {.execCount = 1, .orderKey = 1}}};
+    const auto finalize = [&config](const char* graph) {
+        return test::message(
+            MethodType::Finalize, graph, 5,
+            {test::ofType(samplelog::finalizeEventType, test::object("config", encodeLayerConfig(config)))});
+    };
+    const auto execute = [&profile](const char* graph) {
+        return test::message(
+            MethodType::Execute, graph, 100,
+            {event("Execute Profiling Level", number(2)),
+             event("ZebGraph_execute", number(95),
+                   {test::object("Graph Execute Profile Data", encodeGraphProfile(profile))})});
+    };
+    const struct {
+        std::vector<std::uint32_t> oruLayers;
+        bool covers;
+    } cases[] = {{{0, 1}, true}, {{1, 0}, true},  {{0, 0}, false},   {{1, 1}, false},
+                 {{0}, false},   {{0, 2}, false}, {{0, 1, 1}, false}};
+    for (const auto& [oruLayers, covers] : cases) {
+        SCOPED_TRACE(testing::PrintToString(oruLayers));
+        std::vector<samplelog::NodeMappingEntry> mapping;
+        for (const std::uint32_t layer : oruLayers) {
+            mapping.push_back({layer, {0}});
+        }
+        const std::vector<std::string> names = {"conv"};
+        const Message init = test::message(
+            MethodType::Init, "", 5,
+            {test::ofType(samplelog::initEventType, test::object("mapping", encodeNodeMapping(mapping))),
+             test::ofType(samplelog::initEventType,
+                          test::object("names", samplelog::encodeNameTable(names)))});
+        const analysis::Run run = runOf({init, finalize("a"), finalize("b"), execute("a"), execute("b")});
+        ASSERT_EQ(run.graphs.size(), 2U);
+        for (const Graph& graph : run.graphs) {
+            EXPECT_EQ(graph.oruLayers.size(), 2U);
+            EXPECT_EQ(graph.zebLayers.size(), covers ? 1U : 0U);
+        }
+    }
 }
 
 Message timed(Message message, std::optional<std::uint64_t> start, std::optional<std::uint64_t> end) {
@@ -397,6 +440,17 @@ TEST(Findings, SpeakWhereTheirRuleHoldsAlone) {
          [](Graph& graph) {
              graph.executions.durationUs = {100, 100, 100, 151};
              graph.breakdown->executionCount = 4;
+         }},
+        // Of eight the weightiest seven, those on what is missing first.
+        {"no-backend-data dsp-between-offloaded dominant-layer warm-up outliers spread offload-overhead ",
+         [](Graph& graph) {
+             graph.breakdown.reset();
+             graph.oruLayers.insert(graph.oruLayers.begin() + 1, oru(false, 1'000));
+             graph.oruLayers[0].krelExecUs = 10;
+             graph.oruLayers[0].halUs = 150;
+             graph.zebLayers[0].krelUs = 900;
+             graph.layerTypes.push_back({"LAYOUT_PAD", 1, 0, 130});
+             graph.executions.durationUs = {600, 100, 100, 100, 100, 500};
          }},
         {"outliers spread ", [](Graph& graph) { graph.executions.durationUs[3] = 151; }},
     };

@@ -69,5 +69,22 @@ TEST(LoadProgress, IsShownOnATerminalAfterASecondAndGoesAway) {
     EXPECT_TRUE(terminal.shows("2 MB read, "));
 }
 
+TEST(LoadProgress, IsNotShownWhereNobodyLooks) {
+    using namespace std::chrono_literals;
+    const test::TempDir files;
+    const std::string path = files.write("log", "bytes");
+    const std::string shown = files.write("shown", "");
+    const command::FileDescriptor reader(::open(path.c_str(), O_RDONLY));
+    const command::FileDescriptor before(::dup(STDERR_FILENO));
+    const command::FileDescriptor file(::open(shown.c_str(), O_WRONLY));
+    ::dup2(file.get(), STDERR_FILENO);
+    {
+        const LoadProgress progress(path);
+        std::this_thread::sleep_for(1300ms);  // on a terminal it would be there after a second
+    }
+    ::dup2(before.get(), STDERR_FILENO);
+    EXPECT_EQ(test::fileText(shown), "");
+}
+
 }  // namespace
 }  // namespace zeb::command

@@ -42,29 +42,38 @@ TEST(MemoryLimit, WritesSizesInTheLargestUnitThatDividesThem) {
 // Both versions side by side, a limit above the group, and a container whose own path is not to be seen.
 TEST(MemoryLimit, IsThatOfTheControlGroup) {
     constexpr std::uint64_t none = std::numeric_limits<std::uint64_t>::max();
+    using Files = std::vector<std::pair<std::string, std::string>>;  // paths and what they hold
     const struct {
         std::string groups;
-        std::string path;
-        std::string content;
+        Files files;
         std::uint64_t limit;
     } cases[] = {
-        {"0::/a/b\n", "sys/fs/cgroup/a/b/memory.max", "1048576\n", 1048576},
-        {"0::/a/b\n", "sys/fs/cgroup/a/memory.max", "4096\n", 4096},
-        {"0::/a/b\n", "sys/fs/cgroup/memory.max", "8192\n", 8192},
-        {"0::/a/b\n", "sys/fs/cgroup/a/b/memory.max", "max\n", none},
-        {"0::/a/b\n", "sys/fs/cgroup/a/c/memory.max", "4096\n", none},
-        {"1:cpu,memory:/a\n0::/\n", "sys/fs/cgroup/memory/a/memory.limit_in_bytes", "512\n", 512},
-        {"1:cpu:/a\n0::/\n", "sys/fs/cgroup/memory/a/memory.limit_in_bytes", "512\n", none},
-        {"1\n1:memory\n", "sys/fs/cgroup/memory.max", "512\n", none},
+        {"0::/a/b\n", {{"sys/fs/cgroup/a/b/memory.max", "1048576\n"}}, 1048576},
+        {"0::/a/b\n", {{"sys/fs/cgroup/a/memory.max", "4096\n"}}, 4096},
+        {"0::/a/b\n", {{"sys/fs/cgroup/memory.max", "8192\n"}}, 8192},
+        {"0::/a/b\n",
+         {{"sys/fs/cgroup/a/b/memory.max", "max\n"},
+          {"sys/fs/cgroup/a/memory.max", "4096\n"},
+          {"sys/fs/cgroup/memory.max", "8192\n"}},
+         4096},
+        {"0::/a/b\n",
+         {{"sys/fs/cgroup/a/b/memory.max", "8192\n"}, {"sys/fs/cgroup/a/memory.max", "4096\n"}},
+         4096},
+        {"0::/a/b\n", {{"sys/fs/cgroup/a/b/memory.max", "max\n"}}, none},
+        {"0::/a/b\n", {{"sys/fs/cgroup/a/c/memory.max", "4096\n"}}, none},
+        {"1:cpu,memory:/a\n0::/\n", {{"sys/fs/cgroup/memory/a/memory.limit_in_bytes", "512\n"}}, 512},
+        {"1:cpu:/a\n0::/\n", {{"sys/fs/cgroup/memory/a/memory.limit_in_bytes", "512\n"}}, none},
+        {"1\n1:memory\n", {{"sys/fs/cgroup/memory.max", "512\n"}}, none},
     };
-    for (const auto& [groups, path, content, limit] : cases) {
+    for (const auto& [groups, files, limit] : cases) {
         const zeb::test::TempDir root;
-        for (const auto& [name, text] :
-             {std::pair{std::string("proc/self/cgroup"), groups}, {path, content}}) {
+        Files all = files;
+        all.emplace_back("proc/self/cgroup", groups);
+        for (const auto& [name, text] : all) {
             std::filesystem::create_directories(std::filesystem::path(root.path(name)).parent_path());
             root.write(name, text);
         }
-        EXPECT_EQ(controlGroupLimit(root.directory()), limit) << groups << path;
+        EXPECT_EQ(controlGroupLimit(root.directory()), limit) << groups << files.front().first;
     }
     EXPECT_EQ(controlGroupLimit("/no/such/root"), none);
 }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -10,9 +11,12 @@
 #include "analysis/MakeRun.h"
 #include "command/MemoryLimit.h"
 #include "compare/CompareOptions.h"
+#include "compare/LoadRun.h"
 #include "forms/json/RunJson.h"
 #include "samplelog/NetworkLog.h"
 #include "support/Command.h"
+#include "support/FailureOf.h"
+#include "support/SystemFaults.h"
 #include "support/TestFiles.h"
 
 namespace zeb::compare {
@@ -130,6 +134,7 @@ TEST_F(CompareCommand, RefusesWrongUsage) {
         {{"--frobnicate", "a", "b"}, "--frobnicate: unknown option"},
         {{"--json=", "a", "b"}, "--json: needs a value"},
         {{"--fail-above", "-5", "a", "b"}, "--fail-above: \"-5\" is no per cent like 5, 0.5 or 5%"},
+        {{"--fail-above", "inf", "a", "b"}, "--fail-above: \"inf\" is no per cent like 5, 0.5 or 5%"},
         {{"--fail-above", "", "a", "b"}, "--fail-above: needs a value"},
         {{"--gate", "layers", "a", "b"}, "--gate: needs --fail-above beside it"},
         {{"--min-change-us", "5", "a", "b"}, "--min-change-us: needs --fail-above beside it"},
@@ -166,6 +171,25 @@ TEST_F(CompareCommand, TellsWhyALogCannotBeRead) {
     expectFailure({empty, good}, 1, empty + ": the file is empty");
     EXPECT_EQ(run({json, good}).exitCode, 1);
     EXPECT_TRUE(holds(run({json, good}).err, json + ": the run can't be read: "));
+    std::string nested = R"({"schema":"zeb-profile-run/1","steps":[)";
+    std::string ends;
+    for (int level = 0; level < 60'000; ++level) {
+        nested += R"({"events":[)";
+        ends += "]}";
+    }
+    const std::string deep = files.write("deep", nested + ends + "]}");
+    expectFailure({deep, good}, 1, deep + ": the run can't be read: its events nest deeper than 62 levels");
+}
+
+// Where reading stops, the system's error and the end look alike.
+TEST_F(CompareCommand, TellsAReadErrorOfALog) {
+    command::MemoryLimit memory(command::defaultMemorySize());
+    const std::string good = log("good");
+    const std::string size = std::to_string(std::filesystem::file_size(good));
+    command::test::badByte = std::stoll(size);
+    const std::string told = command::test::failureOf([&] { loadRun(good, memory); });
+    command::test::badByte.reset();
+    EXPECT_EQ(told, "1 " + good + ": the log can't be read beyond byte " + size + ": Input/output error");
 }
 
 TEST_F(CompareCommand, TakesTheJsonOfARunForItsLog) {

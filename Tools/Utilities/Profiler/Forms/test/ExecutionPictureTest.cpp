@@ -54,10 +54,13 @@ TEST(ExecutionPicture, TheHistogramHasEachExecutionOnce) {
     std::iota(even.begin(), even.end(), std::uint64_t{500});
     Durations lone(1000, 500);
     lone[7] = 90'000;
+    Durations justOutside(1000, 500);  // three columns of a microsecond
+    justOutside[7] = 503;
     const struct {
         Durations durations;
         std::uint64_t above;
-    } cases[] = {{even, 0}, {lone, 1}, {{7}, 0}, {{7, 7, 7}, 0}, {{1, most}, 0}, {{most, most - 1}, 0}};
+    } cases[] = {{even, 0},      {lone, 1},      {justOutside, 1},     {{7}, 0},
+                 {{7, 7, 7}, 0}, {{1, most}, 0}, {{most, most - 1}, 0}};
     for (const auto& [durations, above] : cases) {
         const ExecutionPicture picture = pictureOf(graphOf(durations), 100);
         const std::uint64_t shown =

@@ -9,6 +9,7 @@
 #include "analysis/MakeRun.h"
 #include "forms/trace/Trace.h"
 #include "forms/trace/TraceEvents.h"
+#include "forms/trace/TraceFile.h"
 #include "samplelog/AdapterUpdaterLog.h"
 #include "samplelog/MethodsLog.h"
 #include "samplelog/NetworkLog.h"
@@ -286,6 +287,7 @@ TEST(Trace, LayersAreLaidOutEndToEnd) {
     run.graphs[0].zebLayers = {
         {.name = "conv", .dspUs = 10, .krelUs = 30, .oruLayers = {4, 7}},
         {.name = "endless", .dspUs = 1, .krelUs = std::numeric_limits<std::uint64_t>::max(), .oruLayers = {}},
+        {.name = "endless", .dspUs = std::numeric_limits<std::uint64_t>::max(), .krelUs = 1, .oruLayers = {}},
         {.name = "pool", .dspUs = 5, .krelUs = 0, .oruLayers = {}},
         {.name = "idle", .dspUs = 0, .krelUs = 0, .oruLayers = {}}};
     run.graphs[1].name = "oru";
@@ -305,7 +307,7 @@ TEST(Trace, LayersAreLaidOutEndToEnd) {
             R"({"name":"pool","ph":"X","pid":2,"tid":1,"ts":2040,"dur":5,)",
             R"({"name":"pool","ph":"X","pid":2,"tid":2,"ts":2040,"dur":5,)",
             R"({"name":"idle","ph":"X","pid":2,"tid":1,"ts":2045,"dur":0,)",
-            R"({"labels":"1 layers left out: times too large"})",
+            R"({"labels":"2 layers left out: times too large"})",
             R"({"name":"Conv 3","ph":"X","pid":3,"tid":3,"ts":2000,"dur":20,)",
             R"({"name":"Add 4","ph":"X","pid":3,"tid":2,"ts":2020,"dur":7,)",
         }) {
@@ -317,6 +319,19 @@ TEST(Trace, LayersAreLaidOutEndToEnd) {
               "average inference of zeb (laid out, not measured) | Krel: 1\n"
               "average inference of oru (laid out, not measured) | DSP: 1\n"
               "average inference of oru (laid out, not measured) | Krel: 1\n\n");
+}
+
+TEST(Trace, NoMoreOfAFileThanAPieceIsHeld) {
+    std::ostringstream out;
+    TraceFile file(out);
+    for (std::uint64_t process = 0; process < 2'000; ++process) {
+        file.nameProcess(process, "process");
+    }
+    const std::string beforeTheEnd = out.str();
+    const std::uint64_t bytes = file.finish([](JsonObject&) {});
+    EXPECT_EQ(bytes, out.str().size());
+    EXPECT_GT(bytes, 200'000U);
+    EXPECT_LT(bytes - beforeTheEnd.size(), 70'000U);
 }
 
 TEST(Trace, ALogThatCannotBeReadGivesNone) {

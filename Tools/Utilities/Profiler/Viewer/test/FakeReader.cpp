@@ -1,9 +1,10 @@
 // A reader plug-in that reads nothing and does what its options tell it:
 //   --args=complain|throw   --load=refuse|throw|memory|grow|odd|note|shrink|fault
-//   --report=throw|memory|grow|swallow|odd|refuse|text|object|half
+//   --report=throw|memory|grow|swallow|odd|refuse|text|object|half|print
 //   --calls               tells each call on standard error
 // Its report is the values of --say, one a line, on standard output, and "csv" as its CSV report.
 
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -39,6 +40,7 @@ const std::map<std::string, std::function<void()>> acts = {
     {"throw", [] { throw std::runtime_error("the cat sat on it"); }},
     {"odd", [] { throw 'o'; }},
     {"note", [] { std::cout << "note\n"; }},
+    {"print", [] { std::printf("printed past std::cout\n"); }},
     {"complain", [] { std::cerr << "the fake reader's own words\n"; }},
     {"object", [] { std::ofstream("object.bin") << "bytes"; }},
     {"half", [] { std::cout << "half \xC3"; }},

@@ -2,15 +2,21 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 
+#include "command/FormFile.h"
 #include "command/MemoryLimit.h"
 #include "samplelog/MethodsLog.h"
 #include "samplelog/NetworkLog.h"
 #include "support/Command.h"
+#include "support/FailureOf.h"
+#include "support/SystemFaults.h"
+#include "support/TestChunks.h"
 #include "viewer/RunForms.h"
 
 namespace zeb::viewer {
@@ -189,6 +195,35 @@ TEST_F(RunFormsTest, TellThatTheyNeedTooMuchMemory) {
                       large + ": to tell the figures of the run needs more than 3M of memory");
         EXPECT_EQ(textOf(file), "old");
     }
+}
+
+// What the name of the file stands for could be replaced all the same.
+TEST_F(RunFormsTest, LeaveAFileThatIsWriteProtected) {
+    files.write("run.json", "old");
+    ASSERT_EQ(::chmod(files.path("").c_str(), 0777) + ::chmod(json.c_str(), 0444), 0);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        static_cast<void>(::setuid(65534));  // of no use to an ordinary user, who is not needed
+        const std::string told =
+            failureOf([this] { command::FormFile(json, {}).write([](std::ostream& out) { out << "new"; }); });
+        ::_exit(told.starts_with("3 ") ? 3 : 0);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_EQ(WEXITSTATUS(status), 3);
+    EXPECT_EQ(textOf(json), "old");
+}
+
+// Where reading stops, the system's error and the end look alike.
+TEST_F(RunFormsTest, TellAReadErrorOfTheLog) {
+    ViewerOptions options;
+    options.log = options.logPath = log;
+    command::MemoryLimit memory(options.maxMemory);
+    const std::string size = std::to_string(fs::file_size(log));
+    badByte = std::stoll(size);
+    const std::string told = failureOf([&] { static_cast<void>(RunForms(options).readRun(memory)); });
+    badByte.reset();
+    EXPECT_EQ(told, "1 " + log + ": the log can't be read beyond byte " + size + ": Input/output error");
 }
 
 TEST_F(RunFormsTest, TellAValueThatIsNoNumber) {

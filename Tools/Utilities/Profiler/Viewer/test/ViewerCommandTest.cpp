@@ -170,6 +170,12 @@ TEST_F(ViewerCommand, TellsALogWithoutAChunk) {
     EXPECT_FALSE(fs::exists(csv));
 }
 
+TEST_F(ViewerCommand, TellsAReadErrorOfAPipe) {
+    // The end of a pipe that takes bytes and gives none.
+    EXPECT_EQ(viewThrough("{ \"$@\"; echo $? >&2; } | cat", {"/dev/fd/1"}).err,
+              "zeb-profile-viewer: /dev/fd/1: the log can't be read: Bad file descriptor\n1\n");
+}
+
 TEST_F(ViewerCommand, EndsWithALineWhenItNeedsTooMuchMemory) {
     if (!command::MemoryLimit::canBeSet) {
         GTEST_SKIP() << "no limit under sanitizers";
@@ -180,6 +186,11 @@ TEST_F(ViewerCommand, EndsWithALineWhenItNeedsTooMuchMemory) {
                       log + ": the report needs more than 65536K of memory");
     }
     EXPECT_FALSE(fs::exists(csv));
+    const std::string bent = files.write("bent.log", prefixOf(0xFFFFFFF0U) + "few");
+    expectFailure(view({bent, "--max-memory=64M", "--load=refuse"}), 1,
+                  bent +
+                      ": the log can't be read: chunk 1 at byte 0, 4294967280 bytes long, is cut off at "
+                      "the end of the file: only 3 bytes of it are there");
     // A limit that is there already stays, whether the process could raise it or not.
     for (const char* const limit : {"-S -d", "-d", "-S -v"}) {
         expectFailure(viewThrough("ulimit " + std::string(limit) + " 102400; exec \"$@\"",
@@ -231,8 +242,11 @@ TEST_F(ViewerCommand, TellsAValueThatFailsTheReport) {
 }
 
 TEST_F(ViewerCommand, NoticesThatStandardOutputCannotBeWritten) {
-    const Strings reports[] = {
-        {log, "--say=x", "--csv", csv}, {log, "--load=note"}, {"--help"}, {"--version"}};
+    const Strings reports[] = {{log, "--say=x", "--csv", csv},
+                               {log, "--load=note"},
+                               {log, "--report=print"},
+                               {"--help"},
+                               {"--version"}};
     const std::pair<std::string, std::string> cases[] = {
         {output::full, "No space left on device"},
         {output::closed, "Bad file descriptor"},
