@@ -2,9 +2,26 @@
 
 import {missing, part} from "../shared/elements.js";
 import {percent, share} from "../shared/figures.js";
+import {change, state} from "../shared/state.js";
 import {Table} from "../shared/Table.js";
 import {run} from "./data.js";
 import {oruTime, whyNoLayers, whyNoZebLayers} from "./view.js";
+
+/** The chosen layer and type leave their rows alone. `layersOf` and `typesOf` tell what a row belongs to. */
+function narrowing(view, layersOf, typesOf) {
+  const {pinned, type} = state;
+  if (layersOf === null ? type === null : pinned === null && type === null) {
+    return null;
+  }
+  const words = [pinned !== null && layersOf ? view.layers[pinned].name || "the layer without a name" : null, type];
+  return {
+    words: words.filter(word => word !== null).join(", "),
+    has: row =>
+      (pinned === null || !layersOf || layersOf(row).includes(pinned)) &&
+      (type === null || typesOf(row).includes(type)),
+    release: () => change(layersOf ? {pinned: null, type: null} : {type: null}),
+  };
+}
 
 const yes = value => (value ? "yes" : "no");
 const shareOf = (title, piece, whole) => ({
@@ -19,21 +36,28 @@ export function showZebTable(view) {
     host.replaceChildren(missing(whyNoZebLayers(view)));
     return;
   }
-  const types = layer => [...new Set(layer.oru.map(position => view.oru[position].type_name))].join(", ");
+  const typesOf = layer => [...new Set(layer.oru.map(position => view.oru[position].type_name))];
   const ids = layer => layer.oru.map(position => view.oru[position].id).join(" ");
   const index = new Map(view.layers.map((layer, place) => [layer, place]));
   const columns = [
     {title: "#", of: layer => index.get(layer) + 1},
     {title: "Name", isText: true, isHeading: true, of: layer => layer.name},
-    {title: "Time (us)", of: layer => layer.time},
+    {title: "Time (us)", isDeciding: true, of: layer => layer.time},
     shareOf("Share", layer => layer.time, view.whole),
     {title: "Krel (us)", of: layer => layer.krel},
     {title: "DSP (us)", of: layer => layer.dsp},
     {title: "ORU layers", of: layer => layer.oru.length},
-    {title: "Types", isText: true, of: types},
+    {title: "Types", isText: true, of: layer => typesOf(layer).join(", ")},
     {title: "ORU ids", isText: true, isExtra: true, of: ids},
   ];
-  new Table(host, {name: "All ZEB layers", rows: view.layers, layersOf: layer => [index.get(layer)], columns});
+  new Table(host, {
+    name: "All ZEB layers",
+    rows: view.layers,
+    layersOf: layer => [index.get(layer)],
+    narrowing: () => narrowing(view, null, typesOf),
+    narrowedBy: ["type"],
+    columns,
+  });
 }
 
 export function showOruTable(view) {
@@ -56,7 +80,7 @@ export function showOruTable(view) {
     {title: "Type", isText: true, of: layer => layer.type_name},
     ...(view.hasZeb ? [{title: "ZEB layer", isText: true, of: names}] : []),
     {title: "Runs on", isText: true, of: layer => (layer.offloaded ? "Krel" : "DSP")},
-    {title: "Time (us)", of: oruTime},
+    {title: "Time (us)", isDeciding: true, of: oruTime},
     shareOf("Share", oruTime, whole),
     figure("Executions", "executions", false),
     figure("DSP cycles", "dsp_cycles", false),
@@ -75,5 +99,12 @@ export function showOruTable(view) {
     {title: "Loopback", isText: true, isExtra: true, of: layer => yes(layer.loopback)},
     figure("Type number", "type"),
   ];
-  new Table(host, {name: "All ORU layers", rows: view.oru, layersOf, narrowed: true, columns});
+  new Table(host, {
+    name: "All ORU layers",
+    rows: view.oru,
+    layersOf,
+    narrowing: () => narrowing(view, layersOf, layer => [layer.type_name]),
+    narrowedBy: ["pinned", "type"],
+    columns,
+  });
 }

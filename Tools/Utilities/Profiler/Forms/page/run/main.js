@@ -1,11 +1,13 @@
 // Draws the parts.
 
 import {cut, make, part} from "../shared/elements.js";
-import {forgetFollowers, state} from "../shared/state.js";
+import {follow, forgetFollowers, nothingChosen, state} from "../shared/state.js";
 import {run} from "./data.js";
 import {showExecutions} from "./executions.js";
 import {showFindings, showHeader} from "./header.js";
 import {showInference} from "./inference.js";
+import {isLink, keepLink, wantedByLink} from "./link.js";
+import {showContents} from "./contents.js";
 import {showOruTable, showZebTable} from "./layers.js";
 import {showRanking} from "./ranking.js";
 import {showSteps} from "./steps.js";
@@ -16,23 +18,25 @@ import {viewOf} from "./view.js";
 const widthOf = id => Math.max(240, Math.floor(part(id).clientWidth));
 
 // What is as wide as the window; tables stay as they are when that changes.
-function showCharts() {
-  showInference(state.view, widthOf("inference"));
-  showStrip(state.view, widthOf("strip"));
-  showRanking(state.view, widthOf("ranking"));
+function showCharts(width = null) {
+  showInference(state.view, width ?? widthOf("inference"));
+  showStrip(state.view, width ?? widthOf("strip"));
+  showRanking(state.view, width ?? widthOf("ranking"));
   showTypes(state.view);
-  showExecutions(state.view, widthOf("executions"));
+  showExecutions(state.view, width ?? widthOf("executions"));
 }
 
-function showGraph(index) {
+// `wanted` is what of the state does not begin as nothing.
+function showGraph(index, wanted = {}) {
   const view = index < run.graphs.length ? viewOf(index) : null;
   forgetFollowers();
-  Object.assign(state, {graph: index, view, hovered: null, pinned: null});
+  Object.assign(state, {...nothingChosen, ...wanted, graph: index, view});
   showHeader(view);
   showFindings(view);
   showZebTable(view);
   showOruTable(view);
   showCharts();
+  follow("link", keepLink);
 }
 
 part("page").hidden = false;
@@ -41,7 +45,10 @@ if (run.graphs.length > 1) {
   const choice = part("graph");
   const names = run.graphs.map(graph => cut(graph.name, 80) || "without a name");
   choice.append(...names.map((name, index) => make("option", {value: index}, name)));
-  choice.addEventListener("change", () => showGraph(Number(choice.value)));
+  choice.addEventListener("change", () => {
+    showGraph(Number(choice.value));
+    keepLink();
+  });
 }
 // Without a graph one part says why, and the others would say the same.
 if (run.graphs.length === 0) {
@@ -49,10 +56,21 @@ if (run.graphs.length === 0) {
     piece.hidden = !piece.querySelector("#findings, #steps");
   });
 }
+function showLink() {
+  const wanted = wantedByLink(location.hash);
+  part("graph").value = wanted.graph ?? 0;
+  showGraph(wanted.graph ?? 0, wanted);
+}
+
 showSteps();
-showGraph(0);
+showContents();
+showLink();
+window.addEventListener("hashchange", () => isLink(location.hash) && showLink());
 
 let drawnWidth = window.innerWidth;
+// Paper has its own width, of which 673 pixels are left within A4's margins.
+window.addEventListener("beforeprint", () => showCharts(673));
+window.addEventListener("afterprint", () => showCharts());
 window.addEventListener("resize", () => {
   if (window.innerWidth !== drawnWidth) {
     drawnWidth = window.innerWidth;

@@ -13,13 +13,29 @@ import {
   stroke,
   widthOfText,
 } from "../shared/elements.js";
-import {digits, percent, share, time} from "../shared/figures.js";
+import {digits, percent, share, ticks, time} from "../shared/figures.js";
 import {follow, hover, marked, pin, state} from "../shared/state.js";
 import {whyNoZebLayers} from "./view.js";
 
 const maxRanked = 20;
 const rowHeight = 24,
-  top = 22;
+  rankingTop = 22;
+
+/** Columns of figures at the right edge; a narrow picture leaves the layer's share out, which the table has. */
+function figureColumns(view, width) {
+  const room = Math.max(widthOfText(digits(view.whole)), widthOfText("sum so far")) + 14;
+  const columns = [
+    {title: "us", of: us => digits(us), kind: ""},
+    {title: "share", of: us => percent(share(us, view.whole)), kind: "soft"},
+    {title: "sum so far", of: (us, sum) => percent(share(sum, view.whole)), kind: "soft"},
+  ].filter(({title}) => width >= 420 || title !== "share");
+  let right = width;
+  for (const column of columns.toReversed()) {
+    column.right = right;
+    right -= column.title === "sum so far" ? room : Math.max(52, widthOfText(digits(view.whole)) + 14);
+  }
+  return {columns, left: right};
+}
 
 export function showRanking(view, width) {
   const host = part("ranking");
@@ -31,48 +47,45 @@ export function showRanking(view, width) {
   order.sort((left, right) => view.layers[right].time - view.layers[left].time);
   const shown = order.slice(0, maxRanked);
   const others = order.length - shown.length;
-  const nameWidth = Math.min(210, width * 0.32);
-  const numbersWidth = Math.max(104, 62 + widthOfText(digits(view.whole)));
+  const nameWidth = Math.min(210, width * 0.3);
+  const figures = figureColumns(view, width);
   const left = nameWidth + 10,
-    room = width - left - numbersWidth;
+    room = figures.left - left - 6;
   const longest = view.layers[shown[0]].time;
-  const height = top + (shown.length + (others > 0 ? 1 : 0)) * rowHeight + 4;
-  const numbers = (y, us, kind) => [
-    label(width - 50, y + 16, digits(us), kind, "end"),
-    label(width, y + 16, percent(share(us, view.whole)), "soft", "end"),
-  ];
-  const drawn = (room < 130 ? [0, 1] : [0, 0.5, 1]).map(at => [
+  const height = rankingTop + (shown.length + (others > 0 ? 1 : 0)) * rowHeight + 4;
+  const numbers = (y, us, sum) =>
+    figures.columns.map(({right, of, kind}) => label(right, y + 16, of(us, sum), kind, "end"));
+  const x = us => left + (us / longest) * room;
+  const drawn = ticks(0, longest, room < 150 ? 1 : 3).map(us => [
     stroke(
       [
-        [left + at * room, top - 4],
-        [left + at * room, height],
+        [x(us), rankingTop - 4],
+        [x(us), height],
       ],
       "axis",
     ),
-    label(left + at * room, 11, `${at * 100} %`, "soft", at === 0 ? "start" : at === 1 ? "end" : "middle"),
+    label(x(us), 11, us === 0 ? "0" : `${digits(us, us < 1 ? 1 : 0)} us`, "soft", us === 0 ? "start" : "middle"),
   ]);
+  drawn.push(figures.columns.map(({title, right}) => label(right, 11, title, "soft", "end")));
   const marks = new Map();
-  const points = [[left, top]];
   let sum = 0;
   shown.forEach((index, row) => {
     const layer = view.layers[index],
-      y = top + row * rowHeight;
+      y = rankingTop + row * rowHeight;
     const mark = rect(0, y, width, rowHeight, "row-mark");
     mark.setAttribute("visibility", "hidden");
     marks.set(index, mark);
-    const krel = (layer.krel / longest) * room,
-      dsp = (layer.dsp / longest) * room;
     sum += layer.time;
-    points.push([left + share(sum, view.whole) * room, y + rowHeight / 2]);
     const group = draw(
       "g",
-      {},
+      {class: "clicked"},
       draw("title", {}, layer.name),
+      rect(0, y, width, rowHeight, "row-room"),
       mark,
       label(nameWidth, y + 16, fitted(layer.name, nameWidth), "", "end"),
-      rect(left, y + 4, krel, rowHeight - 8, "krel"),
-      rect(left + krel, y + 4, dsp, rowHeight - 8, "dsp"),
-      numbers(y, layer.time, ""),
+      rect(left, y + 4, x(layer.krel) - left, rowHeight - 8, "krel"),
+      rect(x(layer.krel), y + 4, x(layer.time) - x(layer.krel), rowHeight - 8, "dsp"),
+      numbers(y, layer.time, sum),
     );
     group.addEventListener("pointerenter", () => hover(index));
     group.addEventListener("pointerleave", () => hover(null));
@@ -80,37 +93,17 @@ export function showRanking(view, width) {
     drawn.push(group);
   });
   if (others > 0) {
-    const y = top + shown.length * rowHeight;
-    points.push([left + room, y + rowHeight / 2]);
+    const y = rankingTop + shown.length * rowHeight;
     drawn.push(
       label(nameWidth, y + 16, fitted(plural(others, "other", "others"), nameWidth), "soft", "end"),
-      numbers(y, view.whole - sum, "soft"),
+      numbers(y, view.whole - sum, view.whole),
     );
   }
-  const dots = points.slice(1).map(([x, y]) => draw("circle", {cx: x.toFixed(1), cy: y, r: 2, class: "sum-dot"}));
-  drawn.push(stroke(points, "sum-halo"), stroke(points, "sum"), dots);
   const words =
     `The ${shown.length} costliest of ${order.length} ZEB layers take ${percent(share(sum, view.whole))} of the ` +
     `layers' time. The costliest is ${view.layers[shown[0]].name} with ${time(longest)}. The table of all ZEB layers ` +
     "has the figures.";
-  host.replaceChildren(
-    chart(width, height, words, drawn),
-    legend(
-      ["krel", "Krel core (us)"],
-      ["dsp", "DSP (us)"],
-      [
-        "",
-        "sum so far, of all layers",
-        stroke(
-          [
-            [0, 6],
-            [16, 6],
-          ],
-          "sum",
-        ),
-      ],
-    ),
-  );
+  host.replaceChildren(chart(width, height, words, drawn), legend(["krel", "on the Krel core"], ["dsp", "on the DSP"]));
   const showMarked = () =>
     marks.forEach((mark, index) => mark.setAttribute("visibility", index === marked() ? "visible" : "hidden"));
   follow("ranking", showMarked);

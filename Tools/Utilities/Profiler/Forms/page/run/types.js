@@ -2,7 +2,7 @@
 
 import {bar, headings, make, missing, part} from "../shared/elements.js";
 import {digits, number, percent, share} from "../shared/figures.js";
-import {follow, marked} from "../shared/state.js";
+import {change, follow, marked, state} from "../shared/state.js";
 import {whyNoLayers} from "./view.js";
 
 const maxTypes = 12; // that are shown unasked
@@ -23,10 +23,16 @@ export function showTypes(view) {
   const body = make("tbody", {});
   const add = type => {
     const us = number(type.time_us);
+    const choice = make(
+      "button",
+      {type: "button", class: "choice", title: "Show the layers of this type alone"},
+      type.name,
+    );
+    choice.addEventListener("click", () => change({type: state.type === type.name ? null : type.name}));
     const row = make(
       "tr",
       {},
-      make("th", {scope: "row", class: "text"}, type.name),
+      make("th", {scope: "row", class: "text"}, choice),
       bar([[0, us / longest, kinds[placeOf(type)]]]),
       make("td", {}, placeOf(type)),
       make("td", {class: "number"}, digits(number(type.dsp_layers) + number(type.krel_layers))),
@@ -37,15 +43,21 @@ export function showTypes(view) {
     body.append(row);
   };
   types.slice(0, maxTypes).forEach(add);
+  const said = make("p", {class: "note said", role: "status"});
   let marks = [];
   const showMarked = () => {
     marks.forEach(row => row.classList.remove("is-marked"));
     const positions = marked() === null ? [] : view.layers[marked()].oru;
     marks = [...new Set(positions.map(position => rows.get(view.oru[position].type_name)))].filter(Boolean);
     marks.forEach(row => row.classList.add("is-marked"));
+    rows.forEach((row, name) => row.querySelector("button").setAttribute("aria-pressed", String(name === state.type)));
+    said.textContent =
+      state.type === null
+        ? ""
+        : `The strip marks the layers of ${state.type}, and the tables have them alone. Press it again to show all.`;
   };
   const titles = headings(["Type"], [""], ["On"], ["Layers", "number"], ["us", "number"], ["Share", "number"]);
-  host.replaceChildren(make("div", {class: "scroll"}, make("table", {}, titles, body)));
+  host.replaceChildren(make("div", {class: "scroll"}, make("table", {}, titles, body)), said);
   if (types.length > maxTypes) {
     const more = make("button", {type: "button", class: "button more"}, `Show all ${digits(types.length)} types`);
     more.addEventListener("click", () => {

@@ -2,10 +2,11 @@
 
 import {cut, make, plural, widthOfText} from "./elements.js";
 import {digits} from "./figures.js";
-import {follow, hover, marked, pin, state} from "./state.js";
+import {change, follow, hover, marked, state} from "./state.js";
 
 const maxRows = 500; // that are shown unasked
 const rowsOfGroup = 100;
+const narrow = 480; // pixels, of a window where the name and the deciding column come first
 const widestCell = 260;
 const widthOfCell = text => Math.ceil((widthOfText(text) * 13.5 * 1.08) / 12) + 22;
 
@@ -52,12 +53,14 @@ const positionOfMost = (values, size) =>
  *   isText     its values are texts
  *   text       (value, row) => what is shown of it, a text or an element; a number's digits if there is none
  *   isHeading  it names the row
+ *   isDeciding it is in sight in a narrow window, too
  *   isExtra    it is shown when it is asked for
  *   least      a width for what is no text
  * Options:
  *   name       what the table is called; `things`, what its rows are called: one and several
  *   layersOf   (row) => the layers that it is marked with
- *   narrowed   whether it shows the rows of the chosen layer alone
+ *   narrowing  () => what the state leaves of it: {words, has(row), release()}, or null for all rows
+ *   narrowedBy the names of the state that decide that
  *   isMinor    (row) => whether it is left out until it is asked for, by a filter or by the button that says
  *              `minorWords(count)`
  *   foot       (columns, isShowingAll) => the rows below
@@ -68,7 +71,15 @@ const positionOfMost = (values, size) =>
  */
 export class Table {
   constructor(host, options) {
-    Object.assign(this, {things: ["layer", "layers"], isMinor: () => false, layersOf: () => []}, options);
+    Object.assign(
+      this,
+      {things: ["layer", "layers"], isMinor: () => false, layersOf: () => [], narrowing: () => null},
+      options,
+    );
+    if (window.innerWidth <= narrow) {
+      const rank = column => (column.isHeading ? 0 : column.isDeciding ? 1 : 2);
+      this.columns = this.columns.toSorted((left, right) => rank(left) - rank(right));
+    }
     this.visible = new Set(this.columns.filter(column => !column.isExtra));
     this.minorCount = this.rows.filter(row => this.isMinor(row)).length;
     this.sorting = {column: null, isDescending: false};
@@ -84,9 +95,22 @@ export class Table {
     this.keysOf = once(column => this.findKeys(column));
     this.widthOf = once(column => this.findWidth(column));
     this.haystacks = once(() => this.findHaystacks());
+    this.host = host;
     this.build(host);
-    this.update();
+    this.take(state.tables[host.id] ?? {});
     follow(host.id, changed => this.follow(changed));
+  }
+
+  /** What the reader has asked for, as it stands in the state: the title of a column, a text. */
+  wishes() {
+    const {column, isDescending} = this.sorting;
+    return {sort: column?.title ?? null, isDescending, filter: this.filter};
+  }
+
+  take({sort = null, isDescending = false, filter = ""}) {
+    this.sorting = {column: this.columns.find(column => column.title === sort) ?? null, isDescending};
+    this.filter = this.search.value = filter;
+    this.update();
   }
 
   build(host) {
@@ -99,10 +123,11 @@ export class Table {
     this.search.addEventListener("input", () => {
       this.filter = this.search.value;
       this.update();
+      change({tables: {...state.tables, [host.id]: this.wishes()}});
     });
     this.count = make("span", {class: "count", role: "status"});
     this.copyButton = button("", () => this.copy(), "Copy as CSV");
-    this.release = button("chip", () => pin(null));
+    this.release = button("chip", () => this.narrowing()?.release());
     this.more = button("more", () => this.showAll());
     this.minor = button("more", () => {
       this.hasMinor = !this.hasMinor;
@@ -117,6 +142,10 @@ export class Table {
     const field = make("label", {class: "field"}, "Filter ", this.search);
     const tools = make("div", {class: "tools"}, field, this.choices(), this.copyButton, this.release, this.count);
     host.replaceChildren(tools, this.region, this.more, this.minor);
+    // Where it has room its head stays in the window while the page scrolls; else it scrolls by itself.
+    new ResizeObserver(() =>
+      this.region.classList.toggle("is-wider", this.table.offsetWidth > this.region.clientWidth + 1),
+    ).observe(this.region);
   }
 
   choices() {
@@ -195,10 +224,10 @@ export class Table {
     const texts = wanted === "" ? null : this.haystacks();
     const isFound = (row, position) =>
       texts === null ? this.hasMinor || !this.isMinor(row) : texts[position].includes(wanted);
-    const isOfLayer = row => !this.narrowed || state.pinned === null || this.layersOf(row).includes(state.pinned);
+    const narrowing = this.narrowing();
     this.ordered = [];
     this.rows.forEach((row, position) => {
-      if (isFound(row, position) && isOfLayer(row)) {
+      if (isFound(row, position) && (narrowing === null || narrowing.has(row))) {
         this.ordered.push(position);
       }
     });
@@ -216,6 +245,7 @@ export class Table {
     const isSame = this.sorting.column === column;
     this.sorting = {column, isDescending: isSame ? !this.sorting.isDescending : !column.isText};
     this.update();
+    change({tables: {...state.tables, [this.host.id]: this.wishes()}});
     this.head.querySelector('[aria-sort="ascending"] button, [aria-sort="descending"] button').focus();
   }
 
@@ -282,6 +312,7 @@ export class Table {
     this.elements = new Map();
     const mine = ++this.filling;
     const shown = this.isWhole ? this.ordered.length : Math.min(this.ordered.length, maxRows);
+    this.table.classList.toggle("is-long", shown > maxRows);
     this.table.replaceChildren(this.table.tHead, ...(this.foot ? [this.sums] : []));
     let next = 0;
     const add = end => {
@@ -323,11 +354,11 @@ export class Table {
     const some = this.ordered.length === all ? "" : `${digits(this.ordered.length)} of `;
     const first = shown < this.ordered.length ? `, the first ${digits(shown)} shown` : "";
     this.count.textContent = some + plural(all, ...this.things) + first;
-    this.release.hidden = !this.narrowed || state.pinned === null;
-    if (!this.release.hidden) {
-      const {name} = state.view.layers[state.pinned];
-      this.release.textContent = `Only ${cut(name, 40)} ✕`;
-      this.release.setAttribute("aria-label", `Of ${name} only; press to show all`);
+    const narrowing = this.narrowing();
+    this.release.hidden = narrowing === null;
+    if (narrowing !== null) {
+      this.release.textContent = `Only ${cut(narrowing.words, 40)} ✕`;
+      this.release.setAttribute("aria-label", `Of ${narrowing.words} only; press to show all`);
     }
   }
 
@@ -362,7 +393,7 @@ export class Table {
   }
 
   follow(changed) {
-    if (this.narrowed && changed.includes("pinned")) {
+    if (changed.some(name => this.narrowedBy?.includes(name))) {
       this.update();
     } else {
       this.mark(marked());

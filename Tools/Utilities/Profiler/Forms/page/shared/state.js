@@ -5,7 +5,13 @@ export const state = {
   view: null, // what its layers are, see run/view.js; null without a graph
   hovered: null, // the layer that is pointed at, by its place in view.layers
   pinned: null, // the layer that was chosen
+  type: null, // the type of ORU layers that was chosen, by its name
+  zoom: null, // what the strip shows: {from, to}, shares of the whole; null for all of it
+  search: "", // what the strip marks
+  tables: {}, // by the id of its part: {sort, isDescending, filter}
 };
+
+export const nothingChosen = {...state};
 
 const followers = new Map();
 
