@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "PageSupport.h"
+#include "analysis/Spread.h"
 #include "samplelog/AdapterUpdaterLog.h"
 #include "samplelog/MethodsLog.h"
 
@@ -30,6 +31,38 @@ analysis::Run millionExecutions() {
     return run;
 }
 
+// Forty executions from 2000 us on, a us apart; every third one takes some times as long.
+analysis::Run outliers() {
+    analysis::Run run = runOf(NetworkOptions{.executions = 40});
+    auto& durations = run.graphs[0].executions.durationUs;
+    for (std::size_t index = 0; index < durations.size(); ++index) {
+        durations[index] = (2000 + index) * (index % 3 == 2 ? 2 + index : 1);
+    }
+    run.graphs[0].spread = {40, 2000, 2027, 60'000, 70'000, 81'520, 2001};
+    run.graphs[0].outliers = analysis::outliersOf(run.graphs[0].executions, run.graphs[0].spread);
+    return run;
+}
+
+// Figures at the limits of how they are written.
+analysis::Run limits() {
+    analysis::Run run = runOf(NetworkOptions{});
+    run.steps.front().events.assign(13, run.steps.front().events.front());
+    for (std::size_t index = 0; index < 13; ++index) {
+        run.steps.front().events[index].name = "event " + std::to_string(index + 1);
+    }
+    analysis::Graph& graph = run.graphs.front();
+    graph.findings.clear();
+    for (const double us : {0.5, 9.0, 42.5, 9'999.0, 10'000.0, 9'999'999.0, 10'000'000.0, 123'456'789.0}) {
+        graph.findings.push_back({"rule", "text", us, {}});
+    }
+    graph.zebLayers[0] = {"least", 0, 44, {}};
+    graph.zebLayers[1] = {"most", 0, 50'000'000, {}};
+    graph.zebLayers[2] = {"less", 15'000, 0, {}};
+    graph.zebLayers[3] = {"none", 0, 0, {}};
+    graph.breakdown->acceleratorUs = 100;
+    return run;
+}
+
 TEST(PageInBrowser, EachLogIsShownAsItIs) {
     const std::string steps = "parts figures missing executions";
     const std::string basic =
@@ -40,8 +73,24 @@ TEST(PageInBrowser, EachLogIsShownAsItIs) {
         "The log has no data of the backend on this graph, so its layers are not known. Profile the run on "
         "the Murl backend to see them.";
     test::expectInBrowser({
-        {"sample", pageOf(runOf(NetworkOptions{})), steps + " strip",
-         shows("2,229us 84% 84%", "good", "dot; 20") + "strip: good\n"},
+        {"sample", pageOf(runOf(NetworkOptions{})),
+         steps + " strip spread histogram steps clock edges whole rest",
+         shows("2,229us 84% 84%", "good", "dot; 20") +
+             "strip: good\n"
+             "spread: 20 2,167 us 2,190 us 2,210 us 2,863 us 3,016 us 3,016 us\nhistogram: good\n"
+             "steps: Load the library 0 us 3,214 us; Initialize a step of mobilenet_v1_224 3,354 us 41.7 ms; "
+             "Compose mobilenet_v1_224 45.2 ms 9,576 us; Finalize mobilenet_v1_224 54.9 ms 59.1 ms; "
+             "Executions (not to scale) 114 ms 94.9 ms; Tear down mobilenet_v1_224 209 ms 8,350 us\n"
+             "clock: good\nedges: 32,22,32,1\nwhole: good\nrest: good\n"},
+        {"outliers", pageOf(outliers()), "spread histogram",
+         "spread: 40 2,000 us 2,027 us 60.0 ms 70.0 ms 81.5 ms 2,001 us; 39 81.5 ms × 40.2; "
+         "36 75.3 ms × 37.1; 33 69.1 ms × 34.1; 30 62.9 ms × 31.0; 27 56.7 ms × 28.0; 24 50.6 ms × 25.0; "
+         "21 44.4 ms × 21.9; 18 38.3 ms × 18.9; 15 32.2 ms × 15.9; 12 26.1 ms × 12.9\nhistogram: good\n"},
+        {"limits", pageOf(limits()), "events findingTimes shares rest",
+         "events: event 1; event 2; event 3; event 4; event 5; event 6; event 7; event 8; event 9; event 10; "
+         "event 11; event 12; and 1 more\n"
+         "findingTimes: 0.50 us; 9 us; 42.5 us; 9,999 us; 10.0 ms; 10,000 ms; 10.0 s; 123 s\n"
+         "shares: < 0.01 %; 99.9 %; 0.03 %; 0.0 %\nrest: good\n"},
         {"level basic", pageOf(runOf({.level = samplelog::ProfileLevel::basic})), steps,
          shows("2,229us 84% –", basic, "dot; 20")},
         {"methods", pageOf(runOf(samplelog::writeMethodsLog)), steps + " large",
@@ -69,6 +118,24 @@ TEST(PageInBrowser, DoesWhatItIsToldTo) {
          "sorting: good\nfiltering: good\ncolumns: good\ncopying: good\nfollowing: good\n"},
         {"hostile", pageOf(test::hostileRun()), "parts hostile hostileCopy sorting filtering",
          "parts: good\nhostile: good\nhostileCopy: good\nsorting: good\nfiltering: good\n"},
+        {"zoom and search", page, "zooming searching typing linking",
+         "zooming: good\nsearching: good\ntyping: good\nlinking: good\n"},
+        {"a link", page,
+         "'open=#layer=4&type=SUPERCONV&zoom=0.25-0.5&find=pw&zeb.sort=Name&zeb.falls=1&oru.filter=CONV' "
+         "linked",
+         "linked: conv_pw_1; Only SUPERCONV ✕; Only conv_pw_1, SUPERCONV ✕; pw; 25.0 % of the inference; "
+         "descending; CONV\n"},
+        {"damaged links", page,
+         "'open=#layer=33&type=none&zoom=0.5-0.4&zeb.sort=nothing' linked "
+         "'open=#layer=-1&zoom=a-b&find=<img+src=x>&graph=9' linked "
+         "'open=#type=__proto__&zoom=NaN-1&layer=1e0x&%E0%A4%A' linked parts",
+         "linked: ; ; ; ; ; none; \nlinked: ; ; ; <img src=x>; ; none; \nlinked: ; ; ; ; ; none; \nparts: "
+         "good\n"},
+        {"light, dark, narrow, on paper", page,
+         "contrast dark contrast width=420 'open=#' deciding outside parts print",
+         "contrast: good\ncontrast: good\ndeciding: good\noutside: good\nparts: good\nprint: 6 pages\n"},
+        {"300 layers", pageOf(runOf({.executions = 2, .layers = 300})), "strip width=420 'open=#' strip",
+         "strip: good\nstrip: good\n"},
         {"another script", page, "refusal", "refusal: good\nconsole: refused by the policy\n"},
     });
 }

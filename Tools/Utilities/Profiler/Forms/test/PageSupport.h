@@ -148,6 +148,8 @@ inline analysis::Run hostileRun() {
     graph.zebLayers[1].name = std::string("\0\x1B[31m \" ' ` \\u003c \xE2\x80\xA8 \xE2\x80\xAE", 26) + script;
     graph.zebLayers[2].name = "__proto__";
     graph.zebLayers[3].name = "=1+1";
+    graph.zebLayers[4].name = "\tTab \"quoted\"";
+    graph.zebLayers[5].name = "\rReturn";
     graph.oruLayers[0].typeName = "]]>" + image;
     graph.layerTypes.front().name = "constructor" + image;
     run.otherMethods.push_back({image, script, 1, 2, 2, 2});

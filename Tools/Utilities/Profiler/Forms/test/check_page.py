@@ -2,6 +2,7 @@
 
 A step is a check of page_checks.js, whose findings are printed behind its name, or one of these:
   width=N        the window is that wide from here on; 1280 at first
+  dark           the system is dark from here on; light at first
   open=#VIEW     the page is opened anew, at that address
   print          how many pages it has on paper
 The browser is started once for all pages; "==" stands before what is found of each, and what stands on its console comes
@@ -118,12 +119,15 @@ def look_at(browser, page, steps):
     print("==")
     url = "file://" + os.path.realpath(page)
     browser.resize(1280)
+    browser.ask("Emulation.setEmulatedMedia", features=[])
     browser.open(url)
     for step in steps:
         name, _, value = step.partition("=")
         if name == "width":
             browser.resize(int(value))
             browser.evaluate("new Promise(requestAnimationFrame)")
+        elif name == "dark":
+            browser.ask("Emulation.setEmulatedMedia", features=[{"name": "prefers-color-scheme", "value": "dark"}])
         elif name == "open":
             browser.open(url + value)
         elif name == "print":

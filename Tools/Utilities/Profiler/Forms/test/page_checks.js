@@ -17,6 +17,9 @@ const press = (target, key) =>
   target.dispatchEvent(new KeyboardEvent("keydown", {key, bubbles: true, cancelable: true}));
 const textOf = node => node.textContent;
 const rowsOf = id => element(id).querySelectorAll("tbody tr");
+const wordsOf = row => [...row.cells].map(textOf).filter(Boolean).join(" ");
+const rowTexts = host => [...host.querySelectorAll("tbody tr")].map(wordsOf);
+const digitsOf = text => Number(text.replaceAll(",", ""));
 function filter(id, text) {
   const field = element(id).querySelector('input[type="search"]');
   field.value = text;
@@ -180,29 +183,171 @@ globalThis.checks = {
     const found = [pointed, moved, kept, left].join("; ");
     return found === "input_1 input_1 QUANTIZE,LAYOUT_PAD 2; conv1; 2 Only conv1 ✕; 0 true" ? "" : found;
   },
+  // Bars have a width, lie behind one another, are few enough, and fill the strip in the shares of the colours.
   strip() {
     const width = element("strip").querySelector("svg").viewBox.baseVal.width;
-    const rows = new Map(),
-      ends = new Map();
-    for (const bar of element("strip").querySelectorAll("[role=slider] rect:not(.selected)")) {
-      const row = bar.getAttribute("y");
-      if (Number(bar.getAttribute("x")) < (ends.get(row) || 0) - 0.1) {
-        return "bars overlap";
+    const rows = new Map();
+    for (const bar of element("strip").querySelectorAll("[role=slider] rect:not(.selected, .hit)")) {
+      const [x, y, room] = ["x", "y", "width"].map(name => Number(bar.getAttribute(name)));
+      const row = rows.get(y) ?? {end: 0, drawn: 0, blue: 0};
+      if (room < 1 || x < row.end || x + room > width) {
+        return `from ${x}, ${room} wide, behind ${row.end}`;
       }
-      ends.set(row, Number(bar.getAttribute("x")) + Number(bar.getAttribute("width")));
-      rows.set(row, (rows.get(row) || 0) + Number(bar.getAttribute("width")));
+      const blue = row.blue + (bar.getAttribute("class") === "krel" ? room : 0);
+      rows.set(y, {end: x + room, drawn: row.drawn + room, blue});
     }
-    const shares = [...rows.values()].map(drawn => drawn / width);
-    const blue = [...element("strip").querySelectorAll('[role=slider] rect.krel[y="0"]')].reduce(
-      (sum, bar) => sum + Number(bar.getAttribute("width")),
-      0,
-    );
+    const bars = element("strip").querySelectorAll("[role=slider] rect").length;
+    const [upper, lower] = [...rows.values()];
     const onKrel = parseFloat(document.querySelector("#figures div:last-child .large").textContent) / 100;
-    return shares.length !== 2 || shares.some(share => share < 0.9 || share > 1.01)
-      ? shares.join(" ")
-      : Math.abs(blue / rows.get("0") - onKrel) > 0.02
-        ? `${blue / rows.get("0")} is blue`
+    const isFull = [upper, lower].every(row => row.end > 0.98 * width);
+    return rows.size !== 2 || !isFull || bars > 2000
+      ? `${rows.size} rows, ${bars} bars, ${upper.drawn} of ${width}`
+      : Math.abs(upper.blue / upper.drawn - onKrel) > 0.02
+        ? `${upper.blue / upper.drawn} is blue`
         : "";
+  },
+  zooming() {
+    const strip = element("strip");
+    const slider = strip.querySelector("[role=slider]");
+    const box = slider.getBoundingClientRect();
+    const shown = () => strip.querySelector("[role=status]").textContent.replace(" of the inference", "");
+    const pointer = (kind, x, more = {}) =>
+      slider.dispatchEvent(new PointerEvent(kind, {clientX: box.left + x * box.width, pointerId: 1, ...more}));
+    const found = [];
+    const after = action => {
+      action();
+      found.push(shown() || "whole");
+    };
+    after(() => buttonOf("strip", "+").click());
+    after(() => press(slider, "+"));
+    after(() => press(slider, "-"));
+    after(() => press(slider, "0"));
+    after(() => {
+      pointer("pointerdown", 0.2);
+      pointer("pointermove", 0.3);
+      pointer("pointermove", 0.6);
+      pointer("pointerup", 0.6);
+      slider.click();
+    });
+    const first = strip.querySelector("rect.krel, rect.dsp");
+    after(() => buttonOf("strip", "Whole").click());
+    const wheel = {deltaY: -100, clientX: box.left, bubbles: true, cancelable: true};
+    slider.dispatchEvent(new WheelEvent("wheel", wheel));
+    found.push(/^\d\d\.\d %$/.test(shown()));
+    for (let step = 0; step < 60; ++step) {
+      press(slider, "+");
+    }
+    const least = shown();
+    pointer("pointermove", 0.5);
+    const named = strip.querySelector(".readout b").textContent;
+    press(slider, "End");
+    found.push(parseFloat(least) < 1, named !== "", slider.getAttribute("aria-valuenow"));
+    press(slider, "0");
+    press(slider, "Escape");
+    // Two fingers that go apart.
+    const finger = (kind, id, x) => pointer(kind, x, {pointerId: id, pointerType: "touch"});
+    finger("pointerdown", 1, 0.4);
+    finger("pointerdown", 2, 0.6);
+    finger("pointermove", 2, 0.8);
+    found.push(shown());
+    ["1", "2"].forEach(id => finger("pointerup", Number(id), 0.5));
+    press(slider, "0");
+    const wanted = "50.0 %,25.0 %,50.0 %,whole,40.0 %,whole,true,true,true,32,50.0 %";
+    return first === null || found.join() !== wanted ? found.join() : "";
+  },
+  searching() {
+    const strip = element("strip");
+    filter("strip", "PW_1");
+    const found = [strip.querySelector("[role=status]").textContent, strip.querySelectorAll("rect.hit").length];
+    press(strip.querySelector("input"), "Enter");
+    press(strip.querySelector("input"), "Enter");
+    found.push(strip.querySelector(".readout b").textContent);
+    found.push([...strip.querySelectorAll(".chosen tbody tr")].map(wordsOf).join("; "));
+    filter("strip", "");
+    press(strip.querySelector("[role=slider]"), "Escape");
+    found.push(strip.querySelectorAll("rect.hit").length, strip.querySelector(".chosen").textContent);
+    const wanted =
+      "5 of 32 layers found | 5 | conv_pw_10 | 37 SUPERCONV Krel 102 97.1 %; 38 CACHE_OP DSP 3 2.9 % | 0 | ";
+    return found.join(" | ") === wanted ? "" : found.join(" | ");
+  },
+  // A click on a type leaves its layers alone.
+  typing() {
+    const [all, every] = [rowsOf("zeb").length, rowsOf("oru").length];
+    buttonOf("types", "SUPERGEMM").click();
+    const types = textsOf("oru", columnOf("oru", "Type"));
+    const found = [
+      buttonOf("types", "SUPERGEMM").ariaPressed,
+      buttonOf("zeb", "Only").textContent,
+      rowsOf("zeb").length,
+    ];
+    found.push(new Set(types).size, types[0], element("types").querySelector(".said").textContent !== "");
+    buttonOf("oru", "Only").click();
+    found.push(
+      buttonOf("types", "SUPERGEMM").ariaPressed,
+      rowsOf("zeb").length === all,
+      rowsOf("oru").length === every,
+    );
+    return found.join() === "true,Only SUPERGEMM ✕,1,1,SUPERGEMM,true,false,true,true" ? "" : found.join();
+  },
+  // The address follows what is shown.
+  linking() {
+    heading("zeb", "Time (us)").click();
+    filter("strip", "conv & =");
+    buttonOf("types", "CACHE_OP").click();
+    press(element("strip").querySelector("[role=slider]"), "Home");
+    press(element("strip").querySelector("[role=slider]"), "Enter");
+    const link = location.hash;
+    filter("strip", "");
+    buttonOf("oru", "Only").click();
+    heading("zeb", "Name").click();
+    const wanted = "#layer=1&type=CACHE_OP&find=conv+%26+%3D&zeb.sort=Time+%28us%29&zeb.falls=1";
+    return link === wanted && location.hash === "#zeb.sort=Name" ? "" : `${link} ${location.hash}`;
+  },
+  linked() {
+    const chip = id => (buttonOf(id, "Only")?.hidden === false ? buttonOf(id, "Only").textContent : "");
+    const sorted = heading("zeb", "Name").parentElement.getAttribute("aria-sort");
+    const [found, shown = ""] = element("strip").querySelector("[role=status]").textContent.split(", ");
+    return [
+      element("strip").querySelector(".readout b")?.textContent ?? "",
+      chip("zeb"),
+      chip("oru"),
+      element("strip").querySelector("input").value,
+      shown || (found.includes("found") ? "" : found),
+      sorted,
+      element("oru").querySelector('input[type="search"]').value,
+    ].join("; ");
+  },
+  // Texts and marks stand out from what is behind them, by the rules of the Web's accessibility guidelines.
+  contrast() {
+    const style = getComputedStyle(document.documentElement);
+    const lightOf = name => {
+      const value = style.getPropertyValue(`--${name}`).trim();
+      const parts = [1, 3, 5].map(at => parseInt(value.slice(at, at + 2), 16) / 255);
+      const [red, green, blue] = parts.map(part => (part <= 0.04045 ? part / 12.92 : ((part + 0.055) / 1.055) ** 2.4));
+      return 0.2126 * red + 0.7152 * green + 0.0722 * blue;
+    };
+    const ratio = (one, other) => {
+      const [dark, light] = [lightOf(one), lightOf(other)].sort((left, right) => left - right);
+      return (light + 0.05) / (dark + 0.05);
+    };
+    const texts =
+      "ink/paper ink/card soft/paper soft/card soft/wash soft/hover on-krel/krel on-dsp/dsp ink/shade-1 ink/shade-3";
+    const marks = "krel/card dsp/card other/card other/wash mark/card focus/card soft/card krel/wash dsp/wash";
+    const low = (pairs, least) => pairs.split(" ").filter(pair => !(ratio(...pair.split("/")) >= least));
+    return [...low(texts, 4.5), ...low(marks, 3)].join();
+  },
+  // In a narrow window each table has its time in sight.
+  deciding() {
+    const seen = id => {
+      const cell = [...element(id).querySelectorAll("thead th")].find(found => /\(us\)|^us$/.test(found.textContent));
+      return cell.getBoundingClientRect().right <= window.innerWidth;
+    };
+    return ["inference", "types", "zeb", "oru"].filter(id => !seen(id)).join();
+  },
+  // Nothing but what scrolls by itself is wider than the window.
+  outside() {
+    const {scrollWidth, clientWidth} = document.documentElement;
+    return scrollWidth > clientWidth ? `${scrollWidth} of ${clientWidth}` : "";
   },
   large() {
     const text = element("steps").textContent;
@@ -223,6 +368,69 @@ globalThis.checks = {
     const kinds = marks.filter(mark => !mark.closest(".legend")).map(mark => mark.getAttribute("class"));
     const first = element("executions").querySelector("tbody td")?.textContent;
     return `${[...new Set(kinds.sort())].join()}; ${first}`;
+  },
+  // The figures of the executions, and the outliers, which are behind their number.
+  spread() {
+    return rowTexts(element("executions")).join("; ");
+  },
+  // Each execution is in a column of the histogram.
+  histogram() {
+    const counts = [...element("executions").querySelectorAll("rect > title")].map(title =>
+      Number(title.textContent.match(/: ([\d,]+) exec/)[1].replaceAll(",", "")),
+    );
+    const all = element("executions").querySelector("tbody td").textContent;
+    const sum = counts.reduce((total, count) => total + count, 0);
+    return digitsOf(all) === sum ? "" : `${sum} of ${all}`;
+  },
+  steps() {
+    const rows = [...rowsOf("steps")].filter(row => !row.closest(".calls"));
+    return rows
+      .filter(row => row.querySelector("rect"))
+      .map(wordsOf)
+      .join("; ");
+  },
+  // Bars of steps begin at the left, end at the right, and follow the clock.
+  clock() {
+    const bars = [...element("steps").querySelectorAll("td.bar rect:last-child")];
+    const starts = bars.map(bar => Number(bar.getAttribute("x")));
+    const end = Math.max(...bars.map(bar => Number(bar.getAttribute("x")) + Number(bar.getAttribute("width"))));
+    const isGood = starts[0] === 0 && isSorted(starts, (left, right) => left <= right) && Math.abs(end - 1000) < 3;
+    return isGood ? "" : `from ${starts.join()} to ${end}`;
+  },
+  events() {
+    return [...rowsOf("steps")]
+      .map(row => row.cells[0].textContent)
+      .filter(text => /^event|more$/.test(text))
+      .join("; ");
+  },
+  findingTimes() {
+    return [...element("findings").querySelectorAll("b")].map(textOf).join("; ");
+  },
+  shares() {
+    return textsOf("zeb", columnOf("zeb", "Share")).slice(0, 4).join("; ");
+  },
+  // Nothing is said to take less than nothing.
+  rest() {
+    const texts = [...rowsOf("inference")].flatMap(row => [row.cells[2], row.cells[3]].map(textOf));
+    return texts.length === 0 || texts.some(text => /^[-−]/.test(text)) ? texts.join() : "";
+  },
+  // Where all is shown there is nothing to ask for.
+  whole() {
+    const more = [...document.querySelectorAll("button")].filter(button => /^Show all/.test(button.textContent));
+    return more
+      .filter(button => !button.hidden)
+      .map(textOf)
+      .join();
+  },
+  edges() {
+    const slider = element("strip").querySelector("[role=slider]");
+    const after = (...keys) => {
+      keys.forEach(key => press(slider, key));
+      return slider.getAttribute("aria-valuetext").match(/layer ([\d,]+) of/)?.[1];
+    };
+    const found = [after("End", "ArrowRight"), after("PageDown"), after("PageUp"), after("Home", "ArrowLeft")];
+    press(slider, "Escape");
+    return found.join();
   },
   // However many rows there are, the page can be used while they come.
   many() {
@@ -255,7 +463,7 @@ globalThis.checks = {
       ? `rows ${shown} ${sorted} ${first} ${all} ${ids} in ${steps} steps`
       : some > 500 || left !== some
         ? `rows ${some} ${left}`
-        : bars > 5000
+        : bars > 2000
           ? `${bars} bars`
           : "";
   },
@@ -275,6 +483,9 @@ globalThis.checks = {
       }
       return longest;
     });
+    times.zoom = took(() => buttonOf("strip", "+").click());
+    times["zoom out"] = took(() => buttonOf("strip", "Whole").click());
+    times.search = took(() => filter("strip", "1"));
     return Object.entries(times)
       .map(([name, ms]) => `${name} ${ms.toFixed(0)} ms`)
       .join("; ");
@@ -291,7 +502,8 @@ globalThis.checks = {
   hostileCopy() {
     const copied = clipboard();
     buttonOf("zeb", "Copy").click();
-    return copied[0].includes("\r\n4,'=1+1,") ? "" : copied[0];
+    const lines = ["4,'=1+1,", `5,"'\tTab ""quoted""",`, `6,"'\rReturn",`];
+    return lines.every(line => copied[0].includes(`\r\n${line}`)) ? "" : copied[0];
   },
   // Of the page of two versions.
   comparedParts() {
