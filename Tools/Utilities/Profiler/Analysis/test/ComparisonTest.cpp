@@ -18,8 +18,7 @@ using Runs = std::vector<RunSummary>;
 GraphSummary graphOf(std::string name, double marlixUs, std::vector<LayerTime> layers = {}) {
     GraphSummary graph;
     graph.name = std::move(name);
-    graph.executions = 19;
-    graph.p90Us = marlixUs * 1.1;
+    graph.spread.count = 19;
     graph.totalsUs[static_cast<std::size_t>(Total::marlix)] = marlixUs;
     if (!layers.empty()) {
         double sum = 0.0;
@@ -378,7 +377,7 @@ TEST(RunSummary, TakesTheTotalsOfARun) {
     EXPECT_EQ(summary.generator, "runner v3");
     EXPECT_EQ(summary.backendVersion, "v4");
     const GraphSummary& ofB = summary.graphs[0];
-    EXPECT_EQ(ofB.executions, 4U);  // the first one has no time, and the second is no warm-up
+    EXPECT_EQ(ofB.spread.count, 4U);  // the first one has no time, and the second is no warm-up
     const std::optional<double> expected[totalCount] = {25, 18, 12, 3, 1.75, {}, 311, 200, 8};
     for (std::size_t position = 0; position < totalCount; ++position) {
         EXPECT_EQ(ofB.totalsUs[position], expected[position]) << nameOf(static_cast<Total>(position));

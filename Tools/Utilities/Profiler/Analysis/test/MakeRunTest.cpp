@@ -6,6 +6,7 @@
 #include <numeric>
 
 #include "analysis/Findings.h"
+#include "analysis/Inference.h"
 #include "analysis/MakeRun.h"
 #include "analysis/RunId.h"
 #include "analysis/Spread.h"
@@ -30,6 +31,21 @@ using test::MethodType;
 using test::number;
 
 constexpr VisibilityLevel allMessages{127};
+
+std::string told(const Part& part) {
+    std::string text = part.name + ' ' + std::to_string(static_cast<int>(part.us));
+    if (!part.note.empty()) {
+        text += " [" + part.note + ']';
+    }
+    if (!part.parts.empty()) {
+        text += " (";
+        for (const Part& inner : part.parts) {
+            text += (&inner == part.parts.data() ? "" : ", ") + told(inner);
+        }
+        text += ')';
+    }
+    return text;
+}
 
 class MadeRun : public testing::Test {
 protected:
@@ -91,8 +107,8 @@ TEST_F(MadeRun, AgreesWithTheReportOnOneGraph) {
             dspUs += figures.zebLayerStats[row].dspTimeUs;
             krelUs += figures.zebLayerStats[row].krelTimeUs;
         }
-        EXPECT_EQ(graph.layersDspUs(), dspUs);
-        EXPECT_EQ(graph.layersKrelUs(), krelUs);
+        EXPECT_EQ(graph.layers.dspUs, dspUs);
+        EXPECT_EQ(graph.layers.krelUs, krelUs);
         EXPECT_NEAR(100.0 * static_cast<double>(dspUs) / static_cast<double>(dspUs + krelUs),
                     figures.zebTimeShare.dspTimePercent, 1e-9);
     }
@@ -269,6 +285,11 @@ TEST_F(MadeRun, HoldsTheLongTextsOfEventsOnceAndInPart) {
     const auto leftOut = makeRun(path, allMessages, EventTrees::leftOut).value();
     EXPECT_TRUE(leftOut.steps[0].events.empty());
 
+    const auto plain = makeRun(write(samplelog::writeMethodsLog), allMessages, EventTrees::leftOut).value();
+    EXPECT_TRUE(plain.graphs.at(0).average.events.empty());
+    EXPECT_EQ(told(plain.graphs[0].inference),
+              "Marlix 2150 (queue wait 65, accelerator 1925 (queue wait 31), not accounted for 160)");
+
     constexpr std::uint32_t events = 100'000;
     const auto execution = samplelog::encodeSharedEventsLog(
         {.levels = 2, .sharedLevels = 1, .fanOut = events, .name = text, .objectName = {}});
@@ -301,13 +322,13 @@ TEST(Spread, LiesInProportionBetweenTheNearestValues) {
     const Graph graph = graphOf({50, 10, 20, 0, 40, 30});
     const Spread spread = spreadOf(graph.executions);
     EXPECT_EQ(spread.count, 5U);
-    EXPECT_DOUBLE_EQ(spread.minUs, 10.0);
-    EXPECT_DOUBLE_EQ(spread.medianUs, 30.0);
-    EXPECT_DOUBLE_EQ(spread.p90Us, 46.0);
-    EXPECT_DOUBLE_EQ(spread.p99Us, 49.6);
-    EXPECT_DOUBLE_EQ(spread.maxUs, 50.0);
+    EXPECT_DOUBLE_EQ(spread.minUs(), 10.0);
+    EXPECT_DOUBLE_EQ(spread.medianUs(), 30.0);
+    EXPECT_DOUBLE_EQ(spread.p90Us(), 46.0);
+    EXPECT_DOUBLE_EQ(spread.quantilesUs[positionOfQuantile(0.99)], 49.6);
+    EXPECT_DOUBLE_EQ(spread.maxUs(), 50.0);
     EXPECT_EQ(spread.firstUs, 50.0);
-    EXPECT_DOUBLE_EQ(spreadOf(graphOf({7}).executions).p99Us, 7.0);
+    EXPECT_DOUBLE_EQ(spreadOf(graphOf({7}).executions).p90Us(), 7.0);
     EXPECT_EQ(spreadOf(graphOf({0}).executions).count, 0U);
     EXPECT_EQ(spreadOf(graphOf({0, 20}).executions).firstUs, std::nullopt)
         << "the second one is not the first";
@@ -378,14 +399,87 @@ Graph quietGraph() {
         graph.zebLayers.push_back({.name = "layer", .dspUs = 0, .krelUs = us, .oruLayers = {}});
     }
     graph.layerTypes = {{"ADD", 0, 4, 88}};
+    addDerivedFigures(graph);
     return graph;
+}
+
+Event eventOf(const char* name, Value value) {
+    Event event;
+    event.name = std::string(name);
+    event.value = std::move(value);
+    return event;
+}
+
+TEST(Inference, IsATreeOfAverages) {
+    const std::pair<const char*, void (*)(Graph&)> cases[] = {
+        {"Marlix 100 (Accelerator 90 (Layers on the Krel core 88, Layers on the DSP 0, Handing over 0, "
+         "in no layer 2), not accounted for 10)",
+         [](Graph&) {}},
+        {"Marlix 100 (Backend 97 (Accelerator 90 (Layers on the Krel core 66, Layers on the DSP 20, "
+         "Handing over 3, in no layer 1), IPC 2, Input tensor copy 1, not accounted for 3), "
+         "outside the backend 3)",
+         [](Graph& graph) {
+             graph.zebLayers.clear();
+             graph.oruLayers[3] = oru(false, 20);
+             graph.oruLayers[0].averageUs = 30;
+             graph.oruLayers[1].averageUs = 0;
+             graph.oruLayers[2].averageUs = 39;
+             graph.breakdown->backendUs = 97;
+             graph.breakdown->ipcUs = 2;
+             graph.breakdown->inputCopyUs = 1.5;
+         }},
+        {"Marlix with queue wait 100 (Marlix 92 (Backend 90 (Accelerator 90 (Layers on the Krel core 88, "
+         "Layers on the DSP 0, Handing over 0, in no layer 2), not accounted for 0), "
+         "outside the backend 2), Queue wait 8)",
+         [](Graph& graph) {
+             graph.breakdown->backendUs = 98;
+             graph.breakdown->queueWaitUs = 8;
+         }},
+        {"Marlix 100 (Accelerator 80 [The parts of Accelerator take 8 us more than it, and the log does not "
+         "tell why.] (Layers on the Krel core 88, Layers on the DSP 0, Handing over 0, in no layer 0), "
+         "not accounted for 20)",
+         [](Graph& graph) { graph.breakdown->acceleratorUs = 80; }},
+        {"Marlix 100 [The parts of Marlix take 80 us more than it: Marlix is the average of 6 executions, "
+         "the "
+         "backend's figures are of 3.] (Accelerator 180 (Layers on the Krel core 88, Layers on the DSP 0, "
+         "Handing over 0, in no layer 92), not accounted for 0)",
+         [](Graph& graph) {
+             graph.breakdown->acceleratorUs = 180;
+             graph.breakdown->executionCount = 3;
+         }},
+        {"Marlix 100 (run 70 (one 50), late 2, not accounted for 28)",
+         [](Graph& graph) {
+             graph.breakdown.reset();
+             Event run = eventOf("run", std::uint64_t{70});
+             run.events = {eventOf("one", 50.0), eventOf("size", std::uint64_t{9}), eventOf("bad", -1.0)};
+             run.events[1].unit = profiling::EventUnit::bytes;
+             graph.average.events = {run, eventOf("late", std::int64_t{2})};
+         }},
+    };
+    for (const auto& [tree, change] : cases) {
+        Graph graph = quietGraph();
+        change(graph);
+        addDerivedFigures(graph);
+        EXPECT_EQ(told(graph.inference), tree);
+    }
+}
+
+// However many events there are, a form has a few rows of them.
+TEST(Inference, PutsManyEventsTogether) {
+    Graph graph = graphOf({100});
+    graph.average.durationUs = 100;
+    graph.average.events.resize(5000, eventOf("e", std::uint64_t{1}));
+    addDerivedFigures(graph);
+    ASSERT_EQ(graph.inference.parts.size(), 14U);
+    EXPECT_EQ(told(graph.inference.parts[12]), "[4988 others] 4988");
+    EXPECT_NE(graph.inference.note, "");
 }
 
 std::string rulesOf(Graph graph, Level level = Level::detailed) {
     Run run;
     run.level = level;
     graph.spread = spreadOf(graph.executions);
-    graph.outliers = outliersOf(graph.executions, graph.spread);
+    addDerivedFigures(graph);
     addFindings(graph, run);
     std::string rules;
     for (const Finding& finding : graph.findings) {
@@ -442,7 +536,7 @@ TEST(Findings, SpeakWhereTheirRuleHoldsAlone) {
              graph.breakdown->executionCount = 4;
          }},
         // Of eight the weightiest seven, those on what is missing first.
-        {"no-backend-data dsp-between-offloaded dominant-layer warm-up outliers spread offload-overhead ",
+        {"no-backend-data dsp-between-offloaded dominant-layer warm-up spread outliers offload-overhead ",
          [](Graph& graph) {
              graph.breakdown.reset();
              graph.oruLayers.insert(graph.oruLayers.begin() + 1, oru(false, 1'000));
@@ -450,9 +544,9 @@ TEST(Findings, SpeakWhereTheirRuleHoldsAlone) {
              graph.oruLayers[0].halUs = 150;
              graph.zebLayers[0].krelUs = 900;
              graph.layerTypes.push_back({"LAYOUT_PAD", 1, 0, 130});
-             graph.executions.durationUs = {600, 100, 100, 100, 100, 500};
+             graph.executions.durationUs = {600, 100, 100, 100, 100, 100, 100, 100, 100, 100, 500, 500};
          }},
-        {"outliers spread ", [](Graph& graph) { graph.executions.durationUs[3] = 151; }},
+        {"outliers ", [](Graph& graph) { graph.executions.durationUs[3] = 151; }},
     };
     for (const auto& [rules, change] : cases) {
         Graph graph = quietGraph();
@@ -469,7 +563,7 @@ TEST(Findings, TellWhichExecutionsAreOutliers) {
         graph.executions.durationUs[position] = 151 + position;
     }
     graph.spread = spreadOf(graph.executions);
-    graph.outliers = outliersOf(graph.executions, graph.spread);
+    addDerivedFigures(graph);
     addFindings(graph, {});
     const auto finding = std::find_if(graph.findings.begin(), graph.findings.end(),
                                       [](const Finding& each) { return each.rule == "outliers"; });

@@ -138,7 +138,8 @@ TEST(ComparisonText, OneLogAgainstOneShowsExecutionsAndSaysWhatItCannotTell) {
     comparison.baseLogs = {"a"};
     comparison.newLogs = {"b"};
     comparison.graphs = {graphOf({marlix, copies}, {})};
-    comparison.graphs[0].executions = {{19, 100, 120.5}, {7, 90, 95}};
+    comparison.graphs[0].executions = {analysis::Spread{19, {80, 100, 120.5, 130, 140}, {}},
+                                       analysis::Spread{7, {70, 90, 95, 96, 97}, {}}};
     EXPECT_EQ(textOf(comparison), R"(Base  1 log: a
 New   1 log: b
 One log against one: a difference between runs can't be told from one between versions.
@@ -147,9 +148,9 @@ With 4 logs or more of each it can.
 Graph net
 
 Executions, without the first
-        Count  Median us  p90 us
-  Base     19      100.0   120.5
-  New       7       90.0    95.0
+        Count  Min us  Median us  p90 us  p99 us  Max us
+  Base     19    80.0      100.0   120.5       -   140.0
+  New       7    70.0       90.0       -       -    97.0
 
 Totals
           Base us  New us  Change us  Change
@@ -177,27 +178,30 @@ TEST(ComparisonJson, HoldsAllThatWasCompared) {
     comparison.warnings = {"\xFF"};
     comparison.graphs[0].totals.pop_back();
     comparison.graphs[0].layers.resize(2);
-    comparison.graphs[0].executions = {{19, 100, 120.5}, {7, 90, 95}};
+    comparison.graphs[0].executions = {analysis::Spread{19, {80, 100, 120.5, 130, 140}, {}},
+                                       analysis::Spread{7, {70, 90, 95, 96, 97}, {}}};
     std::ostringstream out;
     writeComparisonJson(out, comparison, analysis::Gate{.maxGrowth = 0.05, .minChangeUs = 3});
-    EXPECT_EQ(out.str(),
-              R"({"schema":"zeb-profile-comparison/1","basis":"several","base":["a1","a\u001b\n2",)"
-              R"("a3","a4","a5"],"new":["b1","b2"],"different_levels":false,"warnings":[")"
-              "\xEF\xBF\xBD"
-              R"("],"graphs":[{"base_name":"net","new_name":"net","base_logs":0,"new_logs":0,)"
-              R"("base_executions":{"count":19,"median_us":100.0,"p90_us":120.5},)"
-              R"("new_executions":{"count":7,"median_us":90.0,"p90_us":95.0},"totals":[)"
-              R"({"total":"marlix","base":{"logs":5,"median_us":1000.0,"min_us":990.0,)"
-              R"("max_us":1010.0},"new":{"logs":5,"median_us":1100.0,"min_us":1090.0,)"
-              R"("max_us":1120.0},"change_us":100.0,"change":0.1,"low":0.08,"high":0.125,)"
-              R"("p":0.0079365,"verdict":"slower"}],"layers":[{"name":"conv1","base_us":100.0,)"
-              R"("new_us":200.0,"change_us":100.0,"change":1.0,"p":1e-05,"verdict":"slower"},)"
-              R"({"name":"old","base_us":60.0,"new_us":0.0,"change_us":-60.0,"change":null,)"
-              R"("p":null,"verdict":"gone"}],"types":[]}],"gone_graphs":["less"],)"
-              R"("new_graphs":["more"],"gate":{"total":"marlix","fail_above":0.05,)"
-              R"("min_change_us":3.0,"outcome":"slower","reasons":["Graph net: the time for )"
-              R"(Marlix grew by 10.0% (8.0% to 12.5%), and 5.0% is allowed."]}})"
-              "\n");
+    EXPECT_EQ(
+        out.str(),
+        R"({"schema":"zeb-profile-comparison/1","basis":"several","base":["a1","a\u001b\n2",)"
+        R"("a3","a4","a5"],"new":["b1","b2"],"different_levels":false,"warnings":[")"
+        "\xEF\xBF\xBD"
+        R"("],"graphs":[{"base_name":"net","new_name":"net","base_logs":0,"new_logs":0,)"
+        R"("base_executions":{"count":19,"min_us":80.0,"median_us":100.0,"p90_us":120.5,"p99_us":130.0,)"
+        R"("max_us":140.0},"new_executions":{"count":7,"min_us":70.0,"median_us":90.0,"p90_us":95.0,)"
+        R"("p99_us":96.0,"max_us":97.0},"totals":[)"
+        R"({"total":"marlix","base":{"logs":5,"median_us":1000.0,"min_us":990.0,)"
+        R"("max_us":1010.0},"new":{"logs":5,"median_us":1100.0,"min_us":1090.0,)"
+        R"("max_us":1120.0},"change_us":100.0,"change":0.1,"low":0.08,"high":0.125,)"
+        R"("p":0.0079365,"verdict":"slower"}],"layers":[{"name":"conv1","base_us":100.0,)"
+        R"("new_us":200.0,"change_us":100.0,"change":1.0,"p":1e-05,"verdict":"slower"},)"
+        R"({"name":"old","base_us":60.0,"new_us":0.0,"change_us":-60.0,"change":null,)"
+        R"("p":null,"verdict":"gone"}],"types":[]}],"gone_graphs":["less"],)"
+        R"("new_graphs":["more"],"gate":{"total":"marlix","fail_above":0.05,)"
+        R"("min_change_us":3.0,"outcome":"slower","reasons":["Graph net: the time for )"
+        R"(Marlix grew by 10.0% (8.0% to 12.5%), and 5.0% is allowed."]}})"
+        "\n");
 }
 
 }  // namespace

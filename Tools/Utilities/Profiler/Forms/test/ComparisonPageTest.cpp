@@ -130,10 +130,14 @@ TEST(ComparisonPage, HoldsTheComparisonAndNothingOfALogEndsItsPlace) {
     EXPECT_EQ(data.find_first_of("<>&"), std::string::npos);
     // The name with an escape of its own is the one difference that putting the characters back makes.
     EXPECT_EQ(withoutEscapes(data), withoutEscapes(jsonOf(hostile())));
-    EXPECT_EQ(test::dataOf(page, "view-data"),
-              R"({"hide_below":0.005,"fewest_logs":4,"totals":{"marlix":"Marlix","backend":"Backend",)"
-              R"("accelerator":"Accelerator","ipc":"IPC","copies":"Copies","queue-wait":"Queue wait",)"
-              R"("init":"Init","finalize":"Finalize","layers":"ZEB layers"}})");
+    EXPECT_EQ(
+        test::dataOf(page, "view-data"),
+        R"({"hide_below":0.005,"fewest_logs":4,"quantiles":[{"key":"min_us","title":"Min","min_count":1},)"
+        R"({"key":"median_us","title":"Median","min_count":1},)"
+        R"({"key":"p90_us","title":"p90","min_count":10},{"key":"p99_us","title":"p99","min_count":100},)"
+        R"({"key":"max_us","title":"Max","min_count":1}],"totals":{"marlix":"Marlix","backend":"Backend",)"
+        R"("accelerator":"Accelerator","ipc":"IPC","copies":"Copies","queue-wait":"Queue wait",)"
+        R"("init":"Init","finalize":"Finalize","layers":"ZEB layers"}})");
 }
 
 TEST(ComparisonPage, ItsPolicyAllowsItsOwnScriptAndStyleAlone) {

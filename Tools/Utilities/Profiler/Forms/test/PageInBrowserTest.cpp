@@ -27,7 +27,7 @@ analysis::Run millionExecutions() {
     executions.queueWaitUs.resize(1'000'000);
     executions.durationUs.resize(1'000'000, 2200);
     executions.durationUs[500'000] = 90'000;
-    run.graphs[0].spread = {1'000'000, 2150, 2200, 2230, 2260, 90'000, 3000};
+    run.graphs[0].spread = {1'000'000, {2150, 2200, 2230, 2260, 90'000}, 3000};
     return run;
 }
 

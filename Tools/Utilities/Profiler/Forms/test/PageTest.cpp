@@ -64,7 +64,7 @@ TEST(Page, StaysSmallHoweverLongTheRun) {
             graph.executions.durationUs.assign(1'000'000 / graphs, 2'123'456);
             graph.executions.durationUs[3] = 9'123'456;
             graph.executions.queueWaitUs.assign(1'000'000 / graphs, 143);
-            graph.spread = {1, 2'123'456, 2'123'456, 2'123'456, 2'123'456, 9'123'456, 2'123'456};
+            graph.spread = {1, {2'123'456, 2'123'456, 2'123'456, 2'123'456, 9'123'456}, 2'123'456};
             graph.outliers = outliersOf(graph.executions, graph.spread);
         }
         const std::string page = pageOf(run);
@@ -80,7 +80,7 @@ TEST(Page, ExecutionsAreWholeUpToALimitAndBinnedBehindIt) {
         run.graphs[0].executions.durationUs.assign(count, 7'654'321);
         run.graphs[0].executions.startUs.resize(count);
         run.graphs[0].executions.queueWaitUs.resize(count);
-        run.graphs[0].spread = {count, 1.0, 8e6, 8e6, 8e6, 8e6, 8e6};
+        run.graphs[0].spread = {count, {1.0, 8e6, 8e6, 8e6, 8e6}, 8e6};
         return countOf(pageOf(run), "7654321");
     };
     EXPECT_EQ(timesShown(4000), 2U * 4000U);  // in the run and in its picture

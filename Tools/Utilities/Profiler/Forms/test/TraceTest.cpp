@@ -1,11 +1,13 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <fstream>
 #include <memory>
 #include <random>
 #include <sstream>
 
+#include "analysis/Inference.h"
 #include "analysis/MakeRun.h"
 #include "forms/trace/Trace.h"
 #include "forms/trace/TraceEvents.h"
@@ -294,6 +296,7 @@ TEST(Trace, LayersAreLaidOutEndToEnd) {
     run.graphs[1].oruLayers = {
         {.id = 3, .typeName = "Conv", .isOffloaded = true, .averageUs = 99, .coreUs = 20},
         {.id = 4, .typeName = "Add", .averageUs = 7}};
+    std::for_each(run.graphs.begin(), run.graphs.end(), analysis::addDerivedFigures);
     const test::TempDir directory;
     std::ostringstream out;
     const TraceOptions options{{}, 2.0, {}};  // the layers begin where the trace does

@@ -267,7 +267,7 @@ public:
                                    .layers = {},
                                    .types = {}};
         if (basis_ == Basis::oneEach) {
-            comparison.executions = {spreadOf(*base_.graphs.front()), spreadOf(*changed_.graphs.front())};
+            comparison.executions = {base_.graphs.front()->spread, changed_.graphs.front()->spread};
         }
         for (std::size_t position = 0; position < totalCount; ++position) {
             addTotal(comparison, static_cast<Total>(position));
@@ -278,10 +278,6 @@ public:
     }
 
 private:
-    static ExecutionSpread spreadOf(const GraphSummary& graph) {
-        return {graph.executions, graph.totalUs(Total::marlix).value_or(0.0), graph.p90Us};
-    }
-
     static std::vector<double> sampleOf(const Graphs& graphs, Total total) {
         std::vector<double> sample;
         for (const GraphSummary* const graph : graphs) {

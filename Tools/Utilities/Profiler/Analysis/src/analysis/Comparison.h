@@ -66,19 +66,12 @@ struct LayerChange {
     [[nodiscard]] double changeUs() const { return newUs - baseUs; }
 };
 
-/// The executions of a graph in one log, without the warm-up.
-struct ExecutionSpread {
-    std::uint64_t count = 0;
-    double medianUs = 0.0;
-    double p90Us = 0.0;
-};
-
 struct GraphComparison {
     std::string baseName;
     std::string newName;
     std::size_t baseLogs = 0;  ///< that have the graph
     std::size_t newLogs = 0;
-    std::optional<std::pair<ExecutionSpread, ExecutionSpread>> executions;  ///< one log each only
+    std::optional<std::pair<Spread, Spread>> executions;  ///< without the warm-up; one log each only
     std::vector<TotalChange> totals;  ///< in the order of `Total`, without those that neither side has
     std::vector<LayerChange> layers;  ///< the largest change first; none when a side has no data on layers
     std::vector<LayerChange> types;   ///< the same

@@ -40,7 +40,7 @@ bool reaches(double percent, double threshold) {
 }
 
 double layersUs(const Graph& graph) {
-    return static_cast<double>(graph.layersDspUs()) + static_cast<double>(graph.layersKrelUs());
+    return static_cast<double>(graph.layers.timeUs());
 }
 
 // A sentence, and the figures that it rests on; nothing when the rule does not hold.
@@ -191,24 +191,15 @@ Said dataIsMoved(const Graph& graph, const Run& /*run*/, double threshold) {
                     time, part};
 }
 
-// The costliest ZEB layer, or ORU layer if there are none.
 Said dominantLayer(const Graph& graph, const Run& /*run*/, double threshold) {
     std::string name;
     std::uint64_t time = 0;
-    for (const ZebLayer& layer : graph.zebLayers) {
+    forEachLayer(graph, [&name, &time](const auto& layer) {
         if (layer.timeUs() > time) {
             time = layer.timeUs();
-            name = layer.name;
+            name = layerName(layer);
         }
-    }
-    if (graph.zebLayers.empty()) {
-        for (const OruLayer& layer : graph.oruLayers) {
-            if (layer.timeUs() > time) {
-                time = layer.timeUs();
-                name = "ORU layer " + std::to_string(layer.id) + " (" + layer.typeName + ')';
-            }
-        }
-    }
+    });
     const double part = share(static_cast<double>(time), layersUs(graph));
     if (!reaches(part, threshold)) {
         return std::nullopt;
@@ -218,29 +209,29 @@ Said dominantLayer(const Graph& graph, const Run& /*run*/, double threshold) {
                     static_cast<double>(time), part};
 }
 
-constexpr std::uint64_t fewestForSpread = 5;  // executions; less tell nothing about their spread
+constexpr std::uint64_t fewestForWarmUp = 5;  // executions; of fewer none is usual
 
 Said warmUp(const Graph& graph, const Run& /*run*/, double threshold) {
     const Spread& spread = graph.spread;
-    const double excess = spread.firstUs.value_or(0.0) - spread.medianUs;
-    const double part = share(excess, spread.medianUs);
-    if (spread.count < fewestForSpread || !reaches(part, threshold)) {
+    const double excess = spread.firstUs.value_or(0.0) - spread.medianUs();
+    const double part = share(excess, spread.medianUs());
+    if (spread.count < fewestForWarmUp || !reaches(part, threshold)) {
         return std::nullopt;
     }
     return Sentence{"The first execution takes " + us(*spread.firstUs) + ", " + percent(part) +
-                        " more than the median of " + us(spread.medianUs) + ".",
+                        " more than the median of " + us(spread.medianUs()) + ".",
                     excess, part};
 }
 
 Said wideSpread(const Graph& graph, const Run& /*run*/, double threshold) {
     const Spread& spread = graph.spread;
-    const double part = share(spread.p90Us - spread.medianUs, spread.medianUs);
-    if (spread.count < fewestForSpread || !reaches(part, threshold)) {
+    const double part = share(spread.p90Us() - spread.medianUs(), spread.medianUs());
+    if (!spread.shownUs(positionOfQuantile(0.9)) || !reaches(part, threshold)) {
         return std::nullopt;
     }
-    return Sentence{"One execution in ten takes " + us(spread.p90Us) + " or more, " + percent(part) +
-                        " above the median of " + us(spread.medianUs) + ".",
-                    spread.p90Us - spread.medianUs, part};
+    return Sentence{"One execution in ten takes " + us(spread.p90Us()) + " or more, " + percent(part) +
+                        " above the median of " + us(spread.medianUs()) + ".",
+                    spread.p90Us() - spread.medianUs(), part};
 }
 
 Said outliers(const Graph& graph, const Run& /*run*/, double /*threshold*/) {
@@ -258,7 +249,7 @@ Said outliers(const Graph& graph, const Run& /*run*/, double /*threshold*/) {
          std::span(outliers.longest).first(std::min(maxNumbers, outliers.longest.size()))) {
         numbers += (numbers.empty() ? "" : ", ") + std::to_string(outlier.position + 1);
     }
-    const double medianUs = graph.spread.medianUs;
+    const double medianUs = graph.spread.medianUs();
     return Sentence{counted(outliers.count, "execution takes", "executions take") + " more than " +
                         us(outliers.limitUs) + ", " + fixedPoint(outlierFactor, 1) +
                         " times the median: " + (outliers.count == 1 ? "number " : "numbers ") + numbers +

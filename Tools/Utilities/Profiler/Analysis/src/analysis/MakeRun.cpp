@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "analysis/Findings.h"
+#include "analysis/Inference.h"
 #include "analysis/LoadedLog.h"
 #include "analysis/LogText.h"
 #include "analysis/Spread.h"
@@ -54,6 +55,8 @@ public:
         }
         return events;
     }
+
+    [[nodiscard]] bool leavesOut() const { return wanted_ == EventTrees::leftOut; }
 
 private:
     SharedText held(const void* address, std::string_view text) {
@@ -312,7 +315,6 @@ private:
             graph.executions = executionsOf(*found->second);
         }
         graph.spread = spreadOf(graph.executions);
-        graph.outliers = outliersOf(graph.executions, graph.spread);
         graph.average = typicalOf(store_.executeAverage[position]);
         graph.shortest = typicalOf(store_.executeMin[position]);
         graph.longest = typicalOf(store_.executeMax[position]);
@@ -324,11 +326,24 @@ private:
             scope.finalizations.push_back(found->second);
         }
         addFigures(graph, scope, level);
+        addTree(graph, store_.executeAverage[position]);
         return graph;
     }
 
     TypicalExecution typicalOf(const NamedMethodRecord& entry) {
         return {entry.record->durationUs, events_.eventsOf(entry.record->events)};
+    }
+
+    // Without data of the backend an inference consists of the average execution's events.
+    void addTree(Graph& graph, const NamedMethodRecord& average) {
+        const bool isToldByEvents = !graph.breakdown && graph.average.events.empty();
+        if (isToldByEvents) {
+            graph.average.events = allEvents_.eventsOf(average.record->events);
+        }
+        addDerivedFigures(graph);
+        if (isToldByEvents && events_.leavesOut()) {
+            graph.average.events.clear();
+        }
     }
 
     [[nodiscard]] bool isOnlyGraph() const { return store_.executeRecords.size() == 1; }
@@ -362,6 +377,7 @@ private:
     LoadedLog& log_;
     const EventStore& store_;
     EventMaker events_;
+    EventMaker allEvents_{EventTrees::gathered};
     Run& run_;
     NodeMapping mapping_;
     std::unordered_map<std::string_view, const NamedMethodRecord*> finalizations_;

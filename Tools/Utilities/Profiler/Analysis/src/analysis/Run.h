@@ -1,9 +1,13 @@
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -75,16 +79,44 @@ struct Executions {
     [[nodiscard]] std::size_t count() const { return durationUs.size(); }
 };
 
+/// A quantile of durations: the one below which a share of them lies.
+struct Quantile {
+    std::string_view key;    ///< of the JSON
+    std::string_view title;  ///< that forms show
+    double share;
+    std::uint64_t minCount;  ///< durations that it takes: of fewer it tells nothing, and forms leave it out
+};
+
+/// All that are worked out, in the order of the forms.
+inline constexpr Quantile quantiles[] = {
+    {"min_us", "Min", 0.0, 1},    {"median_us", "Median", 0.5, 1}, {"p90_us", "p90", 0.9, 10},
+    {"p99_us", "p99", 0.99, 100}, {"max_us", "Max", 1.0, 1},
+};
+
+consteval std::size_t positionOfQuantile(double share) {
+    std::size_t position = 0;
+    while (quantiles[position].share != share) {  // none of them: does not compile
+        ++position;
+    }
+    return position;
+}
+
 /// How durations are spread. Quantiles lie between the two nearest values in proportion; over no values all
 /// is 0.
 struct Spread {
     std::uint64_t count = 0;  ///< of durations that are not 0
-    double minUs = 0.0;
-    double medianUs = 0.0;
-    double p90Us = 0.0;
-    double p99Us = 0.0;
-    double maxUs = 0.0;
+    std::array<double, std::size(quantiles)> quantilesUs{};
     std::optional<double> firstUs;  ///< of the log's first execution; nothing where it has no duration
+
+    [[nodiscard]] double minUs() const { return quantilesUs[positionOfQuantile(0.0)]; }
+    [[nodiscard]] double medianUs() const { return quantilesUs[positionOfQuantile(0.5)]; }
+    [[nodiscard]] double p90Us() const { return quantilesUs[positionOfQuantile(0.9)]; }
+    [[nodiscard]] double maxUs() const { return quantilesUs[positionOfQuantile(1.0)]; }
+
+    /// @return what forms show of a quantile; nothing where there are too few durations
+    [[nodiscard]] std::optional<double> shownUs(std::size_t position) const {
+        return count < quantiles[position].minCount ? std::nullopt : std::optional(quantilesUs[position]);
+    }
 };
 
 /// Executions above that multiple of the median are outliers.
@@ -147,6 +179,8 @@ struct OruLayer {
 
     /// The time that the reports count for the layer: on the core where it is offloaded, else on the DSP.
     [[nodiscard]] std::uint64_t timeUs() const { return isOffloaded ? coreUs : averageUs; }
+    [[nodiscard]] std::uint64_t onDspUs() const { return isOffloaded ? 0 : timeUs(); }
+    [[nodiscard]] std::uint64_t onKrelUs() const { return isOffloaded ? timeUs() : 0; }
 };
 
 /// A layer of the framework's graph.
@@ -157,6 +191,43 @@ struct ZebLayer {
     std::vector<std::uint32_t> oruLayers;  ///< their ids
 
     [[nodiscard]] std::uint64_t timeUs() const { return dspUs + krelUs; }
+    [[nodiscard]] std::uint64_t onDspUs() const { return dspUs; }
+    [[nodiscard]] std::uint64_t onKrelUs() const { return krelUs; }
+};
+
+/// The layers that forms speak of: ZEB layers, or ORU layers where the log maps none to a ZEB layer.
+enum class LayerKind : std::uint8_t { none, zeb, oru };
+
+/// Sums over the layers that forms speak of.
+struct LayerSums {
+    LayerKind kind = LayerKind::none;
+    std::uint64_t dspUs = 0;
+    std::uint64_t krelUs = 0;
+    std::uint64_t handingOverUs = 0;  ///< what the DSP sees of all layers above the time that is counted
+
+    [[nodiscard]] std::uint64_t timeUs() const { return dspUs + krelUs; }
+};
+
+enum class PartKind : std::uint8_t {
+    inference,
+    backend,
+    accelerator,
+    krel,  ///< layers on the Krel core
+    dsp,   ///< layers on the DSP
+    handingOver,
+    host,
+    queueWait,
+    event,  ///< of the average execution, where the log has no data of the backend
+    rest,   ///< what nobody accounts for
+};
+
+/// A part of an average inference, and the parts that it consists of.
+struct Part {
+    std::string name;
+    double us = 0.0;  ///< an average, at least 0
+    PartKind kind = PartKind::rest;
+    std::string note;  ///< a sentence on why its parts take more than it; empty where they don't
+    std::vector<Part> parts;
 };
 
 /// The ORU layers of one type together.
@@ -185,17 +256,29 @@ struct Graph {
     TypicalExecution shortest;
     TypicalExecution longest;
     std::optional<Breakdown> breakdown;  ///< nothing when the log has no data of the backend on it
+    Part inference;                      ///< averages throughout, the first execution included
     std::uint32_t dspClockHz = 0;        ///< 0: not told
     std::uint32_t krelClockHz = 0;
     std::vector<OruLayer> oruLayers;    ///< in the order of the report
     std::vector<ZebLayer> zebLayers;    ///< in the order of the report
     std::vector<LayerType> layerTypes;  ///< the costliest first
-    std::vector<Finding> findings;      ///< the weightiest first
-
-    [[nodiscard]] std::uint64_t layersDspUs()
-        const;  ///< of the ZEB layers, or of the ORU layers if there are none
-    [[nodiscard]] std::uint64_t layersKrelUs() const;  ///< the same
+    LayerSums layers;
+    std::vector<Finding> findings;  ///< the weightiest first
 };
+
+/// Calls `use` with each of the layers that forms speak of, of whichever of the two types.
+template <typename Use>
+void forEachLayer(const Graph& graph, Use use) {
+    if (graph.layers.kind == LayerKind::zeb) {
+        std::for_each(graph.zebLayers.begin(), graph.zebLayers.end(), use);
+    } else if (graph.layers.kind == LayerKind::oru) {
+        std::for_each(graph.oruLayers.begin(), graph.oruLayers.end(), use);
+    }
+}
+
+/// @return the name that forms show
+std::string layerName(const ZebLayer& layer);
+std::string layerName(const OruLayer& layer);
 
 /// Everything about a run.
 struct Run {

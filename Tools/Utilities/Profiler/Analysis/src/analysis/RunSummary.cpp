@@ -73,10 +73,10 @@ void addExecutions(GraphSummary& summary, const Executions& all) {
         spread = spreadOf(all);
     }
     if (spread.count != 0) {
-        summary.executions = spread.count;
-        summary.p90Us = spread.p90Us;
-        summary.totalsUs[static_cast<std::size_t>(Total::marlix)] = spread.medianUs;
+        summary.totalsUs[static_cast<std::size_t>(Total::marlix)] = spread.medianUs();
     }
+    summary.spread = spread;
+    summary.spread.firstUs.reset();  // the warm-up, which is no part of it
 }
 
 GraphSummary summaryOf(const Run& run, const Graph& graph) {

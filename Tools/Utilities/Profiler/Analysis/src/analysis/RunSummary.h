@@ -37,8 +37,7 @@ struct LayerTime {
 /// What a comparison needs of a graph in one log.
 struct GraphSummary {
     std::string name;
-    std::uint64_t executions = 0;                            ///< that took time, without the warm-up
-    double p90Us = 0.0;                                      ///< of them; their median is the total of Marlix
+    Spread spread;  ///< of the executions without the warm-up; their median is the total of Marlix
     std::array<std::optional<double>, totalCount> totalsUs;  ///< nothing where the log does not tell
     std::vector<LayerTime> layers;                           ///< ZEB layers, in the order of the report
     std::vector<LayerTime> types;                            ///< of ORU layers, the costliest first

@@ -24,22 +24,21 @@ Spread spreadOf(const Executions& executions) {
     if (durations.empty()) {
         return {};
     }
-    Spread spread{.count = durations.size(), .firstUs = {}};
+    Spread spread;
+    spread.count = durations.size();
     if (const std::uint64_t firstUs = executions.durationUs.front().value_or(0); firstUs != 0) {
         spread.firstUs = static_cast<double>(firstUs);
     }
     std::sort(durations.begin(), durations.end());
-    spread.minUs = durations.front();
-    spread.medianUs = quantile(durations, 0.5);
-    spread.p90Us = quantile(durations, 0.9);
-    spread.p99Us = quantile(durations, 0.99);
-    spread.maxUs = durations.back();
+    for (std::size_t position = 0; position < std::size(quantiles); ++position) {
+        spread.quantilesUs[position] = quantile(durations, quantiles[position].share);
+    }
     return spread;
 }
 
 Outliers outliersOf(const Executions& executions, const Spread& spread) {
     Outliers outliers;
-    outliers.limitUs = spread.medianUs * outlierFactor;
+    outliers.limitUs = spread.medianUs() * outlierFactor;
     const auto isLonger = [](const Outlier& left, const Outlier& right) { return left.us > right.us; };
     std::vector<Outlier>& longest = outliers.longest;  // a heap, the shortest of them in front
     for (std::size_t position = 1; position < executions.count(); ++position) {
@@ -48,7 +47,7 @@ Outliers outliersOf(const Executions& executions, const Spread& spread) {
             continue;
         }
         ++outliers.count;
-        outliers.excessUs += us - spread.medianUs;
+        outliers.excessUs += us - spread.medianUs();
         if (longest.size() == maxHeldOutliers) {
             if (us <= longest.front().us) {
                 continue;

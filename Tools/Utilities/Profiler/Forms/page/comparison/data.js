@@ -1,7 +1,8 @@
 // The page of two versions, from its data to its parts:
 //
 // Data   `comparison` is the object of --json of zeb-profile-compare; `view` has what it is shown with: `hide_below`,
-//        the fewest logs that tell a change from chance, and the names of totals. Neither changes.
+//        the fewest logs that tell a change from chance, the names of totals, and which quantiles of executions are
+//        shown, and of how many. Neither changes.
 // State  which graph is shown, and what each table is told to.
 // Parts  an element of comparison.html and a file here, with a function that fills it: header, totals, inference,
 //        layers. A part that has nothing to show says why (`missing`). main.js draws them.

@@ -135,9 +135,10 @@ export function showTotals(graph) {
         "tr",
         {},
         make("th", {scope: "row"}, name),
-        [executions.count, executions.median_us, executions.p90_us].map(value =>
-          make("td", {class: "number"}, digits(value, decimalsOf([value]))),
-        ),
+        [
+          executions.count,
+          ...view.quantiles.map(of => (executions.count < of.min_count ? null : executions[of.key])),
+        ].map(value => make("td", {class: "number"}, digits(value, decimalsOf([value])))),
       );
     host.append(
       make("h3", {}, "Executions, without the first"),
@@ -155,8 +156,7 @@ export function showTotals(graph) {
               {},
               head(""),
               head("Count", "number"),
-              head("Median (us)", "number"),
-              head("p90 (us)", "number"),
+              ...view.quantiles.map(quantile => head(`${quantile.title} (us)`, "number")),
             ),
           ),
           make("tbody", {}, spread("Base", graph.base_executions), spread("New", graph.new_executions)),

@@ -1,7 +1,7 @@
 // The page of a run, from its data to its parts:
 //
 // Data   `run` is the object of --json; numbers above 2^53 are texts in it. `pictures` has, for each graph, the figures
-//        of the charts of its executions. Neither changes.
+//        of the charts of its executions, `quantiles` which of them are shown, and of how many. None of it changes.
 // State  shared/state.js: the graph that is shown, the layer that is pointed at or chosen. `viewOf` (view.js) is what a
 //        graph's layers are.
 // Parts  an element of page.html and a file here, with a function that fills it: header, findings, inference, strip,
@@ -14,4 +14,4 @@
 import {part} from "../shared/elements.js";
 
 export const run = JSON.parse(part("run-data").textContent);
-export const pictures = JSON.parse(part("execution-data").textContent);
+export const {pictures, quantiles} = JSON.parse(part("execution-data").textContent);

@@ -2,6 +2,7 @@
 
 import {chart, draw, headings, label, legend, make, missing, part, plural, rect, stroke} from "../shared/elements.js";
 import {digits, number, share, ticks, time, timeParts} from "../shared/figures.js";
+import {quantiles} from "./data.js";
 import {noGraphs} from "./view.js";
 
 const height = 240,
@@ -16,6 +17,10 @@ const line = kind =>
     ],
     kind,
   );
+
+// A quantile is shown where there are enough executions for it to tell anything.
+const shows = (spread, {min_count: least}) => number(spread.count) >= least;
+const showsP90 = spread => quantiles.some(quantile => quantile.key === "p90_us" && shows(spread, quantile));
 
 function verticalAxis(left, right, from, to, y) {
   return ticks(from, to, 4).map(at => [
@@ -129,7 +134,7 @@ function timeline(view, width) {
     words,
     verticalAxis(left, right, from, to, y),
     level(spread.median_us, "median"),
-    level(spread.p90_us, "p90"),
+    showsP90(spread) ? level(spread.p90_us, "p90") : null,
     picture.bin_size > 1 ? binMarks(picture, known, marked, scales) : singleMarks(picture, known, marked, scales),
     outliers.longest.map(({execution, us}) =>
       markAt(
@@ -198,7 +203,7 @@ function histogram(view, width) {
     [spread.median_us, "median"],
     [spread.p90_us, "p90"],
   ]) {
-    if (us <= to) {
+    if (us <= to && (kind === "median" || showsP90(spread))) {
       drawn.push(
         stroke(
           [
@@ -214,19 +219,17 @@ function histogram(view, width) {
     label(left, height - 6, timeParts(picture.from_us).join(" "), "soft", "start"),
     label(right, height - 6, timeParts(to).join(" "), "soft", "end"),
   );
-  const words = `Distribution: most executions take ${time(spread.min_us)} to ${time(spread.p90_us)}.`;
+  const words = showsP90(spread)
+    ? `Distribution: most executions take ${time(spread.min_us)} to ${time(spread.p90_us)}.`
+    : `Distribution: executions take ${time(spread.min_us)} to ${time(spread.max_us)}.`;
   return chart(width, height, words, drawn);
 }
 
 function spreadTable(spread) {
   const columns = [
-    ["Executions", digits(spread.count)],
-    ["Shortest", time(spread.min_us)],
-    ["Median", time(spread.median_us)],
-    ["p90", time(spread.p90_us)],
-    ["p99", time(spread.p99_us)],
-    ["Longest", time(spread.max_us)],
-    ["First", time(spread.first_us)],
+    ["Count", digits(spread.count)],
+    ...quantiles.map(quantile => [quantile.title, shows(spread, quantile) ? time(spread[quantile.key]) : "–"]),
+    ["First", spread.first_us === null ? "–" : time(spread.first_us)],
   ];
   const cells = columns.map(([, value]) => make("td", {class: "number"}, value));
   const titles = headings(...columns.map(([title]) => [title, "number"]));
@@ -275,7 +278,7 @@ export function showExecutions(view, width) {
   const diamond = draw("path", {d: "M8 1L13 6L8 11L3 6Z", class: "outlier"});
   entries.push(
     ["", "median", line("median")],
-    ["", "p90: nine in ten are below", line("p90")],
+    ...(showsP90(spread) ? [["", "p90: nine in ten are below", line("p90")]] : []),
     ["", `outlier, above ${time(outliers.limit_us)} (1.5 medians)`, diamond],
   );
   const pair = make(

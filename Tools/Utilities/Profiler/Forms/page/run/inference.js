@@ -4,39 +4,18 @@ import {bar, chart, draw, headings, label, make, missing, part, widthOfText} fro
 import {digits, number, percent, share, time} from "../shared/figures.js";
 import {noGraphs, whyNoLayers} from "./view.js";
 
-function inferenceOf(view) {
-  const {graph} = view;
-  const node = (name, us, kind, parts = []) => ({name, us, kind, parts});
-  const addRest = (whole, name) => {
-    if (whole.parts.length > 0) {
-      const rest = whole.us - whole.parts.reduce((sum, piece) => sum + piece.us, 0);
-      whole.parts.push(node(name, Math.max(0, rest), "unknown"));
-    }
-    return whole;
-  };
-  const whole = node("Marlix", number(graph.average.duration_us), "shade-1");
-  const figures = graph.breakdown;
-  if (!figures) {
-    return whole;
-  }
-  const parts = [
-    node("Accelerator", number(figures.accelerator_us), "shade-3"),
-    node("IPC", number(figures.ipc_us), "shade-2"),
-    node("Input tensor copy", number(figures.input_copy_us), "shade-2"),
-    node("Output tensor copy", number(figures.output_copy_us), "shade-2"),
-    node("Queue wait", number(figures.queue_wait_us), "shade-2"),
-  ].filter(piece => piece.us !== null);
-  if (figures.accelerator_us !== null && view.whole > 0) {
-    parts[0].parts = [node("Layers on the Krel core", view.krel, "krel"), node("Layers on the DSP", view.dsp, "dsp")];
-    addRest(parts[0], "In no layer");
-  }
-  if (figures.backend_us !== null) {
-    whole.parts.push(addRest(node("Backend", number(figures.backend_us), "shade-2", parts), "Not accounted for"));
-    return addRest(whole, "Outside the backend");
-  }
-  whole.parts = parts;
-  return addRest(whole, "Not accounted for");
-}
+const shades = {
+  inference: "shade-1",
+  backend: "shade-2",
+  accelerator: "shade-3",
+  krel: "krel",
+  dsp: "dsp",
+  "handing-over": "shade-1",
+  host: "shade-2",
+  "queue-wait": "shade-2",
+  event: "shade-2",
+  rest: "unknown",
+};
 
 const hatch = () =>
   draw(
@@ -57,9 +36,9 @@ function pieceOf({name, us, kind}, from, size, level, width) {
   const x = from * width,
     y = level * rowHeight;
   const place = {x: x.toFixed(1), y, width: room.toFixed(1), height: rowHeight - 2};
-  const box = draw("rect", {...place, class: `${kind} edge`}, draw("title", {}, `${name}: ${time(us)}`));
+  const box = draw("rect", {...place, class: `${shades[kind]} edge`}, draw("title", {}, `${name}: ${time(us)}`));
   const text = [`${name}  ${time(us)}`, name].find(words => widthOfText(words) < room - 14);
-  return [box, text ? label((x + 9).toFixed(1), y + 22, text, `on-${kind}`) : null];
+  return [box, text ? label((x + 9).toFixed(1), y + 22, text, `on-${shades[kind]}`) : null];
 }
 
 const rowOf = ({name, us, kind}, from, size, level) =>
@@ -67,7 +46,7 @@ const rowOf = ({name, us, kind}, from, size, level) =>
     "tr",
     {},
     make("th", {scope: "row", class: `depth-${level}`}, name),
-    bar([[Math.min(from, 1), Math.min(size, 1), kind]]),
+    bar([[Math.min(from, 1), Math.min(size, 1), shades[kind]]]),
     make("td", {class: "number"}, digits(us, Number.isInteger(us) ? 0 : 1)),
     make("td", {class: "number"}, percent(size)),
   );
@@ -78,15 +57,19 @@ export function showInference(view, width) {
     host.replaceChildren(missing(view ? "No execution of this graph has both times." : noGraphs()));
     return;
   }
-  const tree = inferenceOf(view);
+  const {inference: tree, spread} = view.graph;
   const pieces = [];
   const rows = [];
+  const notes = [];
   let depth = 0;
   const place = (piece, from, level) => {
     const size = share(piece.us, tree.us);
     depth = Math.max(depth, level + 1);
     pieces.push(pieceOf(piece, from, size, level, width));
     rows.push(rowOf(piece, from, size, level));
+    if (piece.note) {
+      notes.push(make("p", {class: "hint"}, piece.note));
+    }
     let start = from;
     for (const inner of piece.parts) {
       place(inner, start, level + 1);
@@ -100,11 +83,9 @@ export function showInference(view, width) {
     chart(width, depth * rowHeight, words, hatch(), pieces),
     make("div", {class: "scroll spread"}, make("table", {}, titles, make("tbody", {}, rows))),
   );
-  if (!view.graph.breakdown) {
-    host.append(
-      missing("The log has no data of the backend on this graph, so it is not known what the time consists of."),
-    );
-  } else if (view.layers.length === 0) {
+  const median = `Averages, the first execution included; the median of the executions is ${time(spread.median_us)}.`;
+  host.append(...notes, make("p", {class: "hint"}, median));
+  if (view.layers.length === 0) {
     host.append(missing(whyNoLayers(view)));
   }
 }

@@ -5,15 +5,16 @@ import {plural} from "../shared/elements.js";
 import {digits, percent, share, time} from "../shared/figures.js";
 import {pictures, run} from "./data.js";
 
-export const oruTime = layer => number(layer.offloaded ? layer.core_us : layer.average_us);
+export const oruTime = layer => number(layer.time_us);
 
 function layersOf(graph) {
   const positions = new Map(graph.oru_layers.map((layer, position) => [layer.id, position]));
-  if (graph.zeb_layers.length > 0) {
+  if (graph.layers.kind === "zeb") {
     return graph.zeb_layers.map(layer => ({
       name: layer.name,
       dsp: number(layer.dsp_us),
       krel: number(layer.krel_us),
+      time: number(layer.time_us),
       oru: layer.oru_layers.map(id => positions.get(id)).filter(position => position !== undefined),
     }));
   }
@@ -21,6 +22,7 @@ function layersOf(graph) {
     name: `ORU layer ${layer.id} (${layer.type_name})`,
     dsp: layer.offloaded ? 0 : oruTime(layer),
     krel: layer.offloaded ? oruTime(layer) : 0,
+    time: oruTime(layer),
     oru: [position],
   }));
 }
@@ -34,24 +36,22 @@ export function viewOf(index) {
   const graph = run.graphs[index];
   const layers = layersOf(graph);
   const owners = graph.oru_layers.map(() => []);
-  let whole = 0;
+  let from = 0;
   layers.forEach((layer, place) => {
-    layer.time = layer.dsp + layer.krel;
-    layer.from = whole;
-    whole += layer.time;
+    layer.from = from;
+    from += layer.time;
     layer.oru.forEach(position => owners[position].push(place));
   });
-  const sum = key => layers.reduce((total, layer) => total + layer[key], 0);
   return {
     graph,
     picture: pictures[index],
     oru: graph.oru_layers,
     layers,
     owners,
-    hasZeb: graph.zeb_layers.length > 0,
-    whole,
-    dsp: sum("dsp"),
-    krel: sum("krel"),
+    hasZeb: graph.layers.kind === "zeb",
+    whole: number(graph.layers.time_us),
+    dsp: number(graph.layers.dsp_us),
+    krel: number(graph.layers.krel_us),
   };
 }
 

@@ -22,6 +22,11 @@ struct SideTotal {
     analysis::Range us;
 };
 
+/// The executions on one side, without the first.
+struct SideExecutions {
+    const analysis::Spread& spread;
+};
+
 /// What a comparison was judged by, and how.
 struct Judgement {
     const analysis::Gate& gate;
@@ -37,10 +42,11 @@ void fieldsOf(const SideTotal& side, Visit visit) {
 }
 
 template <typename Visit>
-void fieldsOf(const analysis::ExecutionSpread& spread, Visit visit) {
-    visit("count", spread.count);
-    visit("median_us", spread.medianUs);
-    visit("p90_us", spread.p90Us);
+void fieldsOf(const SideExecutions& executions, Visit visit) {
+    visit("count", executions.spread.count);
+    for (std::size_t position = 0; position < std::size(analysis::quantiles); ++position) {
+        visit(analysis::quantiles[position].key, executions.spread.quantilesUs[position]);
+    }
 }
 
 template <typename Visit>
@@ -78,8 +84,8 @@ void fieldsOf(const analysis::GraphComparison& graph, Visit visit) {
     visit("new_name", graph.newName);
     visit("base_logs", graph.baseLogs);
     visit("new_logs", graph.newLogs);
-    visit("base_executions", executions ? std::optional(executions->first) : std::nullopt);
-    visit("new_executions", executions ? std::optional(executions->second) : std::nullopt);
+    visit("base_executions", executions ? std::optional(SideExecutions{executions->first}) : std::nullopt);
+    visit("new_executions", executions ? std::optional(SideExecutions{executions->second}) : std::nullopt);
     visit("totals", graph.totals);
     visit("layers", graph.layers);
     visit("types", graph.types);

@@ -63,6 +63,11 @@ public:
         member ? put(*member) : json_.null();
     }
 
+    template <typename Figure>
+    void put(const Derived<Figure>& figure) {
+        put(figure.value);
+    }
+
     void put(const analysis::Value& value) {
         std::visit([this](const auto& held) { put(held); }, value);
     }

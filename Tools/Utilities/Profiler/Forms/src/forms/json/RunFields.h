@@ -30,6 +30,27 @@ inline constexpr EnumName<profiling::EventUnit> unitNames[] = {
     {profiling::EventUnit::cycles, "cycles"},   {profiling::EventUnit::count, "count"},
     {profiling::EventUnit::object, "object"},   {profiling::EventUnit::none, "none"}};
 
+inline constexpr EnumName<analysis::LayerKind> layerKindNames[] = {{analysis::LayerKind::none, "none"},
+                                                                   {analysis::LayerKind::zeb, "zeb"},
+                                                                   {analysis::LayerKind::oru, "oru"}};
+inline constexpr EnumName<analysis::PartKind> partKindNames[] = {
+    {analysis::PartKind::inference, "inference"},
+    {analysis::PartKind::backend, "backend"},
+    {analysis::PartKind::accelerator, "accelerator"},
+    {analysis::PartKind::krel, "krel"},
+    {analysis::PartKind::dsp, "dsp"},
+    {analysis::PartKind::handingOver, "handing-over"},
+    {analysis::PartKind::host, "host"},
+    {analysis::PartKind::queueWait, "queue-wait"},
+    {analysis::PartKind::event, "event"},
+    {analysis::PartKind::rest, "rest"}};
+
+constexpr const auto& enumNames(analysis::LayerKind /*kind*/) {
+    return layerKindNames;
+}
+constexpr const auto& enumNames(analysis::PartKind /*kind*/) {
+    return partKindNames;
+}
 constexpr const auto& enumNames(analysis::Level /*kind*/) {
     return levelNames;
 }
@@ -50,6 +71,12 @@ std::string_view nameIn(Enum value) {
     }
     return {};
 }
+
+/// A figure that follows from others: it is written, and what is read is worked out anew.
+template <typename Value>
+struct Derived {
+    const Value& value;
+};
 
 /// The struct as it is visited: to be read from, or to be filled.
 template <typename Given, typename Wanted>
@@ -105,11 +132,9 @@ void fieldsOf(Executions& executions, Visit visit) {
 template <typename Visit, Is<analysis::Spread> Spread>
 void fieldsOf(Spread& spread, Visit visit) {
     visit("count", spread.count);
-    visit("min_us", spread.minUs);
-    visit("median_us", spread.medianUs);
-    visit("p90_us", spread.p90Us);
-    visit("p99_us", spread.p99Us);
-    visit("max_us", spread.maxUs);
+    for (std::size_t position = 0; position < std::size(analysis::quantiles); ++position) {
+        visit(analysis::quantiles[position].key, spread.quantilesUs[position]);
+    }
     visit("first_us", spread.firstUs);
 }
 
@@ -165,6 +190,7 @@ void fieldsOf(Layer& layer, Visit visit) {
     visit("nodes", layer.nodes);
     visit("core_cycles", layer.coreCycles);
     visit("core_us", layer.coreUs);
+    visit("time_us", Derived<std::uint64_t>{layer.timeUs()});
 }
 
 template <typename Visit, Is<analysis::ZebLayer> Layer>
@@ -172,6 +198,7 @@ void fieldsOf(Layer& layer, Visit visit) {
     visit("name", layer.name);
     visit("dsp_us", layer.dspUs);
     visit("krel_us", layer.krelUs);
+    visit("time_us", Derived<std::uint64_t>{layer.timeUs()});
     visit("oru_layers", layer.oruLayers);
 }
 
@@ -181,6 +208,24 @@ void fieldsOf(Type& type, Visit visit) {
     visit("dsp_layers", type.dspLayers);
     visit("krel_layers", type.krelLayers);
     visit("time_us", type.timeUs);
+}
+
+template <typename Visit, Is<analysis::LayerSums> Sums>
+void fieldsOf(Sums& sums, Visit visit) {
+    visit("kind", sums.kind);
+    visit("dsp_us", sums.dspUs);
+    visit("krel_us", sums.krelUs);
+    visit("time_us", Derived<std::uint64_t>{sums.timeUs()});
+    visit("handing_over_us", sums.handingOverUs);
+}
+
+template <typename Visit, Is<analysis::Part> Part>
+void fieldsOf(Part& part, Visit visit) {
+    visit("name", part.name);
+    visit("us", part.us);
+    visit("kind", part.kind);
+    visit("note", part.note);
+    visit("parts", part.parts);
 }
 
 template <typename Visit, Is<analysis::Finding> Finding>
@@ -195,8 +240,10 @@ template <typename Visit, Is<analysis::Graph> Graph>
 void fieldsOf(Graph& graph, Visit visit) {
     visit("name", graph.name);
     visit("spread", graph.spread);
-    visit("outliers", graph.outliers);
+    visit("outliers", Derived<analysis::Outliers>{graph.outliers});
     visit("breakdown", graph.breakdown);
+    visit("inference", Derived<analysis::Part>{graph.inference});
+    visit("layers", Derived<analysis::LayerSums>{graph.layers});
     visit("dsp_clock_hz", graph.dspClockHz);
     visit("krel_clock_hz", graph.krelClockHz);
     visit("findings", graph.findings);

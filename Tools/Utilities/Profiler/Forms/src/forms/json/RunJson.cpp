@@ -11,6 +11,7 @@
 #include <variant>
 #include <vector>
 
+#include "analysis/Inference.h"
 #include "analysis/RunId.h"
 #include "forms/json/RunFields.h"
 
@@ -30,7 +31,7 @@ class Reader {
 public:
     template <typename Struct>
     void read(const json& value, std::string_view key, Struct& into) requires requires {
-        fieldsOf(into, [](std::string_view, auto&) {});
+        fieldsOf(into, [](std::string_view, auto&&) {});
     }
     { readFields(value, key, into); }
 
@@ -44,6 +45,9 @@ public:
         readFields(value, key, into);
         --eventDepth_;
     }
+
+    template <typename Figure>
+    void read(const json& /*value*/, std::string_view /*key*/, Derived<Figure>& /*into*/) {}
 
     template <typename Element>
     void read(const json& value, std::string_view key, std::vector<Element>& into) {
@@ -136,7 +140,7 @@ private:
         if (!value.is_object()) {
             refuse(key, "object");
         }
-        fieldsOf(into, [this, &value](std::string_view name, auto& member) {
+        fieldsOf(into, [this, &value](std::string_view name, auto&& member) {
             if (const auto found = value.find(name); found != value.end()) {
                 this->read(*found, name, member);
             }
@@ -175,8 +179,9 @@ Run readRunJson(std::istream& in) {
     }
     Run run;
     Reader().read(document, "run", run);
-    for (const analysis::Graph& graph : run.graphs) {
+    for (analysis::Graph& graph : run.graphs) {
         checkColumns(graph.executions);
+        addDerivedFigures(graph);
     }
     setRunId(run);
     return run;

@@ -3,6 +3,7 @@
 #include "forms/json/ComparisonFields.h"
 #include "forms/json/ComparisonJson.h"
 #include "forms/page/PageParts.h"
+#include "forms/page/QuantileJson.h"
 
 namespace zeb::forms {
 
@@ -14,6 +15,8 @@ void writeView(std::ostream& out, double hideBelow) {
     json.beginObject();
     json.member("hide_below", hideBelow);
     json.member("fewest_logs", analysis::minLogs);
+    json.key("quantiles");
+    writeQuantiles(json);
     json.key("totals");
     json.beginObject();
     for (std::size_t index = 0; index < analysis::totalCount; ++index) {

@@ -49,15 +49,15 @@ void addHistogram(ExecutionPicture& picture, const analysis::Graph& graph) {
     if (spread.count == 0) {
         return;
     }
-    const double bulkUs = std::max(spread.p90Us - spread.minUs, 1.0);
-    const double toUs = std::min(spread.maxUs, spread.p90Us + 2.0 * bulkUs);
-    const double roomUs = std::max(toUs - spread.minUs, 1.0);
+    const double bulkUs = std::max(spread.p90Us() - spread.minUs(), 1.0);
+    const double toUs = std::min(spread.maxUs(), spread.p90Us() + 2.0 * bulkUs);
+    const double roomUs = std::max(toUs - spread.minUs(), 1.0);
     const auto fewEnough =
         static_cast<std::size_t>(std::ceil(2.0 * std::sqrt(static_cast<double>(spread.count))));
     // Durations are whole: columns of whole widths hold as many of them each.
     picture.columnUs =
         std::max(1.0, std::ceil(roomUs / static_cast<double>(std::min(mostColumns, fewEnough))));
-    picture.fromUs = spread.minUs;
+    picture.fromUs = spread.minUs();
     picture.columns.resize(static_cast<std::size_t>(std::floor(roomUs / picture.columnUs)) + 1);
     forEachTimed(graph.executions.durationUs, [&picture](std::size_t /*position*/, double us) {
         const double column = (us - picture.fromUs) / picture.columnUs;

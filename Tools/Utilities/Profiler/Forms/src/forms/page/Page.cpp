@@ -3,6 +3,7 @@
 #include "forms/json/RunJson.h"
 #include "forms/page/ExecutionPicture.h"
 #include "forms/page/PageParts.h"
+#include "forms/page/QuantileJson.h"
 
 namespace zeb::forms {
 
@@ -12,11 +13,16 @@ void writePage(std::ostream& out, const analysis::Run& run) {
     writeRunJson(out, run, jsonOfPage, mostSingles);
     out << pageParts.beforeExtra;
     JsonWriter json(out, jsonOfPage);
+    json.beginObject();
+    json.key("quantiles");
+    writeQuantiles(json);
+    json.key("pictures");
     json.beginList();
     for (const analysis::Graph& graph : run.graphs) {
         writePicture(json, pictureOf(graph, mostSingles));
     }
     json.endList();
+    json.endObject();
     json.flush();
     out << pageParts.behind;
 }

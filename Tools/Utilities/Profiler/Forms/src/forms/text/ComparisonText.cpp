@@ -169,10 +169,18 @@ private:
             return;
         }
         out_ << "\nExecutions, without the first\n";
-        ConsoleTable table(
-            {{"", Side::left}, {"Count", Side::right}, {"Median us", Side::right}, {"p90 us", Side::right}});
-        const auto add = [&table](const char* side, const analysis::ExecutionSpread& spread) {
-            table.add({side, std::to_string(spread.count), us(spread.medianUs), us(spread.p90Us)});
+        std::vector<ConsoleTable::Column> columns = {{"", Side::left}, {"Count", Side::right}};
+        for (const analysis::Quantile& quantile : analysis::quantiles) {
+            columns.push_back({std::string(quantile.title) + " us", Side::right});
+        }
+        ConsoleTable table(std::move(columns));
+        const auto add = [&table](const char* side, const analysis::Spread& spread) {
+            std::vector<std::string> cells = {side, std::to_string(spread.count)};
+            for (std::size_t position = 0; position < std::size(analysis::quantiles); ++position) {
+                const std::optional<double> shown = spread.shownUs(position);
+                cells.push_back(shown ? us(*shown) : "-");
+            }
+            table.add(std::move(cells));
         };
         add("Base", graph.executions->first);
         add("New", graph.executions->second);

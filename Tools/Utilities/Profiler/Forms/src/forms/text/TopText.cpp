@@ -4,7 +4,6 @@
 #include <cctype>
 #include <cmath>
 #include <cstdint>
-#include <numeric>
 #include <span>
 #include <string_view>
 #include <utility>
@@ -18,8 +17,9 @@ namespace zeb::forms {
 
 namespace {
 
-using analysis::Breakdown;
 using analysis::Graph;
+using analysis::Part;
+using analysis::PartKind;
 using analysis::Run;
 using analysis::ZebLayer;
 using profiling::fixedPoint;
@@ -146,66 +146,13 @@ void printTitle(std::ostream& out, const Style& style, const std::string& title)
     out << '\n' << style.strong(title) << '\n';
 }
 
-enum class BarOf : std::uint8_t { any, krel, dsp };
-
-// A share of an inference, and its own shares.
-struct Part {
-    std::string label;
-    double us = 0.0;
-    std::vector<Part> parts;
-    BarOf bar = BarOf::any;
-};
-
-double sumOf(const std::vector<Part>& parts) {
-    return std::accumulate(parts.begin(), parts.end(), 0.0,
-                           [](double sum, const Part& part) { return sum + part.us; });
-}
-
-// What the parts leave of the whole, once they are known.
-void addRest(Part& whole, const std::string& label) {
-    if (!whole.parts.empty()) {
-        whole.parts.push_back({label, std::max(0.0, whole.us - sumOf(whole.parts)), {}});
+// A sentence, with its lines below one another.
+void printText(std::ostream& out, const Style& style, std::string_view front, std::string_view text) {
+    const std::size_t indent = columnsOf(front);
+    std::string before(front);
+    for (const std::string& line : wrapped(text, style.width() - indent)) {
+        out << std::exchange(before, std::string(indent, ' ')) << line << '\n';
     }
-}
-
-std::vector<Part> backendParts(const Graph& graph) {
-    const Breakdown& breakdown = *graph.breakdown;
-    std::vector<Part> parts;
-    const auto add = [&parts](const char* label, const auto& value) {
-        if (value) {
-            parts.push_back({label, static_cast<double>(*value), {}});
-        }
-    };
-    add("Accelerator", breakdown.acceleratorUs);
-    const double dsp = static_cast<double>(graph.layersDspUs());
-    const double krel = static_cast<double>(graph.layersKrelUs());
-    if (!parts.empty() && dsp + krel > 0.0) {
-        parts.back().parts = {{"Layers on the Krel core", krel, {}, BarOf::krel},
-                              {"Layers on the DSP", dsp, {}, BarOf::dsp}};
-        addRest(parts.back(), "in no layer");
-    }
-    add("IPC", breakdown.ipcUs);
-    add("Input tensor copy", breakdown.inputCopyUs);
-    add("Output tensor copy", breakdown.outputCopyUs);
-    add("Queue wait", breakdown.queueWaitUs);
-    return parts;
-}
-
-Part inferenceOf(const Graph& graph) {
-    Part whole{"Marlix", static_cast<double>(graph.average.durationUs), {}};
-    if (!graph.breakdown) {
-        return whole;
-    }
-    if (graph.breakdown->backendUs) {
-        Part backend{"Backend", static_cast<double>(*graph.breakdown->backendUs), backendParts(graph)};
-        addRest(backend, "not accounted for");
-        whole.parts.push_back(std::move(backend));
-        addRest(whole, "outside the backend");
-    } else {
-        whole.parts = backendParts(graph);
-        addRest(whole, "not accounted for");
-    }
-    return whole;
 }
 
 class Tree {
@@ -216,8 +163,12 @@ public:
           table_({{"", Side::left}, {"Time", Side::right}, {"Share", Side::right}}) {}
 
     void add(const Part& part, const std::string& front, const std::string& below) {
-        table_.add({front + part.label, us(part.us), percent(shareOf(part.us, wholeUs_))});
+        table_.add({front + shownName(part.name, mostNameColumns, style_.hasUnicode()), us(part.us),
+                    percent(shareOf(part.us, wholeUs_))});
         bars_.push_back(barOf(part));
+        if (!part.note.empty()) {
+            notes_.push_back(part.note);
+        }
         for (std::size_t position = 0; position < part.parts.size(); ++position) {
             const bool isLast = position + 1 == part.parts.size();
             add(part.parts[position], below + std::string(style_.branch(isLast)),
@@ -225,18 +176,21 @@ public:
         }
     }
 
-    void print(std::ostream& out) const { printTable(out, style_, table_, bars_); }
+    void print(std::ostream& out) const {
+        printTable(out, style_, table_, bars_);
+        for (const std::string& note : notes_) {
+            printText(out, style_, "  ", note);
+        }
+    }
 
 private:
     [[nodiscard]] std::string barOf(const Part& part) const {
         const double share = wholeUs_ > 0.0 ? part.us / wholeUs_ : 0.0;
-        switch (part.bar) {
-            case BarOf::krel:
-                return style_.bar(0.0, share);
-            case BarOf::dsp:
-                return style_.bar(share, 0.0);
-            case BarOf::any:
-                break;
+        if (part.kind == PartKind::krel) {
+            return style_.bar(0.0, share);
+        }
+        if (part.kind == PartKind::dsp) {
+            return style_.bar(share, 0.0);
         }
         return style_.bar(share);
     }
@@ -245,16 +199,20 @@ private:
     double wholeUs_;
     ConsoleTable table_;
     std::vector<std::string> bars_;
+    std::vector<std::string> notes_;
 };
 
 void printInference(std::ostream& out, const Style& style, const Graph& graph) {
     const std::uint64_t count = graph.spread.count;
     printTitle(out, style,
-               "Where an inference goes (average of " + std::to_string(count) +
+               "Where an inference goes (averages of " + std::to_string(count) +
                    (count == 1 ? " execution)" : " executions)"));
-    Tree tree(style, static_cast<double>(graph.average.durationUs));
-    tree.add(inferenceOf(graph), "", "");
+    Tree tree(style, graph.inference.us);
+    tree.add(graph.inference, "", "");
     tree.print(out);
+    if (count > 0) {
+        printText(out, style, "  ", "The median of the executions is " + us(graph.spread.medianUs()) + ".");
+    }
     if (!graph.breakdown) {
         out << "  The log has no data of the backend on this graph.\n";
     }
@@ -267,12 +225,8 @@ void printFindings(std::ostream& out, const Style& style, const std::vector<anal
     printTitle(out, style, "What stands out");
     for (const analysis::Finding& finding : findings) {
         constexpr std::size_t mostColumns = 300;  // a name in it may have any length
-        constexpr std::size_t bulletWidth = 4;
-        std::string_view front = style.bullet();
-        for (const std::string& line :
-             wrapped(shownName(finding.text, mostColumns, style.hasUnicode()), style.width() - bulletWidth)) {
-            out << "  " << std::exchange(front, "  ") << line << '\n';
-        }
+        printText(out, style, "  " + std::string(style.bullet()),
+                  shownName(finding.text, mostColumns, style.hasUnicode()));
     }
 }
 
@@ -301,8 +255,8 @@ constexpr std::size_t layerNumbersWidth = 64;  // of all columns but the name, b
 void printZebLayers(std::ostream& out, const Style& style, const Graph& graph, const TopOptions& options) {
     const std::vector<const ZebLayer*> layers = orderedLayers(graph, options);
     const std::size_t shown = std::min(options.rows, layers.size());
-    const double dspUs = static_cast<double>(graph.layersDspUs());
-    const double krelUs = static_cast<double>(graph.layersKrelUs());
+    const double dspUs = static_cast<double>(graph.layers.dspUs);
+    const double krelUs = static_cast<double>(graph.layers.krelUs);
     const double wholeUs = dspUs + krelUs;
     const std::string title = options.order == LayerOrder::time ? "Costliest ZEB layers" : "ZEB layers";
     printTitle(out, style,
@@ -398,29 +352,26 @@ std::string signedPercent(double value) {
 
 // One table over all graphs.
 void printExecutionTimes(std::ostream& out, const Style& style, const Run& run) {
-    printTitle(out, style, "Execution times (us)");
-    ConsoleTable table({{"Graph", Side::left},
-                        {"Count", Side::right},
-                        {"Min", Side::right},
-                        {"Median", Side::right},
-                        {"p90", Side::right},
-                        {"p99", Side::right},
-                        {"Max", Side::right},
-                        {"First", Side::right},
-                        {"against median", Side::right}});
+    printTitle(out, style, run.isAsync ? "Execution times with queue wait (us)" : "Execution times (us)");
+    std::vector<ConsoleTable::Column> columns = {{"Graph", Side::left}, {"Count", Side::right}};
+    for (const analysis::Quantile& quantile : analysis::quantiles) {
+        columns.push_back({std::string(quantile.title), Side::right});
+    }
+    columns.insert(columns.end(), {{"First", Side::right}, {"against median", Side::right}});
+    ConsoleTable table(std::move(columns));
     constexpr std::size_t numbersWidth = 72;
-    const auto number = [](double value) { return fixedPoint(value, 0); };
+    const auto number = [](std::optional<double> value) { return value ? fixedPoint(*value, 0) : "-"; };
     for (const Graph& graph : run.graphs) {
         const analysis::Spread& spread = graph.spread;
-        if (spread.count == 0) {
-            table.add({style.name(graph.name, numbersWidth), "0", "-", "-", "-", "-", "-", "-", "-"});
-            continue;
+        std::vector<std::string> cells = {style.name(graph.name, numbersWidth), std::to_string(spread.count)};
+        for (std::size_t position = 0; position < std::size(analysis::quantiles); ++position) {
+            cells.push_back(number(spread.shownUs(position)));
         }
-        table.add({style.name(graph.name, numbersWidth), std::to_string(spread.count), number(spread.minUs),
-                   number(spread.medianUs), number(spread.p90Us), number(spread.p99Us), number(spread.maxUs),
-                   spread.firstUs ? number(*spread.firstUs) : "-",
-                   spread.firstUs ? signedPercent(shareOf(*spread.firstUs - spread.medianUs, spread.medianUs))
-                                  : "-"});
+        cells.push_back(number(spread.firstUs));
+        cells.push_back(spread.firstUs
+                            ? signedPercent(shareOf(*spread.firstUs - spread.medianUs(), spread.medianUs()))
+                            : "-");
+        table.add(std::move(cells));
     }
     printTable(out, style, table, {});
 }

@@ -22,19 +22,12 @@ public:
         const std::string of =
             isOnlyGraph ? std::string() : " of " + profiling::cutInMiddle(graph.name, longestTraceText / 2);
         file_.nameProcess(process_, "average inference" + of + " (laid out, not measured)");
-        if (!graph.zebLayers.empty()) {
+        if (graph.layers.kind == analysis::LayerKind::zeb) {
             file_.nameTrack({process_, zebTrack}, "ZEB layers");
         }
         file_.nameTrack({process_, dspTrack}, "DSP");
         file_.nameTrack({process_, krelTrack}, "Krel");
-        for (const analysis::ZebLayer& layer : graph.zebLayers) {
-            addZebLayer(layer);
-        }
-        if (graph.zebLayers.empty()) {
-            for (const analysis::OruLayer& layer : graph.oruLayers) {
-                addOruLayer(layer);
-            }
-        }
+        forEachLayer(graph, [this](const auto& layer) { addLayer(layer); });
         if (leftOut_ > 0) {
             file_.labelProcess(process_, std::to_string(leftOut_) + " layers left out: times too large");
         }
@@ -46,7 +39,7 @@ private:
     static constexpr std::uint64_t krelTrack = 3;
     static constexpr std::size_t maxShownIds = 32;
 
-    void addZebLayer(const analysis::ZebLayer& layer) {
+    void addLayer(const analysis::ZebLayer& layer) {
         const auto us = room(layer.dspUs, layer.krelUs);
         if (!us) {
             return;
@@ -69,7 +62,7 @@ private:
         addPart(layer.name, krelTrack, layer.krelUs, addNothing);
     }
 
-    void addOruLayer(const analysis::OruLayer& layer) {
+    void addLayer(const analysis::OruLayer& layer) {
         if (!room(layer.timeUs(), 0)) {
             return;
         }
@@ -111,7 +104,7 @@ void addAverages(TraceFile& file, const analysis::Run& run, std::uint64_t firstP
                  std::uint64_t startUs) {
     for (std::size_t position = 0; position < run.graphs.size(); ++position) {
         const Graph& graph = run.graphs[position];
-        if (!graph.zebLayers.empty() || !graph.oruLayers.empty()) {
+        if (graph.layers.kind != analysis::LayerKind::none) {
             AverageInference(file, firstProcess + position, startUs).add(graph, run.graphs.size() == 1);
         }
     }
