@@ -331,7 +331,7 @@ TEST(Trace, NoMoreOfAFileThanAPieceIsHeld) {
         file.nameProcess(process, "process");
     }
     const std::string beforeTheEnd = out.str();
-    const std::uint64_t bytes = file.finish([](JsonObject&) {});
+    const std::uint64_t bytes = file.finish([](JsonWriter&) {});
     EXPECT_EQ(bytes, out.str().size());
     EXPECT_GT(bytes, 200'000U);
     EXPECT_LT(bytes - beforeTheEnd.size(), 70'000U);
