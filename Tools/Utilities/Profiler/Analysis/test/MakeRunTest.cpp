@@ -488,6 +488,17 @@ std::string rulesOf(Graph graph, Level level = Level::detailed) {
     return rules;
 }
 
+void setDurations(Graph& graph, const std::vector<std::uint64_t>& durations) {
+    graph.executions.durationUs.assign(durations.begin(), durations.end());
+    graph.breakdown->executionCount = static_cast<std::uint32_t>(durations.size());
+}
+
+std::vector<std::uint64_t> rising(std::size_t count) {
+    std::vector<std::uint64_t> durations(count);
+    std::iota(durations.begin(), durations.end(), std::uint64_t{100});
+    return durations;
+}
+
 TEST(Findings, SpeakWhereTheirRuleHoldsAlone) {
     const struct {
         const char* rules;
@@ -511,14 +522,8 @@ TEST(Findings, SpeakWhereTheirRuleHoldsAlone) {
              graph.oruLayers[0].krelExecUs = 100;
              graph.oruLayers[0].halUs = 120;
          }},
-        {"data-movement ",
-         [](Graph& graph) {
-             graph.layerTypes.push_back({"LAYOUT_PAD", 1, 0, 9});
-         }},
-        {"",
-         [](Graph& graph) {
-             graph.layerTypes.push_back({"LAYOUT_PAD", 1, 0, 8});
-         }},
+        {"data-movement ", [](Graph& graph) { graph.oruLayers.push_back(oru(false, 9, "LAYOUT_PAD")); }},
+        {"", [](Graph& graph) { graph.oruLayers.push_back(oru(false, 8, "LAYOUT_PAD")); }},
         {"dominant-layer ",
          [](Graph& graph) {
              graph.zebLayers = {{"a", 0, 40, {}}, {"b", 24, 0, {}}, {"c", 24, 0, {}}};
@@ -535,18 +540,39 @@ TEST(Findings, SpeakWhereTheirRuleHoldsAlone) {
              graph.executions.durationUs = {100, 100, 100, 151};
              graph.breakdown->executionCount = 4;
          }},
-        // Of eight the weightiest seven, those on what is missing first.
-        {"no-backend-data dsp-between-offloaded dominant-layer warm-up spread outliers offload-overhead ",
+        // Of eight seven: what is missing, the costliest, and what is paid once.
+        {"no-backend-data dsp-between-offloaded dominant-layer offload-overhead data-movement outliers "
+         "warm-up ",
          [](Graph& graph) {
              graph.breakdown.reset();
              graph.oruLayers.insert(graph.oruLayers.begin() + 1, oru(false, 1'000));
              graph.oruLayers[0].krelExecUs = 10;
              graph.oruLayers[0].halUs = 150;
              graph.zebLayers[0].krelUs = 900;
-             graph.layerTypes.push_back({"LAYOUT_PAD", 1, 0, 130});
+             graph.oruLayers.push_back(oru(false, 130, "LAYOUT_PAD"));
              graph.executions.durationUs = {600, 100, 100, 100, 100, 100, 100, 100, 100, 100, 500, 500};
          }},
         {"outliers ", [](Graph& graph) { graph.executions.durationUs[3] = 151; }},
+        {"spread ",
+         [](Graph& graph) {
+             setDurations(graph, {100, 100, 100, 100, 100, 100, 100, 100, 121, 121});
+         }},
+        {"",
+         [](Graph& graph) {
+             setDurations(graph, {100, 100, 100, 100, 100, 100, 100, 121, 121});
+         }},
+        {"slowing ", [](Graph& graph) { setDurations(graph, rising(24)); }},
+        {"", [](Graph& graph) { setDurations(graph, rising(19)); }},
+        {"",
+         [](Graph& graph) {
+             setDurations(graph, std::vector<std::uint64_t>(200, 100));
+             graph.executions.durationUs.back() = 140;
+         }},
+        {"warm-up ",
+         [](Graph& graph) {
+             setDurations(graph, std::vector<std::uint64_t>(200, 100));
+             graph.executions.durationUs.front() = 9000;
+         }},
     };
     for (const auto& [rules, change] : cases) {
         Graph graph = quietGraph();
@@ -554,6 +580,73 @@ TEST(Findings, SpeakWhereTheirRuleHoldsAlone) {
         EXPECT_EQ(rulesOf(graph), rules);
     }
     EXPECT_EQ(rulesOf(quietGraph(), Level::basic), "level-basic ");
+}
+
+// Layers on the DSP that change data stand in two findings, and their time is told once.
+TEST(Findings, AreOrderedByTheirCostAndTellOfWhatTheyShare) {
+    Graph graph = quietGraph();
+    graph.oruLayers.insert(graph.oruLayers.begin() + 1, {oru(false, 20, "LAYOUT_PAD"), oru(false, 5)});
+    graph.oruLayers.push_back(oru(false, 9, "QUANTIZE"));
+    for (std::size_t position = 0; position < graph.oruLayers.size(); ++position) {
+        graph.oruLayers[position].id = static_cast<std::uint32_t>(position + 10);
+    }
+    graph.executions.durationUs[0] = 5000;
+    addDerivedFigures(graph);
+    graph.spread = spreadOf(graph.executions);
+    analysis::Run run;
+    run.steps = {{StepKind::compose, "a", {}, 700, {}},
+                 {StepKind::finalize, "net", {}, 1500, {}},
+                 {StepKind::deInit, "", {}, 9000, {}}};
+    run.graphs = {graph};
+    addFindings(run);
+    ASSERT_EQ(run.graphs[0].findings.size(), 3U);
+    const Finding& first = run.graphs[0].findings[0];
+    const Finding& second = run.graphs[0].findings[1];
+    EXPECT_EQ(first.rule, "data-movement");
+    EXPECT_EQ(first.oruLayers, (std::vector<std::uint32_t>{11, 16}));
+    EXPECT_EQ(first.partOf, std::nullopt);
+    EXPECT_EQ(second.rule, "dsp-between-offloaded");
+    EXPECT_EQ(
+        second.text,
+        "2 layers run on the DSP between layers of the Krel core: 25 us, 28% of the layers' time. 20 us "
+        "of it are part of the 29 us above.");
+    EXPECT_EQ(second.partOf, "data-movement");
+    EXPECT_EQ(run.graphs[0].findings[2].rule, "warm-up") << "however much it is";
+    ASSERT_EQ(run.findings.size(), 1U);
+    EXPECT_EQ(run.findings[0].text,
+              "The longest step of the start, finalizing net, takes 1500 us, as long as 15 inferences.");
+    EXPECT_EQ(run.findings[0].steps, std::vector<std::uint64_t>{1});
+    for (const Finding& finding : run.graphs[0].findings) {
+        EXPECT_NE(finding.next, "") << finding.rule;
+    }
+}
+
+// What docs/top.md promises of the rule, with logs of which the truth is known.
+TEST_F(MadeRun, FindsATrendAndSeldomOneThatIsNone) {
+    const auto isSlowing = [this](std::uint64_t seed, std::uint32_t executions, std::uint32_t wander,
+                                  std::uint32_t slowing) {
+        NetworkOptions options{
+            .level = samplelog::ProfileLevel::basic, .executions = executions, .layers = 1, .seed = seed};
+        options.noiseMillionths = 20'000;
+        options.wanderMillionths = wander;
+        options.slowingMillionths = slowing;
+        const std::vector<Finding> findings = runOf(options).graphs[0].findings;
+        return std::any_of(findings.begin(), findings.end(),
+                           [](const Finding& finding) { return finding.rule == "slowing"; });
+    };
+    int falseAlarms = 0;
+    int found = 0;
+    int foundWandering = 0;
+    for (std::uint64_t seed = 0; seed < 1000; ++seed) {
+        falseAlarms += isSlowing(seed, seed % 4 < 2 ? 50 : 200, seed % 2 == 0 ? 0 : 700'000, 0) ? 1 : 0;
+    }
+    for (std::uint64_t seed = 0; seed < 100; ++seed) {
+        found += isSlowing(seed, 200, 0, 50'000) ? 1 : 0;
+        foundWandering += isSlowing(seed, 200, 700'000, 50'000) ? 1 : 0;
+    }
+    EXPECT_LE(falseAlarms, 5);
+    EXPECT_GE(found, 95);
+    EXPECT_GE(foundWandering, 50);
 }
 
 TEST(Findings, TellWhichExecutionsAreOutliers) {
@@ -571,6 +664,8 @@ TEST(Findings, TellWhichExecutionsAreOutliers) {
     EXPECT_EQ(finding->text,
               "6 executions take more than 150 us, 1.5 times the median: numbers 3, 5, 6, 9, 10 and others.");
     EXPECT_EQ(finding->us, 63.0) << "of the longest of them, whatever the warm-up takes";
+    EXPECT_NEAR(finding->costUs.value(), (53 + 55 + 56 + 59 + 60 + 63) / 17.0, 1e-9);
+    EXPECT_EQ(finding->executions, (std::vector<std::uint64_t>{2, 4, 5, 8, 9, 12}));
 }
 
 }  // namespace

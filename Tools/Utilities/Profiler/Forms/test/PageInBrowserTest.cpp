@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "PageSupport.h"
-#include "analysis/Spread.h"
+#include "analysis/Inference.h"
 #include "samplelog/AdapterUpdaterLog.h"
 #include "samplelog/MethodsLog.h"
 
@@ -28,6 +28,7 @@ analysis::Run millionExecutions() {
     executions.durationUs.resize(1'000'000, 2200);
     executions.durationUs[500'000] = 90'000;
     run.graphs[0].spread = {1'000'000, {2150, 2200, 2230, 2260, 90'000}, 3000};
+    addDerivedFigures(run.graphs[0]);
     return run;
 }
 
@@ -38,8 +39,8 @@ analysis::Run outliers() {
     for (std::size_t index = 0; index < durations.size(); ++index) {
         durations[index] = (2000 + index) * (index % 3 == 2 ? 2 + index : 1);
     }
-    run.graphs[0].spread = {40, 2000, 2027, 60'000, 70'000, 81'520, 2001};
-    run.graphs[0].outliers = analysis::outliersOf(run.graphs[0].executions, run.graphs[0].spread);
+    run.graphs[0].spread = {40, {2000, 2027, 60'000, 70'000, 81'520}, 2001};
+    addDerivedFigures(run.graphs[0]);
     return run;
 }
 
@@ -53,13 +54,14 @@ analysis::Run limits() {
     analysis::Graph& graph = run.graphs.front();
     graph.findings.clear();
     for (const double us : {0.5, 9.0, 42.5, 9'999.0, 10'000.0, 9'999'999.0, 10'000'000.0, 123'456'789.0}) {
-        graph.findings.push_back({"rule", "text", us, {}});
+        graph.findings.emplace_back().costUs = us;
     }
     graph.zebLayers[0] = {"least", 0, 44, {}};
     graph.zebLayers[1] = {"most", 0, 50'000'000, {}};
     graph.zebLayers[2] = {"less", 15'000, 0, {}};
     graph.zebLayers[3] = {"none", 0, 0, {}};
     graph.breakdown->acceleratorUs = 100;
+    addDerivedFigures(graph);
     return run;
 }
 
@@ -69,7 +71,6 @@ TEST(PageInBrowser, EachLogIsShownAsItIs) {
         "The run was profiled at level basic, which records no layers. Profile it at level detailed to see "
         "them.";
     const std::string noBackend =
-        "The log has no data of the backend on this graph, so it is not known what the time consists of. | "
         "The log has no data of the backend on this graph, so its layers are not known. Profile the run on "
         "the Murl backend to see them.";
     test::expectInBrowser({
@@ -77,13 +78,13 @@ TEST(PageInBrowser, EachLogIsShownAsItIs) {
          steps + " strip spread histogram steps clock edges whole rest",
          shows("2,229us 84% 84%", "good", "dot; 20") +
              "strip: good\n"
-             "spread: 20 2,167 us 2,190 us 2,210 us 2,863 us 3,016 us 3,016 us\nhistogram: good\n"
+             "spread: 20 2,167 us 2,190 us 2,210 us – 3,016 us 3,016 us\nhistogram: good\n"
              "steps: Load the library 0 us 3,214 us; Initialize a step of mobilenet_v1_224 3,354 us 41.7 ms; "
              "Compose mobilenet_v1_224 45.2 ms 9,576 us; Finalize mobilenet_v1_224 54.9 ms 59.1 ms; "
              "Executions (not to scale) 114 ms 94.9 ms; Tear down mobilenet_v1_224 209 ms 8,350 us\n"
              "clock: good\nedges: 32,22,32,1\nwhole: good\nrest: good\n"},
         {"outliers", pageOf(outliers()), "spread histogram",
-         "spread: 40 2,000 us 2,027 us 60.0 ms 70.0 ms 81.5 ms 2,001 us; 39 81.5 ms × 40.2; "
+         "spread: 40 2,000 us 2,027 us 60.0 ms – 81.5 ms 2,001 us; 39 81.5 ms × 40.2; "
          "36 75.3 ms × 37.1; 33 69.1 ms × 34.1; 30 62.9 ms × 31.0; 27 56.7 ms × 28.0; 24 50.6 ms × 25.0; "
          "21 44.4 ms × 21.9; 18 38.3 ms × 18.9; 15 32.2 ms × 15.9; 12 26.1 ms × 12.9\nhistogram: good\n"},
         {"limits", pageOf(limits()), "events findingTimes shares rest",

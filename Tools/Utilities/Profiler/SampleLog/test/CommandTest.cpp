@@ -51,6 +51,8 @@ TEST_F(Command, WritesWhatTheOptionsSay) {
          {.slowerMillionths = 100'000, .slowerLayer = SlowerLayer{"conv1", 1}}},
         {"--epoch-us 5 --generator-version v3 --backend-version v4",
          {.epochUs = 5, .generatorVersion = "v3", .backendVersion = "v4"}},
+        {"--seed 3 --slowing 5 --noise 2 --wander 70",
+         {.seed = 3, .slowingMillionths = 50'000, .noiseMillionths = 20'000, .wanderMillionths = 700'000}},
     };
     for (const auto& [arguments, options] : cases) {
         std::ostringstream log;
@@ -88,6 +90,7 @@ TEST_F(Command, RefusesWrongUsage) {
         {"a --level 3", "--level: \"3\" is none of basic, detailed, internal, 1, 2 and 1100"},
         {"a --kind x", "--kind: \"x\" is none of network, methods, adapter-updater and shared-events"},
         {"a --drift 2", "--drift: needs --seed beside it"},
+        {"a --noise 2", "--noise: needs --seed beside it"},
         {"a --seed 1 --drift 16",
          "--drift: \"16\" is no per cent from 0 to 15, with four digits at most behind the point"},
         {"a --slower -1",

@@ -362,12 +362,12 @@ private:
             if (covers(*mapping_, figures.oruLayers.size())) {
                 figures = profiling::workOutFigures(store_, scope, level, &*mapping_);
             } else {
-                graph.findings.push_back(
-                    {.rule = "mapping-of-another-graph",
-                     .text = "The log's node mapping does not cover this graph's layers, so it has no ZEB "
-                             "layers here.",
-                     .us = {},
-                     .percent = {}});
+                Finding& finding = graph.findings.emplace_back();
+                finding.rule = "mapping-of-another-graph";
+                finding.text =
+                    "The log's node mapping does not cover this graph's layers, so it has no ZEB layers "
+                    "here.";
+                finding.next = "Profile this graph alone.";
             }
         }
         graph.breakdown = breakdownOf(figures.execution);

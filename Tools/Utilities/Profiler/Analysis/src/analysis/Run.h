@@ -238,12 +238,25 @@ struct LayerType {
     std::uint64_t timeUs = 0;
 };
 
-/// A sentence on what stands out, and the figure that it rests on.
+enum class FindingGroup : std::uint8_t {
+    note,            ///< on what the log lacks, and what its figures therefore can't tell
+    everyInference,  ///< on what an inference takes
+    once,            ///< on what a run pays once
+};
+
+/// What stands out, and what it rests on.
 struct Finding {
     std::string rule;  ///< its name in the table of rules
-    std::string text;  ///< one sentence
-    std::optional<double> us;
-    std::optional<double> percent;
+    FindingGroup group = FindingGroup::note;
+    std::string text;               ///< a sentence; a second one where another finding is on the same layers
+    std::optional<double> us;       ///< the figure of the sentence
+    std::optional<double> percent;  ///< the same
+    std::optional<double> costUs;  ///< of an inference on average, or paid once; what findings are ordered by
+    std::vector<std::uint32_t> oruLayers;   ///< ids of the layers that it is about
+    std::vector<std::uint64_t> executions;  ///< places of the executions that it is about, from 0
+    std::vector<std::uint64_t> steps;       ///< the same of the run's steps
+    std::optional<std::string> partOf;  ///< the rule of a finding before it, on layers that both are about
+    std::string next;                   ///< what to look at or to measure next, a sentence
 };
 
 /// One graph, worked out from its own executions and its own objects.
@@ -263,7 +276,8 @@ struct Graph {
     std::vector<ZebLayer> zebLayers;    ///< in the order of the report
     std::vector<LayerType> layerTypes;  ///< the costliest first
     LayerSums layers;
-    std::vector<Finding> findings;  ///< the weightiest first
+    std::vector<Finding>
+        findings;  ///< notes, what inferences take with the costliest first, what is paid once
 };
 
 /// Calls `use` with each of the layers that forms speak of, of whichever of the two types.

@@ -86,10 +86,11 @@ export function showHeader(view) {
 }
 
 export function showFindings(view) {
-  const findings = run.findings.concat(view ? view.graph.findings : []);
-  const rows = findings.map(({us, text}) =>
-    make("li", {}, make("b", {}, us === null ? "Note" : time(us)), make("span", {}, text)),
-  );
+  const findings = (view ? view.graph.findings : []).concat(run.findings);
+  const rows = findings.map(({group, cost_us: cost, text, next}) => {
+    const costs = cost === null ? "Note" : group === "once" ? `once ${time(cost)}` : time(cost);
+    return make("li", {}, make("b", {}, costs), make("span", {}, `${text} ${next}`));
+  });
   part("findings").replaceChildren(
     rows.length > 0
       ? make("ol", {class: "findings"}, rows)

@@ -39,6 +39,9 @@ struct NetworkOptions {
     std::uint64_t epochUs = 1'790'845'200'000'000;  ///< when the log was created, since the Unix epoch
     std::string generatorVersion = "v2.51.0.260929181845";
     std::string backendVersion = "v2.51.0.260929181845";
+    std::uint32_t slowingMillionths = 0;  ///< that the last execution is slower by than the second
+    std::uint32_t noiseMillionths = 0;    ///< standard deviation of the executions, in place of their rhythm
+    std::uint32_t wanderMillionths = 0;   ///< of an execution's noise that the next one keeps
 };
 
 /// Writes the log in chunks, with the messages in the order in which a runtime writes them; the state of the

@@ -61,14 +61,25 @@ std::uint64_t randomPace(std::uint64_t seed, std::uint64_t which, std::uint64_t 
 // A number around 0 whose standard deviation is the unit and whose spread is close to the normal one: the sum
 // of twelve numbers of equal chance, each of a variance of a twelfth.
 constexpr std::int64_t deviationUnit = 1'000'000;
+constexpr std::uint64_t drawsOfDeviation = 12;
 constexpr std::uint64_t driftStream = 0x6472696674;  // apart from the draws for layers and executions
+constexpr std::uint64_t noiseStream = 0x6E6F697365;
 
 std::int64_t randomDeviation(std::uint64_t seed) {
     std::int64_t sum = -6 * deviationUnit;
-    for (std::uint64_t draw = 0; draw < 12; ++draw) {
+    for (std::uint64_t draw = 0; draw < drawsOfDeviation; ++draw) {
         sum += static_cast<std::int64_t>(mixed(seed + draw) % static_cast<std::uint64_t>(deviationUnit + 1));
     }
     return sum;
+}
+
+// The root in whole numbers, cut, so that every machine comes to the same.
+std::int64_t rootOf(std::int64_t square) {
+    std::int64_t root = 0;
+    for (std::int64_t step = std::int64_t{1} << 30U; step != 0; step /= 2) {
+        root += (root + step) * (root + step) <= square ? step : 0;
+    }
+    return root;
 }
 
 std::uint64_t atPace(std::uint64_t value, std::uint64_t pace) {
@@ -92,6 +103,7 @@ NetworkTiming::NetworkTiming(const Network& network, std::uint32_t graph, const 
       graph_(graph),
       seed_(options.seed ? std::optional(mixed(*options.seed) + graph) : std::nullopt),
       runPace_(runPaceOf(options)) {
+    addPaces(options);
     layers_.reserve(network.oruLayers.size());
     for (const OruLayer& layer : network.oruLayers) {
         const auto& slower = options.slowerLayer;
@@ -134,7 +146,38 @@ NetworkTiming::LayerTimes NetworkTiming::timeLayer(const OruLayer& layer, std::u
     return times;
 }
 
+// Noise that wanders: a part of the one before, and so much of its own that all have the same deviation.
+void NetworkTiming::addPaces(const NetworkOptions& options) {
+    if (options.noiseMillionths == 0 && options.slowingMillionths == 0) {
+        return;
+    }
+    const std::int64_t kept = options.wanderMillionths;
+    const std::int64_t own = rootOf(deviationUnit * deviationUnit - kept * kept);
+    std::int64_t noise = 0;
+    for (std::uint32_t execution = 0; execution < options.executions; ++execution) {
+        std::int64_t factor = deviationUnit;
+        if (options.noiseMillionths != 0 && seed_) {
+            const std::int64_t drawn =
+                randomDeviation(mixed(*seed_ ^ noiseStream) + execution * drawsOfDeviation);
+            noise = execution == 0 ? drawn : (noise * kept + drawn * own) / deviationUnit;
+            factor += noise * options.noiseMillionths / deviationUnit;
+        }
+        if (execution > 1) {
+            factor += std::int64_t{options.slowingMillionths} * (execution - 1) / (options.executions - 2);
+        }
+        const std::uint64_t pace = options.noiseMillionths == 0 ? rhythm(execution)
+                                   : execution == 0             ? warmUpPace
+                                                                : usualPace;
+        paces_.push_back(pace * static_cast<std::uint64_t>(std::max<std::int64_t>(factor, 0)) /
+                         static_cast<std::uint64_t>(deviationUnit));
+    }
+}
+
 std::uint64_t NetworkTiming::pace(std::uint32_t execution) const {
+    return execution < paces_.size() ? paces_[execution] : rhythm(execution);
+}
+
+std::uint64_t NetworkTiming::rhythm(std::uint32_t execution) const {
     const std::uint64_t own =
         execution == 0 ? warmUpPace : paces[(std::uint64_t{execution} + graph_ * graphPhase) % paces.size()];
     return seed_ ? atPace(own, randomPace(*seed_, execution, paceSpread)) : own;

@@ -71,12 +71,15 @@ private:
 
     void addLayer(const OruLayer& layer, RunPace layerPace);
     [[nodiscard]] LayerTimes timeLayer(const OruLayer& layer, std::uint64_t position) const;
+    void addPaces(const NetworkOptions& options);
     [[nodiscard]] std::uint64_t pace(std::uint32_t execution) const;
+    [[nodiscard]] std::uint64_t rhythm(std::uint32_t execution) const;
 
     const Network& network_;
     std::uint32_t graph_;
     std::optional<std::uint64_t> seed_;
     RunPace runPace_;
+    std::vector<std::uint64_t> paces_;  // of the executions, where they have no rhythm
     std::vector<LayerTimes> layers_;
     LayerTimes sum_;
 };

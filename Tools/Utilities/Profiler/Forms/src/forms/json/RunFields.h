@@ -45,6 +45,14 @@ inline constexpr EnumName<analysis::PartKind> partKindNames[] = {
     {analysis::PartKind::event, "event"},
     {analysis::PartKind::rest, "rest"}};
 
+inline constexpr EnumName<analysis::FindingGroup> findingGroupNames[] = {
+    {analysis::FindingGroup::note, "note"},
+    {analysis::FindingGroup::everyInference, "every-inference"},
+    {analysis::FindingGroup::once, "once"}};
+
+constexpr const auto& enumNames(analysis::FindingGroup /*group*/) {
+    return findingGroupNames;
+}
 constexpr const auto& enumNames(analysis::LayerKind /*kind*/) {
     return layerKindNames;
 }
@@ -231,9 +239,16 @@ void fieldsOf(Part& part, Visit visit) {
 template <typename Visit, Is<analysis::Finding> Finding>
 void fieldsOf(Finding& finding, Visit visit) {
     visit("rule", finding.rule);
+    visit("group", finding.group);
     visit("text", finding.text);
     visit("us", finding.us);
     visit("percent", finding.percent);
+    visit("cost_us", finding.costUs);
+    visit("oru_layers", finding.oruLayers);
+    visit("executions", finding.executions);
+    visit("steps", finding.steps);
+    visit("part_of", finding.partOf);
+    visit("next", finding.next);
 }
 
 template <typename Visit, Is<analysis::Graph> Graph>

@@ -17,6 +17,7 @@ namespace zeb::forms {
 
 namespace {
 
+using analysis::FindingGroup;
 using analysis::Graph;
 using analysis::Part;
 using analysis::PartKind;
@@ -213,20 +214,28 @@ void printInference(std::ostream& out, const Style& style, const Graph& graph) {
     if (count > 0) {
         printText(out, style, "  ", "The median of the executions is " + us(graph.spread.medianUs()) + ".");
     }
-    if (!graph.breakdown) {
-        out << "  The log has no data of the backend on this graph.\n";
-    }
 }
 
+void printFinding(std::ostream& out, const Style& style, const analysis::Finding& finding) {
+    constexpr std::size_t mostColumns = 400;  // a name in it may have any length
+    const std::string front = "  " + std::string(style.bullet());
+    printText(out, style, front, shownName(finding.text, mostColumns, style.hasUnicode()));
+    printText(out, style, std::string(columnsOf(front), ' '), "Next: " + finding.next);
+}
+
+// What is paid once stands apart from what every inference pays.
 void printFindings(std::ostream& out, const Style& style, const std::vector<analysis::Finding>& findings) {
-    if (findings.empty()) {
-        return;
-    }
-    printTitle(out, style, "What stands out");
-    for (const analysis::Finding& finding : findings) {
-        constexpr std::size_t mostColumns = 300;  // a name in it may have any length
-        printText(out, style, "  " + std::string(style.bullet()),
-                  shownName(finding.text, mostColumns, style.hasUnicode()));
+    for (const bool isOnce : {false, true}) {
+        const char* title = isOnce ? "Paid once" : "What stands out";
+        for (const analysis::Finding& finding : findings) {
+            if ((finding.group == FindingGroup::once) != isOnce) {
+                continue;
+            }
+            if (const char* const first = std::exchange(title, nullptr)) {
+                printTitle(out, style, first);
+            }
+            printFinding(out, style, finding);
+        }
     }
 }
 
@@ -384,7 +393,6 @@ void printGraph(std::ostream& out, const Style& style, const Graph& graph, const
     if (!graph.layerTypes.empty()) {
         printLayerTypes(out, style, graph, options);
     }
-    printFindings(out, style, graph.findings);
 }
 
 }  // namespace
@@ -398,6 +406,17 @@ void printTop(std::ostream& out, const Run& run, const TopOptions& options) {
     for (const Graph& graph : run.graphs) {
         out << '\n' << style.strong("Graph " + style.name(graph.name, 0)) << '\n';
         printGraph(out, style, graph, options);
+        std::vector<analysis::Finding> findings = graph.findings;
+        if (run.graphs.size() == 1) {
+            findings.insert(findings.end(), run.findings.begin(), run.findings.end());
+        }
+        printFindings(out, style, findings);
+    }
+    if (run.graphs.size() > 1 && !run.findings.empty()) {
+        printTitle(out, style, "Paid once by the run");
+        for (const analysis::Finding& finding : run.findings) {
+            printFinding(out, style, finding);
+        }
     }
     printExecutionTimes(out, style, run);
 }

@@ -19,6 +19,8 @@ using command::wrongUsage;
 constexpr std::uint32_t maxCount = 1'000'000;
 constexpr std::uint32_t maxDrift = 15;  // per cent; no draw is further off than six times that
 constexpr std::uint32_t maxSlower = 1000;
+constexpr std::uint32_t maxSlowing = 100;
+constexpr std::uint32_t maxWander = 99;
 
 struct Level {
     std::string_view name;
@@ -180,6 +182,29 @@ const OptionRows& optionRows() {
         {{"--backend-version", " TEXT", "Version of the backend."},
          Takes::value,
          [](auto& options, const auto& given) { networkOf(options, given).backendVersion = given.value; }},
+        {{"--slowing", " PERCENT",
+          "Make executions slower over the run, the last one by 0 to " + std::to_string(maxSlowing) +
+              " per cent."},
+         Takes::value,
+         [](auto& options, const auto& given) {
+             networkOf(options, given).slowingMillionths = millionthsOf(given, maxSlowing);
+         }},
+        {{"--noise", " PERCENT",
+          "Give each execution a random factor with this standard deviation, 0 to " +
+              std::to_string(maxDrift) + ", in place of the fixed rhythm."},
+         Takes::value,
+         [](auto& options, const auto& given) {
+             networkOf(options, given).noiseMillionths = millionthsOf(given, maxDrift);
+         },
+         {},
+         {.needs = "--seed"}},
+        {{"--wander", " PERCENT",
+          "Have an execution keep that much of the noise of the one before it, 0 to " +
+              std::to_string(maxWander) + "."},
+         Takes::value,
+         [](auto& options, const auto& given) {
+             networkOf(options, given).wanderMillionths = millionthsOf(given, maxWander);
+         }},
     };
     return rows;
 }
