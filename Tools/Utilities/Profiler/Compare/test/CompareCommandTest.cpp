@@ -333,8 +333,9 @@ TEST_F(CompareCommand, ShowsHelpAndVersion) {
     EXPECT_EQ(help.exitCode, 0);
     EXPECT_EQ(run({"-h"}).out, help.out);
     for (const std::string text :
-         {"Usage: zeb-profile-compare [options] BASE NEW\n", "  --base LOG...", "  --rename OLD=NEW",
-          "  7  --fail-above has nothing that it can compare\n", "A build pipeline"}) {
+         {"Usage: zeb-profile-compare [options] BASE NEW\n", " [options] --base BASE... --new NEW...\n",
+          "Default\n                        marlix. Needs --fail-above.", "  --base LOG...",
+          "  --rename OLD=NEW", "  7  --fail-above has nothing that it can compare\n", "A build pipeline"}) {
         EXPECT_TRUE(holds(help.out, text)) << text;
     }
     EXPECT_TRUE(run({"--version"}).out.starts_with("zeb-profile-compare v2.51.0.260929181845\nBuilt by "));

@@ -170,7 +170,7 @@ Compared thousandsOfLayers() {
 TEST(ComparisonPageInBrowser, SaysWhatIsComparedAndDoesWhatItIsToldTo) {
     test::expectInBrowser({
         {"each kind of row", pageOf(allKinds()),
-         "comparedParts answer sides notes totals layers differences copyingChanges",
+         "comparedParts answer sides notes totals layers differences copyingChanges heads totalNames",
          "comparedParts: good\n"
          "answer: ▲ The new version is slower: an inference takes 1,100 us in place of 1,000 us, 10.0 % "
          "more. That is sure: with 95 % the true change lies between +8.0 % and +12.5 %.\n"
@@ -181,7 +181,8 @@ TEST(ComparisonPageInBrowser, SaysWhatIsComparedAndDoesWhatItIsToldTo) {
          "alone has it.; Graph more is new: the base does not have it.\n"
          "totals: +10.0 % slower, -10.0 % faster, ~ can't tell, +5,900.0 % slower\n"
          "layers: conv10 +100.0 % slower, old - gone, conv9 -50.0 % faster, young - new, loud ~ can't tell\n"
-         "differences: good\ncopyingChanges: good\n"},
+         "differences: good\ncopyingChanges: good\nheads: good\ntotalNames: Marlix, Backend, IPC, Queue "
+         "wait\n"},
         {"its tables", pageOf(allKinds()), "sortingChanges minorChanges",
          "sortingChanges: good\nminorChanges: good\n"},
         {"hostile", pageOf(hostile()), "comparedParts hostileChanges sortingChanges minorChanges",

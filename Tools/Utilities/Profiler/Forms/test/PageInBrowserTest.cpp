@@ -107,8 +107,11 @@ TEST(PageInBrowser, EachLogIsShownAsItIs) {
         {"20,000 layers",
          pageOf(runOf({.level = samplelog::ProfileLevel::internal, .executions = 2, .layers = 5000})),
          "parts strip many", "parts: good\nstrip: good\nmany: good\n"},
-        {"a million executions", pageOf(millionExecutions()), "parts executions",
-         "parts: good\nexecutions: outlier,range; 1,000,000\n"},
+        {"a million executions", pageOf(millionExecutions()), "parts executions medians",
+         "parts: good\nexecutions: outlier,range; 1,000,000\nmedians: 1\n"},
+        {"one layer more than are ranked", pageOf(runOf({.executions = 2, .layers = 21})),
+         "ranking drawn width=900 drawn",
+         "ranking: 1 other; global_average_pooling2d\ndrawn: good\ndrawn: good\n"},
     });
 }
 

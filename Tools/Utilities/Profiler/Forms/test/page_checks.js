@@ -414,6 +414,23 @@ globalThis.checks = {
     const texts = [...rowsOf("inference")].flatMap(row => [row.cells[2], row.cells[3]].map(textOf));
     return texts.length === 0 || texts.some(text => /^[-−]/.test(text)) ? texts.join() : "";
   },
+  // The last row, which counts the layers that are not shown, and the longest name.
+  ranking() {
+    const texts = [...element("ranking").querySelectorAll("text")].map(textOf);
+    const longest = texts.reduce((left, right) => (right.length > left.length ? right : left));
+    return `${texts.filter(text => / others?$/.test(text))}; ${longest}`;
+  },
+  // Charts are as wide as their place, whatever the window was before.
+  async drawn() {
+    await new Promise(done => setTimeout(done, 100));
+    return [...document.querySelectorAll("#strip svg.chart, #ranking svg.chart")]
+      .map(chart => chart.viewBox.baseVal.width / chart.getBoundingClientRect().width)
+      .filter(scale => !(Math.abs(scale - 1) < 0.02))
+      .join();
+  },
+  medians() {
+    return `${element("executions").querySelectorAll(".chart .line").length}`;
+  },
   // Where all is shown there is nothing to ask for.
   whole() {
     const more = [...document.querySelectorAll("button")].filter(button => /^Show all/.test(button.textContent));
@@ -544,6 +561,20 @@ globalThis.checks = {
   },
   layerColumns() {
     return [...element("layers").querySelectorAll("thead th")].map(cell => cell.textContent).join(", ");
+  },
+  // Each row has its name for a heading, and the longest bar takes all of its place.
+  heads() {
+    const rows = document.querySelectorAll("#inference tbody tr, #layers tbody tr, #layers tfoot tr");
+    const bars = [...element("inference").querySelectorAll(".pair rect")];
+    const ends = bars.map(bar => parseFloat(bar.getAttribute("x") ?? 0) + parseFloat(bar.getAttribute("width")));
+    return [...rows].some(row => row.cells[0].scope !== "row")
+      ? "a row without a heading"
+      : Math.abs(Math.max(...ends) - 100) > 0.01
+        ? `bars up to ${Math.max(...ends)}`
+        : "";
+  },
+  totalNames() {
+    return [...rowsOf("totals")].map(row => row.cells[0].firstChild.textContent).join(", ");
   },
   differences() {
     const wrong = [];
