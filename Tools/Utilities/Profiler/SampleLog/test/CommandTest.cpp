@@ -75,7 +75,6 @@ TEST_F(Command, WritesEachKindOverWhatWasThere) {
 
 TEST_F(Command, RefusesWrongUsage) {
     const std::string counted = " is no number from 1 to 1000000";
-    const std::string once = "--layers: to be given once, with a value";
     const std::pair<std::string, std::string> cases[] = {
         {"", "no FILE given"},
         {"a b c", "b: a word too many, there is one FILE"},
@@ -85,8 +84,8 @@ TEST_F(Command, RefusesWrongUsage) {
         {"a --executions 2x", "--executions: \"2x\"" + counted},
         {"a --seed -1", "--seed: \"-1\" is no number from 0 to 18446744073709551615"},
         {"a --layers= 5", "--layers: needs a value"},
-        {"a --layers", once},
-        {"a --layers 3 --layers 4", once},
+        {"a --layers", "--layers: needs a value"},
+        {"a --layers 3 --layers 4", "--layers: to be given once, with a value"},
         {"a --level 3", "--level: \"3\" is none of basic, detailed, internal, 1, 2 and 1100"},
         {"a --kind x", "--kind: \"x\" is none of network, methods, adapter-updater and shared-events"},
         {"a --drift 2", "--drift: needs --seed beside it"},

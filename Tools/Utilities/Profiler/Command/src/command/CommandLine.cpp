@@ -93,13 +93,13 @@ std::size_t CommandLine::readOption(std::span<const char* const> words, std::siz
     }
     auto& [option, values] = slots_[index];
     const auto& [name, takes, valueLeftOut] = option;
+    if (equals != std::string::npos && (takes == Takes::nothing || equals + 1 == text.size())) {
+        throw wrongUsage(name, takes == Takes::nothing ? "takes no value" : "needs a value");
+    }
     if (takesOneValue(takes) && !values.empty()) {
         throw wrongUsage(name, "to be given once, with a value");
     }
     if (equals != std::string::npos) {
-        if (takes == Takes::nothing || equals + 1 == text.size()) {
-            throw wrongUsage(name, takes == Takes::nothing ? "takes no value" : "needs a value");
-        }
         values.push_back(text.substr(equals + 1));
         return at;
     }
