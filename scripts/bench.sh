@@ -2,6 +2,7 @@
 # Measures the release build of the reader on logs of many shapes and prints one table:
 #
 #   scripts/bench.sh [--quick | --full] [--rounds N] [SHAPE...]     whole logs against their floors
+#   scripts/bench.sh --forms [--quick | --full] [SHAPE...]            the forms of a run, from the log on
 #   scripts/bench.sh --parts [options of Google Benchmark]          the steps of loading, one by one
 #
 # --quick takes small logs and 3 rounds, --full large ones, with a single chunk of 400 MB. docs/performance.md says

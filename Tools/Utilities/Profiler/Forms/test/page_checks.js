@@ -55,7 +55,9 @@ function strangers() {
     ? "a script of the log ran"
     : strange.length > 0
       ? strange[0].outerHTML
-      : "";
+      : /[\u061c\u200e\u200f\u2028-\u202e\u2066-\u2069]/.test(document.body.textContent)
+        ? "a name turns the direction of the text"
+        : "";
 }
 function clipboard() {
   const copied = [];
@@ -511,7 +513,8 @@ globalThis.checks = {
     return strangers()
       ? strangers()
       : !element("name").textContent.includes("<\/script><script>window.broken") ||
-          !element("zeb").textContent.includes("<img src=x onerror=")
+          !element("zeb").textContent.includes("<img src=x onerror=") ||
+          !element("zeb").textContent.includes("\\u2028 \\u202e")
         ? "the names are not there"
         : "";
   },
@@ -686,6 +689,7 @@ globalThis.checks = {
       ? strangers()
       : !element("name").textContent.includes("<\/script><script>window.broken") ||
           !element("layers").textContent.includes("<img src=x onerror=") ||
+          !element("layers").textContent.includes("\\u2028 \\u202e") ||
           !element("sides").textContent.includes("<!-" + "-<script>") ||
           !element("notes").textContent.includes("<img src=x")
         ? "the names are not there"

@@ -7,11 +7,11 @@
 // Parts  an element of comparison.html and a file here, with a function that fills it: header, totals, inference,
 //        layers. A part that has nothing to show says why (`missing`). main.js draws them.
 
-import {make, part} from "../shared/elements.js";
+import {dataOf, make} from "../shared/elements.js";
 import {digits} from "../shared/figures.js";
 
-export const comparison = JSON.parse(part("comparison-data").textContent);
-export const view = JSON.parse(part("view-data").textContent);
+export const comparison = dataOf("comparison-data");
+export const view = dataOf("view-data");
 export const isSeveral = comparison.basis === "several";
 
 // ---- Words and figures

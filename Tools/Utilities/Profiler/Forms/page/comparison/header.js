@@ -1,6 +1,6 @@
 // What is compared, and the answer.
 
-import {make, part, plural} from "../shared/elements.js";
+import {isolated, make, part, plural} from "../shared/elements.js";
 import {digits, time, timeParts} from "../shared/figures.js";
 import {
   changeOf,
@@ -19,8 +19,6 @@ import {
 } from "./data.js";
 
 const maxLogsNamed = 3;
-// A name that changes the writing direction does so to itself alone.
-const isolated = name => make("bdi", {}, name);
 
 function sideOf(title, logs) {
   const named = names => names.flatMap((name, at) => [at === 0 ? null : ", ", isolated(name)]);

@@ -11,7 +11,9 @@
 // The files are modules, which EmbedPage.cmake puts together in the order that CMakeLists.txt has; two of them may not
 // export one name.
 
-import {part} from "../shared/elements.js";
+import {dataOf} from "../shared/elements.js";
 
-export const run = JSON.parse(part("run-data").textContent);
-export const {pictures, quantiles} = JSON.parse(part("execution-data").textContent);
+export const run = dataOf("run-data");
+const ofExecutions = dataOf("execution-data");
+export const pictures = ofExecutions.pictures;
+export const quantiles = ofExecutions.quantiles;

@@ -1,6 +1,6 @@
 // What ran, and its three figures.
 
-import {make, missing, part} from "../shared/elements.js";
+import {isolated, make, missing, part} from "../shared/elements.js";
 import {digits, number, share, time, timeParts} from "../shared/figures.js";
 import {run} from "./data.js";
 import {noGraphs, whyNoLayers} from "./view.js";
@@ -80,9 +80,11 @@ export function showHeader(view) {
   part("facts").replaceChildren(...factsOf(view));
   part("figures").replaceChildren(...figuresOf(view));
   document.title = `${name} – profile of a run`;
-  part("origin").textContent =
-    `Made of ${run.log}. Times are in microseconds (us) unless they say otherwise; layers' times are averages of an ` +
-    "execution.";
+  part("origin").replaceChildren(
+    "Made of ",
+    isolated(run.log),
+    ". Times are in microseconds (us) unless they say otherwise; layers' times are averages of an execution.",
+  );
 }
 
 export function showFindings(view) {

@@ -1,6 +1,6 @@
 // Start-up and tear-down, step by step, and all other calls.
 
-import {bar, cut, headings, make, missing, part} from "../shared/elements.js";
+import {bar, cut, headings, isolated, make, missing, part} from "../shared/elements.js";
 import {digits, number, share, time} from "../shared/figures.js";
 import {run} from "./data.js";
 
@@ -104,7 +104,7 @@ function rowsOfStep(step, {place, size}) {
   const row = make(
     "tr",
     {},
-    make("th", {scope: "row"}, [stepNames[step.step], step.text].filter(Boolean).join(" ")),
+    make("th", {scope: "row"}, stepNames[step.step], step.text ? [" ", isolated(step.text)] : null),
     isTimed(step) ? bar([[place(step.from), size(step.us), kind]]) : cell("", "bar"),
     cell(step.from === null ? "–" : time(step.from), "number"),
     cell(step.us === null ? "not in the log" : time(step.us), "number"),

@@ -25,6 +25,22 @@ export const draw = (tag, attributes, ...children) =>
   fill(document.createElementNS("http://www.w3.org/2000/svg", tag), attributes, children);
 export const part = id => document.getElementById(id);
 
+/** A name of a log within a sentence: one that has another writing direction turns itself alone. */
+export const isolated = name => make("bdi", {}, name);
+
+// What shows nothing and does something: control characters, marks and overrides of the writing direction, separators.
+const hidden = /[\p{Cc}\u061c\u200e\u200f\u2028-\u202e\u2066-\u2069]/gu;
+const isEscaped = /\\(?:[bfnrt]|u(?:00[01789]|061c|20[026]))/;
+const visible = text => text.replace(hidden, found => `\\u${found.charCodeAt(0).toString(16).padStart(4, "0")}`);
+
+/** The data of a page, in whose texts all that is hidden shows as JSON writes it. */
+export function dataOf(id) {
+  const json = part(id).textContent;
+  return isEscaped.test(json)
+    ? JSON.parse(json, (_, value) => (typeof value === "string" ? visible(value) : value))
+    : JSON.parse(json);
+}
+
 export function chart(width, height, words, ...children) {
   const attributes = {class: "chart", viewBox: `0 0 ${width} ${height}`, role: "img", "aria-label": words};
   return draw("svg", attributes, ...children);
