@@ -20,13 +20,15 @@ Analysis/src/analysis         reader/backend reports store text log memory zeb/p
 Forms/src/forms/json          analysis text
 Forms/src/forms/trace         forms/json analysis store text log zeb/profiling
 Forms/src/forms/page          forms/json analysis
+Forms/src/forms/tables        forms/json analysis text
 Forms/src/forms/text          analysis text
-Command/src/command           forms/text text log
+Command/src/command           forms/json forms/text analysis text log zeb/profiling
 Viewer/src/viewer             command forms/json forms/trace forms/page forms/text analysis log logging text flatbuffers zeb/profiling
 Compare/src/compare           command forms/json forms/page forms/text analysis text zeb/profiling
+Export/src/export             command forms/tables analysis text zeb/profiling
 SampleLog/src/samplelog       log flatbuffers
 SampleLog/src/samplelog/command  samplelog command log text zeb/profiling
-Manual/src/manual             viewer compare samplelog/command text command reader/backend zeb/profiling
+Manual/src/manual             viewer compare export samplelog/command text command reader/backend zeb/profiling
 ../../../examples/host        zeb/profiling
 ../../../examples/plugin      zeb/profiling
 '

@@ -4,13 +4,14 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <atomic>
 #include <cerrno>
 #include <charconv>
 #include <fstream>
 #include <limits>
 #include <new>
+#include <utility>
 
+#include "command/AllocationFailure.h"
 #include "command/Failure.h"
 
 namespace zeb::command {
@@ -29,7 +30,7 @@ constexpr auto maxBytes = static_cast<std::uint64_t>(std::numeric_limits<std::in
 // Small enough to come from the heap proper, where all small allocations find room once it is free.
 constexpr std::size_t reserveSize = 65536;
 
-std::atomic<bool> hasAllocationFailed = false;
+thread_local bool hasAllocationFailed = false;
 
 void noteFailedAllocation() {
     hasAllocationFailed = true;
@@ -170,6 +171,10 @@ MemoryLimit::MemoryLimit(const MemorySize& size)
 
 bool MemoryLimit::wasHit() {
     return hasAllocationFailed;
+}
+
+bool takeAllocationFailure() {
+    return std::exchange(hasAllocationFailed, false);
 }
 
 }  // namespace zeb::command

@@ -44,7 +44,8 @@ public:
     /// @throws Failure when the system refuses it
     explicit MemoryLimit(const MemorySize& size);
 
-    /// @return whether an allocation has failed, also when somebody has caught that: text streams do,
+    /// @return whether an allocation of this thread has failed, also when somebody has caught that: text
+    /// streams do,
     ///         and lose what was to be written
     [[nodiscard]] static bool wasHit();
 

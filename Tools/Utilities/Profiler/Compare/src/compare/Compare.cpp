@@ -9,11 +9,11 @@
 #include <vector>
 
 #include "command/Failure.h"
+#include "command/LoadRun.h"
 #include "command/StandardOutput.h"
 #include "command/TerminalStyle.h"
 #include "compare/CompareOptions.h"
 #include "compare/ComparisonForms.h"
-#include "compare/LoadRun.h"
 #include "forms/text/ComparisonText.h"
 #include "text/BuildText.h"
 #include "zeb/profiling/Version.h"
@@ -31,7 +31,7 @@ using command::StandardOutput;
 std::vector<analysis::RunSummary> load(const std::vector<std::string>& logs, MemoryLimit& memory) {
     std::vector<analysis::RunSummary> runs;
     for (const std::string& log : logs) {
-        runs.push_back(analysis::summarize(loadRun(log, memory)));
+        runs.push_back(analysis::summarize(command::loadRun(log, memory)));
     }
     return runs;
 }

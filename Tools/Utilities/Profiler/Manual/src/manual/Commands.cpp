@@ -1,6 +1,7 @@
 #include "manual/Commands.h"
 
 #include "compare/CompareOptions.h"
+#include "export/ExportOptions.h"
 #include "manual/ReaderOptions.h"
 #include "samplelog/command/CommandOptions.h"
 #include "viewer/ViewerOptions.h"
@@ -22,6 +23,7 @@ std::vector<profiling::CommandManual> commandManuals() {
     return {
         viewerManual(),
         compare::compareManual(),
+        exports::exportManual(),
         samplelog::commandManual(),
     };
 }

@@ -1,4 +1,4 @@
-#include "compare/LoadRun.h"
+#include "command/LoadRun.h"
 
 #include <cerrno>
 #include <cstring>
@@ -8,22 +8,20 @@
 #include <stdexcept>
 
 #include "analysis/MakeRun.h"
+#include "command/AllocationFailure.h"
 #include "command/Failure.h"
 #include "command/LogDiagnosis.h"
 #include "command/PipedLog.h"
 #include "forms/json/RunJson.h"
 
-namespace zeb::compare {
+namespace zeb::command {
 
 namespace {
 
 using analysis::Run;
-using command::Failure;
-using command::MemoryLimit;
-using command::PipedLog;
 
 Failure badLog(const std::string& path, const std::string& cause) {
-    return {command::ExitCode::badLog, path, cause};
+    return {ExitCode::badLog, path, cause};
 }
 
 Run runFromJson(const PipedLog& log) {
@@ -43,9 +41,9 @@ Run runFromLog(const PipedLog& log, const MemoryLimit& memory) {
     try {
         std::optional<Run> run = analysis::makeRun(log.path(), everything, analysis::EventTrees::leftOut);
         if (!run) {
-            throw badLog(log.given(), command::whyRejected(log.path(), memory, ">run.log"));
+            throw badLog(log.given(), whyRejected(log.path(), memory, ">run.log"));
         }
-        if (const auto trouble = command::whyEndedEarly(log.path())) {
+        if (const auto trouble = whyEndedEarly(log.path())) {
             throw badLog(log.given(), *trouble);
         }
         return *std::move(run);
@@ -57,19 +55,29 @@ Run runFromLog(const PipedLog& log, const MemoryLimit& memory) {
     }
 }
 
+Run readPrepared(const PipedLog& log, const MemoryLimit& memory) {
+    static_cast<void>(takeAllocationFailure());
+    Run run = beginningOf(log.path()) == Beginning::json ? runFromJson(log) : runFromLog(log, memory);
+    run.logFile = log.given();
+    if (takeAllocationFailure()) {
+        throw std::bad_alloc();
+    }
+    return run;
+}
+
 }  // namespace
+
+Run readRun(const std::string& path, const MemoryLimit& memory) {
+    PipedLog log(path);
+    log.prepare();
+    return readPrepared(log, memory);
+}
 
 Run loadRun(const std::string& path, MemoryLimit& memory) {
     PipedLog log(path);
     log.prepare();
     try {
-        Run run = command::beginningOf(log.path()) == command::Beginning::json ? runFromJson(log)
-                                                                               : runFromLog(log, memory);
-        run.logFile = log.given();
-        if (MemoryLimit::wasHit()) {
-            throw std::bad_alloc();
-        }
-        return run;
+        return readPrepared(log, memory);
     } catch (const std::bad_alloc&) {
         memory.releaseReserve();
         throw badLog(log.given(), memory.cause());
@@ -79,4 +87,4 @@ Run loadRun(const std::string& path, MemoryLimit& memory) {
     }
 }
 
-}  // namespace zeb::compare
+}  // namespace zeb::command

@@ -1,0 +1,46 @@
+// Loads all batches of a directory into DuckDB and answers questions.sql:
+//
+//     node examples/fleet/duckdb.mjs DIR [PARQUET_DIR]
+//
+// A run that several batches have is taken from the first. Prints a line of JSON for each question; with PARQUET_DIR it also
+// writes the executions there as Parquet, a folder a day. It takes npm's @duckdb/node-api.
+import { readFileSync } from "node:fs";
+import { DuckDBInstance } from "@duckdb/node-api";
+
+const [directory, parquetDirectory] = process.argv.slice(2);
+const fileBeside = (name) => readFileSync(new URL(name, import.meta.url), "utf8");
+const quoted = (text) => `'${text.replaceAll("'", "''")}'`;
+
+const instance = await DuckDBInstance.create();
+const duck = await instance.connect();
+const rowsOf = async (statement) => (await duck.runAndReadAll(statement)).getRowObjectsJson();
+
+await duck.run(fileBeside("schema.sql"));
+const tables = (await rowsOf("SELECT table_name FROM duckdb_tables()")).map((row) => row.table_name);
+tables.sort((one, other) => (other === "runs") - (one === "runs")); // which tell what of the others counts
+for (const table of tables) {
+    const columns = (await rowsOf(`SELECT column_name, data_type FROM duckdb_columns() WHERE table_name = '${table}'`))
+        .map((row) => `'${row.column_name}': '${row.data_type}'`);
+    // What stands in quotes is a text, also if it is empty; nothing at all is NULL.
+    const read = `read_csv(${quoted(`${directory}/[0-9]*/${table}.csv`)}, header = true, delim = ',', quote = '"', escape = '"',
+        columns = {${columns.join(", ")}}, nullstr = '', allow_quoted_nulls = false, filename = true)`;
+    if (table === "runs") {
+        await duck.run(`CREATE TABLE taken AS SELECT run_id, min(parse_dirpath(filename)) AS batch FROM ${read} GROUP BY run_id`);
+    }
+    await duck.run(`INSERT INTO ${table} SELECT t.* EXCLUDE (filename) FROM ${read} t
+        JOIN taken ON taken.run_id = t.run_id AND taken.batch = parse_dirpath(t.filename)`);
+}
+
+for (const part of fileBeside("questions.sql").split("--: ").slice(1)) {
+    const end = part.indexOf("\n");
+    const rows = await rowsOf(part.slice(end));
+    console.log(JSON.stringify({ question: part.slice(0, end), rows }));
+}
+
+if (parquetDirectory) {
+    await duck.run(`COPY (
+            SELECT e.*, r.header_backend_version,
+                strftime(make_timestamp(CAST(r.header_epoch_us AS BIGINT)), '%Y-%m-%d') AS day
+            FROM executions e JOIN runs r ON r.run_id = e.run_id ORDER BY e.run_id, e.graph, e.row)
+        TO ${quoted(parquetDirectory)} (FORMAT parquet, COMPRESSION zstd, PARTITION_BY (day), OVERWRITE_OR_IGNORE)`);
+}

@@ -1,0 +1,72 @@
+#!/usr/bin/env bash
+# Loads the batches of a directory that a SQLite database does not have yet, and answers questions.sql:
+#
+#   examples/fleet/sqlite.sh DIR DATABASE
+#
+# A run that several batches have is taken from the first. Prints a line of JSON for each question. It takes Debian's sqlite3.
+set -euo pipefail
+directory=$(cd "$1" && pwd)
+database=$2
+here=$(dirname "${BASH_SOURCE[0]}")
+tables=(runs labels graphs executions steps zeb_layers oru_layers findings)
+
+sql() { sqlite3 -bail "$database" "$@"; }
+
+sql <"$here/schema.sql"
+sql "CREATE TABLE IF NOT EXISTS batches (name TEXT PRIMARY KEY);
+     CREATE UNIQUE INDEX IF NOT EXISTS runs_by_id ON runs (run_id);"
+
+# An import has empty texts for what is nothing. Numbers can't be empty; among texts, those of the header are nothing
+# where the header is, and the two named below are never empty.
+values_of() {
+    sql "SELECT group_concat(CASE
+             WHEN name IN ('level', 'part_of') THEN 'nullif(' || name || ', '''')'
+             WHEN name LIKE 'header%' AND type = 'TEXT' THEN 'iif(header_epoch_us = '''', NULL, ' || name || ')'
+             WHEN type = 'BOOLEAN' THEN 'CASE ' || name || ' WHEN ''true'' THEN 1 WHEN ''false'' THEN 0 END'
+             WHEN type = 'TEXT' THEN '\"' || name || '\"'
+             ELSE 'nullif(' || name || ', '''')' END) FROM pragma_table_info('$1')"
+}
+declare -A values
+for table in "${tables[@]}"; do
+    values[$table]=$(values_of "$table")
+done
+
+for batch in "$directory"/[0-9]*/; do
+    batch=$(basename "$batch")
+    [ -z "$(sql "SELECT 1 FROM batches WHERE name = '$batch'")" ] || continue
+    {
+        echo "BEGIN;"
+        for table in "${tables[@]}"; do
+            [ -f "$directory/$batch/$table.csv" ] || continue
+            echo "CREATE TEMP TABLE new_$table AS SELECT * FROM $table WHERE false;"
+            echo ".import --csv --skip 1 --schema temp '$directory/$batch/$table.csv' new_$table"
+        done
+        echo "DELETE FROM temp.new_runs WHERE run_id IN (SELECT run_id FROM main.runs);"
+        for table in "${tables[@]}"; do
+            [ -f "$directory/$batch/$table.csv" ] || continue
+            echo "INSERT INTO main.$table SELECT ${values[$table]} FROM temp.new_$table
+                  WHERE run_id IN (SELECT run_id FROM temp.new_runs);"
+        done
+        echo "INSERT INTO batches VALUES ('$batch');"
+        echo "COMMIT;"
+    } | sql
+done
+
+sql "CREATE INDEX IF NOT EXISTS labels_by_run ON labels (run_id);
+     CREATE INDEX IF NOT EXISTS graphs_by_run ON graphs (run_id);
+     CREATE INDEX IF NOT EXISTS zeb_layers_by_run ON zeb_layers (run_id, graph);"
+question=
+statement=
+ask() {
+    local rows
+    [ -n "$question" ] || return 0
+    rows=$(sqlite3 -bail -json "$database" "$statement")
+    printf '{"question": "%s", "rows": %s}\n' "$question" "${rows:-[]}"
+}
+while IFS= read -r line; do
+    case $line in
+        "--: "*) ask && question=${line#--: } && statement= ;;
+        *) statement+=$line$'\n' ;;
+    esac
+done <"$here/questions.sql"
+ask
