@@ -9,9 +9,9 @@
 #include <string>
 
 #include "analysis/MakeRun.h"
+#include "command/LoadRun.h"
 #include "command/MemoryLimit.h"
 #include "compare/CompareOptions.h"
-#include "compare/LoadRun.h"
 #include "forms/json/RunJson.h"
 #include "samplelog/NetworkLog.h"
 #include "support/Command.h"
@@ -187,7 +187,7 @@ TEST_F(CompareCommand, TellsAReadErrorOfALog) {
     const std::string good = log("good");
     const std::string size = std::to_string(std::filesystem::file_size(good));
     command::test::badByte = std::stoll(size);
-    const std::string told = command::test::failureOf([&] { loadRun(good, memory); });
+    const std::string told = command::test::failureOf([&] { command::loadRun(good, memory); });
     command::test::badByte.reset();
     EXPECT_EQ(told, "1 " + good + ": the log can't be read beyond byte " + size + ": Input/output error");
 }
