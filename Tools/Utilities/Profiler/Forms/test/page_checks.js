@@ -25,6 +25,14 @@ function filter(id, text) {
   field.value = text;
   field.dispatchEvent(new Event("input"));
 }
+// What a script shows that does not know what it has.
+function slips() {
+  const words = document.querySelector("main").innerText.match(/.*(\[object|undefined|NaN).*/)?.[0];
+  const drawn = document.querySelector(
+    '[x*="NaN"], [y*="NaN"], [width*="NaN"], [height*="NaN"], [d*="NaN"]',
+  )?.outerHTML;
+  return words ?? drawn ?? "";
+}
 function wrongParts(wanted) {
   const titles = [...document.querySelectorAll("main section > h2")].map(title => title.textContent).join("; ");
   const silent = [...document.querySelectorAll("main section")].filter(
@@ -37,7 +45,7 @@ function wrongParts(wanted) {
       ? `empty: ${silent[0].textContent}`
       : unsaid > 0
         ? "a part without a name"
-        : "";
+        : slips();
 }
 // What of a log has become more than text.
 function strangers() {
