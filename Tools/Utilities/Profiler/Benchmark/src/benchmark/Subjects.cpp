@@ -178,11 +178,13 @@ void measureHtml(const MeasuredLog& log, Figures& figures) {
 }
 
 void measureTrace(const MeasuredLog& log, Figures& figures) {
-    measureForm(log, figures, Figure::trace, Figure::traceMemory, EventTrees::leftOut,
-                [&log](const analysis::Run& run, std::ostream& out) {
-                    require(forms::writeTrace(out, run, log.path, {.level = allMessages}).has_value(),
-                            "cannot write the trace");
-                });
+    measureForm(
+        log, figures, Figure::trace, Figure::traceMemory, EventTrees::leftOut,
+        [&log](const analysis::Run& run, std::ostream& out) {
+            require(forms::writeTrace(out, run, log.path, {.level = allMessages, .fromMs = {}, .toMs = {}})
+                        .has_value(),
+                    "cannot write the trace");
+        });
 }
 
 // Of the log with itself, which is read once.
