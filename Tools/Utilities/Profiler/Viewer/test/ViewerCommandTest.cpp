@@ -186,10 +186,10 @@ TEST_F(ViewerCommand, EndsWithALineWhenItNeedsTooMuchMemory) {
                       log + ": the report needs more than 65536K of memory");
     }
     EXPECT_FALSE(fs::exists(csv));
-    const std::string bent = files.write("bent.log", prefixOf(0xFFFFFFF0U) + "few");
+    const std::string bent = files.write("bent.log", prefixOf(0xFFFFFF00U) + "few");
     expectFailure(view({bent, "--max-memory=64M", "--load=refuse"}), 1,
                   bent +
-                      ": the log can't be read: chunk 1 at byte 0, 4294967280 bytes long, is cut off at "
+                      ": the log can't be read: chunk 1 at byte 0, 4294967040 bytes long, is cut off at "
                       "the end of the file: only 3 bytes of it are there");
     // A limit that is there already stays, whether the process could raise it or not.
     for (const char* const limit : {"-S -d", "-d", "-S -v"}) {
