@@ -530,7 +530,7 @@ globalThis.checks = {
   hostileCopy() {
     const copied = clipboard();
     buttonOf("zeb", "Copy").click();
-    const lines = ["4,'=1+1,", `5,"'\tTab ""quoted""",`, `6,"'\rReturn",`];
+    const lines = ["4,'=1+1,", '5,"\\u0009Tab ""quoted""",', "6,\\u000dReturn,"];
     return lines.every(line => copied[0].includes(`\r\n${line}`)) ? "" : copied[0];
   },
   // Of the page of two versions.
