@@ -26,9 +26,10 @@ Command/src/command           forms/json forms/text analysis text log zeb/profil
 Viewer/src/viewer             command forms/json forms/trace forms/page forms/text analysis log logging text flatbuffers zeb/profiling
 Compare/src/compare           command forms/json forms/page forms/text analysis text zeb/profiling
 Export/src/export             command forms/tables analysis text zeb/profiling
+History/src/history           command forms/json forms/page forms/text analysis text zeb/profiling
 SampleLog/src/samplelog       log flatbuffers
 SampleLog/src/samplelog/command  samplelog command log text zeb/profiling
-Manual/src/manual             viewer compare export samplelog/command text command reader/backend zeb/profiling
+Manual/src/manual             viewer compare export history samplelog/command text command reader/backend zeb/profiling
 ../../../examples/host        zeb/profiling
 ../../../examples/plugin      zeb/profiling
 '

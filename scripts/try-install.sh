@@ -7,7 +7,7 @@ set -euo pipefail
 build=$(cd "$1" && pwd)
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-commands=(zeb-profile-viewer zeb-profile-compare zeb-profile-export write-sample-log)
+commands=(zeb-profile-viewer zeb-profile-compare zeb-profile-export zeb-profile-history write-sample-log)
 place=$(mktemp -d)
 trap 'rm -rf "$place"' EXIT
 cache_value() { sed -n "s/^$1:[A-Z]*=//p" "$build/CMakeCache.txt"; }
@@ -87,6 +87,9 @@ grep -q '^Graph' comparison || fault "nothing is compared"
 
 batch=$(zeb-profile-export --to batches run.log)
 grep -q '^run_id,' "$batch/runs.csv" || fault "there is no table of runs"
+
+zeb-profile-history run.log >history
+grep -q '^1 version of 1 run: run.log' history || fault "there is no history"
 
 # The version is one and the same, and the commands know of what build they are.
 for command in "${commands[@]}"; do

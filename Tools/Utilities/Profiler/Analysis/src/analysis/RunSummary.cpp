@@ -118,11 +118,13 @@ std::string_view nameOf(Total total) {
 RunSummary summarize(const Run& run) {
     RunSummary summary;
     summary.logFile = run.logFile;
+    summary.runId = run.runId;
     summary.level = run.level;
     summary.isAsync = run.isAsync;
     if (run.header) {
         summary.generator = run.header->generatorName + ' ' + run.header->generatorVersion;
         summary.backendVersion = run.header->backendVersion;
+        summary.epochUs = run.header->epochUs;
     }
     summary.graphs.reserve(run.graphs.size());
     for (const Graph& graph : run.graphs) {

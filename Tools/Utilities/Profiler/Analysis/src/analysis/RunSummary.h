@@ -52,7 +52,9 @@ struct GraphSummary {
 /// What a comparison needs of a run, small enough for many to be held at once.
 struct RunSummary {
     std::string logFile;
-    std::string generator;  ///< name and version; empty: not told
+    std::string runId;          ///< of the log's bytes; empty: not told
+    std::uint64_t epochUs = 0;  ///< when the log began, since the Unix epoch
+    std::string generator;      ///< name and version; empty: not told
     std::string backendVersion;
     std::optional<Level> level;
     bool isAsync = false;

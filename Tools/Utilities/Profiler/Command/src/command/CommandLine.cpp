@@ -204,6 +204,40 @@ std::string helpOf(const Beside& beside) {
            (beside.needsText ? " Not with a form on standard output." : "");
 }
 
+Words filesAmong(const Words& words, const Words& known) {
+    Words files;
+    bool areAllFiles = false;
+    for (const std::string& word : words) {
+        if (!areAllFiles && word == "--") {
+            areAllFiles = true;
+        } else if (!areAllFiles && word.size() > 1 && word.starts_with('-')) {
+            throw unknownOption(word.substr(0, word.find('=')), known);
+        } else {
+            files.push_back(word);
+        }
+    }
+    return files;
+}
+
+double shareOfPercent(const Given& given) {
+    std::string_view text = given.value;
+    text.remove_suffix(text.ends_with('%') ? 1 : 0);
+    double percent = 0.0;
+    const char* const end = text.data() + text.size();
+    const auto [rest, error] = std::from_chars(text.data(), end, percent, std::chars_format::fixed);
+    if (error != std::errc() || rest != end || !(percent >= 0.0 && percent <= 1e12)) {
+        throw wrongUsage(given.name, "\"" + given.value + "\" is no per cent like 5, 0.5 or 5%");
+    }
+    return percent / 100.0;
+}
+
+profiling::ManualOption filesFromOption() {
+    return {"--files-from", " FILE",
+            "Take further logs from FILE, a line each: the path and then, apart by tabs, its labels as "
+            "KEY=VALUE. "
+            "\"-\" is standard input."};
+}
+
 profiling::ManualOption maxMemoryOption() {
     return {
         "--max-memory", " SIZE",

@@ -146,6 +146,18 @@ std::optional<Number> numberOf(std::string_view text) {
     return error == std::errc() && rest == end ? std::optional(number) : std::nullopt;
 }
 
+/// Of words that belong to no option some are files; behind a "--" all are.
+/// @param known the names of all options
+/// @throws Failure for a word that looks like an option
+Words filesAmong(const Words& words, const Words& known);
+
+/// @return the share of what is given in per cent, like 5, 0.5 or 5%
+/// @throws Failure for what is none
+double shareOfPercent(const Given& given);
+
+/// The option --files-from, which names an InputList's file.
+profiling::ManualOption filesFromOption();
+
 /// The option --max-memory.
 profiling::ManualOption maxMemoryOption();
 /// @throws Failure

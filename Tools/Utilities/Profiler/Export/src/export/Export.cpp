@@ -26,7 +26,7 @@ ExitCode exportLogs(const ExportOptions& options) {
         if (options.skipsKnown) {
             known.addBatchesIn(options.directory);
         }
-        InputList inputs(options.logs, options.filesFrom, options.labels);
+        command::InputList inputs(options.logs, options.filesFrom, options.labels);
         Batch batch(options.directory, options.tables);
         const ExportResult result = exportRuns(inputs, options, known, memory, batch);
         if (result.written != 0) {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <thread>
 
-#include "export/Labels.h"
+#include "command/Labels.h"
 
 namespace zeb::exports {
 
@@ -52,7 +52,7 @@ std::vector<forms::Table> tablesOf(const Given& given) {
 }
 
 void putLabel(ExportOptions& options, const Given& given) {
-    if (const auto trouble = addLabel(options.labels, given.value)) {
+    if (const auto trouble = command::addLabel(options.labels, given.value)) {
         throw wrongUsage(given.name, *trouble);
     }
 }
@@ -65,11 +65,7 @@ const OptionRows& optionRows() {
         {{"--to", " DIR", "The directory of all batches. It is made if it is not there."},
          Takes::value,
          [](auto& options, const auto& given) { options.directory = given.value; }},
-        {{"--files-from", " FILE",
-          "Take further logs from FILE, a line each: the path and then, apart by tabs, its labels as "
-          "KEY=VALUE. "
-          "\"-\" is standard input."},
-         Takes::value,
+        {command::filesFromOption(), Takes::value,
          [](auto& options, const auto& given) { options.filesFrom = given.value; }},
         {{"--label", " KEY=VALUE", "A label of all these runs, such as site=lab. May be given again."},
          Takes::valueEachTime,
@@ -89,22 +85,6 @@ const OptionRows& optionRows() {
          [](auto& options, const auto& given) { options.maxMemory = command::maxMemoryOf(given); }},
     };
     return rows;
-}
-
-// The words that belong to no option: logs, and what is left of unknown options. Behind a "--" all are logs.
-Words logsAmong(const Words& words) {
-    Words logs;
-    bool areAllLogs = false;
-    for (const std::string& word : words) {
-        if (!areAllLogs && word == "--") {
-            areAllLogs = true;
-        } else if (!areAllLogs && word.size() > 1 && word.starts_with('-')) {
-            throw command::unknownOption(word.substr(0, word.find('=')), command::optionNames(optionRows()));
-        } else {
-            logs.push_back(word);
-        }
-    }
-    return logs;
 }
 
 }  // namespace
@@ -133,7 +113,7 @@ ExportOptions parseCommandLine(int argc, const char* const* argv) {
     const CommandLine line = parsedBy(optionRows(), command::OwnWord::none, argc, argv);
     ExportOptions options;
     options.action = line.action();
-    options.logs = logsAmong(line.remaining());
+    options.logs = command::filesAmong(line.remaining(), command::optionNames(optionRows()));
     if (options.action != command::Action::work) {  // a help that is shown whatever the values hold
         return options;
     }

@@ -7,8 +7,8 @@
 
 #include "command/CommandLine.h"
 #include "command/Failure.h"
+#include "command/Labels.h"
 #include "command/MemoryLimit.h"
-#include "export/Labels.h"
 #include "forms/tables/RunTables.h"
 #include "text/CommandManual.h"
 
@@ -25,7 +25,7 @@ struct ExportOptions {
     std::string directory;  ///< of all batches
     std::vector<std::string> logs;
     std::string filesFrom;  ///< a file that names further logs, "-": standard input; empty: none
-    Labels labels;
+    command::Labels labels;
     bool skipsKnown = false;
     std::vector<forms::Table> tables;  ///< each once, in their own order
     std::size_t jobs = 1;

@@ -25,7 +25,7 @@ using command::Failure;
 
 // What all workers share.
 struct Work {
-    InputList& inputs;
+    command::InputList& inputs;
     const ExportOptions& options;
     RunIds& known;                 // in turn
     command::MemoryLimit& memory;  // its reserve in turn
@@ -156,7 +156,7 @@ private:
 
     Work& work_;
     std::vector<forms::CsvRows> rows_;  // of the tables that are wanted
-    const Input* input_ = nullptr;
+    const command::Input* input_ = nullptr;
     std::string runId_;
     bool isClaimed_ = false;  // it has its turn
     bool isWanted_ = false;
@@ -164,7 +164,7 @@ private:
 
 }  // namespace
 
-ExportResult exportRuns(InputList& inputs, const ExportOptions& options, RunIds& known,
+ExportResult exportRuns(command::InputList& inputs, const ExportOptions& options, RunIds& known,
                         command::MemoryLimit& memory, Batch& batch) {
     Work work{inputs, options, known, memory, batch, {}, {}, {}, {}, {}};
     std::vector<std::thread> others;

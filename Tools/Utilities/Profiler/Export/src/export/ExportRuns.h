@@ -2,10 +2,10 @@
 
 #include <cstddef>
 
+#include "command/InputList.h"
 #include "command/MemoryLimit.h"
 #include "export/Batch.h"
 #include "export/ExportOptions.h"
-#include "export/InputList.h"
 #include "export/RunIds.h"
 
 namespace zeb::exports {
@@ -20,7 +20,7 @@ struct ExportResult {
 /// again by itself, so what becomes of a log does not depend on the others.
 /// @param known runs that are left out; those that are written are added
 /// @throws Failure when the batch can't be written, or the list of logs is bad
-ExportResult exportRuns(InputList& inputs, const ExportOptions& options, RunIds& known,
+ExportResult exportRuns(command::InputList& inputs, const ExportOptions& options, RunIds& known,
                         command::MemoryLimit& memory, Batch& batch);
 
 }  // namespace zeb::exports

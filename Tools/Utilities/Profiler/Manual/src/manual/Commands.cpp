@@ -2,6 +2,7 @@
 
 #include "compare/CompareOptions.h"
 #include "export/ExportOptions.h"
+#include "history/HistoryOptions.h"
 #include "manual/ReaderOptions.h"
 #include "samplelog/command/CommandOptions.h"
 #include "viewer/ViewerOptions.h"
@@ -24,6 +25,7 @@ std::vector<profiling::CommandManual> commandManuals() {
         viewerManual(),
         compare::compareManual(),
         exports::exportManual(),
+        history::historyManual(),
         samplelog::commandManual(),
     };
 }

@@ -13,5 +13,6 @@ struct PageParts {
 };
 extern const PageParts pageParts;        ///< of a run
 extern const PageParts comparisonParts;  ///< of two versions
+extern const PageParts historyParts;     ///< of a history
 
 }  // namespace zeb::forms

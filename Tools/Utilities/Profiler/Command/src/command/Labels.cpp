@@ -1,6 +1,6 @@
-#include "export/Labels.h"
+#include "command/Labels.h"
 
-namespace zeb::exports {
+namespace zeb::command {
 
 std::optional<std::string> addLabel(Labels& labels, std::string_view given) {
     const std::size_t equals = given.find('=');
@@ -16,4 +16,4 @@ std::optional<std::string> addLabel(Labels& labels, std::string_view given) {
     return std::nullopt;
 }
 
-}  // namespace zeb::exports
+}  // namespace zeb::command

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace zeb::exports {
+namespace zeb::command {
 
 /// What somebody says about a run, by keys.
 using Labels = std::map<std::string, std::string>;
@@ -14,4 +14,4 @@ using Labels = std::map<std::string, std::string>;
 /// @return what is wrong with it; nothing once it is added
 std::optional<std::string> addLabel(Labels& labels, std::string_view given);
 
-}  // namespace zeb::exports
+}  // namespace zeb::command

@@ -1,23 +1,21 @@
-#include "export/InputList.h"
+#include "command/InputList.h"
 
 #include <cerrno>
 #include <iostream>
+#include <utility>
 
 #include "command/Failure.h"
 
-namespace zeb::exports {
+namespace zeb::command {
 
-using command::ExitCode;
-using command::Failure;
-
-InputList::InputList(const std::vector<std::string>& logs, const std::string& filesFrom, const Labels& labels)
-    : logs_(logs), filesFrom_(filesFrom), labels_(labels) {
+InputList::InputList(const std::vector<std::string>& logs, const std::string& filesFrom, Labels labels)
+    : logs_(logs), filesFrom_(filesFrom), labels_(std::move(labels)) {
     if (filesFrom == "-") {
         lines_ = &std::cin;
     } else if (!filesFrom.empty()) {
         file_.open(filesFrom);
         if (!file_) {
-            throw Failure(ExitCode::usage, filesFrom, "the list can't be read: " + command::errorText(errno));
+            throw Failure(ExitCode::usage, filesFrom, "the list can't be read: " + errorText(errno));
         }
         lines_ = &file_;
     }
@@ -38,8 +36,7 @@ std::optional<Input> InputList::nextOfFile() {
         ++line_;
         if (!std::getline(*lines_, line)) {
             if (lines_->bad()) {
-                throw Failure(ExitCode::usage, filesFrom_,
-                              "the list can't be read: " + command::errorText(errno));
+                throw Failure(ExitCode::usage, filesFrom_, "the list can't be read: " + errorText(errno));
             }
             return std::nullopt;
         }
@@ -61,4 +58,4 @@ std::optional<Input> InputList::nextOfFile() {
     return input;
 }
 
-}  // namespace zeb::exports
+}  // namespace zeb::command

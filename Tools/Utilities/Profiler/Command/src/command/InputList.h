@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "export/Labels.h"
+#include "command/Labels.h"
 
-namespace zeb::exports {
+namespace zeb::command {
 
 /// A log that is to be read.
 struct Input {
@@ -27,7 +27,7 @@ public:
     /// @param filesFrom a file, "-" for standard input, or empty
     /// @param labels of all
     /// @throws Failure when the file can't be read
-    InputList(const std::vector<std::string>& logs, const std::string& filesFrom, const Labels& labels);
+    InputList(const std::vector<std::string>& logs, const std::string& filesFrom, Labels labels);
 
     /// @return nothing behind the last
     /// @throws Failure for a line that is none
@@ -38,7 +38,7 @@ private:
 
     const std::vector<std::string>& logs_;
     std::string filesFrom_;
-    const Labels& labels_;
+    const Labels labels_;
     std::ifstream file_;
     std::istream* lines_ = nullptr;
     std::size_t line_ = 0;
@@ -46,4 +46,4 @@ private:
     std::mutex mutex_;
 };
 
-}  // namespace zeb::exports
+}  // namespace zeb::command
