@@ -64,7 +64,8 @@ struct Forms {
 
 Forms formsOf(const RunSummary& base, const RunSummary& changed) {
     const Comparison comparison = analysis::compare(std::span(&base, 1), std::span(&changed, 1));
-    const std::optional<analysis::Gate> gate = analysis::Gate{analysis::Total::layers, 0.05, 1.0};
+    const std::optional<analysis::Gate> gate = analysis::Gate{
+        .total = analysis::Total::layers, .maxGrowth = 0.05, .maxLayerGrowth = 0.05, .minChangeUs = 1.0};
     std::ostringstream text;
     std::ostringstream json;
     std::ostringstream page;

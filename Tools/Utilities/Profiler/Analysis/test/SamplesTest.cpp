@@ -6,6 +6,7 @@
 
 #include <cmath>
 #include <limits>
+#include <optional>
 #include <string>
 
 #include "analysis/Samples.h"
@@ -131,6 +132,102 @@ TEST(Samples, WelchsTestIsThatOfSciPy) {
     }
 }
 
+// Values of an enumeration of all signs, and of an integral of the density of t.
+TEST(Samples, TheTestsOfPairsAreThoseOfAnEnumeration) {
+    const struct {
+        std::string name;
+        Values base;
+        Values changed;
+        double change;
+        std::optional<Interval> interval;
+        double p;
+        double pOfT;
+    } cases[] = {
+        {"overlapping",
+         {10.1, 9.8, 10.4, 10.0, 9.9, 10.3},
+         {10.2, 10.6, 9.95, 10.8, 10.3, 10.9},
+         0.0443625181453664,
+         Interval{-0.04326923076923084, 0.08163265306122436},
+         0.15625,
+         0.11770774606230248},
+        {"apart",
+         {100, 101, 103, 102, 99, 100.5},
+         {110, 112, 111, 114, 113, 109},
+         0.10444645872854336,
+         Interval{0.07766990291262134, 0.14141414141414144},
+         0.03125,
+         8.111649787445167e-05},
+        {"too few for an interval",
+         {5.0, 5.2, 5.1, 5.3, 4.9},
+         {4.0, 4.1, 4.2, 4.3, 4.4},
+         -0.18832055008657217,
+         {},
+         0.0625,
+         0.001048417414192956},
+        {"an equal pair",
+         {20, 21, 22, 23, 24, 25, 26, 27},
+         {20, 22.5, 21, 27, 24, 28, 30, 26.5},
+         0.05830052442583629,
+         Interval{-0.02299157908160557, 0.1466397030870911},
+         0.15625,
+         0.10348816923212512},
+        {"equal ratios",
+         {10, 10, 20, 20, 40, 40, 80, 80},
+         {11, 9, 22, 24, 44, 36, 96, 80},
+         0.04880884817015159,
+         Interval{-0.05131670194948619, 0.14891252930760576},
+         0.484375,
+         0.2165110045074301},
+        {"all alike",
+         {7, 7, 7, 7, 7, 7},
+         {8, 8, 8, 8, 8, 8},
+         1.0 / 7.0,
+         Interval{1.0 / 7.0, 1.0 / 7.0},
+         0.03125,
+         0.0},
+        {"no change", {7, 8, 9, 7, 8, 9}, {7, 8, 9, 7, 8, 9}, 0.0, Interval{0.0, 0.0}, 1.0, 1.0},
+    };
+    for (const auto& [name, base, changed, change, interval, p, pOfT] : cases) {
+        SCOPED_TRACE(name);
+        const auto shift = shiftOfPairs(base, changed);
+        ASSERT_TRUE(shift);
+        EXPECT_NEAR(shift->change, change, 1e-12);
+        EXPECT_NEAR(shift->p, p, 1e-12);
+        EXPECT_NEAR(pairedP(base, changed).value(), pOfT, 1e-8);
+        ASSERT_EQ(shift->interval.has_value(), interval.has_value());
+        if (interval) {
+            EXPECT_NEAR(shift->interval->low, interval->low, 1e-12);
+            EXPECT_NEAR(shift->interval->high, interval->high, 1e-12);
+        }
+        EXPECT_NEAR(shiftOfPairs(changed, base)->p, p, 1e-12);
+    }
+    Values base;
+    Values changed;
+    for (int pair = 0; pair < 51; ++pair) {  // the normal approximation, beside the exact test of 50
+        base.push_back(100.0 + pair * 37 % 61);
+        changed.push_back(base.back() * (1.002 + 0.01 * std::sin(pair * 1.7)));
+    }
+    const auto many = shiftOfPairs(base, changed);
+    base.pop_back();
+    changed.pop_back();
+    const auto exact = shiftOfPairs(base, changed);
+    EXPECT_NEAR(many->p, exact->p, 0.05);
+    EXPECT_NEAR(many->interval->low, exact->interval->low, 3e-4);
+    EXPECT_NEAR(many->interval->high, exact->interval->high, 3e-4);
+}
+
+// The lower fifth of the chi-square distribution with 8, 3 degrees of freedom is 4.594, 1.005.
+TEST(Samples, TheSpreadOfFewLogsIsToldLarge) {
+    const double step = std::exp(0.01);
+    const Values five{100, 100 * step, 100 / step, 100 * step * step, 100 / step / step};  // variance 2.5e-4
+    EXPECT_NEAR(largeSpread(five, five, false).value(), std::sqrt(2.5e-4 * 8 / 4.594), 1e-4);
+    EXPECT_NEAR(largeSpread(Values{7, 7, 7, 7}, std::span(five).first(4), true).value(),
+                std::sqrt(5e-4 / 1.005), 5e-4);  // variance 5 / 3 of the square of a step
+    EXPECT_EQ(largeSpread(Values{7, 7}, Values{8, 8}, false).value(), 0.0);
+    EXPECT_FALSE(largeSpread(Values{7}, Values{8, 8}, false));
+    EXPECT_FALSE(largeSpread(Values{7, 0}, Values{8, 8}, false));
+}
+
 TEST(Samples, TheIncompleteBetaFunctionIsThatOfSciPy) {
     const struct {
         double a;
@@ -162,7 +259,11 @@ TEST(Samples, ValuesWithoutALogarithmTellNoChange) {
         EXPECT_FALSE(shiftBetween(good, bad));
         EXPECT_FALSE(welchP(bad, good));
         EXPECT_FALSE(welchP(good, bad));
+        EXPECT_FALSE(geometricChange(good, bad));
     }
+    EXPECT_FALSE(shiftOfPairs(good, Values{1, 2, 0, 3}));
+    EXPECT_FALSE(pairedP(Values{1, 2, 0, 3}, good));
+    EXPECT_NEAR(geometricChange(Values{1, 4}, Values{3, 3, 3}).value(), 0.5, 1e-12);
     EXPECT_FALSE(welchP(Values{1}, good));
 }
 

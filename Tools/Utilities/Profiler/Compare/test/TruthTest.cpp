@@ -24,8 +24,7 @@ using analysis::GateOutcome;
 using samplelog::NetworkOptions;
 using samplelog::SlowerLayer;
 
-constexpr std::uint64_t logsASide = 5;
-constexpr std::uint32_t driftMillionths = 20'000;
+constexpr std::uint32_t fourPercent = 40'000;
 const std::string slowedLayer = "conv_pw_3";
 
 int seedCount() {
@@ -33,11 +32,15 @@ int seedCount() {
     return text == nullptr ? 20 : std::max(1, std::atoi(text));
 }
 
+struct Setup {
+    NetworkOptions changed = {};
+    std::uint64_t logs = 5;  // a side
+    std::uint32_t driftMillionths = 20'000;
+};
+
 class Truth : public testing::Test {
 protected:
-    analysis::RunSummary runOf(NetworkOptions options, std::uint64_t seed) const {
-        options.seed = seed;
-        options.driftMillionths = driftMillionths;
+    analysis::RunSummary runOf(const NetworkOptions& options) const {
         std::ofstream out(files_.path("run.zlog"), std::ios::binary);
         writeNetworkLog(out, options);
         out.close();
@@ -45,23 +48,26 @@ protected:
         return analysis::summarize(run.value());
     }
 
-    // Five logs of the designed network against five of a changed one, all of seeds of their own.
-    analysis::Comparison comparisonOf(const NetworkOptions& changed, std::uint64_t seed) const {
-        std::vector<analysis::RunSummary> base;
-        std::vector<analysis::RunSummary> now;
-        for (std::uint64_t log = 0; log < logsASide; ++log) {
-            base.push_back(runOf({}, seed * 1000 + log));
-            now.push_back(runOf(changed, seed * 1000 + 500 + log));
+    // Logs of the designed network against those of a changed one, all of seeds of their own.
+    analysis::Comparison comparisonOf(const Setup& setup, std::uint64_t seed) const {
+        std::vector<analysis::RunSummary> sides[2];
+        for (const std::uint64_t side : {0U, 1U}) {
+            for (std::uint64_t log = 0; log < setup.logs; ++log) {
+                NetworkOptions options = side == 0 ? NetworkOptions{} : setup.changed;
+                options.driftMillionths = setup.driftMillionths;
+                options.seed = seed * 1000 + side * 500 + log;
+                sides[side].push_back(runOf(options));
+            }
         }
-        return analysis::compare(base, now);
+        return analysis::compare(sides[0], sides[1]);
     }
 
     // Counts the seeds whose comparison is as it is asked for.
     template <typename Is>
-    int countSeeds(const std::string& what, const NetworkOptions& changed, Is is) const {
+    int countSeeds(const std::string& what, const Setup& setup, Is is) const {
         int count = 0;
         for (int seed = 1; seed <= seeds_; ++seed) {
-            count += is(comparisonOf(changed, static_cast<std::uint64_t>(seed))) ? 1 : 0;
+            count += is(comparisonOf(setup, static_cast<std::uint64_t>(seed))) ? 1 : 0;
         }
         std::cout << what << ": " << count << " of " << seeds_ << " seeds\n";
         return count * 100;
@@ -77,30 +83,50 @@ bool isSlower(const analysis::Comparison& comparison, double maxGrowth) {
     return judge(comparison, {.maxGrowth = maxGrowth}).outcome == GateOutcome::slower;
 }
 
+bool isMarked(const analysis::Comparison& comparison, const std::vector<std::string>& layers) {
+    std::vector<std::string> marked;
+    for (const auto& layer : comparison.graphs.at(0).layers) {
+        if (layer.verdict != analysis::Verdict::unsure && layer.verdict != analysis::Verdict::same) {
+            marked.push_back(layer.name);
+        }
+    }
+    return marked == layers;
+}
+
 TEST_F(Truth, NoChangeSeldomFails) {
     EXPECT_LE(countSeeds("no change fails --fail-above 0", {},
                          [](const auto& comparison) { return isSlower(comparison, 0.0); }),
               6 * seeds_);
 }
 
-TEST_F(Truth, ATenthSlowerFailsForFivePercent) {
-    EXPECT_GE(countSeeds("10 % slower fails --fail-above 5", {.slowerMillionths = 100'000},
+TEST_F(Truth, ATenthSlowerFailsForFivePercentAndIsNoFaultOfALayer) {
+    const Setup setup{.changed = {.slowerMillionths = 100'000}};
+    EXPECT_GE(countSeeds("10 % slower fails --fail-above 5", setup,
                          [](const auto& comparison) { return isSlower(comparison, 0.05); }),
               95 * seeds_);
+    EXPECT_GE(countSeeds("10 % slower fails no layer", setup,
+                         [](const auto& comparison) {
+                             return judge(comparison, {.maxLayerGrowth = 0.05}).outcome == GateOutcome::pass;
+                         }),
+              100 * seeds_);
 }
 
 TEST_F(Truth, ASlowerLayerIsMarkedAndNoOther) {
     EXPECT_GE(countSeeds("a layer slowed by 30 % is marked and no other",
-                         {.slowerLayer = SlowerLayer{slowedLayer, 300'000}},
-                         [](const auto& comparison) {
-                             std::vector<std::string> marked;
-                             for (const auto& layer : comparison.graphs.at(0).layers) {
-                                 if (layer.verdict != analysis::Verdict::unsure) {
-                                     marked.push_back(layer.name);
-                                 }
-                             }
-                             return marked == std::vector<std::string>{slowedLayer};
-                         }),
+                         {.changed = {.slowerLayer = SlowerLayer{slowedLayer, 300'000}}},
+                         [](const auto& comparison) { return isMarked(comparison, {slowedLayer}); }),
+              90 * seeds_);
+}
+
+TEST_F(Truth, OneLogASideMarksALayerThatIsFarBeyondTheOthers) {
+    const Setup plain{.logs = 1, .driftMillionths = fourPercent};
+    EXPECT_LE(countSeeds("one log a side, no change: a layer is marked", plain,
+                         [](const auto& comparison) { return !isMarked(comparison, {}); }),
+              10 * seeds_);
+    Setup slower = plain;
+    slower.changed.slowerLayer = SlowerLayer{slowedLayer, 400'000};
+    EXPECT_GE(countSeeds("one log a side, a layer slowed by 40 % is marked and no other", slower,
+                         [](const auto& comparison) { return isMarked(comparison, {slowedLayer}); }),
               90 * seeds_);
 }
 

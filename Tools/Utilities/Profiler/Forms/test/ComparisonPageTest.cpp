@@ -49,8 +49,8 @@ TotalChange totalOf(Total total, double base, double now, double low, double hig
     TotalChange row;
     row.total = total;
     row.baseLogs = row.newLogs = 5;
-    row.base = {base, base - 5, base + 5};
-    row.changed = {now, now - 5, now + 5};
+    row.base = {base, base, base - 5, base + 5};
+    row.changed = {now, now, now - 5, now + 5};
     row.change = now / base - 1.0;
     row.interval = analysis::Interval{low, high};
     row.p = 0.25;
@@ -70,6 +70,7 @@ Compared allKinds() {
     analysis::GraphComparison graph;
     graph.baseName = graph.newName = "net";
     graph.totals = {totalOf(Total::marlix, 1000, 1100, 0.08, 0.125, Verdict::slower),
+                    totalOf(Total::average, 1000, 1090, -0.1, 0.2, Verdict::unsure),
                     totalOf(Total::backend, 900, 810, -0.12, -0.05, Verdict::faster),
                     totalOf(Total::ipc, 50, 49, -0.1, 0.05, Verdict::unsure),
                     totalOf(Total::queueWait, 1, 60, 1, 90, Verdict::slower)};
@@ -81,6 +82,9 @@ Compared allKinds() {
                     layerOf("still", 100, 100.5, 1.0, Verdict::unsure),
                     layerOf("quiet", 90, 90, 1.0, Verdict::unsure)};
     graph.types = {layerOf("SUPERCONV", 500, 525, 0.04, Verdict::slower)};
+    graph.answer = {analysis::Answer::Kind::slower,
+                    "Slower by 10.0%: an inference takes 1100 us in place of 1000 us.",
+                    {}};
     comparison.graphs = {graph};
     return {comparison, analysis::Gate{.maxGrowth = 0.05, .minChangeUs = 3}};
 }
@@ -132,11 +136,12 @@ TEST(ComparisonPage, HoldsTheComparisonAndNothingOfALogEndsItsPlace) {
     EXPECT_EQ(withoutEscapes(data), withoutEscapes(jsonOf(hostile())));
     EXPECT_EQ(
         test::dataOf(page, "view-data"),
-        R"({"hide_below":0.005,"fewest_logs":4,"quantiles":[{"key":"min_us","title":"Min","min_count":1},)"
+        R"({"hide_below":0.005,"quantiles":[{"key":"min_us","title":"Min","min_count":1},)"
         R"({"key":"median_us","title":"Median","min_count":1},)"
         R"({"key":"p90_us","title":"p90","min_count":10},{"key":"p99_us","title":"p99","min_count":100},)"
-        R"({"key":"max_us","title":"Max","min_count":1}],"totals":{"marlix":"Marlix","backend":"Backend",)"
-        R"("accelerator":"Accelerator","ipc":"IPC","copies":"Copies","queue-wait":"Queue wait",)"
+        R"({"key":"max_us","title":"Max","min_count":1}],"totals":{"marlix":"Marlix, median",)"
+        R"("marlix-average":"Marlix, average","backend":"Backend","accelerator":"Accelerator",)"
+        R"("outside":"Outside accelerator","ipc":"IPC","copies":"Copies","queue-wait":"Queue wait",)"
         R"("init":"Init","finalize":"Finalize","layers":"ZEB layers"}})");
 }
 
@@ -172,14 +177,14 @@ TEST(ComparisonPageInBrowser, SaysWhatIsComparedAndDoesWhatItIsToldTo) {
         {"each kind of row", pageOf(allKinds()),
          "comparedParts answer sides notes totals layers differences copyingChanges heads totalNames",
          "comparedParts: good\n"
-         "answer: ▲ The new version is slower: an inference takes 1,100 us in place of 1,000 us, 10.0 % "
-         "more. That is sure: with 95 % the true change lies between +8.0 % and +12.5 %.\n"
+         "answer: ▲ Slower by 10.0%: an inference takes 1100 us in place of 1000 us.\n"
          "sides: Base 5 logs: a1, a2, a3 and 2 more a4, a5; New 4 logs: b1, b2, b3 and 1 more b4\n"
          "notes: ⚠ Warning: The backend versions differ: base v1; new v2. | ✗ The gate fails: Graph net: "
-         "the time for Marlix grew by 10.0% (8.0% to 12.5%), and 5.0% is allowed.; Marlix may grow by "
+         "the time for Marlix, median grew by 10.0% (95% interval +8.0% to +12.5%), and 5.0% is allowed.; "
+         "Marlix, median may grow by "
          "5.0 %, and by less than 3.0 us in any case. | Graphs of one side: Graph less is gone: the base "
          "alone has it.; Graph more is new: the base does not have it.\n"
-         "totals: +10.0 % slower, -10.0 % faster, ~ can't tell, +5,900.0 % slower\n"
+         "totals: +10.0 % slower, ~ can't tell, -10.0 % faster, ~ can't tell, +5,900.0 % slower\n"
          "layers: conv10 +100.0 % slower, old - gone, conv9 -50.0 % faster, young - new, loud ~ can't tell\n"
          "differences: good\ncopyingChanges: good\nheads: good\ntotalNames: Marlix, Backend, IPC, Queue "
          "wait\n"},
@@ -197,7 +202,7 @@ TEST(ComparisonPageInBrowser, SaysWhatItCannotTell) {
     const NetworkOptions plain{};
     const NetworkOptions slower{.slowerMillionths = 100'000};
     const NetworkOptions basic{.level = samplelog::ProfileLevel::basic};
-    const std::string columns = "Layer, Base (us), New (us), Change (us), Change, Verdict";
+    const std::string columns = "Layer, Base (us), New (us), Change (us), Change, Beyond, Verdict";
     const auto found = [](const std::string& lead, const std::string& columnsShown,
                           const std::string& missing) {
         return "comparedParts: good\nlead: " + lead + "\nlayerColumns: " + columnsShown +
@@ -206,19 +211,18 @@ TEST(ComparisonPageInBrowser, SaysWhatItCannotTell) {
     const std::string steps = "comparedParts lead layerColumns missing";
     test::expectInBrowser({
         {"one each, slower", pageOf(comparedLogs(1, plain, slower)), steps,
-         found("▲ The new log is slower", columns, "good")},
+         found("▲ Slower by 10.0% in these two logs", columns, "good")},
         {"one each, the same", pageOf(comparedLogs(1, plain, plain)), steps,
-         found("= The new log is as fast as that of the base", columns, "good")},
-        {"too few", pageOf(comparedLogs(2, plain, slower)), steps,
-         found("~ Can't tell yet", columns, "good")},
+         found("= As fast in these two logs", columns, "good")},
+        {"too few", pageOf(comparedLogs(2, plain, slower)), steps, found("~ Can't tell", columns, "good")},
         {"chance", pageOf(comparedLogs(4, {.seed = 1}, {.seed = 5})), steps,
-         found("~ Can't tell them apart", "Layer, Base (us), New (us), Change (us), Change, p, Verdict",
-               "good")},
+         found("= Not slower than 1.0%",
+               "Layer, Base (us), New (us), Change (us), Change, Beyond, p, Verdict", "good")},
         {"level basic", pageOf(comparedLogs(1, basic, basic)), steps,
-         found("= The new log is as fast as that of the base", "good",
+         found("= As fast in these two logs", "good",
                "Not both sides have data on layers. Profile the runs at level detailed to see them.")},
         {"two levels", pageOf(comparedLogs(1, plain, basic)), steps,
-         found("= The new log is as fast as that of the base", "good",
+         found("= As fast in these two logs", "good",
                "The logs have different profiling levels, so their layers can't be compared.")},
         {"nothing", pageOf(Compared{}), steps,
          found("~ Nothing to compare", "good",

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "analysis/GraphMatching.h"
 #include "analysis/RunSummary.h"
 #include "analysis/Samples.h"
 
@@ -16,18 +17,20 @@
 /// process and drift together. Changes are shares of the base, times are in microseconds.
 namespace zeb::analysis {
 
-/// Logs that a side of several needs: with fewer no rank test can be sure of anything.
+/// Logs that a side of several needs, and pairs of logs: with fewer no rank test can be sure of anything.
 inline constexpr std::size_t minLogs = 4;
+inline constexpr std::size_t minPairs = 6;
 
 /// What changes are judged by.
 enum class Basis : std::uint8_t {
     oneEach,  ///< one log against one: a change is shown, and nobody knows how sure it is
     several,  ///< `minLogs` or more on each side
-    tooFew,   ///< fewer on either side of several, or one against several: nothing is sure
+    tooFew,   ///< fewer on either side of several, one against several, fewer pairs: nothing is sure
+    paired,   ///< `minPairs` or more, the n-th log of the base with the n-th new one
 };
 
 enum class Verdict : std::uint8_t {
-    unsure,
+    unsure,  ///< may be chance, or is not judged
     slower,
     faster,
     same,   ///< one log each: not a bit of a change
@@ -45,25 +48,48 @@ struct TotalChange {
     std::size_t newLogs = 0;
     Range base;  ///< over the logs
     Range changed;
-    std::optional<double> change;  ///< nothing with too few logs, or times of 0
+    std::optional<double> change;  ///< estimated; nothing with too few logs, or times of 0
     std::optional<Interval> interval;
     std::optional<double> p;
+    std::optional<double> spread;  ///< of the logs, see `largeSpread`; nothing without an interval
     Verdict verdict = Verdict::unsure;
 
-    [[nodiscard]] double changeUs() const { return changed.median - base.median; }
+    [[nodiscard]] bool isOnBoth() const { return baseLogs != 0 && newLogs != 0; }
+    /// @return the difference of the means; where an outlier turns its sign against a change that is sure,
+    /// what
+    ///         that change makes of the base
+    [[nodiscard]] double changeUs() const;
 };
 
 /// A layer, or a type of layers, on both sides. Times are the means of the logs' averages; a log that lacks a
-/// layer which others of its side have counts with 0.
+/// layer which others of its side have counts with 0. Its verdict rests on what it exceeds the factor by that
+/// all layers share, or on its whole change where they have none.
 struct LayerChange {
     std::string name;  ///< the new one, where it was renamed
     double baseUs = 0.0;
     double newUs = 0.0;
     std::optional<double> change;  ///< nothing for a base of 0
-    std::optional<double> p;       ///< corrected for the number of rows
+    std::optional<double> excess;  ///< estimated; nothing with too few logs, or a time of 0 in one
+    double excessUs = 0.0;
+    std::optional<double> p;  ///< of the excess, corrected for the number of rows
     Verdict verdict = Verdict::unsure;
 
     [[nodiscard]] double changeUs() const { return newUs - baseUs; }
+};
+
+/// What the layers of a graph share: by how much the factor on all of them changed.
+struct SharedChange {
+    double change = 0.0;
+    std::optional<Interval> interval;
+    Verdict verdict = Verdict::unsure;
+};
+
+/// What a comparison says of a graph.
+struct Answer {
+    enum class Kind : std::uint8_t { slower, faster, same, notSlower, unsure };
+    Kind kind = Kind::unsure;
+    std::string text;                 ///< a sentence
+    std::vector<std::string> causes;  ///< what the change lies in, without a full stop; the weightiest first
 };
 
 struct GraphComparison {
@@ -72,17 +98,22 @@ struct GraphComparison {
     std::size_t baseLogs = 0;  ///< that have the graph
     std::size_t newLogs = 0;
     std::optional<std::pair<Spread, Spread>> executions;  ///< without the warm-up; one log each only
-    std::vector<TotalChange> totals;  ///< in the order of `Total`, without those that neither side has
-    std::vector<LayerChange> layers;  ///< the largest change first; none when a side has no data on layers
-    std::vector<LayerChange> types;   ///< the same
+    std::vector<TotalChange> totals;     ///< in the order of `Total`, without those that neither side has
+    std::vector<LayerChange> layers;     ///< the largest change first; none when a side has no data on layers
+    std::vector<LayerChange> types;      ///< the same
+    std::optional<SharedChange> shared;  ///< nothing where the layers have no common factor
+    Answer answer;
 
     [[nodiscard]] const TotalChange* find(Total total) const;
 };
 
 struct Comparison {
     Basis basis = Basis::oneEach;
-    std::vector<std::string> baseLogs;
+    bool isPaired = false;              ///< asked for, whether or not there are enough pairs
+    std::vector<std::string> baseLogs;  ///< those that count
     std::vector<std::string> newLogs;
+    std::vector<std::string> copies;      ///< that don't, being copies of others of their side
+    bool haveSameRun = false;             ///< a run is on both sides
     bool haveDifferentLevels = false;     ///< any two logs
     std::vector<std::string> warnings;    ///< a sentence each
     std::vector<GraphComparison> graphs;  ///< those of both sides, in the order of the base
@@ -90,13 +121,15 @@ struct Comparison {
     std::vector<std::string> addedGraphs;
 };
 
-/// A ZEB layer's name in the base, and the one that it has in the new version.
-using Rename = std::pair<std::string, std::string>;
+struct CompareSettings {
+    std::vector<Rename> renames = {};
+    bool isPaired = false;  ///< the sides have as many logs each
+};
 
-/// Graphs are matched by name; where each side has just one, they are compared whatever their names. Layers
-/// are matched by name within a graph, equal names by their order.
+/// Graphs and layers are matched as in GraphMatching.h. A log counts once: copies are left out, of pairs
+/// those with a log that an earlier pair has.
 /// @param base,changed at least one run each
 Comparison compare(std::span<const RunSummary> base, std::span<const RunSummary> changed,
-                   std::span<const Rename> renames = {});
+                   const CompareSettings& settings = {});
 
 }  // namespace zeb::analysis

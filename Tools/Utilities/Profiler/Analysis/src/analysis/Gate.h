@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -8,23 +9,35 @@
 
 namespace zeb::analysis {
 
-/// What a comparison has to hold for a change to pass.
+/// What a comparison has to hold for a change to pass. One of the limits at least is given.
 struct Gate {
     Total total = Total::marlix;
-    double maxGrowth = 0.0;    ///< as a share of the base
-    double minChangeUs = 0.0;  ///< a growth below it does not count
+    std::optional<double> maxGrowth = {};       ///< of the total, as a share of the base
+    std::optional<double> maxLayerGrowth = {};  ///< of a layer, beyond what all layers share
+    std::optional<double> minChangeUs = {};     ///< a growth below it does not count
+    bool failsUnsure = false;                   ///< what can't be told does not pass
 };
 
-enum class GateOutcome : std::uint8_t { pass, slower, incomparable };
+/// The weightiest last.
+enum class GateOutcome : std::uint8_t {
+    pass,    ///< not slower than allowed
+    unsure,  ///< can't tell
+    slower,  ///< than allowed
+    incomparable,
+};
 
 struct GateResult {
     GateOutcome outcome = GateOutcome::pass;
-    std::vector<std::string> reasons;  ///< a sentence each, of all that fails and all that can't be compared
+    std::vector<std::string>
+        reasons;  ///< a sentence each: all that fails, can't be told or can't be compared
 };
 
-/// Each graph of both sides is judged by itself. With several logs a side a growth counts only where its
-/// interval lies above 0; with one log a side the change alone decides. A gate never passes by having nothing
-/// to compare: that is `incomparable`, which weighs more than `slower`.
+/// Each graph of both sides is judged by itself. Several logs a side: a total is slower than allowed where it
+/// is surely slower and its estimate lies above the limit, and is not where its interval ends below the
+/// limit. One log a side: it is slower where the change lies above the limit, and nobody can tell that it is
+/// not. The limit is the growth that is allowed or `minChangeUs`, whichever is more. A layer fails that is
+/// marked slower, with an excess above its limit. A gate never passes by having nothing to compare: that is
+/// `incomparable`.
 GateResult judge(const Comparison& comparison, const Gate& gate);
 
 }  // namespace zeb::analysis

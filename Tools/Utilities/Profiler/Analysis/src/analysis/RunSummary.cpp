@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "analysis/RunId.h"
 #include "analysis/Spread.h"
 
 namespace zeb::analysis {
@@ -9,7 +10,8 @@ namespace zeb::analysis {
 namespace {
 
 constexpr std::string_view totalNames[totalCount] = {
-    "Marlix", "Backend", "Accelerator", "IPC", "Copies", "Queue wait", "Init", "Finalize", "ZEB layers"};
+    "Marlix, median", "Marlix, average", "Backend", "Accelerator", "Outside accelerator", "IPC",
+    "Copies",         "Queue wait",      "Init",    "Finalize",    "ZEB layers"};
 
 std::optional<double> asTime(const std::optional<std::uint64_t>& us) {
     return us ? std::optional(static_cast<double>(*us)) : std::nullopt;
@@ -99,6 +101,13 @@ GraphSummary summaryOf(const Run& run, const Graph& graph) {
         set(Total::copies, copiesUs);
         set(Total::queueWait, asTime(breakdown->queueWaitUs));
     }
+    if (summary.executions != 0) {
+        set(Total::average, static_cast<double>(graph.average.durationUs));
+    }
+    const auto& averageUs = summary.totalUs(Total::average);
+    if (const auto& acceleratorUs = summary.totalUs(Total::accelerator); averageUs && acceleratorUs) {
+        set(Total::outside, std::max(0.0, *averageUs - *acceleratorUs));
+    }
     set(Total::init, initUs(run));
     set(Total::finalize, finalizeUs(run, graph));
     std::optional<double> layersUs;
@@ -119,6 +128,7 @@ RunSummary summarize(const Run& run) {
     RunSummary summary;
     summary.logFile = run.logFile;
     summary.runId = run.runId;
+    summary.idOfFigures = runIdOfFigures(run);
     summary.level = run.level;
     summary.isAsync = run.isAsync;
     if (run.header) {

@@ -14,9 +14,11 @@ namespace zeb::analysis {
 
 /// The totals of a graph that a comparison looks at.
 enum class Total : std::uint8_t {
-    marlix,
+    marlix,   ///< the median execution, without the warm-up
+    average,  ///< execution, the warm-up among them, as of all totals below; the parts of it are these
     backend,
     accelerator,
+    outside,  ///< of the accelerator: the average execution less its time
     ipc,
     copies,
     queueWait,
@@ -24,9 +26,9 @@ enum class Total : std::uint8_t {
     finalize,
     layers,
 };
-inline constexpr std::size_t totalCount = 9;
+inline constexpr std::size_t totalCount = 11;
 
-/// @return the name that reports show, "Marlix" or "ZEB layers"
+/// @return the name that reports show, "Marlix, median" or "ZEB layers"
 std::string_view nameOf(Total total);
 
 struct LayerTime {
@@ -52,7 +54,8 @@ struct GraphSummary {
 /// What a comparison needs of a run, small enough for many to be held at once.
 struct RunSummary {
     std::string logFile;
-    std::string runId;          ///< of the log's bytes; empty: not told
+    std::string runId;          ///< as the run has it
+    std::string idOfFigures;    ///< the id of what has the same figures and not the log's bytes
     std::uint64_t epochUs = 0;  ///< when the log began, since the Unix epoch
     std::string generator;      ///< name and version; empty: not told
     std::string backendVersion;
@@ -62,8 +65,8 @@ struct RunSummary {
 };
 
 /// The first execution of a graph is its warm-up: it is left out of the median and of the count where there
-/// is another. The total `init` is what the report shows as Init, and is the same for all graphs of a run;
-/// `finalize` is the graph's own where the log has several.
+/// is another. The total `init` is that of the Init message, else all that leads to the first execution, for all
+/// graphs of a run, the second the graph's own where the log has several.
 RunSummary summarize(const Run& run);
 
 }  // namespace zeb::analysis

@@ -117,6 +117,108 @@ private:
     double deviation_ = 0.0;
 };
 
+// The signed rank test of numbers that are not 0: W is the sum of the ranks of the positive ones.
+class SignedRankTest {
+public:
+    explicit SignedRankTest(std::vector<double> values) {
+        std::sort(values.begin(), values.end(),
+                  [](double left, double right) { return std::abs(left) < std::abs(right); });
+        double variance = 0.0;
+        for (auto first = values.begin(); first != values.end();) {
+            const auto last = std::find_if(first, values.end(), [first](double value) {
+                return std::abs(value) > std::abs(*first) * (1.0 + roundingOfARatio);
+            });
+            // The ranks before and up to the last one, whose mean is a half of their sum.
+            const auto doubleRank =
+                static_cast<std::size_t>((first - values.begin()) + 1 + (last - values.begin()));
+            for (; first != last; ++first) {
+                doubleRanks_.push_back(doubleRank);
+                doubleSum_ += *first > 0.0 ? doubleRank : 0;
+                variance += static_cast<double>(doubleRank * doubleRank) / 16.0;
+            }
+        }
+        deviation_ = std::sqrt(variance);
+    }
+
+    [[nodiscard]] double twoSidedP() const {
+        const std::size_t whole = std::accumulate(doubleRanks_.begin(), doubleRanks_.end(), std::size_t{0});
+        if (doubleRanks_.size() <= maxExactSize) {
+            const std::vector<double> cumulated = cumulatedOf(doubleRanks_);
+            return std::min(1.0, 2.0 * cumulated[std::min(doubleSum_, whole - doubleSum_)]);
+        }
+        const double distance =
+            std::abs(static_cast<double>(doubleSum_) - static_cast<double>(whole) / 2.0) / 2.0 - continuity;
+        return distance <= 0.0 ? 1.0 : std::erfc(distance / deviation_ / std::sqrt(2.0));
+    }
+
+    /// @return the place, from 1, of the lower end of the interval among that many pairs' Walsh averages; 0:
+    ///         there is none
+    static std::size_t lowerEnd(std::size_t pairs) {
+        const double half = static_cast<double>(pairs) * (static_cast<double>(pairs) + 1.0) / 4.0;
+        if (pairs <= maxExactSize) {
+            std::vector<std::size_t> ranks(pairs);
+            std::iota(ranks.begin(), ranks.end(), std::size_t{1});
+            const std::vector<double> cumulated = cumulatedOf(ranks);
+            const auto first = std::upper_bound(cumulated.begin(), cumulated.end(),
+                                                significance / 2.0 * (1.0 + roundingOfTheSum));
+            return static_cast<std::size_t>(first - cumulated.begin());
+        }
+        const double deviation = std::sqrt(half * (2.0 * static_cast<double>(pairs) + 1.0) / 6.0);
+        return static_cast<std::size_t>(
+            std::max(0.0, std::floor(half + continuity - normalQuantile * deviation)));
+    }
+
+private:
+    static constexpr double continuity = 0.5;
+    static constexpr double roundingOfTheSum = 1e-12;
+    static constexpr double roundingOfARatio = 1e-12;  // of logarithms that are the same
+
+    // The chance of a sum of ranks up to each, when a coin decides for each whether it counts.
+    static std::vector<double> cumulatedOf(const std::vector<std::size_t>& ranks) {
+        std::vector<double> chances{1.0};
+        for (const std::size_t rank : ranks) {
+            std::vector<double> next(chances.size() + rank, 0.0);
+            for (std::size_t sum = 0; sum < chances.size(); ++sum) {
+                next[sum] += chances[sum] / 2.0;
+                next[sum + rank] += chances[sum] / 2.0;
+            }
+            chances = std::move(next);
+        }
+        std::partial_sum(chances.begin(), chances.end(), chances.begin());
+        return chances;
+    }
+
+    std::vector<std::size_t> doubleRanks_;  // ranks may have a half
+    std::size_t doubleSum_ = 0;
+    double deviation_ = 0.0;
+};
+
+// The logarithms of the ratios of pairs.
+std::optional<std::vector<double>> ratiosOf(std::span<const double> base, std::span<const double> changed) {
+    auto ratios = logarithmsOf(changed);
+    const auto from = logarithmsOf(base);
+    if (!ratios || !from) {
+        return std::nullopt;
+    }
+    for (std::size_t pair = 0; pair < ratios->size(); ++pair) {
+        (*ratios)[pair] -= (*from)[pair];
+    }
+    return ratios;
+}
+
+// The means of all pairs of values, each with itself too, ascending.
+std::vector<double> sortedWalshAverages(const std::vector<double>& values) {
+    std::vector<double> averages;
+    averages.reserve(values.size() * (values.size() + 1) / 2);
+    for (std::size_t one = 0; one < values.size(); ++one) {
+        for (std::size_t other = 0; other <= one; ++other) {
+            averages.push_back((values[one] + values[other]) / 2.0);
+        }
+    }
+    std::sort(averages.begin(), averages.end());
+    return averages;
+}
+
 struct Moments {
     double mean = 0.0;
     double meanVariance = 0.0;  ///< of the mean
@@ -186,7 +288,11 @@ Range rangeOf(std::span<const double> values) {
     }
     std::vector<double> sorted(values.begin(), values.end());
     std::sort(sorted.begin(), sorted.end());
-    return {.median = quantile(sorted, 0.5), .min = sorted.front(), .max = sorted.back()};
+    const double sum = std::accumulate(sorted.begin(), sorted.end(), 0.0);
+    return {.mean = sum / static_cast<double>(sorted.size()),
+            .median = quantile(sorted, 0.5),
+            .min = sorted.front(),
+            .max = sorted.back()};
 }
 
 std::optional<Shift> shiftBetween(std::span<const double> base, std::span<const double> changed) {
@@ -207,6 +313,32 @@ std::optional<Shift> shiftBetween(std::span<const double> base, std::span<const 
                           std::expm1(differences[differences.size() - end])};
     }
     return shift;
+}
+
+std::optional<Shift> shiftOfPairs(std::span<const double> base, std::span<const double> changed) {
+    const auto ratios = ratiosOf(base, changed);
+    if (!ratios || ratios->empty()) {
+        return std::nullopt;
+    }
+    std::vector<double> moved = *ratios;
+    std::erase(moved, 0.0);
+    const std::vector<double> averages = sortedWalshAverages(*ratios);
+    Shift shift{.change = std::expm1(quantile(averages, 0.5)),
+                .interval = std::nullopt,
+                .p = SignedRankTest(std::move(moved)).twoSidedP()};
+    if (const std::size_t end = SignedRankTest::lowerEnd(ratios->size()); end != 0) {
+        shift.interval = {std::expm1(averages[end - 1]), std::expm1(averages[averages.size() - end])};
+    }
+    return shift;
+}
+
+std::optional<double> geometricChange(std::span<const double> base, std::span<const double> changed) {
+    const auto from = logarithmsOf(base);
+    const auto to = logarithmsOf(changed);
+    if (!from || !to || from->empty() || to->empty()) {
+        return std::nullopt;
+    }
+    return std::expm1(momentsOf(*to).mean - momentsOf(*from).mean);
 }
 
 std::optional<double> welchP(std::span<const double> base, std::span<const double> changed) {
@@ -231,6 +363,20 @@ std::optional<double> welchP(std::span<const double> base, std::span<const doubl
                        squareOfT / (freedom + squareOfT));
 }
 
+std::optional<double> pairedP(std::span<const double> base, std::span<const double> changed) {
+    const auto ratios = ratiosOf(base, changed);
+    if (!ratios || ratios->size() < 2) {
+        return std::nullopt;
+    }
+    const Moments moments = momentsOf(*ratios);
+    if (moments.meanVariance == 0.0) {
+        return moments.mean == 0.0 ? 1.0 : 0.0;
+    }
+    const double squareOfT = moments.mean * moments.mean / moments.meanVariance;
+    const double whole = moments.freedom + squareOfT;
+    return betaBetween(moments.freedom / 2.0, 0.5, moments.freedom / whole, squareOfT / whole);
+}
+
 std::vector<double> holm(std::span<const double> p) {
     std::vector<std::size_t> order(p.size());
     std::iota(order.begin(), order.end(), std::size_t{0});
@@ -244,6 +390,31 @@ std::vector<double> holm(std::span<const double> p) {
         corrected[order[rank]] = largest;
     }
     return corrected;
+}
+
+std::optional<double> largeSpread(std::span<const double> base, std::span<const double> changed,
+                                  bool isPaired) {
+    std::vector<std::optional<std::vector<double>>> samples;
+    if (isPaired) {
+        samples.push_back(ratiosOf(base, changed));
+    } else {
+        samples = {logarithmsOf(base), logarithmsOf(changed)};
+    }
+    double squares = 0.0;
+    double freedom = 0.0;
+    for (const auto& sample : samples) {
+        if (!sample || sample->size() < 2) {
+            return std::nullopt;
+        }
+        const Moments moments = momentsOf(*sample);
+        squares += moments.meanVariance * moments.freedom * static_cast<double>(sample->size());
+        freedom += moments.freedom;
+    }
+    // The lower fifth of the chi-square distribution by Wilson and Hilferty.
+    constexpr double fifthOfNormal = -0.8416212335729143;
+    const double part = 2.0 / (9.0 * freedom);
+    const double root = 1.0 - part + fifthOfNormal * std::sqrt(part);
+    return std::sqrt(squares / (freedom * root * root * root));
 }
 
 double incompleteBeta(double a, double b, double x) {

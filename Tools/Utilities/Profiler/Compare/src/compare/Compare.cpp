@@ -36,10 +36,12 @@ std::vector<analysis::RunSummary> load(const std::vector<std::string>& logs, Mem
     return runs;
 }
 
-ExitCode exitCodeOf(analysis::GateOutcome outcome) {
+ExitCode exitCodeOf(analysis::GateOutcome outcome, bool failsUnsure) {
     switch (outcome) {
         case analysis::GateOutcome::pass:
             return ExitCode::good;
+        case analysis::GateOutcome::unsure:
+            return failsUnsure ? ExitCode::incomparable : ExitCode::good;
         case analysis::GateOutcome::slower:
             return ExitCode::slower;
         case analysis::GateOutcome::incomparable:
@@ -51,14 +53,15 @@ ExitCode exitCodeOf(analysis::GateOutcome outcome) {
 // The gate's words are a part of the text.
 ExitCode judgeBy(const analysis::Comparison& comparison, const analysis::Gate& gate, bool hasText) {
     const analysis::GateResult result = analysis::judge(comparison, gate);
-    if (result.outcome == analysis::GateOutcome::pass && hasText) {
-        std::cout << "\nThe gate passes: no time for " << nameOf(gate.total)
-                  << " grew by more than is allowed.\n";
+    if (hasText && result.outcome == analysis::GateOutcome::pass) {
+        std::cout << "\nThe gate passes: nothing grew by more than is allowed.\n";
+    } else if (hasText && result.outcome == analysis::GateOutcome::unsure && !gate.failsUnsure) {
+        std::cout << "\nThe gate passes, since nothing is known to have grown by more than is allowed.\n";
     }
     for (const std::string& reason : result.reasons) {
         command::printErrorLine(programName, reason);
     }
-    return exitCodeOf(result.outcome);
+    return exitCodeOf(result.outcome, gate.failsUnsure);
 }
 
 void writeForms(const CompareOptions& options, const analysis::Comparison& comparison) {
@@ -73,7 +76,7 @@ ExitCode compareVersions(const CompareOptions& options, StandardOutput& output) 
     try {
         const std::vector<analysis::RunSummary> base = load(options.base, memory);
         const std::vector<analysis::RunSummary> changed = load(options.changed, memory);
-        const analysis::Comparison comparison = analysis::compare(base, changed, options.renames);
+        const analysis::Comparison comparison = analysis::compare(base, changed, options.settings);
         writeForms(options, comparison);
         const bool hasText = !isFormAlone(options.formFiles);
         if (hasText) {
@@ -83,7 +86,9 @@ ExitCode compareVersions(const CompareOptions& options, StandardOutput& output) 
             forms::printComparison(std::cout, comparison,
                                    {.hasColour = style.hasColour,
                                     .hasUnicode = style.hasUnicode,
-                                    .hideBelow = options.hideBelow});
+                                    .hideBelow = options.hideBelow,
+                                    .rows = options.rows,
+                                    .width = style.width});
         }
         output.finish();
         if (MemoryLimit::wasHit()) {

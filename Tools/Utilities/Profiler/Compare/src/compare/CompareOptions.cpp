@@ -38,6 +38,16 @@ double shareOf(const Given& given) {
     return *percent / 100.0;
 }
 
+std::size_t rowsOf(const Given& given) {
+    constexpr std::size_t maxRows = 1'000'000;
+    const auto rows = command::numberOf<std::size_t>(given.value);
+    if (!rows || *rows == 0 || *rows > maxRows) {
+        throw wrongUsage(given.name,
+                         "\"" + given.value + "\" is no number from 1 to " + std::to_string(maxRows));
+    }
+    return *rows;
+}
+
 double usOf(const Given& given) {
     const auto us = amountOf(given.value);
     if (!us) {
@@ -74,6 +84,10 @@ analysis::Total totalOf(const Given& given) {
 constexpr const char* baseName = "--base";
 constexpr const char* newName = "--new";
 constexpr const char* failName = "--fail-above";
+constexpr const char* failLayerName = "--fail-layer-above";
+constexpr const char* minChangeName = "--min-change-us";
+constexpr const char* failUnsureName = "--fail-unsure";
+constexpr const char* pairedName = "--paired";
 
 // What is given, before the gate is put together: its options make none unless a growth is forbidden.
 struct GivenOptions {
@@ -94,16 +108,35 @@ OptionRows ownRows() {
         {{"--rename", " OLD=NEW",
           "The ZEB layer OLD of the base is NEW in the new version. May be given again."},
          Takes::valueEachTime,
-         [](auto& all, const auto& given) { all.options.renames.push_back(renameOf(given)); }},
+         [](auto& all, const auto& given) { all.options.settings.renames.push_back(renameOf(given)); }},
+        {{pairedName, "",
+          "Take the first log of the base with the first new one, and so on: for logs that were taken in "
+          "turns, at least " +
+              std::to_string(analysis::minPairs) + " of each, better eight."},
+         Takes::nothing,
+         [](auto& all, const auto&) { all.options.settings.isPaired = true; }},
         {{"--hide-below", " PERCENT",
           "Only count layers whose change is a smaller share of the base's layer sum. Default 0.5."},
          Takes::value,
          [](auto& all, const auto& given) { all.options.hideBelow = shareOf(given); }},
+        {{"--rows", " N", "Rows of a table of layers in the text, at most; the rest is counted. Default 20."},
+         Takes::value,
+         [](auto& all, const auto& given) { all.options.rows = rowsOf(given); }},
         {{failName, " PERCENT",
           "Fail when a graph's time grew by more. With several logs a side a growth counts only where it is "
-          "sure; with one a side the change alone decides."},
+          "sure; with one a side the change alone decides. What can't be told passes, with a word."},
          Takes::value,
          [](auto& all, const auto& given) { all.gate.maxGrowth = shareOf(given); }},
+        {{failLayerName, " PERCENT",
+          "Fail when a layer surely grew by more, beyond what all layers of its graph share."},
+         Takes::value,
+         [](auto& all, const auto& given) { all.gate.maxLayerGrowth = shareOf(given); }},
+        {{failUnsureName, "",
+          "Fail also where it can't be told whether a time grew by more than is allowed."},
+         Takes::nothing,
+         [](auto& all, const auto&) { all.gate.failsUnsure = true; },
+         {},
+         {.needs = failName}},
         {{"--gate", " TIME",
           "The time to judge: " + profiling::namesInARow(command::namesOf(gateNames)) + ". Default marlix.",
           command::namesOf(gateNames)},
@@ -111,11 +144,11 @@ OptionRows ownRows() {
          [](auto& all, const auto& given) { all.gate.total = totalOf(given); },
          {},
          {.needs = failName}},
-        {{"--min-change-us", " N", "Let a growth by less than N microseconds pass."},
+        {{minChangeName, " N",
+          "Let a growth by less than N microseconds pass, of a time and of a layer. Needs a limit beside "
+          "it."},
          Takes::value,
-         [](auto& all, const auto& given) { all.gate.minChangeUs = usOf(given); },
-         {},
-         {.needs = failName}},
+         [](auto& all, const auto& given) { all.gate.minChangeUs = usOf(given); }},
         {command::maxMemoryOption(), Takes::value,
          [](auto& all, const auto& given) { all.options.maxMemory = command::maxMemoryOf(given); }},
     };
@@ -170,6 +203,16 @@ void takeFiles(CompareOptions& options, const Words& files) {
     }
 }
 
+void checkGate(const CommandLine& line, const analysis::Gate& gate) {
+    if (line.isGiven(minChangeName) && !line.isGiven(failName) && !line.isGiven(failLayerName)) {
+        throw wrongUsage(minChangeName,
+                         "needs " + std::string(failName) + " or " + failLayerName + " beside it");
+    }
+    if (gate.failsUnsure && gate.maxGrowth == 0.0) {
+        throw wrongUsage(failUnsureName, "needs a limit above 0, since no change is known to be 0");
+    }
+}
+
 }  // namespace
 
 std::string_view meaningOf(ExitCode exitCode) {
@@ -183,9 +226,9 @@ std::string_view meaningOf(ExitCode exitCode) {
         case ExitCode::badOutput:
             return "standard output or a file can't be written";
         case ExitCode::slower:
-            return "a time grew by more than --fail-above allows";
+            return "a time or a layer grew by more than is allowed";
         case ExitCode::incomparable:
-            return "--fail-above has nothing that it can compare";
+            return "a gate has nothing that it can compare, or can't tell and has --fail-unsure";
         case ExitCode::badPlugin:
         case ExitCode::badReport:
         case ExitCode::closedPipe:
@@ -203,10 +246,16 @@ CompareOptions parseCommandLine(int argc, const char* const* argv) {
         return all.options;
     }
     applyGiven(line, optionRows(), all);
-    if (line.isGiven(failName)) {
+    checkGate(line, all.gate);
+    if (all.gate.maxGrowth || all.gate.maxLayerGrowth) {
         all.options.gate = all.gate;
     }
     takeFiles(all.options, files);
+    if (all.options.settings.isPaired && all.options.base.size() != all.options.changed.size()) {
+        throw wrongUsage(pairedName, "takes as many logs of the base as new ones, and there are " +
+                                         std::to_string(all.options.base.size()) + " and " +
+                                         std::to_string(all.options.changed.size()));
+    }
     return all.options;
 }
 
@@ -225,6 +274,8 @@ profiling::CommandManual compareManual() {
                      {"", "zeb-profile-compare --base old-*.zlog --new new-*.zlog"},
                      {"", "zeb-profile-compare --rename conv1=stem --hide-below 0 old.zlog new.zlog"},
                      {"", "zeb-profile-compare --html changes.html --base old-*.zlog --new new-*.zlog"},
+                     {"Logs that were taken in turns: old-1, new-1, old-2 and so on",
+                      "zeb-profile-compare --paired --base old-*.zlog --new new-*.zlog"},
                      {"A build pipeline that fails when an inference gets slower by more than 5 %",
                       "zeb-profile-compare --fail-above 5 --base main-*.zlog --new change-*.zlog"}}};
 }

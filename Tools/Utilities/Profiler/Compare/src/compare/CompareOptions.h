@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -26,8 +27,9 @@ struct CompareOptions {
     command::Action action = command::Action::work;
     std::vector<std::string> base;  ///< one log at least, and so below
     std::vector<std::string> changed;
-    std::vector<analysis::Rename> renames;
+    analysis::CompareSettings settings;
     double hideBelow = 0.005;               ///< a share
+    std::size_t rows = 20;                  ///< of a table of layers in the text, at most
     std::optional<analysis::Gate> gate;     ///< nothing: every change is good
     std::vector<command::Given> formFiles;  ///< of the forms that are wanted (`comparisonForms`)
     command::MemorySize maxMemory = command::defaultMemorySize();

@@ -1,8 +1,7 @@
 // The page of two versions, from its data to its parts:
 //
 // Data   `comparison` is the object of --json of zeb-profile-compare; `view` has what it is shown with: `hide_below`,
-//        the fewest logs that tell a change from chance, the names of totals, and which quantiles of executions are
-//        shown, and of how many. Neither changes.
+//        the names of totals, and which quantiles of executions are shown, and of how many. Neither changes.
 // State  which graph is shown, and what each table is told to.
 // Parts  an element of comparison.html and a file here, with a function that fills it: header, totals, inference,
 //        layers. A part that has nothing to show says why (`missing`). main.js draws them.
@@ -12,7 +11,7 @@ import {digits} from "../shared/figures.js";
 
 export const comparison = dataOf("comparison-data");
 export const view = dataOf("view-data");
-export const isSeveral = comparison.basis === "several";
+export const isSeveral = comparison.basis === "several" || comparison.basis === "paired";
 
 // ---- Words and figures
 
@@ -37,8 +36,9 @@ export const intervalOf = row =>
   row.low === null || row.high === null ? null : `${signedPercent(row.low)} to ${signedPercent(row.high)}`;
 export const pOf = p => (p === null ? "–" : p < 0.001 ? "< 0.001" : p.toFixed(3));
 export const changeOf = row => (row.verdict === "unsure" ? "~" : row.change === null ? "–" : signedPercent(row.change));
-// Means of several logs have fractions, times of one have none.
-export const decimalsOf = values => (values.every(value => value === null || Number.isInteger(value)) ? 0 : 1);
+// Means of several logs have fractions, times of one have none; from 1000 on nobody looks at them.
+export const decimalsOf = values =>
+  values.every(value => value === null || Number.isInteger(value)) || values.some(value => value >= 1000) ? 0 : 1;
 export const kindOf = row =>
   row.verdict === "slower" || row.verdict === "faster"
     ? row.verdict

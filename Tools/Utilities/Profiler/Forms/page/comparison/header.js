@@ -5,7 +5,6 @@ import {digits, time, timeParts} from "../shared/figures.js";
 import {
   changeOf,
   comparison,
-  decimalsOf,
   intervalOf,
   isOnBoth,
   isSeveral,
@@ -45,66 +44,18 @@ function sideOf(title, logs) {
   );
 }
 
-// Of a whole that may not have changed.
-function partsThatChanged(graph) {
-  const sayFor = verdict => {
-    const names = graph.totals.filter(row => row.verdict === verdict).map(row => view.totals[row.total]);
-    return names.length === 0 ? "" : `Surely ${verdict}: ${names.join(", ")}. `;
-  };
-  return sayFor("slower") + sayFor("faster");
-}
-
-// The answer in a sentence, and how sure it is.
+// The answer's kind, its first words, the rest of the sentence, and what the change lies in.
 function answerOf(graph) {
-  const fewest = view.fewest_logs;
-  const moreLogs = `Take ${fewest} logs or more of each, in turns.`;
-  const row = graph && totalOf(graph, "marlix");
   if (!graph) {
-    return {kind: "unsure", lead: "Nothing to compare:", rest: "no graph was executed on both sides.", sure: ""};
+    return {kind: "unsure", lead: "Nothing to compare:", rest: "no graph was executed on both sides.", causes: []};
   }
-  if (!isOnBoth(row)) {
-    return {kind: "unsure", lead: "Can't tell:", rest: "not both sides have execution times of this graph.", sure: ""};
-  }
-  const decimals = decimalsOf([row.base.median_us, row.new.median_us]);
-  const us = range => `${digits(range.median_us, decimals)} us`;
-  const times = `an inference takes ${us(row.new)} in place of ${us(row.base)}`;
-  const longer =
-    row.change === null ? "" : `, ${digits(Math.abs(row.change) * 100, 1)} % ${row.change < 0 ? "less" : "more"}`;
-  if (comparison.basis === "one-each") {
-    return {
-      kind: row.verdict,
-      lead: row.verdict === "same" ? "The new log is as fast as that of the base:" : `The new log is ${wordOf(row)}:`,
-      rest: `${times}${longer}.`,
-      sure:
-        "Nobody knows how sure that is. One log against one: a difference between runs can't be told from one " +
-        `between versions. ${moreLogs}`,
-    };
-  }
-  if (comparison.basis === "too-few") {
-    return {
-      kind: "unsure",
-      lead: "Can't tell yet:",
-      rest: `${times}, and that may be chance.`,
-      sure: `Too few logs: it takes ${fewest} or more of each to tell a change from chance. ${moreLogs}`,
-    };
-  }
-  const interval = intervalOf(row);
-  if (row.verdict === "unsure") {
-    return {
-      kind: "unsure",
-      lead: "Can't tell them apart:",
-      rest: `${times}, and that may be chance.`,
-      sure: interval
-        ? `With 95 % the true change lies between ${interval.replace(" to ", " and ")}, so there may be none. ` +
-          `${partsThatChanged(graph)}More logs of each tell more.`
-        : `Too few logs have this graph, or one has a time of 0. ${moreLogs}`,
-    };
-  }
+  const {kind, text, causes} = graph.answer;
+  const end = text.indexOf(":") + 1;
   return {
-    kind: row.verdict,
-    lead: `The new version is ${wordOf(row)}:`,
-    rest: `${times}${longer}.`,
-    sure: `That is sure: with 95 % the true change lies between ${interval.replace(" to ", " and ")}.`,
+    kind: kind === "not-slower" ? "same" : kind,
+    lead: text.slice(0, end),
+    rest: text.slice(end).trim(),
+    causes,
   };
 }
 
@@ -124,10 +75,19 @@ function noteBox(kind, title, sentences) {
 }
 
 function gateBox(gate) {
+  const percentOf = share => `${digits(share * 100, 1)} %`;
+  const limits = [
+    gate.fail_above === null ? null : `${view.totals[gate.total]} may grow by ${percentOf(gate.fail_above)}`,
+    gate.fail_layer_above === null ? null : `a layer by ${percentOf(gate.fail_layer_above)} beyond what all share`,
+  ].filter(Boolean);
   const floor = gate.min_change_us > 0 ? `, and by less than ${digits(gate.min_change_us, 1)} us in any case` : "";
-  const rule = `${view.totals[gate.total]} may grow by ${digits(gate.fail_above * 100, 1)} %${floor}.`;
+  const rule = `${limits.join(", ")}${floor}.`;
   if (gate.outcome === "pass") {
-    return noteBox("pass", "✓ The gate passes", [`No time grew by more than is allowed: ${rule}`]);
+    return noteBox("pass", "✓ The gate passes", [`Nothing grew by more than is allowed: ${rule}`]);
+  }
+  if (gate.outcome === "unsure") {
+    const title = gate.fail_unsure ? "✗ The gate can't tell, and fails then" : "~ The gate can't tell, and passes";
+    return noteBox("warning", title, [...gate.reasons, rule]);
   }
   return gate.outcome === "slower"
     ? noteBox("slower", "✗ The gate fails", [...gate.reasons, rule])
@@ -144,8 +104,14 @@ export function showHeader(graph) {
       {class: `answer is-${answer.kind}`},
       make("b", {}, `${verdicts[answer.kind][0]} ${answer.lead}`),
       ` ${answer.rest}`,
-      answer.sure ? make("span", {class: "how-sure"}, answer.sure) : null,
     ),
+    answer.causes.length === 0
+      ? null
+      : make(
+          "ul",
+          {class: "causes"},
+          answer.causes.map(cause => make("li", {}, isolated(cause))),
+        ),
   );
 
   const row = graph && totalOf(graph, "marlix");
@@ -161,14 +127,14 @@ export function showHeader(graph) {
     if (!range) {
       return figure(name, "–", "", "not known");
     }
-    const [value, unit] = timeParts(range.median_us);
+    const [value, unit] = timeParts(range.mean_us);
     return figure(
       name,
       value,
       unit,
       range.logs === 1
         ? "median of the log's executions"
-        : `median of ${digits(range.logs)} logs, from ${time(range.min_us)} to ${time(range.max_us)}`,
+        : `mean of ${digits(range.logs)} logs, from ${time(range.min_us)} to ${time(range.max_us)}`,
     );
   };
   const [change, percentSign] = row ? changeOf(row).split(" ") : ["–"];
@@ -206,5 +172,5 @@ export function showHeader(graph) {
     ? " Whiskers hold the true change with 95 %: where they leave out the middle, the change is sure."
     : "";
   part("origin").textContent =
-    "Times are in microseconds (us). Totals are medians over the logs, layers means of their averages.";
+    "Times are in microseconds (us). Totals and layers are means over the logs.";
 }

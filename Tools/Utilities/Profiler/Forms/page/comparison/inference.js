@@ -4,20 +4,21 @@ import {draw, legend, make, missing, part} from "../shared/elements.js";
 import {digits, share} from "../shared/figures.js";
 import {comparison, decimalsOf, isOnBoth, kindOf, nothingToCompare, signed, totalOf, view} from "./data.js";
 
+const whole = "marlix-average";
 const partsOfInference = [
-  ["marlix", []],
-  ["backend", ["marlix"]],
-  ["accelerator", ["marlix", "backend"]],
-  ["layers", ["marlix", "backend", "accelerator"]],
-  ["ipc", ["marlix", "backend"]],
-  ["copies", ["marlix", "backend"]],
-  ["queue-wait", ["marlix", "backend"]],
+  [whole, []],
+  ["backend", [whole]],
+  ["accelerator", [whole, "backend"]],
+  ["layers", [whole, "backend", "accelerator"]],
+  ["ipc", [whole, "backend"]],
+  ["copies", [whole, "backend"]],
+  ["queue-wait", [whole, "backend"]],
 ];
 
 // The base above, the new version below with what it has more or less.
 function pairOfBars(row, longest) {
-  const base = row.base?.median_us ?? 0,
-    now = row.new?.median_us ?? 0;
+  const base = row.base?.mean_us ?? 0,
+    now = row.new?.mean_us ?? 0;
   const width = us => `${(share(us, longest) * 100).toFixed(2)}%`;
   const both = Math.min(base, now);
   const isSure = kindOf(row) !== "other";
@@ -55,9 +56,9 @@ export function showInference(graph) {
     host.replaceChildren(missing(graph ? "Neither side has execution times of this graph." : nothingToCompare));
     return;
   }
-  const times = rows.flatMap(({row}) => [row.base, row.new]).map(range => range?.median_us ?? 0);
+  const times = rows.flatMap(({row}) => [row.base, row.new]).map(range => range?.mean_us ?? 0);
   const longest = Math.max(...times);
-  const us = range => (range === null ? "–" : digits(range.median_us, decimalsOf([range.median_us])));
+  const us = range => (range === null ? "–" : digits(range.mean_us, decimalsOf([range.mean_us])));
   host.replaceChildren(
     make(
       "div",
@@ -100,7 +101,7 @@ export function showInference(graph) {
                 "td",
                 {class: "number"},
                 isOnBoth(row)
-                  ? signed(row.change_us, size => digits(size, decimalsOf([row.base.median_us, row.new.median_us])))
+                  ? signed(row.change_us, size => digits(size, decimalsOf([row.base.mean_us, row.new.mean_us])))
                   : "–",
               ),
             ),

@@ -38,11 +38,11 @@ export function showTotals(graph) {
   const limit = rounded(Math.min(widest, Math.max(8 * extentOf(rows[0]), 0.05)));
   const us = row => {
     const decimals = decimalsOf(
-      [row.base, row.new].flatMap(range => (range ? [range.median_us, range.min_us, range.max_us] : [])),
+      [row.base, row.new].flatMap(range => (range ? [range.mean_us, range.min_us, range.max_us] : [])),
     );
     return value => digits(value, decimals);
   };
-  const middleOf = (row, range) => (range === null ? "–" : us(row)(range.median_us));
+  const middleOf = (row, range) => (range === null ? "–" : us(row)(range.mean_us));
   const cell = (row, range) =>
     make(
       "td",

@@ -15,6 +15,7 @@ namespace zeb::forms {
 std::string_view keyOf(analysis::Total total);
 std::string_view keyOf(analysis::Basis basis);
 std::string_view keyOf(analysis::GateOutcome outcome);
+std::string_view keyOf(analysis::Answer::Kind kind);
 
 /// A total on one side.
 struct SideTotal {
@@ -36,6 +37,7 @@ struct Judgement {
 template <typename Visit>
 void fieldsOf(const SideTotal& side, Visit visit) {
     visit("logs", side.logs);
+    visit("mean_us", side.us.mean);
     visit("median_us", side.us.median);
     visit("min_us", side.us.min);
     visit("max_us", side.us.max);
@@ -54,15 +56,15 @@ void fieldsOf(const analysis::TotalChange& row, Visit visit) {
     const auto sideOf = [](std::size_t logs, const analysis::Range& us) {
         return logs == 0 ? std::nullopt : std::optional(SideTotal{logs, us});
     };
-    const bool isOnBoth = row.baseLogs != 0 && row.newLogs != 0;
     visit("total", keyOf(row.total));
     visit("base", sideOf(row.baseLogs, row.base));
     visit("new", sideOf(row.newLogs, row.changed));
-    visit("change_us", isOnBoth ? std::optional(row.changeUs()) : std::nullopt);
+    visit("change_us", row.isOnBoth() ? std::optional(row.changeUs()) : std::nullopt);
     visit("change", row.change);
     visit("low", row.interval ? std::optional(row.interval->low) : std::nullopt);
     visit("high", row.interval ? std::optional(row.interval->high) : std::nullopt);
     visit("p", row.p);
+    visit("spread", row.spread);
     visit("verdict", nameOf(row.verdict));
 }
 
@@ -73,8 +75,25 @@ void fieldsOf(const analysis::LayerChange& row, Visit visit) {
     visit("new_us", row.newUs);
     visit("change_us", row.changeUs());
     visit("change", row.change);
+    visit("excess", row.excess);
+    visit("excess_us", row.excessUs);
     visit("p", row.p);
     visit("verdict", nameOf(row.verdict));
+}
+
+template <typename Visit>
+void fieldsOf(const analysis::SharedChange& shared, Visit visit) {
+    visit("change", shared.change);
+    visit("low", shared.interval ? std::optional(shared.interval->low) : std::nullopt);
+    visit("high", shared.interval ? std::optional(shared.interval->high) : std::nullopt);
+    visit("verdict", nameOf(shared.verdict));
+}
+
+template <typename Visit>
+void fieldsOf(const analysis::Answer& answer, Visit visit) {
+    visit("kind", keyOf(answer.kind));
+    visit("text", answer.text);
+    visit("causes", answer.causes);
 }
 
 template <typename Visit>
@@ -84,8 +103,10 @@ void fieldsOf(const analysis::GraphComparison& graph, Visit visit) {
     visit("new_name", graph.newName);
     visit("base_logs", graph.baseLogs);
     visit("new_logs", graph.newLogs);
+    visit("answer", graph.answer);
     visit("base_executions", executions ? std::optional(SideExecutions{executions->first}) : std::nullopt);
     visit("new_executions", executions ? std::optional(SideExecutions{executions->second}) : std::nullopt);
+    visit("shared", graph.shared);
     visit("totals", graph.totals);
     visit("layers", graph.layers);
     visit("types", graph.types);
@@ -97,6 +118,8 @@ void fieldsOf(const analysis::Comparison& comparison, Visit visit) {
     visit("base", comparison.baseLogs);
     visit("new", comparison.newLogs);
     visit("different_levels", comparison.haveDifferentLevels);
+    visit("copies", comparison.copies);
+    visit("same_run", comparison.haveSameRun);
     visit("warnings", comparison.warnings);
     visit("graphs", comparison.graphs);
     visit("gone_graphs", comparison.goneGraphs);
@@ -107,7 +130,9 @@ template <typename Visit>
 void fieldsOf(const Judgement& judgement, Visit visit) {
     visit("total", keyOf(judgement.gate.total));
     visit("fail_above", judgement.gate.maxGrowth);
-    visit("min_change_us", judgement.gate.minChangeUs);
+    visit("fail_layer_above", judgement.gate.maxLayerGrowth);
+    visit("min_change_us", judgement.gate.minChangeUs.value_or(0.0));
+    visit("fail_unsure", judgement.gate.failsUnsure);
     visit("outcome", keyOf(judgement.result.outcome));
     visit("reasons", judgement.result.reasons);
 }

@@ -14,6 +14,8 @@ std::string_view keyOf(analysis::Basis basis) {
             return "several";
         case Basis::tooFew:
             return "too-few";
+        case Basis::paired:
+            return "paired";
     }
     return "";
 }
@@ -23,10 +25,29 @@ std::string_view keyOf(analysis::GateOutcome outcome) {
     switch (outcome) {
         case GateOutcome::pass:
             return "pass";
+        case GateOutcome::unsure:
+            return "unsure";
         case GateOutcome::slower:
             return "slower";
         case GateOutcome::incomparable:
             return "incomparable";
+    }
+    return "";
+}
+
+std::string_view keyOf(analysis::Answer::Kind kind) {
+    using Kind = analysis::Answer::Kind;
+    switch (kind) {
+        case Kind::slower:
+            return "slower";
+        case Kind::faster:
+            return "faster";
+        case Kind::same:
+            return "same";
+        case Kind::notSlower:
+            return "not-slower";
+        case Kind::unsure:
+            return "unsure";
     }
     return "";
 }
@@ -36,10 +57,14 @@ std::string_view keyOf(analysis::Total total) {
     switch (total) {
         case Total::marlix:
             return "marlix";
+        case Total::average:
+            return "marlix-average";
         case Total::backend:
             return "backend";
         case Total::accelerator:
             return "accelerator";
+        case Total::outside:
+            return "outside";
         case Total::ipc:
             return "ipc";
         case Total::copies:

@@ -14,7 +14,6 @@ void writeView(std::ostream& out, double hideBelow) {
     JsonWriter json(out, jsonOfPage);
     json.beginObject();
     json.member("hide_below", hideBelow);
-    json.member("fewest_logs", analysis::minLogs);
     json.key("quantiles");
     writeQuantiles(json);
     json.key("totals");

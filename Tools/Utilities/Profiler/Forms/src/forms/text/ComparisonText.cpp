@@ -3,10 +3,13 @@
 #include <algorithm>
 #include <cmath>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "analysis/Answer.h"
+#include "forms/text/ComparisonRows.h"
 #include "forms/text/ConsoleText.h"
 #include "text/NumberText.h"
 
@@ -17,55 +20,39 @@ namespace {
 using analysis::Basis;
 using analysis::Comparison;
 using analysis::GraphComparison;
-using analysis::LayerChange;
+using analysis::microseconds;
 using analysis::TotalChange;
 using analysis::Verdict;
-using profiling::fixedPoint;
 
 constexpr std::size_t mostNameColumns = 48;
-constexpr std::size_t mostTextColumns = 1000;  // of a warning
+constexpr std::size_t fewNameColumns = 16;
+constexpr std::size_t leastNameColumns = 8;
+constexpr std::size_t mostTextColumns = 1000;  // of a sentence
 constexpr std::size_t mostLogsNamed = 3;
-constexpr std::string_view unsure = "~";
+constexpr std::size_t mostAnswers = 20;
+constexpr std::size_t indentation = 2;
 
-std::string us(double value) {
-    return fixedPoint(value, 1);
-}
+// What a table shows: all of it, or what fits.
+struct Shape {
+    std::size_t nameColumns = mostNameColumns;
+    bool hasRanges = true;
+    bool hasP = true;
+    bool hasIntervals = true;
+    bool hasTimes = true;
+};
 
-std::string withSign(double value, const std::string& text) {
-    return (value > 0.0 ? "+" : "") + text;
-}
-
-std::string changeUs(double value) {
-    return withSign(value, us(value));
-}
-
-std::string percent(double share) {
-    return withSign(share, fixedPoint(share * 100.0, 1)) + '%';
-}
-
-std::string pText(const std::optional<double>& p) {
-    if (!p) {
-        return "";
+// From the widest to the narrowest.
+std::vector<Shape> shapesOf() {
+    std::vector<Shape> shapes = {{},
+                                 {.hasRanges = false},
+                                 {.hasRanges = false, .hasP = false},
+                                 {.hasRanges = false, .hasP = false, .hasIntervals = false}};
+    while (shapes.back().nameColumns > leastNameColumns) {
+        shapes.push_back(shapes.back());
+        --shapes.back().nameColumns;
+        shapes.back().hasTimes = shapes.back().nameColumns >= fewNameColumns;
     }
-    return *p < 0.001 ? "<0.001" : fixedPoint(*p, 3);
-}
-
-std::string rangeText(const analysis::Range& range, std::size_t logs) {
-    if (logs == 0) {
-        return "-";
-    }
-    return us(range.median) + (logs == 1 ? "" : " (" + us(range.min) + " to " + us(range.max) + ")");
-}
-
-std::string changeText(const std::optional<double>& change, Verdict verdict) {
-    if (verdict == Verdict::unsure) {
-        return std::string(unsure);
-    }
-    return change ? percent(*change) : "";
-}
-
-std::string counted(std::size_t count, std::string_view one, std::string_view several) {
-    return std::to_string(count) + ' ' + std::string(count == 1 ? one : several);
+    return shapes;
 }
 
 // A table whose rows have the colour of their verdict.
@@ -78,8 +65,16 @@ public:
         verdicts_.push_back(verdict);
     }
 
+    [[nodiscard]] std::size_t width() const {
+        std::size_t width = 0;
+        for (const std::string& line : table_.lines(indentation)) {
+            width = std::max(width, columnsOf(line));
+        }
+        return width;
+    }
+
     void print(std::ostream& out, bool hasColour) const {
-        const std::vector<std::string> lines = table_.lines(2);
+        const std::vector<std::string> lines = table_.lines(indentation);
         out << lines.front() << '\n';
         for (std::size_t row = 0; row < verdicts_.size(); ++row) {
             const std::string_view colour = hasColour ? colourOf(verdicts_[row]) : "";
@@ -105,16 +100,14 @@ public:
         : out_(out), comparison_(comparison), options_(options) {}
 
     void print() {
+        printAnswers();
         printHead();
         for (const GraphComparison& graph : comparison_.graphs) {
             out_ << "\nGraph " << name(graph.newName) << '\n';
             printExecutions(graph);
             printTotals(graph);
-            printLayers("ZEB layers", "Layer", graph.layers);
-            printLayers("ORU layers by type", "Type", graph.types);
-        }
-        if (comparison_.graphs.empty()) {
-            out_ << "\nNo graph was executed on both sides, so there is nothing to compare.\n";
+            printLayers("ZEB layers", "Layer", graph, graph.layers);
+            printLayers("ORU layers by type", "Type", graph, graph.types);
         }
         for (const std::string& graph : comparison_.goneGraphs) {
             out_ << "\nGraph " << name(graph) << " is gone: the base alone has it.\n";
@@ -125,43 +118,79 @@ public:
     }
 
 private:
-    [[nodiscard]] std::string name(const std::string& text) const {
-        return shownName(text, mostNameColumns, options_.hasUnicode);
+    [[nodiscard]] std::string name(std::string_view text, std::size_t columns = mostNameColumns) const {
+        return shownName(text, columns, options_.hasUnicode);
+    }
+
+    // On as many lines as it takes, the later ones below the first one's text.
+    void printSentence(std::string_view front, std::string_view text) {
+        const std::string shown = shownName(text, mostTextColumns, options_.hasUnicode);
+        const std::size_t columns = options_.width.value_or(mostTextColumns + front.size());
+        std::string before(front);
+        for (const std::string& line : wrapped(shown, columns - std::min(columns, front.size()))) {
+            out_ << before << line << '\n';
+            before.assign(front.size(), ' ');
+        }
+    }
+
+    void printAnswers() {
+        const auto& graphs = comparison_.graphs;
+        if (graphs.empty()) {
+            out_ << "No graph was executed on both sides, so there is nothing to compare.\n\n";
+            return;
+        }
+        for (const GraphComparison& graph : std::span(graphs).first(std::min(graphs.size(), mostAnswers))) {
+            printSentence("", "Graph " + name(graph.newName) + ": " + graph.answer.text);
+            for (const std::string& cause : graph.answer.causes) {
+                printSentence("  - ", cause);
+            }
+        }
+        if (graphs.size() > mostAnswers) {
+            out_ << "and " << graphs.size() - mostAnswers << " graphs more, see below\n";
+        }
+        out_ << '\n';
     }
 
     void printSide(std::string_view label, const std::vector<std::string>& logs) {
-        out_ << label << counted(logs.size(), "log", "logs") << ": ";
+        std::string text = counted(logs.size(), "log", "logs") + ": ";
         for (std::size_t log = 0; log < std::min(logs.size(), mostLogsNamed); ++log) {
-            out_ << (log == 0 ? "" : ", ") << name(logs[log]);
+            text.append(log == 0 ? "" : ", ").append(name(logs[log]));
         }
         if (logs.size() > mostLogsNamed) {
-            out_ << " and " << logs.size() - mostLogsNamed << " more";
+            text += " and " + std::to_string(logs.size() - mostLogsNamed) + " more";
         }
-        out_ << '\n';
+        printSentence(label, text);
     }
 
     void printHead() {
         printSide("Base  ", comparison_.baseLogs);
         printSide("New   ", comparison_.newLogs);
-        const std::string fewest = std::to_string(analysis::minLogs);
+        printSentence("", basisWords());
+        for (const std::string& warning : comparison_.warnings) {
+            printSentence("Warning: ", warning);
+        }
+    }
+
+    [[nodiscard]] std::string basisWords() const {
+        const std::string sure =
+            "A change stands where it is sure, else \"~\"; the interval holds the true change of a total "
+            "with 95%.";
         switch (comparison_.basis) {
             case Basis::oneEach:
-                out_ << "One log against one: a difference between runs can't be told from one between "
-                        "versions.\n"
-                     << "With " << fewest << " logs or more of each it can.\n";
-                break;
+                return "One log against one: a difference between runs can't be told from one between "
+                       "versions. With " +
+                       std::to_string(analysis::minLogs) + " logs or more of each it can.";
             case Basis::tooFew:
-                out_ << "Too few logs: it takes " << fewest
-                     << " or more of each to tell a change from chance, so every change is \"~\".\n";
-                break;
+                return "Too few logs: it takes " +
+                       (comparison_.isPaired ? std::to_string(analysis::minPairs) + " pairs or more"
+                                             : std::to_string(analysis::minLogs) + " or more of each") +
+                       " to tell a change from chance, so every change is \"~\".";
             case Basis::several:
-                out_ << "A change stands where it is sure, else \"~\"; the interval holds the true change "
-                        "of a total with 95%.\n";
-                break;
+                return sure;
+            case Basis::paired:
+                return "Compared in pairs, the n-th log of the base with the n-th new one. " + sure;
         }
-        for (const std::string& warning : comparison_.warnings) {
-            out_ << "Warning: " << shownName(warning, mostTextColumns, options_.hasUnicode) << '\n';
-        }
+        return "";
     }
 
     void printExecutions(const GraphComparison& graph) {
@@ -178,95 +207,115 @@ private:
             std::vector<std::string> cells = {side, std::to_string(spread.count)};
             for (std::size_t position = 0; position < std::size(analysis::quantiles); ++position) {
                 const std::optional<double> shown = spread.shownUs(position);
-                cells.push_back(shown ? us(*shown) : "-");
+                cells.push_back(shown ? microseconds(*shown) : "-");
             }
             table.add(std::move(cells));
         };
         add("Base", graph.executions->first);
         add("New", graph.executions->second);
-        for (const std::string& line : table.lines(2)) {
+        for (const std::string& line : table.lines(indentation)) {
             out_ << line << '\n';
         }
     }
 
+    // Prints the table that fits, of those that `make` returns for a shape.
+    template <typename Make>
+    void printFitting(const Make& make) {
+        const std::size_t width = options_.width.value_or(std::string::npos);
+        static const std::vector<Shape> shapes = shapesOf();
+        const auto fits = [&](const Shape& shape) { return make(shape).width() <= width; };
+        const auto shape = std::find_if(shapes.begin(), shapes.end() - 1, fits);
+        make(*shape).print(out_, options_.hasColour);
+    }
+
     void printTotals(const GraphComparison& graph) {
         out_ << "\nTotals\n";
-        ChangeTable table(columns("", {"95% interval", "p"}));
-        for (const TotalChange& row : graph.totals) {
-            const bool isOnBoth = row.baseLogs != 0 && row.newLogs != 0;
-            add(table,
-                {std::string(nameOf(row.total)), rangeText(row.base, row.baseLogs),
-                 rangeText(row.changed, row.newLogs), isOnBoth ? changeUs(row.changeUs()) : "-",
-                 changeText(row.change, row.verdict)},
-                {row.interval ? percent(row.interval->low) + " to " + percent(row.interval->high) : "",
-                 pText(row.p)},
-                row.verdict);
-        }
-        table.print(out_, options_.hasColour);
-    }
-
-    // A table's columns; `sure` are those on how sure a change is, which it takes several logs a side to
-    // tell.
-    [[nodiscard]] std::vector<ConsoleTable::Column> columns(const char* name,
-                                                            const std::vector<const char*>& sure) const {
-        std::vector<ConsoleTable::Column> all = {{name, Side::left},
-                                                 {"Base us", Side::right},
-                                                 {"New us", Side::right},
-                                                 {"Change us", Side::right},
-                                                 {"Change", Side::right}};
-        if (isSeveral()) {
-            for (const char* const title : sure) {
-                all.push_back({title, Side::right});
+        printFitting([&](const Shape& shape) {
+            const bool hasIntervals = isSure() && shape.hasIntervals;
+            std::vector<ConsoleTable::Column> columns = columnsOfChanges("", shape, false);
+            addColumn(columns, hasIntervals, "95% interval");
+            addColumn(columns, isSure() && shape.hasP, "p");
+            columns.push_back({"", Side::left});
+            ChangeTable table(columns);
+            for (const TotalChange& row : graph.totals) {
+                std::vector<std::string> cells = {std::string(nameOf(row.total))};
+                addCell(cells, shape.hasTimes, rangeText(row, row.base, row.baseLogs, shape.hasRanges));
+                addCell(cells, shape.hasTimes, rangeText(row, row.changed, row.newLogs, shape.hasRanges));
+                cells.push_back(row.isOnBoth() ? changeUsOf(row) : "-");
+                cells.push_back(changeOf(row));
+                addCell(cells, hasIntervals, row.interval ? textOf(*row.interval) : "");
+                addCell(cells, isSure() && shape.hasP, pText(row.p));
+                cells.push_back(wordOf(row.verdict));
+                table.add(std::move(cells), row.verdict);
             }
-        }
-        all.push_back({"", Side::left});
-        return all;
+            return table;
+        });
     }
 
-    void add(ChangeTable& table, std::vector<std::string> cells, const std::vector<std::string>& sure,
-             Verdict verdict) const {
-        if (isSeveral()) {
-            cells.insert(cells.end(), sure.begin(), sure.end());
-        }
-        cells.emplace_back(verdict == Verdict::unsure ? "" : nameOf(verdict));
-        table.add(std::move(cells), verdict);
+    [[nodiscard]] bool isSure() const {
+        return comparison_.basis == Basis::several || comparison_.basis == Basis::paired;
     }
 
-    [[nodiscard]] bool isSeveral() const { return comparison_.basis == Basis::several; }
+    static std::vector<ConsoleTable::Column> columnsOfChanges(const char* name, const Shape& shape,
+                                                              bool hasShared) {
+        std::vector<ConsoleTable::Column> columns = {{name, Side::left}};
+        addColumn(columns, shape.hasTimes, "Base us");
+        addColumn(columns, shape.hasTimes, "New us");
+        addColumn(columns, true, "Change us");
+        addColumn(columns, true, "Change");
+        addColumn(columns, hasShared, "Beyond");
+        return columns;
+    }
 
-    void printLayers(std::string_view title, const char* nameTitle, const std::vector<LayerChange>& rows) {
-        if (rows.empty()) {
+    static void addColumn(std::vector<ConsoleTable::Column>& columns, bool isThere, const char* title) {
+        if (isThere) {
+            columns.push_back({title, Side::right});
+        }
+    }
+
+    static void addCell(std::vector<std::string>& cells, bool isThere, std::string text) {
+        if (isThere) {
+            cells.push_back(std::move(text));
+        }
+    }
+
+    void printLayers(std::string_view title, const char* nameTitle, const GraphComparison& graph,
+                     const std::vector<analysis::LayerChange>& changes) {
+        if (changes.empty()) {
             return;
         }
-        LayerChange sum{.name = "Sum", .change = {}, .p = {}};
-        for (const LayerChange& row : rows) {
-            sum.baseUs += row.baseUs;
-            sum.newUs += row.newUs;
-        }
         out_ << '\n' << title << '\n';
-        ChangeTable table(columns(nameTitle, {"p"}));
-        LayerChange others{.name = {}, .change = {}, .p = {}};
-        std::size_t hidden = 0;
-        for (const LayerChange& row : rows) {
-            if (std::abs(row.changeUs()) < options_.hideBelow * sum.baseUs) {
-                ++hidden;
-                others.baseUs += row.baseUs;
-                others.newUs += row.newUs;
-            } else {
-                add(table, row, changeText(row.change, row.verdict));
+        if (graph.shared) {
+            printSentence("  ", sharedWords(*graph.shared));
+        }
+        const ShownRows rows = shownRows(changes, options_.hideBelow, options_.rows);
+        printFitting([&](const Shape& shape) {
+            std::vector<ConsoleTable::Column> columns =
+                columnsOfChanges(nameTitle, shape, graph.shared.has_value());
+            addColumn(columns, isSure() && shape.hasP, "p");
+            columns.push_back({"", Side::left});
+            ChangeTable table(columns);
+            const auto add = [&](const analysis::LayerChange& row, const std::string& change,
+                                 const std::string& beyond) {
+                std::vector<std::string> cells = {name(row.name, shape.nameColumns)};
+                addCell(cells, shape.hasTimes, microseconds(row.baseUs));
+                addCell(cells, shape.hasTimes, microseconds(row.newUs));
+                cells.push_back(changeUsOf(row));
+                cells.push_back(change);
+                addCell(cells, graph.shared.has_value(), beyond);
+                addCell(cells, isSure() && shape.hasP, pText(row.p));
+                cells.push_back(wordOf(row.verdict));
+                table.add(std::move(cells), row.verdict);
+            };
+            for (const analysis::LayerChange* const row : rows.shown) {
+                add(*row, changeOf(*row, comparison_.basis, graph.shared.has_value()), beyondOf(*row));
             }
-        }
-        if (hidden != 0) {
-            others.name = '[' + counted(hidden, "other", "others") + ']';
-            add(table, others, "");
-        }
-        add(table, sum, "");
-        table.print(out_, options_.hasColour);
-    }
-
-    void add(ChangeTable& table, const LayerChange& row, const std::string& change) const {
-        add(table, {name(row.name), us(row.baseUs), us(row.newUs), changeUs(row.changeUs()), change},
-            {pText(row.p)}, row.verdict);
+            if (rows.hidden != 0) {
+                add(rows.others, "", "");
+            }
+            add(rows.sum, "", "");
+            return table;
+        });
     }
 
     std::ostream& out_;
