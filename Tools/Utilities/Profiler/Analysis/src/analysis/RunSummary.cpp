@@ -101,7 +101,7 @@ GraphSummary summaryOf(const Run& run, const Graph& graph) {
         set(Total::copies, copiesUs);
         set(Total::queueWait, asTime(breakdown->queueWaitUs));
     }
-    if (summary.executions != 0) {
+    if (summary.spread.count != 0) {
         set(Total::average, static_cast<double>(graph.average.durationUs));
     }
     const auto& averageUs = summary.totalUs(Total::average);
