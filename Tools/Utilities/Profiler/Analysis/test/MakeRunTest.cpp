@@ -237,6 +237,30 @@ TEST_F(MadeRun, GivesEventsToTheLatestStepOfAKind) {
     EXPECT_EQ(std::get<SharedText>(run.steps[5].events[0].value), "text");
 }
 
+// Of finalizations the report has the latest of a name, and without one no Init out of steps.
+TEST_F(MadeRun, HasTheInitAndTheFinalizeThatTheReportShows) {
+    const Message init = test::message(MethodType::InitStep, "", 10);
+    const Message compose = test::message(MethodType::ComposeGraphs, "a", 100);
+    const Message first = test::message(MethodType::Finalize, "a", 30);
+    const Message second = test::message(MethodType::Finalize, "a", 40);
+    const Message execute = test::message(MethodType::Execute, "a", 7);
+    const struct {
+        std::vector<Message> messages;
+        std::optional<std::uint64_t> initUs;
+        std::optional<std::uint64_t> finalizeUs;
+    } cases[] = {
+        {{init, compose, first, second, execute}, 150, 40},
+        {{init, compose, execute}, 0, std::nullopt},
+        {{test::message(MethodType::Init, "", 77), init, first, execute}, 77, 30},
+        {{execute}, std::nullopt, std::nullopt},
+    };
+    for (const auto& [messages, initUs, finalizeUs] : cases) {
+        const analysis::Run run = runOf(messages);
+        EXPECT_EQ(run.initUs, initUs);
+        EXPECT_EQ(run.graphs[0].finalizeUs, finalizeUs);
+    }
+}
+
 // A hostile log refers to one long text from many places: neither time nor memory follow the product.
 TEST_F(MadeRun, TakesALongTextThatManyStepsShareInPart) {
     const auto bytes = samplelog::encodeSharedTextLog({.methodType = MethodType::Finalize,

@@ -272,6 +272,20 @@ bool covers(const std::vector<profiling::NodeMappingEntry>& mapping, std::size_t
 
 std::vector<OtherMethod> otherMethodsOf(const EventStore& store);
 
+// Whether the report's Init is made of it.
+bool isOfInit(const Step& step) {
+    return step.kind != StepKind::libraryLoad && step.kind != StepKind::deInit;
+}
+
+// The report has the latest finalization of each name.
+std::optional<std::uint64_t> finalizeUs(const std::vector<const NamedMethodRecord*>& finalizations) {
+    std::optional<std::uint64_t> sum;
+    for (const NamedMethodRecord* const entry : finalizations) {
+        sum = sum.value_or(0) + entry->record->durationUs;
+    }
+    return sum;
+}
+
 class RunMaker {
 public:
     RunMaker(LoadedLog& log, EventTrees eventTrees, Run& run)
@@ -284,6 +298,9 @@ public:
         run_.isAsync = store_.asyncExecute;
         run_.steps = std::move(log_.steps);
         StepEvents(store_, events_, run_.steps).add();
+        if (std::any_of(run_.steps.begin(), run_.steps.end(), isOfInit)) {
+            run_.initUs = store_.initDurationUs;
+        }
         run_.otherMethods = otherMethodsOf(store_);
         makeGraphs();
     }
@@ -324,6 +341,9 @@ private:
         } else if (const auto found = finalizations_.find(records.graphName.text());
                    found != finalizations_.end()) {
             scope.finalizations.push_back(found->second);
+        }
+        if (store_.hasFinalize) {
+            graph.finalizeUs = finalizeUs(scope.finalizations);
         }
         addFigures(graph, scope, level);
         addTree(graph, store_.executeAverage[position]);

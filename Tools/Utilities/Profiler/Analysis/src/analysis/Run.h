@@ -270,7 +270,8 @@ struct Graph {
     TypicalExecution longest;
     std::optional<Breakdown> breakdown;  ///< nothing when the log has no data of the backend on it
     Part inference;                      ///< averages throughout, the first execution included
-    std::uint32_t dspClockHz = 0;        ///< 0: not told
+    std::optional<std::uint64_t> finalizeUs;  ///< what the report shows; nothing without a finalization
+    std::uint32_t dspClockHz = 0;             ///< 0: not told
     std::uint32_t krelClockHz = 0;
     std::vector<OruLayer> oruLayers;    ///< in the order of the report
     std::vector<ZebLayer> zebLayers;    ///< in the order of the report
@@ -302,6 +303,7 @@ struct Run {
     std::optional<Level> level;  ///< nothing when the log has no data of the backend
     bool isAsync = false;
     std::vector<Step> steps;  ///< in log order
+    std::optional<std::uint64_t> initUs;  ///< what the report shows as Init; nothing without a step of it
     std::vector<Graph> graphs;
     std::vector<OtherMethod> otherMethods;
     std::vector<Finding> findings;  ///< on the log as a whole

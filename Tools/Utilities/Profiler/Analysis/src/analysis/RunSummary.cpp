@@ -23,38 +23,6 @@ void addTo(std::optional<double>& sum, const std::optional<double>& us) {
     }
 }
 
-// The Init message where there is one, else all that leads to the first execution.
-std::optional<double> initUs(const Run& run) {
-    std::optional<double> whole;
-    std::optional<double> steps;
-    for (const Step& step : run.steps) {
-        switch (step.kind) {
-            case StepKind::init:
-                whole = asTime(step.durationUs);
-                break;
-            case StepKind::initStep:
-            case StepKind::compose:
-            case StepKind::finalize:
-                addTo(steps, asTime(step.durationUs));
-                break;
-            case StepKind::libraryLoad:
-            case StepKind::deInit:
-                break;
-        }
-    }
-    return whole ? whole : steps;
-}
-
-std::optional<double> finalizeUs(const Run& run, const Graph& graph) {
-    std::optional<double> sum;
-    for (const Step& step : run.steps) {
-        if (step.kind == StepKind::finalize && (run.graphs.size() == 1 || step.text == graph.name)) {
-            addTo(sum, asTime(step.durationUs));
-        }
-    }
-    return sum;
-}
-
 template <typename Rows, typename Time>
 std::vector<LayerTime> timesOf(const Rows& rows, Time time) {
     std::vector<LayerTime> times;
@@ -108,8 +76,8 @@ GraphSummary summaryOf(const Run& run, const Graph& graph) {
     if (const auto& acceleratorUs = summary.totalUs(Total::accelerator); averageUs && acceleratorUs) {
         set(Total::outside, std::max(0.0, *averageUs - *acceleratorUs));
     }
-    set(Total::init, initUs(run));
-    set(Total::finalize, finalizeUs(run, graph));
+    set(Total::init, asTime(run.initUs));
+    set(Total::finalize, asTime(graph.finalizeUs));
     std::optional<double> layersUs;
     for (const LayerTime& layer : summary.layers) {
         addTo(layersUs, layer.us);

@@ -259,6 +259,7 @@ void fieldsOf(Graph& graph, Visit visit) {
     visit("breakdown", graph.breakdown);
     visit("inference", Derived<analysis::Part>{graph.inference});
     visit("layers", Derived<analysis::LayerSums>{graph.layers});
+    visit("finalize_us", graph.finalizeUs);
     visit("dsp_clock_hz", graph.dspClockHz);
     visit("krel_clock_hz", graph.krelClockHz);
     visit("findings", graph.findings);
@@ -279,6 +280,7 @@ void fieldsOf(Run& run, Visit visit) {
     visit("level", run.level);
     visit("asynchronous", run.isAsync);
     visit("steps", run.steps);
+    visit("init_us", run.initUs);
     visit("graphs", run.graphs);
     visit("other_methods", run.otherMethods);
     visit("findings", run.findings);
