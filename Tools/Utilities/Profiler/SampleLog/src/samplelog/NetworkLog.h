@@ -33,7 +33,9 @@ struct NetworkOptions {
     std::optional<std::uint64_t> seed =
         std::nullopt;  ///< adds random variation; without it nothing is random
     std::uint32_t driftMillionths =
-        0;  ///< standard deviation of one factor on all times, drawn from the seed
+        0;  ///< standard deviation of one factor on all times, drawn from the seed below
+    std::optional<std::uint64_t> driftSeed =
+        std::nullopt;  ///< logs of one have one drift, whatever else varies; nothing: the seed above
     std::uint32_t slowerMillionths = 0;  ///< that all times grow by
     std::optional<SlowerLayer> slowerLayer = std::nullopt;
     std::uint64_t epochUs = 1'790'845'200'000'000;  ///< when the log was created, since the Unix epoch

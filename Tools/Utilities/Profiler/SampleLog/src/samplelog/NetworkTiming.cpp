@@ -91,7 +91,8 @@ std::uint64_t atPace(std::uint64_t value, std::uint64_t pace) {
 RunPace runPaceOf(const NetworkOptions& options) {
     std::int64_t driftMillionths = 0;
     if (options.seed) {
-        const std::int64_t drawn = randomDeviation(mixed(*options.seed) ^ driftStream);
+        const std::int64_t drawn =
+            randomDeviation(mixed(options.driftSeed.value_or(*options.seed)) ^ driftStream);
         driftMillionths = drawn * options.driftMillionths / deviationUnit;
     }
     const auto drifted = static_cast<std::uint64_t>(deviationUnit + driftMillionths);

@@ -156,6 +156,15 @@ const OptionRows& optionRows() {
          },
          {},
          {.needs = "--seed"}},
+        {{"--drift-seed", " N",
+          "Draw that factor from N and not from the --seed: logs that share it have drifted alike."},
+         Takes::value,
+         [](auto& options, const auto& given) {
+             networkOf(options, given).driftSeed =
+                 integerOf(given, 0, std::numeric_limits<std::uint64_t>::max());
+         },
+         {},
+         {.needs = "--drift"}},
         {{"--slower", " PERCENT",
           "Make all times longer by 0 to " + std::to_string(maxSlower) + " per cent."},
          Takes::value,
