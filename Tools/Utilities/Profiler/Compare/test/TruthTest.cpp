@@ -36,6 +36,8 @@ struct Setup {
     NetworkOptions changed = {};
     std::uint64_t logs = 5;  // a side
     std::uint32_t driftMillionths = 20'000;
+    bool sharesDrift = false;  // the n-th logs of both sides
+    bool isPaired = false;
 };
 
 class Truth : public testing::Test {
@@ -56,10 +58,13 @@ protected:
                 NetworkOptions options = side == 0 ? NetworkOptions{} : setup.changed;
                 options.driftMillionths = setup.driftMillionths;
                 options.seed = seed * 1000 + side * 500 + log;
+                if (setup.sharesDrift) {
+                    options.driftSeed = seed * 1000 + log;
+                }
                 sides[side].push_back(runOf(options));
             }
         }
-        return analysis::compare(sides[0], sides[1]);
+        return analysis::compare(sides[0], sides[1], {.isPaired = setup.isPaired});
     }
 
     // Counts the seeds whose comparison is as it is asked for.
@@ -128,6 +133,22 @@ TEST_F(Truth, OneLogASideMarksALayerThatIsFarBeyondTheOthers) {
     EXPECT_GE(countSeeds("one log a side, a layer slowed by 40 % is marked and no other", slower,
                          [](const auto& comparison) { return isMarked(comparison, {slowedLayer}); }),
               90 * seeds_);
+}
+
+TEST_F(Truth, PairsThatShareTheirDriftShowWhatItHides) {
+    Setup setup{.changed = {.slowerMillionths = 30'000},
+                .logs = 8,
+                .driftMillionths = fourPercent,
+                .sharesDrift = true,
+                .isPaired = true};
+    const auto isFound = [](const auto& comparison) { return isSlower(comparison, 0.0); };
+    EXPECT_GE(countSeeds("8 pairs, 3 % slower under a shared drift of 4 % is found", setup, isFound),
+              95 * seeds_);
+    setup.isPaired = false;
+    EXPECT_LE(countSeeds("the same, not paired", setup, isFound), 30 * seeds_);
+    setup.isPaired = true;
+    setup.changed = {};
+    EXPECT_LE(countSeeds("8 pairs, no change fails --fail-above 0", setup, isFound), 10 * seeds_);
 }
 
 }  // namespace
