@@ -22,9 +22,10 @@ Forms/src/forms/trace         forms/json analysis store text log zeb/profiling
 Forms/src/forms/page          forms/json analysis
 Forms/src/forms/tables        forms/json analysis text
 Forms/src/forms/text          analysis text
+Forms/src/forms/markdown      forms/text analysis
 Command/src/command           forms/json forms/text analysis text log zeb/profiling
 Viewer/src/viewer             command forms/json forms/trace forms/page forms/text analysis log logging text flatbuffers zeb/profiling
-Compare/src/compare           command forms/json forms/page forms/text analysis text zeb/profiling
+Compare/src/compare           command forms/json forms/markdown forms/page forms/text analysis text zeb/profiling
 Export/src/export             command forms/tables analysis text zeb/profiling
 History/src/history           command forms/json forms/page forms/text analysis text zeb/profiling
 SampleLog/src/samplelog       log flatbuffers

@@ -2,7 +2,7 @@
 CREATE TABLE IF NOT EXISTS runs (
     run_id TEXT, log TEXT, header_time_scale DOUBLE, header_epoch_us UBIGINT, header_steady_us UBIGINT,
     header_generator TEXT, header_generator_version TEXT, header_backend_version TEXT, header_adapter_updater BOOLEAN,
-    level TEXT, asynchronous BOOLEAN);
+    level TEXT, asynchronous BOOLEAN, init_us UBIGINT);
 CREATE TABLE IF NOT EXISTS labels (run_id TEXT, key TEXT, value TEXT);
 CREATE TABLE IF NOT EXISTS graphs (
     run_id TEXT, graph INTEGER, name TEXT, spread_count UBIGINT, spread_min_us DOUBLE, spread_median_us DOUBLE,
@@ -11,8 +11,8 @@ CREATE TABLE IF NOT EXISTS graphs (
     breakdown_execution_count UBIGINT, breakdown_backend_us UBIGINT, breakdown_queue_wait_us UBIGINT,
     breakdown_input_copy_us DOUBLE, breakdown_output_copy_us DOUBLE, breakdown_ipc_us UBIGINT,
     breakdown_accelerator_us UBIGINT, layers_kind TEXT, layers_dsp_us UBIGINT, layers_krel_us UBIGINT,
-    layers_time_us UBIGINT, layers_handing_over_us UBIGINT, dsp_clock_hz UBIGINT, krel_clock_hz UBIGINT, average_duration_us UBIGINT,
-    shortest_duration_us UBIGINT, longest_duration_us UBIGINT);
+    layers_time_us UBIGINT, layers_handing_over_us UBIGINT, finalize_us UBIGINT, dsp_clock_hz UBIGINT,
+    krel_clock_hz UBIGINT, average_duration_us UBIGINT, shortest_duration_us UBIGINT, longest_duration_us UBIGINT);
 CREATE TABLE IF NOT EXISTS executions (
     run_id TEXT, graph INTEGER, row INTEGER, start_us UBIGINT, duration_us UBIGINT, queue_wait_us UBIGINT);
 CREATE TABLE IF NOT EXISTS steps (

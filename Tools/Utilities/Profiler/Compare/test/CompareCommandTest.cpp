@@ -86,15 +86,16 @@ TEST_F(CompareCommand, GatesSeveralLogs) {
     EXPECT_EQ(run(sides).exitCode, 0);
     const CommandResult slower = run(joined({"--fail-above", "5%"}, sides));
     EXPECT_EQ(slower.exitCode, 6);
-    EXPECT_TRUE(
-        holds(slower.err, "zeb-profile-compare: Graph mobilenet_v1_224: the time for Marlix, median grew by "))
+    EXPECT_TRUE(holds(slower.err,
+                      "zeb-profile-compare: Graph mobilenet_v1_224: the time for Marlix, median grew by "))
         << slower.err;
     EXPECT_TRUE(holds(slower.out, "  slower\n"));
     const Strings passing[] = {{"--fail-above", "20"}, {"--fail-above=5", "--min-change-us=1000"}};
     for (const Strings& gate : passing) {
         const CommandResult passed = run(joined(gate, sides));
         EXPECT_EQ(passed.exitCode, 0);
-        EXPECT_TRUE(holds(passed.out, "\nThe gate passes: nothing grew by more than is allowed.")) << passed.out;
+        EXPECT_TRUE(holds(passed.out, "\nThe gate passes: nothing grew by more than is allowed."))
+            << passed.out;
     }
     EXPECT_EQ(run(joined({"--fail-above", "5", "--gate", "layers"}, sides)).exitCode, 6);
 }
@@ -120,7 +121,8 @@ TEST_F(CompareCommand, EndsWithTheExitCodeThatWeighsMost) {
                   "The versions can't be compared: a run is on both sides.");
     const CommandResult unsure = run({"--fail-above", "30", good, slow});
     EXPECT_EQ(unsure.exitCode, 0);
-    EXPECT_TRUE(holds(unsure.err, "can't tell whether the time for Marlix, median grew by more than the 30.0%"));
+    EXPECT_TRUE(
+        holds(unsure.err, "can't tell whether the time for Marlix, median grew by more than the 30.0%"));
     EXPECT_TRUE(holds(unsure.out, "\nThe gate passes, since nothing is known to have grown"));
     EXPECT_EQ(run({"--fail-above", "30", "--fail-unsure", good, slow}).exitCode, 7);
     const std::string layer = log("layer", {.slowerLayer = samplelog::SlowerLayer{"conv_pw_5", 420'000}});
@@ -355,14 +357,10 @@ TEST_F(CompareCommand, ShowsHelpAndVersion) {
     EXPECT_EQ(help.exitCode, 0);
     EXPECT_EQ(run({"-h"}).out, help.out);
     for (const std::string text :
-         {"Usage: zeb-profile-compare [options] BASE NEW
-", " [options] --base BASE... --new NEW...
-",
-          "Default
-                        marlix. Needs --fail-above.", "  --base LOG...",
+         {"Usage: zeb-profile-compare [options] BASE NEW\n", " [options] --base BASE... --new NEW...\n",
+          "Default marlix. Needs --fail-above.", "  --base LOG...",
           "  --rename OLD=NEW",
-          "  7  a gate has nothing that it can compare, or can't tell and has --fail-unsure
-",
+          "  7  a gate has nothing that it can compare, or can't tell and has --fail-unsure\n",
           "A build pipeline"}) {
         EXPECT_TRUE(holds(help.out, text)) << text;
     }

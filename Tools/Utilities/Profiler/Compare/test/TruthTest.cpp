@@ -32,7 +32,7 @@ int seedCount() {
     return text == nullptr ? 20 : std::max(1, std::atoi(text));
 }
 
-struct Setup {
+struct LogSet {
     NetworkOptions changed = {};
     std::uint64_t logs = 5;  // a side
     std::uint32_t driftMillionths = 20'000;
@@ -51,7 +51,7 @@ protected:
     }
 
     // Logs of the designed network against those of a changed one, all of seeds of their own.
-    analysis::Comparison comparisonOf(const Setup& setup, std::uint64_t seed) const {
+    analysis::Comparison comparisonOf(const LogSet& setup, std::uint64_t seed) const {
         std::vector<analysis::RunSummary> sides[2];
         for (const std::uint64_t side : {0U, 1U}) {
             for (std::uint64_t log = 0; log < setup.logs; ++log) {
@@ -69,7 +69,7 @@ protected:
 
     // Counts the seeds whose comparison is as it is asked for.
     template <typename Is>
-    int countSeeds(const std::string& what, const Setup& setup, Is is) const {
+    int countSeeds(const std::string& what, const LogSet& setup, Is is) const {
         int count = 0;
         for (int seed = 1; seed <= seeds_; ++seed) {
             count += is(comparisonOf(setup, static_cast<std::uint64_t>(seed))) ? 1 : 0;
@@ -105,7 +105,7 @@ TEST_F(Truth, NoChangeSeldomFails) {
 }
 
 TEST_F(Truth, ATenthSlowerFailsForFivePercentAndIsNoFaultOfALayer) {
-    const Setup setup{.changed = {.slowerMillionths = 100'000}};
+    const LogSet setup{.changed = {.slowerMillionths = 100'000}};
     EXPECT_GE(countSeeds("10 % slower fails --fail-above 5", setup,
                          [](const auto& comparison) { return isSlower(comparison, 0.05); }),
               95 * seeds_);
@@ -124,11 +124,11 @@ TEST_F(Truth, ASlowerLayerIsMarkedAndNoOther) {
 }
 
 TEST_F(Truth, OneLogASideMarksALayerThatIsFarBeyondTheOthers) {
-    const Setup plain{.logs = 1, .driftMillionths = fourPercent};
+    const LogSet plain{.logs = 1, .driftMillionths = fourPercent};
     EXPECT_LE(countSeeds("one log a side, no change: a layer is marked", plain,
                          [](const auto& comparison) { return !isMarked(comparison, {}); }),
               10 * seeds_);
-    Setup slower = plain;
+    LogSet slower = plain;
     slower.changed.slowerLayer = SlowerLayer{slowedLayer, 400'000};
     EXPECT_GE(countSeeds("one log a side, a layer slowed by 40 % is marked and no other", slower,
                          [](const auto& comparison) { return isMarked(comparison, {slowedLayer}); }),
@@ -136,11 +136,11 @@ TEST_F(Truth, OneLogASideMarksALayerThatIsFarBeyondTheOthers) {
 }
 
 TEST_F(Truth, PairsThatShareTheirDriftShowWhatItHides) {
-    Setup setup{.changed = {.slowerMillionths = 30'000},
-                .logs = 8,
-                .driftMillionths = fourPercent,
-                .sharesDrift = true,
-                .isPaired = true};
+    LogSet setup{.changed = {.slowerMillionths = 30'000},
+                 .logs = 8,
+                 .driftMillionths = fourPercent,
+                 .sharesDrift = true,
+                 .isPaired = true};
     const auto isFound = [](const auto& comparison) { return isSlower(comparison, 0.0); };
     EXPECT_GE(countSeeds("8 pairs, 3 % slower under a shared drift of 4 % is found", setup, isFound),
               95 * seeds_);

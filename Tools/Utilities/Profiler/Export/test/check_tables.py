@@ -66,7 +66,7 @@ def expected(run):
     """The rows of all tables that the JSON of a run tells, without their keys where those are its own."""
     graphs = list(enumerate(run["graphs"]))
     tables = {
-        "runs": [columns_of({key: run[key] for key in ("run_id", "log", "header", "level", "asynchronous")})],
+        "runs": [columns_of({key: run[key] for key in ("run_id", "log", "header", "level", "asynchronous", "init_us")})],
         "labels": [{"key": "site", "value": "lab"}],
         "graphs": [{"graph": at} | columns_of(graph) for at, graph in graphs],
         "executions": [

@@ -148,7 +148,7 @@ profiling::CommandManual exportManual() {
         .examples = {{"", "zeb-profile-export --to fleet run-*.zlog"},
                      {"", "zeb-profile-export --to fleet --label site=lab --label board=7 run.zlog"},
                      {"All logs of a directory, and none twice",
-                      "find logs -name '*.zlog' | zeb-profile-export --to fleet --skip-known --files-from -"},
+                      "find logs -type f | zeb-profile-export --to all --skip-known --files-from -"},
                      {"", "zeb-profile-export --to fleet --tables runs,graphs run.zlog"}}};
 }
 

@@ -121,7 +121,7 @@ HistoryOptions parseCommandLine(int argc, const char* const* argv) {
 
 profiling::CommandManual historyManual() {
     return {.name = std::string(programName),
-            .summary = "Shows when times of many versions got slower, by how much, and which layers did it.",
+            .summary = "Shows when many versions got slower, by how much, and which layers did it.",
             .usages = {"[options] RUN...", "[options] --files-from FILE"},
             .options = manualOf(optionRows()),
             .tables = {},
