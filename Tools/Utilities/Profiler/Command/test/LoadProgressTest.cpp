@@ -9,8 +9,8 @@
 #include <thread>
 
 #include "command/FileDescriptor.h"
-#include "support/TestChunks.h"
 #include "command/LoadProgress.h"
+#include "support/TestChunks.h"
 
 namespace zeb::command {
 namespace {

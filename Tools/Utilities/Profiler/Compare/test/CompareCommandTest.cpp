@@ -358,8 +358,7 @@ TEST_F(CompareCommand, ShowsHelpAndVersion) {
     EXPECT_EQ(run({"-h"}).out, help.out);
     for (const std::string text :
          {"Usage: zeb-profile-compare [options] BASE NEW\n", " [options] --base BASE... --new NEW...\n",
-          "Default marlix. Needs --fail-above.", "  --base LOG...",
-          "  --rename OLD=NEW",
+          "Default marlix. Needs --fail-above.", "  --base LOG...", "  --rename OLD=NEW",
           "  7  a gate has nothing that it can compare, or can't tell and has --fail-unsure\n",
           "A build pipeline"}) {
         EXPECT_TRUE(holds(help.out, text)) << text;

@@ -101,7 +101,7 @@ Compared hostile() {
     graph.newName = test::hostileScript + "\xFF";
     graph.layers[0].name = test::hostileImage;
     graph.layers[1].name =
-        std::string("\0\x1B[31m \" ' ` \\u003c \xE2\x80\xA8 \xE2\x80\xAE", 26) + test::hostileScript;
+        std::string("\0\x1B[31m \" ' ` \\u003c \xE2\x80\xA8 \xE2\x80\xAE", 27) + test::hostileScript;
     graph.layers[2].name = "__proto__";
     graph.types[0].name = "]]>" + test::hostileImage;
     compared.gate->total = Total::layers;  // which the graph lacks: it is named in the reason
@@ -186,7 +186,8 @@ TEST(ComparisonPageInBrowser, SaysWhatIsComparedAndDoesWhatItIsToldTo) {
          "alone has it.; Graph more is new: the base does not have it.\n"
          "totals: +10.0 % slower, ~ can't tell, -10.0 % faster, ~ can't tell, +5,900.0 % slower\n"
          "layers: conv10 +100.0 % slower, old - gone, conv9 -50.0 % faster, young - new, loud ~ can't tell\n"
-         "differences: good\ncopyingChanges: good\nheads: good\ntotalNames: Marlix, Backend, IPC, Queue "
+         "differences: good\ncopyingChanges: good\nheads: good\ntotalNames: Marlix, median, Marlix, average, "
+         "Backend, IPC, Queue "
          "wait\n"},
         {"its tables", pageOf(allKinds()), "sortingChanges minorChanges",
          "sortingChanges: good\nminorChanges: good\n"},
@@ -216,7 +217,7 @@ TEST(ComparisonPageInBrowser, SaysWhatItCannotTell) {
          found("= As fast in these two logs", columns, "good")},
         {"too few", pageOf(comparedLogs(2, plain, slower)), steps, found("~ Can't tell", columns, "good")},
         {"chance", pageOf(comparedLogs(4, {.seed = 1}, {.seed = 5})), steps,
-         found("= Not slower than 1.0%",
+         found("= Not slower than 1.5%",
                "Layer, Base (us), New (us), Change (us), Change, Beyond, p, Verdict", "good")},
         {"level basic", pageOf(comparedLogs(1, basic, basic)), steps,
          found("= As fast in these two logs", "good",

@@ -90,7 +90,7 @@ TEST(PageInBrowser, EachLogIsShownAsItIs) {
         {"limits", pageOf(limits()), "events findingTimes shares rest",
          "events: event 1; event 2; event 3; event 4; event 5; event 6; event 7; event 8; event 9; event 10; "
          "event 11; event 12; and 1 more\n"
-         "findingTimes: 0.50 us; 9 us; 42.5 us; 9,999 us; 10.0 ms; 10,000 ms; 10.0 s; 123 s\n"
+         "findingTimes: 0.50 us; 9 us; 42.5 us; 9,999 us; 10.0 ms; 10,000 ms; 10.0 s; 123 s; once 59.1 ms\n"
          "shares: < 0.01 %; 100.0 %; 0.03 %; 0.0 %\nrest: good\n"},
         {"level basic", pageOf(runOf({.level = samplelog::ProfileLevel::basic})), steps,
          shows("2,229us 84% –", basic, "dot; 20")},
@@ -111,7 +111,7 @@ TEST(PageInBrowser, EachLogIsShownAsItIs) {
          "parts: good\nexecutions: outlier,range; 1,000,000\nmedians: 1\n"},
         {"one layer more than are ranked", pageOf(runOf({.executions = 2, .layers = 21})),
          "ranking drawn width=900 drawn",
-         "ranking: 1 other; global_average_pooling2d\ndrawn: good\ndrawn: good\n"},
+         "ranking: 1 other; global_aver…e_pooling2d\ndrawn: good\ndrawn: good\n"},
     });
 }
 

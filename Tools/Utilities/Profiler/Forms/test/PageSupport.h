@@ -145,7 +145,7 @@ inline analysis::Run hostileRun() {
     graph.name = script + "\xFF";
     graph.findings.front().text = image;
     graph.zebLayers[0].name = image;
-    graph.zebLayers[1].name = std::string("\0\x1B[31m \" ' ` \\u003c \xE2\x80\xA8 \xE2\x80\xAE", 26) + script;
+    graph.zebLayers[1].name = std::string("\0\x1B[31m \" ' ` \\u003c \xE2\x80\xA8 \xE2\x80\xAE", 27) + script;
     graph.zebLayers[2].name = "__proto__";
     graph.zebLayers[3].name = "=1+1";
     graph.zebLayers[4].name = "\tTab \"quoted\"";

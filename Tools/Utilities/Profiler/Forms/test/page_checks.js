@@ -518,13 +518,13 @@ globalThis.checks = {
       .join("; ");
   },
   hostile() {
-    return strangers()
-      ? strangers()
-      : !element("name").textContent.includes("<\/script><script>window.broken") ||
-          !element("zeb").textContent.includes("<img src=x onerror=") ||
-          !element("zeb").textContent.includes("\\u2028 \\u202e")
-        ? "the names are not there"
-        : "";
+    const wanted = [
+      ["name", "<\/script><script>window.broken"],
+      ["zeb", "<img src=x onerror="],
+      ["zeb", "\\u2028 \\u202e"],
+    ];
+    const absent = wanted.filter(([id, text]) => !element(id).textContent.includes(text));
+    return strangers() || absent.map(([id, text]) => `${id} lacks ${text}`).join("; ");
   },
   // A spreadsheet would reckon what begins like a formula.
   hostileCopy() {
@@ -615,7 +615,7 @@ globalThis.checks = {
     const [base, now, saved] = [...pieces].map(piece => parseFloat(piece.getAttribute("width")));
     return wrong.length > 0
       ? wrong.join("; ")
-      : arrows !== "0001"
+      : arrows !== "00001"
         ? `arrows ${arrows}`
         : Math.abs((left - 50) / (right - 50) - 0.08 / 0.125) > 0.01
           ? `whisker from ${left} to ${right}`

@@ -268,8 +268,8 @@ struct Graph {
     TypicalExecution average;
     TypicalExecution shortest;
     TypicalExecution longest;
-    std::optional<Breakdown> breakdown;  ///< nothing when the log has no data of the backend on it
-    Part inference;                      ///< averages throughout, the first execution included
+    std::optional<Breakdown> breakdown;       ///< nothing when the log has no data of the backend on it
+    Part inference;                           ///< averages throughout, the first execution included
     std::optional<std::uint64_t> finalizeUs;  ///< what the report shows; nothing without a finalization
     std::uint32_t dspClockHz = 0;             ///< 0: not told
     std::uint32_t krelClockHz = 0;
@@ -302,7 +302,7 @@ struct Run {
     std::optional<Header> header;
     std::optional<Level> level;  ///< nothing when the log has no data of the backend
     bool isAsync = false;
-    std::vector<Step> steps;  ///< in log order
+    std::vector<Step> steps;              ///< in log order
     std::optional<std::uint64_t> initUs;  ///< what the report shows as Init; nothing without a step of it
     std::vector<Graph> graphs;
     std::vector<OtherMethod> otherMethods;

@@ -65,8 +65,8 @@ struct RunSummary {
 };
 
 /// The first execution of a graph is its warm-up: it is left out of the median and of the count where there
-/// is another. The total `init` is that of the Init message, else all that leads to the first execution, for all
-/// graphs of a run, the second the graph's own where the log has several.
+/// is another. The total `init` is that of the Init message, else all that leads to the first execution, for
+/// all graphs of a run, the second the graph's own where the log has several.
 RunSummary summarize(const Run& run);
 
 }  // namespace zeb::analysis

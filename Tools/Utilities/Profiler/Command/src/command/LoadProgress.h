@@ -11,8 +11,8 @@
 namespace zeb::command {
 
 /// Shows on standard error how far a log has been read, as long as it lives: once that takes more than a
-/// second, and only on a terminal, which it leaves as it was, and for a command that wants it. It looks at the position of the file that is
-/// open for reading beside it, so it needs no help of who reads.
+/// second, and only on a terminal, which it leaves as it was, and for a command that wants it. It looks at
+/// the position of the file that is open for reading beside it, so it needs no help of who reads.
 class LoadProgress {
 public:
     enum class Measure : bool {

@@ -28,16 +28,6 @@ std::optional<double> amountOf(std::string_view text) {
     return isGood ? std::optional(number) : std::nullopt;
 }
 
-double shareOf(const Given& given) {
-    std::string_view text = given.value;
-    text.remove_suffix(text.ends_with('%') ? 1 : 0);
-    const auto percent = amountOf(text);
-    if (!percent) {
-        throw wrongUsage(given.name, "\"" + given.value + "\" is no per cent like 5, 0.5 or 5%");
-    }
-    return *percent / 100.0;
-}
-
 std::size_t rowsOf(const Given& given) {
     constexpr std::size_t maxRows = 1'000'000;
     const auto rows = command::numberOf<std::size_t>(given.value);
@@ -118,7 +108,7 @@ OptionRows ownRows() {
         {{"--hide-below", " PERCENT",
           "Only count layers whose change is a smaller share of the base's layer sum. Default 0.5."},
          Takes::value,
-         [](auto& all, const auto& given) { all.options.hideBelow = shareOf(given); }},
+         [](auto& all, const auto& given) { all.options.hideBelow = command::shareOfPercent(given); }},
         {{"--rows", " N", "Rows of a table of layers in the text, at most; the rest is counted. Default 20."},
          Takes::value,
          [](auto& all, const auto& given) { all.options.rows = rowsOf(given); }},
@@ -126,11 +116,11 @@ OptionRows ownRows() {
           "Fail when a graph's time grew by more. With several logs a side a growth counts only where it is "
           "sure; with one a side the change alone decides. What can't be told passes, with a word."},
          Takes::value,
-         [](auto& all, const auto& given) { all.gate.maxGrowth = shareOf(given); }},
+         [](auto& all, const auto& given) { all.gate.maxGrowth = command::shareOfPercent(given); }},
         {{failLayerName, " PERCENT",
           "Fail when a layer surely grew by more, beyond what all layers of its graph share."},
          Takes::value,
-         [](auto& all, const auto& given) { all.gate.maxLayerGrowth = shareOf(given); }},
+         [](auto& all, const auto& given) { all.gate.maxLayerGrowth = command::shareOfPercent(given); }},
         {{failUnsureName, "",
           "Fail also where it can't be told whether a time grew by more than is allowed."},
          Takes::nothing,
@@ -165,23 +155,6 @@ const OptionRows& optionRows() {
         return all;
     }();
     return rows;
-}
-
-// The words that belong to no option: BASE and NEW, and what is left of unknown options. Behind a "--" all
-// are files.
-Words filesAmong(const Words& words) {
-    Words files;
-    bool areAllFiles = false;
-    for (const std::string& word : words) {
-        if (!areAllFiles && word == "--") {
-            areAllFiles = true;
-        } else if (!areAllFiles && word.size() > 1 && word.starts_with('-')) {
-            throw command::unknownOption(word.substr(0, word.find('=')), command::optionNames(optionRows()));
-        } else {
-            files.push_back(word);
-        }
-    }
-    return files;
 }
 
 void takeFiles(CompareOptions& options, const Words& files) {
@@ -241,7 +214,7 @@ CompareOptions parseCommandLine(int argc, const char* const* argv) {
     const CommandLine line = parsedBy(optionRows(), command::OwnWord::none, argc, argv);
     GivenOptions all;
     all.options.action = line.action();
-    const Words files = filesAmong(line.remaining());
+    const Words files = command::filesAmong(line.remaining(), command::optionNames(optionRows()));
     if (all.options.action != command::Action::work) {  // a help that is shown whatever the values hold
         return all.options;
     }

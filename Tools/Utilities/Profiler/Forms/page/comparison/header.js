@@ -171,6 +171,5 @@ export function showHeader(graph) {
   part("totals-hint").textContent = isSeveral
     ? " Whiskers hold the true change with 95 %: where they leave out the middle, the change is sure."
     : "";
-  part("origin").textContent =
-    "Times are in microseconds (us). Totals and layers are means over the logs.";
+  part("origin").textContent = "Times are in microseconds (us). Totals and layers are means over the logs.";
 }

@@ -25,8 +25,7 @@ const sumOf = (rows, key) => rows.reduce((sum, row) => sum + row[key], 0);
 const isChangeTold = (row, shared) =>
   row.verdict !== "unsure" || comparison.basis === "one-each" || (shared !== null && isSeveral);
 const excessOf = row => (row.verdict === "slower" || row.verdict === "faster" ? row.excess : null);
-const percentOrUnsure = (value, row) =>
-  value !== null ? signedPercent(value) : row.verdict === "unsure" ? "~" : "–";
+const percentOrUnsure = (value, row) => (value !== null ? signedPercent(value) : row.verdict === "unsure" ? "~" : "–");
 
 // Rows come with the largest change first, in either direction.
 function showChanges(host, rows, {name, title, things, none, shared}) {

@@ -33,18 +33,36 @@ function pictureOf(series) {
   const x = version => left + (version / last) * (width - left - 14);
   const y = value => top + ((high + room * 0.05 - value) / (room * 1.1)) * (height - top - bottom);
   const grid = ticks(low, high > low ? high : low + room, 4).map(at => [
-    stroke([[left, y(at)], [width - 14, y(at)]], "grid"),
+    stroke(
+      [
+        [left, y(at)],
+        [width - 14, y(at)],
+      ],
+      "grid",
+    ),
     label(left - 8, y(at) + 4, levelOf(series, at), "soft", "end"),
   ]);
   const dots = series.points.map(point => [
-    stroke([[x(point.version), y(point.min)], [x(point.version), y(point.max)]], "range"),
+    stroke(
+      [
+        [x(point.version), y(point.min)],
+        [x(point.version), y(point.max)],
+      ],
+      "range",
+    ),
     draw("circle", {class: "dot", cx: x(point.version).toFixed(1), cy: y(point.median).toFixed(1), r: 2.6}),
   ]);
   const levels =
     series.drift === null
       ? levelsOf(series).map(points => {
           const at = y(middleOf(points.map(point => point.median)));
-          return stroke([[x(points[0].version) - 3, at], [x(points[points.length - 1].version) + 3, at]], "level");
+          return stroke(
+            [
+              [x(points[0].version) - 3, at],
+              [x(points[points.length - 1].version) + 3, at],
+            ],
+            "level",
+          );
         })
       : [];
   const steps = series.steps.map(step => {
@@ -52,7 +70,13 @@ function pictureOf(series) {
     const isRight = at > width * 0.75;
     const text = `${signedPercent(step.change)} at ${cut(step.version_name, 30)}`;
     return [
-      stroke([[at, top - 8], [at, height - bottom]], `step${step.change < 0 ? " is-faster" : ""}`),
+      stroke(
+        [
+          [at, top - 8],
+          [at, height - bottom],
+        ],
+        `step${step.change < 0 ? " is-faster" : ""}`,
+      ),
       label(at + (isRight ? -6 : 6), top - 6, text, null, isRight ? "end" : null),
     ];
   });

@@ -90,7 +90,8 @@ function notes() {
     const {outcome, reasons} = history.verdict;
     const titles = {good: "✓ The gate passes", slower: "✗ The gate fails", unsure: "~ The gate can't tell"};
     const kinds = {good: "is-pass", slower: "is-slower", unsure: ""};
-    const words = reasons.length > 0 ? reasons : ["No sure step beyond what is allowed holds until the newest version."];
+    const words =
+      reasons.length > 0 ? reasons : ["No sure step beyond what is allowed holds until the newest version."];
     boxes.push(noteBox(kinds[outcome], titles[outcome], words));
   }
   return boxes;

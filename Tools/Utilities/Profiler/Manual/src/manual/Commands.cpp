@@ -22,11 +22,8 @@ profiling::CommandManual viewerManual() {
 
 std::vector<profiling::CommandManual> commandManuals() {
     return {
-        viewerManual(),
-        compare::compareManual(),
-        exports::exportManual(),
-        history::historyManual(),
-        samplelog::commandManual(),
+        viewerManual(),           compare::compareManual(),   exports::exportManual(),
+        history::historyManual(), samplelog::commandManual(),
     };
 }
 

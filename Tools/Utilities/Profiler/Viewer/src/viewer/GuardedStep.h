@@ -16,7 +16,6 @@ struct GuardedStep {
     std::string subject;
     std::string failed;
     std::string wanting;
-
 };
 
 /// Does the work. An exception becomes a failure that tells the cause, and so does an allocation whose

@@ -78,8 +78,8 @@ RunForms::RunForms(const ViewerOptions& options)
     : options_(options), forms_(runForms(), options.formFiles, {&options.logPath, 1}) {}
 
 GuardedStep RunForms::step() const {
-    return {ExitCode::badReport, options_.log, "the figures of the run can't be told: ",
-            "to tell the figures of the run "};
+    return {ExitCode::badReport, options_.log,
+            "the figures of the run can't be told: ", "to tell the figures of the run "};
 }
 
 analysis::Run RunForms::readRun(MemoryLimit& memory) const {
