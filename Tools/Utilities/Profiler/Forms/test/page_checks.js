@@ -533,6 +533,42 @@ globalThis.checks = {
     const lines = ["4,'=1+1,", '5,"\\u0009Tab ""quoted""",', "6,\\u000dReturn,"];
     return lines.every(line => copied[0].includes(`\r\n${line}`)) ? "" : copied[0];
   },
+  // Of the page of a history.
+  historyAnswer() {
+    const causes = [...document.querySelectorAll(".answer li")].map(cause =>
+      cause.textContent.replaceAll("\u00a0", " "),
+    );
+    const gate = document.querySelector(".note-box h2").textContent.slice(2);
+    return `${document.querySelector(".answer").textContent.split(":")[0]}; ${causes}; ${gate}`;
+  },
+  courses() {
+    const charts = [...document.querySelectorAll(".course svg.chart")];
+    const count = kind => document.querySelectorAll(`.course .${kind}`).length;
+    const widths = charts.map(chart => chart.viewBox.baseVal.width / chart.getBoundingClientRect().width);
+    return widths.some(scale => Math.abs(scale - 1) > 0.02)
+      ? `scaled: ${widths}`
+      : `${charts.length} charts, ${count("step")} steps, ${count("level")} levels, ` +
+          `${charts[0].querySelectorAll(".dot").length} dots`;
+  },
+  async courseFigures() {
+    const figures = document.querySelector(".course details");
+    figures.open = true;
+    await new Promise(done => setTimeout(done, 100));
+    const rows = figures.querySelectorAll("tbody tr");
+    return `${rows.length} rows, ${[...rows[0].cells]
+      .slice(0, 3)
+      .map(cell => cell.textContent)
+      .join(" ")}`;
+  },
+  hostileHistory() {
+    return (
+      strangers() ||
+      (element("name").textContent.includes("<\/script><script>window.broken") &&
+      element("layers").textContent.includes("<img src=x onerror=")
+        ? ""
+        : "the names are not there")
+    );
+  },
   // Of the page of two versions.
   comparedParts() {
     return wrongParts("Totals; Where an inference goes; ZEB layers; ORU layers by type");

@@ -171,6 +171,30 @@ TEST_F(HistoryTruth, ADriftIsToldFromSteps) {
         [&](const History& history) { return !isDrift(history); });
 }
 
+// Of the newest versions that many stand behind the step.
+TEST_F(HistoryTruth, AStepIsSeenOnceEnoughVersionsStandBehindIt) {
+    struct Case {
+        double share;
+        std::size_t newest;
+        int atLeast;  ///< of a hundred seeds
+    };
+    std::vector<Case> cases = {{0.1, 16, 90}};
+    if (std::getenv("ZEB_TRUTH_SEEDS") != nullptr) {
+        for (const double share : {0.03, 0.05, 0.1}) {
+            for (const std::size_t newest : {4, 6, 8, 10, 12, 16, 20, 30}) {
+                cases.push_back({share, newest, 0});
+            }
+        }
+    }
+    for (const auto& [share, newest, atLeast] : cases) {
+        const std::size_t first = 60 - newest;
+        expectSeeds(
+            std::to_string(newest) + " versions behind a step of " + std::to_string(share), atLeast,
+            [&, share = share](std::size_t version) { return slowerBy(version < first ? 0.0 : share); },
+            [&](const History& history) { return hasSteps(history, {first}, 2); });
+    }
+}
+
 TEST_F(HistoryTruth, ALayerIsNamedAndNoOther) {
     const auto slower = [](std::size_t version) {
         NetworkOptions options;

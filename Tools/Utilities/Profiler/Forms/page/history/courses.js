@@ -4,7 +4,7 @@ import {chart, cut, draw, headings, isolated, label, make, missing, part, plural
 import {digits, ticks} from "../shared/figures.js";
 import {history, levelOf, signedPercent, versionAt} from "./data.js";
 
-const width = 1060;
+const leastWidth = 300;
 const height = 190;
 const left = 74;
 const bottom = 34;
@@ -24,7 +24,8 @@ function levelsOf(series) {
   return edges.slice(1).map((end, at) => series.points.slice(edges[at], end));
 }
 
-function pictureOf(series) {
+// A picture is as wide as its place, so that its texts can be read on a narrow one.
+function pictureOf(series, width) {
   const values = series.points.flatMap(point => [point.min, point.max]);
   const low = Math.min(...values);
   const high = Math.max(...values);
@@ -118,7 +119,7 @@ function tableOf(series) {
 }
 
 // A table is made when it is asked for.
-function courseOf(series) {
+function courseOf(series, width) {
   const room = make("div", {class: "scroll", role: "region", tabindex: "0", "aria-label": `Figures of ${series.name}`});
   const details = make("details", {}, make("summary", {}, "Figures"), room);
   details.addEventListener("toggle", () => {
@@ -132,7 +133,7 @@ function courseOf(series) {
     {class: "course"},
     make("h3", {}, isolated(series.name)),
     make("p", {}, isolated(wordsOf(series)), unsure),
-    make("div", {class: "scroll"}, pictureOf(series)),
+    make("div", {class: "scroll"}, pictureOf(series, width)),
     details,
   );
 }
@@ -145,7 +146,9 @@ export function showCourses(group) {
     part("layers").replaceChildren(missing("No run has layers."));
     return;
   }
-  part("series").replaceChildren(...group.filter(series => series.kind !== "layer").map(courseOf));
+  const width = Math.max(leastWidth, part("series").clientWidth);
+  const courses = group.filter(series => series.kind !== "layer").map(series => courseOf(series, width));
+  part("series").replaceChildren(...courses);
   const layers = group.filter(series => series.kind === "layer");
   const moving = layers.filter(isMoving);
   const still = layers.length - moving.length;
@@ -158,5 +161,5 @@ export function showCourses(group) {
   } else if (still > 0) {
     rest.push(missing(`${plural(still, "layer", "layers")} without a step.`));
   }
-  part("layers").replaceChildren(...moving.slice(0, maxShown).map(courseOf), ...rest);
+  part("layers").replaceChildren(...moving.slice(0, maxShown).map(series => courseOf(series, width)), ...rest);
 }

@@ -109,7 +109,8 @@ export function showHeader(group) {
     make(
       "div",
       {class: `answer is-${answer.kind}`},
-      make("b", {}, answer.lead, answer.version ? isolated(answer.version) : null),
+      make("b", {}, answer.lead),
+      answer.version ? isolated(answer.version) : null,
       answer.version ? answer.rest : ` ${answer.rest}`,
       causes.length > 0 ? make("ul", {}, causes) : null,
       answer.sure ? make("span", {class: "how-sure"}, answer.sure) : null,

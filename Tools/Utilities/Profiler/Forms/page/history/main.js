@@ -19,3 +19,12 @@ if (groups.length > 1) {
   choice.addEventListener("change", () => showGroup(Number(choice.value)));
 }
 showGroup(0);
+
+// What is drawn is as wide as its place.
+let drawnWidth = window.innerWidth;
+window.addEventListener("resize", () => {
+  if (window.innerWidth !== drawnWidth) {
+    drawnWidth = window.innerWidth;
+    showGroup(Number(part("graph").value || 0));
+  }
+});
