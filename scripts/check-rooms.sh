@@ -12,12 +12,12 @@ Reader/src/memory
 Reader/src/text               memory
 Reader/src/log                memory logging flatbuffers
 Reader/src/store              log memory logging flatbuffers
-Reader/src/reports            store text logging zeb/profiling
+Reader/src/reports            store log text logging zeb/profiling
 Reader/src/reader             reports store text log logging zeb/profiling
 Reader/src/commandline        zeb/profiling
 Reader/src/reader/backend     reader reports store text log logging commandline zeb/profiling
 Analysis/src/analysis         reader/backend reports store text log memory zeb/profiling
-Forms/src/forms/json          analysis text
+Forms/src/forms/json          analysis log text
 Forms/src/forms/trace         forms/json analysis store text log zeb/profiling
 Forms/src/forms/page          forms/json analysis
 Forms/src/forms/tables        forms/json analysis text

@@ -14,6 +14,7 @@
 #include "forms/json/RunJson.h"
 #include "harness/MemoryFile.h"
 #include "log/ChunkCheck.h"
+#include "log/Methods.h"
 #include "samplelog/BackendObjectWriter.h"
 #include "samplelog/MethodsLog.h"
 #include "samplelog/NetworkLog.h"
@@ -27,7 +28,8 @@ using zeb::samplelog::Bytes;
 using zeb::samplelog::Unit;
 namespace samplelog = zeb::samplelog;
 
-constexpr int methodTypes = 18;  // with one that is not known
+constexpr int methodTypes =
+    static_cast<int>(zeb::profiling::methods.size()) + 1;  // with one that is not known
 
 void write(const std::filesystem::path& path, const Bytes& bytes) {
     std::filesystem::create_directories(path.parent_path());

@@ -90,7 +90,7 @@ TEST(Trace, ALogIsWrittenAnEventALine) {
         call(MethodType::Finalize, 5'000, 5'600, "g",
              {test::event("prepare", test::number(580),
                           {test::inUnit(samplelog::cycles, test::event("plan", 0.5F))})}),
-        call(MethodType::Init, 4'000, 6'000),
+        call(MethodType::Init, 4'000, 6'000, {}, {test::inUnit(0x102, test::event("load", test::number(7)))}),
         call(MethodType::Execute, 7'000, 7'500, "g", {queueWait(60)}),
         call(MethodType::DeInit, 8'000, 7'000, "bye"),
     });
@@ -100,7 +100,7 @@ TEST(Trace, ALogIsWrittenAnEventALine) {
 {"name":"thread_name","ph":"M","pid":1,"tid":1,"args":{"name":"Set-up"}},
 {"name":"thread_sort_index","ph":"M","pid":1,"tid":1,"args":{"sort_index":1}},
 {"name":"finalize g","ph":"X","pid":1,"tid":1,"ts":1000,"dur":600,"args":{"graph":"g","method":2,"level":0,"durationUs":600,"events":{"prepare [us]":580,"prepare > plan [cycles]":0.5}}},
-{"name":"init","ph":"X","pid":1,"tid":1,"ts":0,"dur":2000,"args":{"method":4,"level":0,"durationUs":2000}},
+{"name":"init","ph":"X","pid":1,"tid":1,"ts":0,"dur":2000,"args":{"method":4,"level":0,"durationUs":2000,"events":{"load [us]":7}}},
 {"name":"thread_name","ph":"M","pid":1,"tid":129,"args":{"name":"Executions of g"}},
 {"name":"thread_sort_index","ph":"M","pid":1,"tid":129,"args":{"sort_index":129}},
 {"name":"execute","ph":"X","pid":1,"tid":129,"ts":3000,"dur":500,"args":{"graph":"g","method":1,"level":0,"durationUs":500,"queueWaitUs":60,"withoutQueueWaitUs":440,"events":{"wait [us]":60}}},

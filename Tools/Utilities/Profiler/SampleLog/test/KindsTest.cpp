@@ -3,9 +3,13 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
 #include <span>
 
 #include "log/ChunkCheck.h"
+#include "log/ChunkReader.h"
+#include "log/FlatBufferReaderUtil.h"
+#include "log/Methods.h"
 #include "samplelog/MethodsLog.h"
 #include "samplelog/SharedEventsLog.h"
 #include "support/TestReader.h"
@@ -23,6 +27,25 @@ TEST(MethodsLog, TheReaderTakesAllButTheUnknownMethod) {
     const test::CaughtLog caught(profiling::ZEB_LOG_LEVEL_ERROR);
     EXPECT_TRUE(Loaded(Bytes(text.begin(), text.end())).isLoaded);
     EXPECT_EQ(caught.lines(), std::vector<std::string>{"1 Unknown method type."});
+}
+
+TEST(MethodsLog, HasMessagesOfAllMethods) {
+    const test::TempDir directory;
+    std::ostringstream out;
+    writeMethodsLog(out);
+    profiling::ChunkReader chunks(directory.write("log", out.str()));
+    profiling::FlatBufferReaderUtil walker;
+    std::set<MethodType> seen;
+    while (chunks.nextLength()) {
+        const auto buffer = chunks.readBody();
+        ASSERT_TRUE(walker.openChunk(*buffer));
+        while (const auto* const message = walker.nextMessage()) {
+            seen.insert(message->methodType());
+        }
+    }
+    for (const profiling::Method& method : profiling::methods) {
+        EXPECT_TRUE(seen.contains(method.type)) << method.name;
+    }
 }
 
 // The verifier takes 62 levels and less than 2^32 tables. Verifying the whole would take most of a minute.

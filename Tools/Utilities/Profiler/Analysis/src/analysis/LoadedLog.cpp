@@ -1,5 +1,6 @@
 #include "analysis/LoadedLog.h"
 
+#include <algorithm>
 #include <sstream>
 #include <string_view>
 #include <unordered_map>
@@ -8,6 +9,7 @@
 #include "analysis/RunId.h"
 #include "log/ChunkReader.h"
 #include "log/FlatBufferReaderUtil.h"
+#include "log/Methods.h"
 #include "store/MessageFields.h"
 #include "store/MessageParts.h"
 #include "store/NamedList.h"
@@ -19,6 +21,31 @@ namespace {
 using profiling::schema::LogMessage;
 using profiling::schema::MethodType;
 
+constexpr std::optional<StepKind> stepOf(MethodType method) {
+    switch (method) {
+        case MethodType::DynamicLibLoad:
+            return StepKind::libraryLoad;
+        case MethodType::InitStep:
+            return StepKind::initStep;
+        case MethodType::ComposeGraphs:
+            return StepKind::compose;
+        case MethodType::Init:
+            return StepKind::init;
+        case MethodType::Finalize:
+            return StepKind::finalize;
+        case MethodType::DeInit:
+            return StepKind::deInit;
+        default:
+            return std::nullopt;
+    }
+}
+static_assert(std::all_of(profiling::methods.begin(), profiling::methods.end(),
+                          [](const profiling::Method& method) {
+                              return stepOf(method.type).has_value() ==
+                                     (method.part == profiling::MethodPart::steps);
+                          }),
+              "each method that has steps has their kind");
+
 // Takes down of each message what the store does not keep.
 class MessageNotes {
 public:
@@ -26,7 +53,7 @@ public:
 
     void add(const LogMessage& message, const profiling::OpenChunk& chunk) {
         parts_.enter(chunk);
-        if (message.methodType() == MethodType::Execute || message.methodType() == MethodType::ExecuteAsync) {
+        if (profiling::methodOf(message.methodType()).part == profiling::MethodPart::executions) {
             addExecution(message);
         } else if (const auto kind = stepOf(message.methodType())) {
             log_.steps.push_back({.kind = *kind,
@@ -38,25 +65,6 @@ public:
     }
 
 private:
-    static std::optional<StepKind> stepOf(MethodType method) {
-        switch (method) {
-            case MethodType::DynamicLibLoad:
-                return StepKind::libraryLoad;
-            case MethodType::InitStep:
-                return StepKind::initStep;
-            case MethodType::ComposeGraphs:
-                return StepKind::compose;
-            case MethodType::Init:
-                return StepKind::init;
-            case MethodType::Finalize:
-                return StepKind::finalize;
-            case MethodType::DeInit:
-                return StepKind::deInit;
-            default:
-                return std::nullopt;
-        }
-    }
-
     static std::optional<std::uint64_t> startOf(const LogMessage& message) {
         const auto start = message.timing()->startTime();
         return start ? std::optional<std::uint64_t>(*start) : std::nullopt;

@@ -13,6 +13,7 @@
 #include "analysis/LoadedLog.h"
 #include "analysis/LogText.h"
 #include "analysis/Spread.h"
+#include "log/Methods.h"
 #include "reader/backend/BackendFigures.h"
 #include "reader/backend/LayerTypeNames.h"
 #include "reports/ReportForms.h"
@@ -29,6 +30,7 @@ using profiling::GraphMethodRecords;
 using profiling::MethodRecord;
 using profiling::NamedMethodRecord;
 using profiling::ValueKind;
+using profiling::schema::MethodType;
 using NodeMapping = std::optional<std::vector<profiling::NodeMappingEntry>>;
 
 // Makes the events of a run. The texts of a log that have more bytes than a run has of them, or that come
@@ -417,13 +419,24 @@ void addOthers(std::vector<OtherMethod>& others, std::string_view name,
     }
 }
 
+constexpr std::string_view nameOf(MethodType method) {
+    return profiling::methodOf(method).name;
+}
+
 std::vector<OtherMethod> otherMethodsOf(const EventStore& store) {
+    static_assert(std::count_if(profiling::methods.begin(), profiling::methods.end(),
+                                [](const profiling::Method& method) {
+                                    return method.part == profiling::MethodPart::statistics;
+                                }) == 4,
+                  "each has its lines here; the two of applying a binary section are one");
     std::vector<OtherMethod> others;
-    addOthers(others, "apply binary section", store.methods.applyBinarySection);
-    addOthers(others, "finalize after tensor updates", store.methods.finalizeAfterTensorUpdates);
+    addOthers(others, nameOf(MethodType::ApplyBinarySection), store.methods.applyBinarySection);
+    addOthers(others, nameOf(MethodType::FinalizeAfterTensorUpdates),
+              store.methods.finalizeAfterTensorUpdates);
     for (const NamedMethodRecord& entry : store.updateBinarySectionRecords) {
         const std::uint64_t us = entry.record->durationUs;
-        others.push_back({"update binary section", cutName(entry.name), 1, us, us, us});
+        others.push_back(
+            {std::string(nameOf(MethodType::UpdateBinarySection)), cutName(entry.name), 1, us, us, us});
     }
     return others;
 }

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
 #include <limits>
+#include <string_view>
 
 namespace zeb::profiling {
 
@@ -34,14 +37,42 @@ constexpr EventUnit unitOf(std::uint32_t number) {
 /// Bits that the number of each unit fits in.
 inline constexpr unsigned unitBits = 3;
 
-static_assert([] {
-    for (std::uint32_t number = 1U << unitBits; number <= std::numeric_limits<std::uint8_t>::max();
-         ++number) {
-        if (unitOf(number) != EventUnit::microseconds) {
-            return false;
+/// A unit's names, wherever it has one.
+struct UnitNames {
+    EventUnit unit;
+    std::string_view suffix;    ///< behind a value on the console, with its leading blank
+    std::string_view csv;       ///< in a CSV report, where object events have no row
+    std::string_view json;      ///< in the JSON of a run
+    std::string_view timeline;  ///< behind an event's name in a timeline, empty where the name tells enough
+};
+
+inline constexpr auto units = std::to_array<UnitNames>({
+    {EventUnit::microseconds, " us", "US", "us", " [us]"},
+    {EventUnit::bytes, " bytes", "BYTES", "bytes", " [bytes]"},
+    {EventUnit::cycles, " cycles", "CYCLES", "cycles", " [cycles]"},
+    {EventUnit::count, " count", "COUNT", "count", ""},
+    {EventUnit::object, " object", "", "object", ""},
+    {EventUnit::none, " ", "NONE", "none", ""},
+});
+
+constexpr const UnitNames& namesOf(EventUnit unit) {
+    return *std::find_if(units.begin(), units.end(),
+                         [unit](const UnitNames& names) { return names.unit == unit; });
+}
+
+static_assert(
+    [] {
+        for (std::uint32_t number = 0; number <= std::numeric_limits<std::uint8_t>::max(); ++number) {
+            const auto unit = static_cast<EventUnit>(number);
+            const auto isNamed = [unit](const UnitNames& names) { return names.unit == unit; };
+            const bool isUnit = unitOf(number) == unit;
+            if (std::count_if(units.begin(), units.end(), isNamed) != (isUnit ? 1 : 0) ||
+                (isUnit && (number >= 1U << unitBits || namesOf(unit).json.empty()))) {
+                return false;
+            }
         }
-    }
-    return true;
-}());
+        return true;
+    }(),
+    "each unit has its names and fits in its bits");
 
 }  // namespace zeb::profiling

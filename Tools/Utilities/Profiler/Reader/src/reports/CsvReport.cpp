@@ -12,6 +12,8 @@ namespace zeb::profiling {
 
 namespace {
 
+using schema::MethodType;
+
 constexpr std::string_view columnLine =
     "Msg Timestamp, Message, Time, Unit of Measurement, Timing Source, Event Level, Event Identifier\n";
 
@@ -24,6 +26,10 @@ std::string textOrNull(std::string_view text, std::string_view suffix = {}) {
 
 std::string graphIdentifier(std::size_t position, std::string_view text) {
     return "Graph " + std::to_string(position) + ": " + std::string(text);
+}
+
+constexpr std::string_view nameOf(MethodType method) {
+    return methodOf(method).csvName;
 }
 
 void writeMethodRow(std::ostream& out, std::uint64_t timestamp, std::string_view keyword,
@@ -40,14 +46,15 @@ void writeCsvColumns(std::ostream& out) {
 
 void writeInitCsv(std::ostream& out, const ReportSource& source) {
     const EventStore& store = source.store;
-    writeMethodRow(out, store.initTimestamp, "INIT", store.initDurationUs,
+    writeMethodRow(out, store.initTimestamp, nameOf(MethodType::Init), store.initDurationUs,
                    textOrNull(store.initStepMessage, " (init)"));
     source.reader.writeEventCsv(out, initSectionEvents(store), store.initTimestamp, "INIT");
 }
 
 void writeComposeGraphsCsv(std::ostream& out, const ReportSource& source) {
     const EventStore& store = source.store;
-    out << store.composeTimestamp << ",COMPOSE GRAPHS," << store.composeDurationUs << marlixUs;
+    out << store.composeTimestamp << ',' << nameOf(MethodType::ComposeGraphs) << ','
+        << store.composeDurationUs << marlixUs;
     std::string_view between;
     for (const StoredText name : store.composeGraphNames) {
         out << between << name;
@@ -61,7 +68,7 @@ void writeFinalizeCsv(std::ostream& out, const ReportSource& source) {
     const std::string eventMessage = "FINALIZE";
     std::size_t position = 0;
     for (const auto& [name, record] : store.finalizeRecords) {
-        writeMethodRow(out, record->timestamp, "FINALIZE", record->durationUs,
+        writeMethodRow(out, record->timestamp, nameOf(MethodType::Finalize), record->durationUs,
                        graphIdentifier(position++, name));
         if (store.hasFinalizeEvents) {
             source.reader.writeEventCsv(out, record->events, record->timestamp, eventMessage);
@@ -71,7 +78,7 @@ void writeFinalizeCsv(std::ostream& out, const ReportSource& source) {
 
 void writeDeInitCsv(std::ostream& out, const ReportSource& source) {
     const MethodRecord& record = source.store.deInitRecord;
-    writeMethodRow(out, record.timestamp, "DE-INIT", record.durationUs,
+    writeMethodRow(out, record.timestamp, nameOf(MethodType::DeInit), record.durationUs,
                    textOrNull(record.message, " (deinit)"));
     source.reader.writeEventCsv(out, record.events, record.timestamp, "DE-INIT");
 }
@@ -95,7 +102,7 @@ void writeExecuteIpsCsv(std::ostream& out, const ReportSource& source) {
     const EventStore& store = source.store;
     const MethodRecord& record = store.executeOverallRecord;
     if (store.hasExecuteOverall && record.events.countByWalking() >= executionRateEvents) {
-        out << record.timestamp << ",EXECUTE IPS,"
+        out << record.timestamp << ',' << nameOf(MethodType::ExecuteOverall) << ','
             << fixedPoint(static_cast<double>(executionRate(record)), 6) << ",INF/SEC,MARLIX,ROOT,null\n";
     }
 }
@@ -104,8 +111,8 @@ void writeLibLoadCsv(std::ostream& out, const ReportSource& source) {
     const EventStore& store = source.store;
     const MethodRecord& record = store.libLoadRecord;
     if (store.hasLibLoad && !record.events.empty()) {
-        writeMethodRow(out, record.timestamp, "DLOPEN LATENCY", record.events.front().value().asNumber(),
-                       "null");
+        writeMethodRow(out, record.timestamp, nameOf(MethodType::DynamicLibLoad),
+                       record.events.front().value().asNumber(), "null");
     }
 }
 
@@ -126,7 +133,8 @@ void writeUpdateBinarySectionCsv(std::ostream& out, const ReportSource& source) 
     const EventStore& store = source.store;
     if (!store.updateBinarySectionRecords.empty()) {
         const MethodRecord& record = *store.updateBinarySectionRecords.front().record;
-        writeMethodRow(out, record.timestamp, "UPDATE BINARY SECTION", record.durationUs, "null", labuUs);
+        writeMethodRow(out, record.timestamp, nameOf(MethodType::UpdateBinarySection), record.durationUs,
+                       "null", labuUs);
         source.reader.writeEventCsv(out, record.events, record.timestamp, "UPDATE_BINARY_SECTION");
     }
 }

@@ -8,29 +8,6 @@ namespace zeb::profiling {
 
 namespace {
 
-struct UnitTexts {
-    std::string_view suffix;
-    std::string_view csv;
-};
-
-UnitTexts textsOf(EventUnit unit) {
-    switch (unit) {
-        case EventUnit::bytes:
-            return {" bytes", "BYTES"};
-        case EventUnit::cycles:
-            return {" cycles", "CYCLES"};
-        case EventUnit::count:
-            return {" count", "COUNT"};
-        case EventUnit::object:
-            return {" object", ""};
-        case EventUnit::none:
-            return {" ", "NONE"};
-        case EventUnit::microseconds:
-            break;
-    }
-    return {" us", "US"};
-}
-
 template <typename Integer>
 std::string decimal(std::uint64_t payload) {
     return std::to_string(static_cast<Integer>(payload));
@@ -73,11 +50,11 @@ std::string formatEventValue(const EventValue& value) {
 }
 
 std::string_view unitSuffix(EventUnit unit) {
-    return textsOf(unit).suffix;
+    return namesOf(unit).suffix;
 }
 
 std::string_view unitCsvText(EventUnit unit) {
-    return textsOf(unit).csv;
+    return namesOf(unit).csv;
 }
 
 std::optional<std::string> findEventValue(std::string_view name, const EventList& events) {

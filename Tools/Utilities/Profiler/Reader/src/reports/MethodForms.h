@@ -3,6 +3,7 @@
 #include <iterator>
 #include <string_view>
 
+#include "log/Methods.h"
 #include "reports/SectionHeads.h"
 #include "store/MethodStatistics.h"
 
@@ -23,24 +24,25 @@ inline constexpr MethodForm executeForm = {&MeasuredMethods::execute,
                                            {"Execute Stats (Average):", 24},
                                            {"Execute Stats (Min):", 24},
                                            {"Execute Stats (Max):", 24},
-                                           "EXECUTE",
+                                           methodOf(schema::MethodType::Execute).csvName,
                                            "EXECUTE",
                                            false};
 
-inline constexpr MethodForm applyBinarySectionForm = {&MeasuredMethods::applyBinarySection,
-                                                      {"ApplyBinarySection Stats (Average):", 35},
-                                                      {"ApplyBinarySection Stats (Min):", 35},
-                                                      {"ApplyBinarySection Stats (Max):", 35},
-                                                      "APPLY BINARY SECTION",
-                                                      "APPLYBINARY",
-                                                      false};
+inline constexpr MethodForm applyBinarySectionForm = {
+    &MeasuredMethods::applyBinarySection,
+    {"ApplyBinarySection Stats (Average):", 35},
+    {"ApplyBinarySection Stats (Min):", 35},
+    {"ApplyBinarySection Stats (Max):", 35},
+    methodOf(schema::MethodType::ApplyBinarySection).csvName,
+    "APPLYBINARY",
+    false};
 
 inline constexpr MethodForm finalizeAfterTensorUpdatesForm = {
     &MeasuredMethods::finalizeAfterTensorUpdates,
     {"FinalizeAfterTensorUpdates Stats (Average):", 45},
     {"FinalizeAfterTensorUpdates Stats (Min):", 40},
     {"FinalizeAfterTensorUpdates Stats (Max):", 40},
-    "FINALIZE AFTER TENSOR UPDATES",
+    methodOf(schema::MethodType::FinalizeAfterTensorUpdates).csvName,
     "FINALIZE_AFTER_TENSOR_UPDATES",
     true};
 

@@ -2,38 +2,27 @@
 
 #include <string_view>
 
-#include "log/ProfileLog_generated.h"
+#include "log/Methods.h"
 
 namespace zeb::profiling {
 
-/// A method that retrieves the binary of a context, or tells its size.
+/// A method that retrieves the binary of a context, or tells its size. Its key in the store is its name in a
+/// CSV report.
 struct ContextMethod {
     schema::MethodType method;
-    std::string_view key;    ///< in the store, and the message in a CSV report
     std::string_view label;  ///< on the console
 };
 
 inline constexpr ContextMethod contextMethods[] = {
-    {schema::MethodType::ContextGetBinarySize, "CONTEXT GET BINARY SIZE", "Get Binary Size"},
-    {schema::MethodType::ContextGetBinary, "CONTEXT GET BINARY", "Get Binary"},
-    {schema::MethodType::ContextGetBinarySectionSize, "CONTEXT GET BINARY SECTION SIZE",
-     "Get Binary Section Size"},
+    {schema::MethodType::ContextGetBinarySize, "Get Binary Size"},
+    {schema::MethodType::ContextGetBinary, "Get Binary"},
+    {schema::MethodType::ContextGetBinarySectionSize, "Get Binary Section Size"},
 };
-
-/// @return the key of a method of the list, empty for any other
-constexpr std::string_view contextKey(schema::MethodType method) {
-    for (const ContextMethod& row : contextMethods) {
-        if (row.method == method) {
-            return row.key;
-        }
-    }
-    return {};
-}
 
 /// @return the label of a method of the list by its key, empty for any other
 constexpr std::string_view contextLabel(std::string_view key) {
     for (const ContextMethod& row : contextMethods) {
-        if (row.key == key) {
+        if (methodOf(row.method).csvName == key) {
             return row.label;
         }
     }

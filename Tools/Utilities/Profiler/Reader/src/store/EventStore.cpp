@@ -70,22 +70,15 @@ bool EventStore::dispatchMethod(const schema::LogMessage& message, const OpenChu
         {MethodType::FinalizeAfterTensorUpdates, &EventStore::decodeFinalizeAfterTensorUpdates},
         {MethodType::UpdateBinarySection, &EventStore::decodeUpdateBinarySection},
     });
-    constexpr auto first = static_cast<std::int8_t>(MethodType::Unknown) + 1;
-    static_assert(MethodType::MIN == MethodType::Unknown && decoders.back().type == MethodType::MAX,
-                  "all methods of the schema are here");
     static_assert(
-        [] {
-            for (std::size_t position = 0; position < decoders.size(); ++position) {
-                if (static_cast<std::size_t>(decoders[position].type) != position + first) {
-                    return false;
-                }
-            }
-            return true;
-        }(),
-        "they stand in the order of their numbers, without a gap");
+        std::equal(
+            decoders.begin(), decoders.end(), profiling::methods.begin(), profiling::methods.end(),
+            [](const MethodDecoder& decoder, const Method& method) { return decoder.type == method.type; }),
+        "each method has one, in the order of their numbers");
 
-    const auto number = static_cast<std::int8_t>(message.methodType());
-    if (number < first || static_cast<std::size_t>(number - first) >= decoders.size()) {
+    const auto position =
+        static_cast<std::size_t>(static_cast<std::uint8_t>(message.methodType())) - firstMethod;
+    if (position >= decoders.size()) {
         logMessage(ZEB_LOG_LEVEL_ERROR, "Unknown method type.");
         return false;
     }
@@ -93,7 +86,7 @@ bool EventStore::dispatchMethod(const schema::LogMessage& message, const OpenChu
         asyncExecute = true;
     }
     parts_.enter(chunk);
-    return (this->*decoders[static_cast<std::size_t>(number - first)].decode)(message);
+    return (this->*decoders[position].decode)(message);
 }
 
 void EventStore::aggregateStatistics(std::ostream& notes) {
@@ -336,7 +329,7 @@ bool EventStore::decodeContextGetBinary(const schema::LogMessage& message) {
     if (message.text() != nullptr) {
         record.message = parts_.text(message.text());
     }
-    namedRecord(contextRetrieval, contextKey(message.methodType())).record = arena_.make(record);
+    namedRecord(contextRetrieval, methodOf(message.methodType()).csvName).record = arena_.make(record);
     hasContextRetrieval = true;
     return true;
 }
@@ -349,7 +342,7 @@ bool EventStore::decodeContextGetBinarySectionSize(const schema::LogMessage& mes
     if (message.text() != nullptr) {
         record.message = parts_.text(message.text());
     }
-    addRecord(contextSectionRetrieval, contextKey(message.methodType()), record);
+    addRecord(contextSectionRetrieval, methodOf(message.methodType()).csvName, record);
     hasContextSectionRetrieval = true;
     return true;
 }

@@ -1,10 +1,13 @@
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <concepts>
 #include <string_view>
 #include <type_traits>
 
 #include "analysis/Run.h"
+#include "log/EventUnit.h"
 
 /// The keys of a run's JSON: each struct's members in the order of the documentation, once, for writing and
 /// for reading. A visitor is called with each key and member.
@@ -25,10 +28,14 @@ inline constexpr EnumName<analysis::StepKind> stepNames[] = {
     {analysis::StepKind::libraryLoad, "library-load"}, {analysis::StepKind::initStep, "init-step"},
     {analysis::StepKind::compose, "compose"},          {analysis::StepKind::init, "init"},
     {analysis::StepKind::finalize, "finalize"},        {analysis::StepKind::deInit, "de-init"}};
-inline constexpr EnumName<profiling::EventUnit> unitNames[] = {
-    {profiling::EventUnit::microseconds, "us"}, {profiling::EventUnit::bytes, "bytes"},
-    {profiling::EventUnit::cycles, "cycles"},   {profiling::EventUnit::count, "count"},
-    {profiling::EventUnit::object, "object"},   {profiling::EventUnit::none, "none"}};
+inline constexpr auto unitNames = [] {
+    std::array<EnumName<profiling::EventUnit>, profiling::units.size()> names{};
+    std::transform(profiling::units.begin(), profiling::units.end(), names.begin(),
+                   [](const profiling::UnitNames& unit) {
+                       return EnumName<profiling::EventUnit>{unit.unit, unit.json};
+                   });
+    return names;
+}();
 
 inline constexpr EnumName<analysis::LayerKind> layerKindNames[] = {{analysis::LayerKind::none, "none"},
                                                                    {analysis::LayerKind::zeb, "zeb"},

@@ -13,6 +13,7 @@
 #include "forms/trace/TraceTracks.h"
 #include "log/ChunkReader.h"
 #include "log/FlatBufferReaderUtil.h"
+#include "log/Methods.h"
 #include "store/EventArena.h"
 #include "store/MessageParts.h"
 #include "store/NamedList.h"
@@ -23,51 +24,22 @@ namespace zeb::forms {
 namespace {
 
 using analysis::Graph;
+using profiling::Method;
+using profiling::MethodGroup;
+using profiling::MethodPart;
+using profiling::MethodText;
 using profiling::schema::LogMessage;
 using profiling::schema::MethodType;
 
 constexpr std::uint64_t runProcess = 1;
 constexpr std::uint64_t firstAverageProcess = 2;
 
-enum class MethodGroup : std::uint8_t { setUp, executions, others, tearDown };
+constexpr Method unknownMethod = {MethodType::Unknown, "unknown method",  {},
+                                  MethodGroup::others, MethodText::other, MethodPart::none};
 
-struct MethodForm {
-    MethodType method;
-    std::string_view name;
-    MethodGroup group;
-    std::string_view textField;  ///< what the message's text is
-};
-
-constexpr std::string_view graphField = "graph";
-constexpr std::string_view textField = "text";
-
-constexpr std::array methodForms = {
-    MethodForm{MethodType::DynamicLibLoad, "load library", MethodGroup::setUp, textField},
-    MethodForm{MethodType::InitStep, "init step", MethodGroup::setUp, textField},
-    MethodForm{MethodType::ComposeGraphs, "compose", MethodGroup::setUp, graphField},
-    MethodForm{MethodType::Init, "init", MethodGroup::setUp, textField},
-    MethodForm{MethodType::Finalize, "finalize", MethodGroup::setUp, graphField},
-    MethodForm{MethodType::ContextGetBinarySize, "get binary size", MethodGroup::setUp, textField},
-    MethodForm{MethodType::ContextGetBinary, "get binary", MethodGroup::setUp, textField},
-    MethodForm{MethodType::ContextGetBinarySectionSize, "get binary section size", MethodGroup::setUp,
-               textField},
-    MethodForm{MethodType::Execute, "execute", MethodGroup::executions, graphField},
-    MethodForm{MethodType::ExecuteAsync, "execute asynchronously", MethodGroup::executions, graphField},
-    MethodForm{MethodType::ExecuteOverall, "execute overall", MethodGroup::others, textField},
-    MethodForm{MethodType::ApplyBinarySection, "apply binary section", MethodGroup::others, graphField},
-    MethodForm{MethodType::ApplyBinarySectionAlternate, "apply binary section", MethodGroup::others,
-               graphField},
-    MethodForm{MethodType::FinalizeAfterTensorUpdates, "finalize after tensor updates", MethodGroup::others,
-               graphField},
-    MethodForm{MethodType::UpdateBinarySection, "update binary section", MethodGroup::others, textField},
-    MethodForm{MethodType::DeInit, "de-init", MethodGroup::tearDown, textField},
-};
-
-MethodForm formOf(MethodType method) {
-    const auto* const known = std::find_if(methodForms.begin(), methodForms.end(),
-                                           [method](MethodForm form) { return form.method == method; });
-    return known != methodForms.end() ? *known
-                                      : MethodForm{method, "unknown method", MethodGroup::others, textField};
+const Method& shownMethod(MethodType type) {
+    const Method* const known = profiling::findMethod(type);
+    return known != nullptr ? *known : unknownMethod;
 }
 
 // The times of a `GraphEvents` message mean nothing.
@@ -227,9 +199,9 @@ public:
 
     void add(const LogMessage& message, const profiling::OpenChunk& chunk) {
         tracks_.parts().enter(chunk);
-        const MethodForm form = formOf(message.methodType());
+        const Method& method = shownMethod(message.methodType());
         const auto execution =
-            form.group == MethodGroup::executions ? tracks_.nextExecution(message) : std::nullopt;
+            method.group == MethodGroup::executions ? tracks_.nextExecution(message) : std::nullopt;
         const auto times = timesOf(message);
         if (!times) {
             ++result_.withoutTimes;
@@ -240,9 +212,9 @@ public:
             ++result_.leftOutAsTooLate;
         } else if (slice.endUs < fromUs_ || slice.startUs > toUs_) {
             ++result_.outsideCut;
-        } else if (const auto track = tracks_.place(form.group, execution, slice)) {
+        } else if (const auto track = tracks_.place(method.group, execution, slice)) {
             ++result_.slices;
-            addSlice(message, form, execution, slice, *track);
+            addSlice(message, method, execution, slice, *track);
         } else {
             ++result_.leftOutForTracks;
         }
@@ -252,17 +224,18 @@ public:
     [[nodiscard]] std::uint64_t fromUs() const { return fromUs_; }
 
 private:
-    void addSlice(const LogMessage& message, const MethodForm& form,
+    void addSlice(const LogMessage& message, const Method& method,
                   const std::optional<RunTracks::Execution>& execution, TimeSpan slice, TrackNumber track) {
         const std::string text =
             message.text() == nullptr ? std::string() : traceText(tracks_.parts().visible(message.text()));
-        const bool isNamedByGraph = form.textField == graphField && !execution && !text.empty();
+        const bool isGraph = method.text == MethodText::graph;
+        const bool isNamedByGraph = isGraph && !execution && !text.empty();
         const auto waitUs = execution ? execution->queueWaitUs : std::nullopt;
         const std::uint64_t us = slice.endUs - slice.startUs;
-        file_.addSlice(std::string(form.name) + (isNamedByGraph ? " " + text : ""), track, slice,
+        file_.addSlice(std::string(method.name) + (isNamedByGraph ? " " + text : ""), track, slice,
                        [&](JsonWriter& arguments) {
                            if (message.text() != nullptr) {
-                               arguments.member(form.textField, text);
+                               arguments.member(isGraph ? "graph" : "text", text);
                            }
                            addArguments(arguments, message, us, waitUs);
                        });

@@ -13,7 +13,6 @@ namespace zeb::forms {
 
 namespace {
 
-using profiling::EventUnit;
 using profiling::schema::LogEvent;
 using profiling::schema::ValueSelector;
 using Events = flatbuffers::Vector<flatbuffers::Offset<LogEvent>>;
@@ -70,18 +69,7 @@ private:
     }
 
     const std::string& keyOf(const std::string& path, const LogEvent& event) {
-        switch (static_cast<EventUnit>(event.unit())) {
-            case EventUnit::bytes:
-                return newKey(path + " [bytes]");
-            case EventUnit::cycles:
-                return newKey(path + " [cycles]");
-            case EventUnit::count:
-            case EventUnit::object:
-            case EventUnit::none:
-                return newKey(path);
-            default:
-                return newKey(path + " [us]");
-        }
+        return newKey(path + std::string(namesOf(profiling::unitOf(event.unit())).timeline));
     }
 
     // Two members of an object must not have the same key.
