@@ -16,21 +16,23 @@ Reader/src/reports            store log text logging zeb/profiling
 Reader/src/reader             reports store text log logging zeb/profiling
 Reader/src/commandline        zeb/profiling
 Reader/src/reader/backend     reader reports store text log logging commandline zeb/profiling
+Console/src/console           text
 Analysis/src/analysis         reader/backend reports store text log memory zeb/profiling
 Forms/src/forms/json          analysis log text
 Forms/src/forms/trace         forms/json analysis store text log zeb/profiling
 Forms/src/forms/page          forms/json analysis
 Forms/src/forms/tables        forms/json analysis text
-Forms/src/forms/text          analysis text
-Forms/src/forms/markdown      forms/text analysis
-Command/src/command           forms/json forms/text analysis text log zeb/profiling
-Viewer/src/viewer             command forms/json forms/trace forms/page forms/text analysis log logging text flatbuffers zeb/profiling
-Compare/src/compare           command forms/json forms/markdown forms/page forms/text analysis text zeb/profiling
-Export/src/export             command forms/tables analysis text zeb/profiling
-History/src/history           command forms/json forms/page forms/text analysis text zeb/profiling
+Forms/src/forms/text          analysis console text
+Forms/src/forms/markdown      forms/text analysis console
+Command/src/command           console text log zeb/profiling
+Command/src/command/runs      command forms/json analysis
+Viewer/src/viewer             command console forms/json forms/trace forms/page forms/text analysis log logging text flatbuffers zeb/profiling
+Compare/src/compare           command command/runs console forms/json forms/markdown forms/page forms/text analysis text zeb/profiling
+Export/src/export             command command/runs console forms/tables analysis text zeb/profiling
+History/src/history           command command/runs console forms/json forms/page forms/text analysis text zeb/profiling
 SampleLog/src/samplelog       log flatbuffers
-SampleLog/src/samplelog/command  samplelog command log text zeb/profiling
-Manual/src/manual             viewer compare export history samplelog/command text command reader/backend zeb/profiling
+SampleLog/src/samplelog/command  samplelog command console log text zeb/profiling
+Manual/src/manual             viewer compare export history samplelog/command console command reader/backend zeb/profiling
 ../../../examples/host        zeb/profiling
 ../../../examples/plugin      zeb/profiling
 '

@@ -9,13 +9,13 @@
 
 #include "command/FileDescriptor.h"
 #include "command/StandardOutput.h"
-#include "forms/text/TerminalText.h"
+#include "console/TerminalText.h"
 
 namespace zeb::command {
 namespace {
 
-using forms::shownOnOneLine;
-using forms::TerminalText;
+using console::shownOnOneLine;
+using console::TerminalText;
 
 TEST(TerminalText, ShowsWhatATerminalWouldObey) {
     const std::pair<std::string, std::string> cases[] = {

@@ -9,8 +9,8 @@
 #include <string>
 
 #include "analysis/MakeRun.h"
-#include "command/LoadRun.h"
 #include "command/MemoryLimit.h"
+#include "command/runs/LoadRun.h"
 #include "compare/CompareOptions.h"
 #include "forms/json/RunJson.h"
 #include "samplelog/NetworkLog.h"

@@ -9,7 +9,7 @@
 #include <sstream>
 
 #include "analysis/MakeRun.h"
-#include "forms/text/ConsoleText.h"
+#include "console/ConsoleText.h"
 #include "forms/text/TopText.h"
 #include "samplelog/AdapterUpdaterLog.h"
 #include "samplelog/MethodsLog.h"
@@ -71,7 +71,7 @@ TEST(TopText, KeepsToTheWidthOfATerminal) {
     for (const std::size_t width : {80U, 100U, 200U}) {
         std::istringstream text(topOf(run, {.rows = 32, .style = {.hasUnicode = true, .width = width}}));
         for (std::string line; std::getline(text, line);) {
-            EXPECT_LE(columnsOf(line), width) << line;
+            EXPECT_LE(console::columnsOf(line), width) << line;
             EXPECT_EQ(line.find('\x1B'), std::string::npos);
         }
     }
@@ -90,9 +90,9 @@ TEST(ConsoleText, CutsNamesInTheirMiddle) {
         {"a\tb\x7F", 4, "a?b?"},
     };
     for (const auto& [name, columns, shown] : cases) {
-        EXPECT_EQ(shownName(name, columns, false), shown);
+        EXPECT_EQ(console::shownName(name, columns, false), shown);
     }
-    EXPECT_EQ(shownName("longer", 5, true),
+    EXPECT_EQ(console::shownName("longer", 5, true),
               "lo\xE2\x80\xA6"
               "er");
 }

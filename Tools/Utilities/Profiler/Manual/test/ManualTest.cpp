@@ -9,17 +9,17 @@
 #include <utility>
 #include <vector>
 
+#include "console/CommandManual.h"
 #include "manual/Commands.h"
 #include "manual/Completions.h"
 #include "manual/ManPage.h"
 #include "manual/ValueKind.h"
-#include "text/CommandManual.h"
 
 namespace zeb::manual {
 namespace {
 
-using profiling::CommandManual;
-using profiling::ManualOption;
+using console::CommandManual;
+using console::ManualOption;
 
 CommandManual smallManual() {
     return {.name = "try-it",

@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <string>
 
+#include "console/TwoColumns.h"
 #include "support/TestFiles.h"
-#include "text/TwoColumns.h"
 #include "viewer/NamedReaders.h"
 #include "viewer/PluginLibrary.h"
 #include "viewer/ViewerOptions.h"
@@ -30,7 +30,7 @@ std::string exitCodesOfReadme(const std::string& readme) {
 
 TEST(PublishedLists, TheReadmeHasAllExitCodesInTheWordsOfTheHelp) {
     std::string expected;
-    for (auto [code, meaning] : profiling::rowsOf(meaningOf)) {
+    for (auto [code, meaning] : console::rowsOf(meaningOf)) {
         std::replace(meaning.begin(), meaning.end(), '\n', ' ');
         expected.append("| ").append(code).append(" | ").append(meaning).append(" |\n");
     }

@@ -167,7 +167,7 @@ Failure wrongUsage(const std::string& argument, const std::string& cause) {
 Failure noneOf(const Given& given, const Words& names) {
     const Words allButLast(names.begin(), names.end() - 1);
     const std::string cause =
-        "\"" + given.value + "\" is none of " + profiling::namesInARow(allButLast) + " and " + names.back();
+        "\"" + given.value + "\" is none of " + console::namesInARow(allButLast) + " and " + names.back();
     const std::string nearest = meant(given.value, names);
     return nearest.empty() ? wrongUsage(given.name, cause)
                            : Failure(ExitCode::usage, given.name, cause + nearest);
@@ -231,14 +231,14 @@ double shareOfPercent(const Given& given) {
     return percent / 100.0;
 }
 
-profiling::ManualOption filesFromOption() {
+console::ManualOption filesFromOption() {
     return {"--files-from", " FILE",
             "Take further logs from FILE, a line each: the path and then, apart by tabs, its labels as "
             "KEY=VALUE. "
             "\"-\" is standard input."};
 }
 
-profiling::ManualOption maxMemoryOption() {
+console::ManualOption maxMemoryOption() {
     return {
         "--max-memory", " SIZE",
         "The most memory to use, in bytes or with K, M or G behind the number. Default: three quarters of "

@@ -14,7 +14,7 @@
 
 #include "command/Failure.h"
 #include "command/MemoryLimit.h"
-#include "text/CommandManual.h"
+#include "console/CommandManual.h"
 
 /// The command lines of all commands: tables of options, which are their help too, and how what is given gets
 /// from there into a struct of the command.
@@ -49,7 +49,7 @@ struct Beside {
 /// A row of a command's table of options.
 template <typename Options>
 struct OptionRow {
-    profiling::ManualOption manual;
+    console::ManualOption manual;
     Takes takes;
     /// Puts it into the options. Throws Failure for a value that is none.
     void (*apply)(Options& options, const Given& given);
@@ -156,10 +156,10 @@ Words filesAmong(const Words& words, const Words& known);
 double shareOfPercent(const Given& given);
 
 /// The option --files-from, which names an InputList's file.
-profiling::ManualOption filesFromOption();
+console::ManualOption filesFromOption();
 
 /// The option --max-memory.
-profiling::ManualOption maxMemoryOption();
+console::ManualOption maxMemoryOption();
 /// @throws Failure
 MemorySize maxMemoryOf(const Given& given);
 
@@ -212,9 +212,9 @@ void applyGiven(const CommandLine& line, const std::vector<OptionRow<Options>>& 
 /// @param helpText of --help itself
 /// @return the options for help, manual page and completions
 template <typename Options>
-std::vector<profiling::ManualOption> manualOf(const std::vector<OptionRow<Options>>& rows,
-                                              const std::string& helpText = "Show this help.") {
-    std::vector<profiling::ManualOption> options;
+std::vector<console::ManualOption> manualOf(const std::vector<OptionRow<Options>>& rows,
+                                            const std::string& helpText = "Show this help.") {
+    std::vector<console::ManualOption> options;
     for (const auto& row : rows) {
         options.push_back(row.manual);
         options.back().text += helpOf(row.beside);

@@ -54,7 +54,7 @@ void DescriptorBuffer::setTerminalText(bool isOn) {
     finish();
     terminalText_.reset();
     if (isOn) {
-        terminalText_.emplace(forms::TerminalText::Newlines::kept);
+        terminalText_.emplace(console::TerminalText::Newlines::kept);
     }
 }
 

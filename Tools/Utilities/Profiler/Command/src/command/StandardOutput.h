@@ -6,7 +6,7 @@
 #include <streambuf>
 #include <string_view>
 
-#include "forms/text/TerminalText.h"
+#include "console/TerminalText.h"
 
 namespace zeb::command {
 
@@ -46,7 +46,7 @@ private:
     int error_ = 0;
     std::uint64_t size_ = 0;
     bool isMuted_ = false;
-    std::optional<forms::TerminalText> terminalText_;
+    std::optional<console::TerminalText> terminalText_;
     std::array<char, 65536> buffer_{};
 };
 

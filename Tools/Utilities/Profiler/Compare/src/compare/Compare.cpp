@@ -9,11 +9,11 @@
 #include <vector>
 
 #include "command/Failure.h"
-#include "command/LoadRun.h"
 #include "command/StandardOutput.h"
-#include "command/TerminalStyle.h"
+#include "command/runs/LoadRun.h"
 #include "compare/CompareOptions.h"
 #include "compare/ComparisonForms.h"
+#include "console/ConsoleStyle.h"
 #include "forms/text/ComparisonText.h"
 #include "text/BuildText.h"
 #include "zeb/profiling/Version.h"
@@ -82,7 +82,7 @@ ExitCode compareVersions(const CompareOptions& options, StandardOutput& output) 
         if (hasText) {
             // Names are made fit for a terminal where they are printed; the colours have to pass.
             output.showRaw();
-            const forms::ConsoleStyle style = command::styleOfTerminal(STDOUT_FILENO);
+            const console::ConsoleStyle style = console::styleOfTerminal(STDOUT_FILENO);
             forms::printComparison(std::cout, comparison,
                                    {.hasColour = style.hasColour,
                                     .hasUnicode = style.hasUnicode,

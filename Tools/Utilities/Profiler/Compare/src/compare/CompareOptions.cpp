@@ -128,7 +128,7 @@ OptionRows ownRows() {
          {},
          {.needs = failName}},
         {{"--gate", " TIME",
-          "The time to judge: " + profiling::namesInARow(command::namesOf(gateNames)) + ". Default marlix.",
+          "The time to judge: " + console::namesInARow(command::namesOf(gateNames)) + ". Default marlix.",
           command::namesOf(gateNames)},
          Takes::value,
          [](auto& all, const auto& given) { all.gate.total = totalOf(given); },
@@ -232,7 +232,7 @@ CompareOptions parseCommandLine(int argc, const char* const* argv) {
     return all.options;
 }
 
-profiling::CommandManual compareManual() {
+console::CommandManual compareManual() {
     return {
         .name = std::string(programName),
         .summary = "Compares two versions by the profiling logs of their runs.",
@@ -242,7 +242,7 @@ profiling::CommandManual compareManual() {
         .paragraphs =
             {"A log may also be a file with the JSON of a run, as the viewer writes it. Give four logs or "
              "more of each version, taken in turns: with fewer a change can't be told from chance."},
-        .exitCodes = {"Exit codes, the first that holds of 2, 1, 3, 7, 6", profiling::rowsOf(meaningOf)},
+        .exitCodes = {"Exit codes, the first that holds of 2, 1, 3, 7, 6", console::rowsOf(meaningOf)},
         .examples = {{"", "zeb-profile-compare old.zlog new.zlog"},
                      {"", "zeb-profile-compare --base old-*.zlog --new new-*.zlog"},
                      {"", "zeb-profile-compare --rename conv1=stem --hide-below 0 old.zlog new.zlog"},

@@ -11,7 +11,7 @@
 #include "command/CommandLine.h"
 #include "command/Failure.h"
 #include "command/MemoryLimit.h"
-#include "text/CommandManual.h"
+#include "console/CommandManual.h"
 
 namespace zeb::compare {
 
@@ -40,6 +40,6 @@ struct CompareOptions {
 CompareOptions parseCommandLine(int argc, const char* const* argv);
 
 /// @return what the command says about itself
-profiling::CommandManual compareManual();
+console::CommandManual compareManual();
 
 }  // namespace zeb::compare

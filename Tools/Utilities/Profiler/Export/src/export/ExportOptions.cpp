@@ -74,7 +74,7 @@ const OptionRows& optionRows() {
          Takes::nothing,
          [](auto& options, const auto& /*given*/) { options.skipsKnown = true; }},
         {{"--tables", " NAME,NAME",
-          "Write these tables only: " + profiling::namesInARow(command::namesOf(forms::allTables)) + '.',
+          "Write these tables only: " + console::namesInARow(command::namesOf(forms::allTables)) + '.',
           command::namesOf(forms::allTables)},
          Takes::value,
          [](auto& options, const auto& given) { options.tables = tablesOf(given); }},
@@ -131,7 +131,7 @@ ExportOptions parseCommandLine(int argc, const char* const* argv) {
     return options;
 }
 
-profiling::CommandManual exportManual() {
+console::CommandManual exportManual() {
     return {
         .name = std::string(programName),
         .summary = "Writes the runs of profiling logs as flat tables, for databases.",
@@ -144,7 +144,7 @@ profiling::CommandManual exportManual() {
              "folder in DIR, a batch of CSV files, and prints its path. The folder is there once it is "
              "whole, "
              "and any number of calls may run at once. A run that comes again within a call is taken once."},
-        .exitCodes = {"Exit codes", profiling::rowsOf(meaningOf)},
+        .exitCodes = {"Exit codes", console::rowsOf(meaningOf)},
         .examples = {{"", "zeb-profile-export --to fleet run-*.zlog"},
                      {"", "zeb-profile-export --to fleet --label site=lab --label board=7 run.zlog"},
                      {"All logs of a directory, and none twice",

@@ -9,8 +9,8 @@
 #include "command/Failure.h"
 #include "command/Labels.h"
 #include "command/MemoryLimit.h"
+#include "console/CommandManual.h"
 #include "forms/tables/RunTables.h"
-#include "text/CommandManual.h"
 
 namespace zeb::exports {
 
@@ -37,6 +37,6 @@ struct ExportOptions {
 ExportOptions parseCommandLine(int argc, const char* const* argv);
 
 /// @return what the command says about itself
-profiling::CommandManual exportManual();
+console::CommandManual exportManual();
 
 }  // namespace zeb::exports

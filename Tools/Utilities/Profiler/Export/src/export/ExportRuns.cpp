@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "command/Failure.h"
-#include "command/LoadRun.h"
+#include "command/runs/LoadRun.h"
 #include "export/ExportProgress.h"
 #include "export/Turns.h"
 

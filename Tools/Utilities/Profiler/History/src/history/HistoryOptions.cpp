@@ -43,7 +43,7 @@ OptionRows ownRows() {
          [](auto& options, const auto& given) { options.by = given.value; }},
         {{"--order", " ORDER",
           "Put the versions in the order in which their runs are given, or by the clock of the logs: " +
-              profiling::namesInARow(command::namesOf(orderNames)) + ". Default given.",
+              console::namesInARow(command::namesOf(orderNames)) + ". Default given.",
           command::namesOf(orderNames)},
          Takes::value,
          [](auto& options, const auto& given) { options.order = orderOf(given); }},
@@ -119,7 +119,7 @@ HistoryOptions parseCommandLine(int argc, const char* const* argv) {
     return options;
 }
 
-profiling::CommandManual historyManual() {
+console::CommandManual historyManual() {
     return {.name = std::string(programName),
             .summary = "Shows when many versions got slower, by how much, and which layers did it.",
             .usages = {"[options] RUN...", "[options] --files-from FILE"},
@@ -130,7 +130,7 @@ profiling::CommandManual historyManual() {
                            "first. A step is told once four versions stand on either side of it, and needs "
                            "some ten in all; for one "
                            "new version against the one before use zeb-profile-compare."},
-            .exitCodes = {"Exit codes, the first that holds of 2, 1, 3, 7, 6", profiling::rowsOf(meaningOf)},
+            .exitCodes = {"Exit codes, the first that holds of 2, 1, 3, 7, 6", console::rowsOf(meaningOf)},
             .examples = {{"", "zeb-profile-history nightly-*.zlog"},
                          {"Several runs of each version, which their labels tell",
                           "zeb-profile-history --by build --files-from runs.txt"},

@@ -9,7 +9,7 @@
 #include "command/CommandLine.h"
 #include "command/Failure.h"
 #include "command/MemoryLimit.h"
-#include "text/CommandManual.h"
+#include "console/CommandManual.h"
 
 namespace zeb::history {
 
@@ -39,6 +39,6 @@ struct HistoryOptions {
 HistoryOptions parseCommandLine(int argc, const char* const* argv);
 
 /// @return what the command says about itself
-profiling::CommandManual historyManual();
+console::CommandManual historyManual();
 
 }  // namespace zeb::history

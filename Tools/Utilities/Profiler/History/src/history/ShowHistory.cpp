@@ -10,9 +10,9 @@
 
 #include "analysis/History.h"
 #include "command/InputList.h"
-#include "command/LoadRun.h"
 #include "command/StandardOutput.h"
-#include "command/TerminalStyle.h"
+#include "command/runs/LoadRun.h"
+#include "console/ConsoleStyle.h"
 #include "forms/text/HistoryText.h"
 #include "history/HistoryForms.h"
 #include "history/HistoryOptions.h"
@@ -127,7 +127,7 @@ ExitCode showHistory(const HistoryOptions& options, StandardOutput& output) {
         if (hasText) {
             // Names are made fit for a terminal where they are printed; the colours have to pass.
             output.showRaw();
-            const forms::ConsoleStyle style = command::styleOfTerminal(STDOUT_FILENO);
+            const console::ConsoleStyle style = console::styleOfTerminal(STDOUT_FILENO);
             forms::printHistory(std::cout, history, chance,
                                 {.hasColour = style.hasColour, .hasUnicode = style.hasUnicode});
         }

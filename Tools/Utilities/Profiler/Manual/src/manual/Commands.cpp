@@ -11,8 +11,8 @@ namespace zeb::manual {
 
 namespace {
 
-profiling::CommandManual viewerManual() {
-    profiling::CommandManual manual = viewer::viewerManual();
+console::CommandManual viewerManual() {
+    console::CommandManual manual = viewer::viewerManual();
     const auto options = readerOptions();
     manual.options.insert(manual.options.end(), options.begin(), options.end());
     return manual;
@@ -20,7 +20,7 @@ profiling::CommandManual viewerManual() {
 
 }  // namespace
 
-std::vector<profiling::CommandManual> commandManuals() {
+std::vector<console::CommandManual> commandManuals() {
     return {
         viewerManual(),           compare::compareManual(),   exports::exportManual(),
         history::historyManual(), samplelog::commandManual(),

@@ -2,11 +2,11 @@
 
 #include <vector>
 
-#include "text/CommandManual.h"
+#include "console/CommandManual.h"
 
 namespace zeb::manual {
 
 /// @return the manuals of all commands that are installed
-std::vector<profiling::CommandManual> commandManuals();
+std::vector<console::CommandManual> commandManuals();
 
 }  // namespace zeb::manual

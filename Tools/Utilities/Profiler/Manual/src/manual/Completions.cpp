@@ -10,8 +10,8 @@ namespace zeb::manual {
 
 namespace {
 
-using profiling::CommandManual;
-using profiling::ManualOption;
+using console::CommandManual;
+using console::ManualOption;
 
 std::string joined(const std::vector<std::string>& words, std::string_view between) {
     std::string text;

@@ -2,14 +2,14 @@
 
 #include <string>
 
-#include "text/CommandManual.h"
+#include "console/CommandManual.h"
 
 namespace zeb::manual {
 
 /// Scripts that let a shell complete the options of a command, their values and file names.
 
-std::string bashCompletion(const profiling::CommandManual& manual);
-std::string zshCompletion(const profiling::CommandManual& manual);
-std::string fishCompletion(const profiling::CommandManual& manual);
+std::string bashCompletion(const console::CommandManual& manual);
+std::string zshCompletion(const console::CommandManual& manual);
+std::string fishCompletion(const console::CommandManual& manual);
 
 }  // namespace zeb::manual

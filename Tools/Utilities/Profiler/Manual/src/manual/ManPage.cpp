@@ -8,10 +8,10 @@ namespace zeb::manual {
 
 namespace {
 
-using profiling::CommandManual;
-using profiling::ManualExample;
-using profiling::ManualOption;
-using profiling::ManualTable;
+using console::CommandManual;
+using console::ManualExample;
+using console::ManualOption;
+using console::ManualTable;
 
 struct Escape {
     char character;

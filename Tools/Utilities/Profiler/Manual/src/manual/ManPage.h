@@ -3,7 +3,7 @@
 #include <span>
 #include <string>
 
-#include "text/CommandManual.h"
+#include "console/CommandManual.h"
 
 namespace zeb::manual {
 
@@ -15,7 +15,7 @@ struct Release {
 
 /// @param others the names of further commands that have pages
 /// @return the manual page of a command in the macros of man(7), for section 1
-std::string manPage(const profiling::CommandManual& manual, const Release& release,
+std::string manPage(const console::CommandManual& manual, const Release& release,
                     std::span<const std::string> others);
 
 }  // namespace zeb::manual

@@ -29,8 +29,8 @@ std::string readerHelp() {
 
 }  // namespace
 
-std::vector<profiling::ManualOption> readerOptions() {
-    std::vector<profiling::ManualOption> options;
+std::vector<console::ManualOption> readerOptions() {
+    std::vector<console::ManualOption> options;
     std::istringstream help(readerHelp());
     for (std::string line; std::getline(help, line);) {
         const std::size_t end = line.find(rowEnd);

@@ -2,11 +2,11 @@
 
 #include <vector>
 
-#include "text/CommandManual.h"
+#include "console/CommandManual.h"
 
 namespace zeb::manual {
 
 /// @return the options that the readers add to those of the viewer, from the help that they show
-std::vector<profiling::ManualOption> readerOptions();
+std::vector<console::ManualOption> readerOptions();
 
 }  // namespace zeb::manual

@@ -30,7 +30,7 @@ ValueKind kindOf(std::string_view label) {
 
 }  // namespace
 
-ValueForm valueFormOf(const profiling::ManualOption& option) {
+ValueForm valueFormOf(const console::ManualOption& option) {
     if (option.valueForm.empty()) {
         return {};
     }
@@ -46,7 +46,7 @@ ValueForm valueFormOf(const profiling::ManualOption& option) {
     return form;
 }
 
-std::string shortText(const profiling::ManualOption& option) {
+std::string shortText(const console::ManualOption& option) {
     std::string text = option.text;
     std::replace(text.begin(), text.end(), '\n', ' ');
     text = text.substr(0, std::min({text.find(". "), text.find(": "), text.find("; "), text.find(" (")}));

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-#include "text/CommandManual.h"
+#include "console/CommandManual.h"
 
 namespace zeb::manual {
 
@@ -18,10 +18,10 @@ struct ValueForm {
     std::string label;          ///< "FILE"
 };
 
-ValueForm valueFormOf(const profiling::ManualOption& option);
+ValueForm valueFormOf(const console::ManualOption& option);
 
 /// @return the first sentence of an option's text, up to a colon, a semicolon or a bracket, without its full
 /// stop
-std::string shortText(const profiling::ManualOption& option);
+std::string shortText(const console::ManualOption& option);
 
 }  // namespace zeb::manual

@@ -7,15 +7,15 @@
 #include <string>
 #include <vector>
 
+#include "console/CommandManual.h"
 #include "manual/Commands.h"
 #include "manual/Completions.h"
 #include "manual/ManPage.h"
-#include "text/CommandManual.h"
 
 namespace zeb::manual {
 namespace {
 
-using profiling::CommandManual;
+using console::CommandManual;
 
 void writeFile(const std::filesystem::path& path, const std::string& text) {
     std::filesystem::create_directories(path.parent_path());

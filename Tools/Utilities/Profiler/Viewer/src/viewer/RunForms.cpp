@@ -9,7 +9,7 @@
 #include "analysis/MakeRun.h"
 #include "command/LoadProgress.h"
 #include "command/LogDiagnosis.h"
-#include "command/TerminalStyle.h"
+#include "console/ConsoleStyle.h"
 #include "forms/json/RunJson.h"
 #include "forms/page/Page.h"
 #include "forms/text/TopText.h"
@@ -23,9 +23,9 @@ using command::Failure;
 using command::LoadProgress;
 using command::MemoryLimit;
 using command::StandardOutput;
-using command::styleOfTerminal;
 using command::whyEndedEarly;
 using command::whyRejected;
+using console::styleOfTerminal;
 
 namespace {
 

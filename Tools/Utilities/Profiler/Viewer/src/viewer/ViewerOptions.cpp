@@ -260,7 +260,7 @@ command::Words viewerOptionNames() {
     return optionNames(optionRows());
 }
 
-profiling::CommandManual viewerManual() {
+console::CommandManual viewerManual() {
     return {.name = std::string(programName),
             .summary = "Reads a profiling log and prints the report of its run.",
             .usages = {"[options] LOG [reader options]"},
@@ -270,7 +270,7 @@ profiling::CommandManual viewerManual() {
                            "their values as --name=value or as the words behind the name. A \"--\" ends the "
                            "options: what follows it are file names.",
                            "LOG may also be a pipe, and \"-\" is standard input."},
-            .exitCodes = {"Exit codes", profiling::rowsOf(meaningOf)},
+            .exitCodes = {"Exit codes", console::rowsOf(meaningOf)},
             .examples = {{"", "zeb-profile-viewer run.log"},
                          {"", "zeb-profile-viewer --csv runs.csv run.log --internal"},
                          {"", "zeb-profile-viewer --save-objects=objects run.log"},

@@ -8,8 +8,8 @@
 
 #include "command/CommandLine.h"
 #include "command/MemoryLimit.h"
+#include "console/CommandManual.h"
 #include "forms/text/TopText.h"
-#include "text/CommandManual.h"
 #include "viewer/NamedReaders.h"
 #include "viewer/ProgramName.h"
 #include "zeb/profiling/VisibilityLevel.h"
@@ -56,6 +56,6 @@ ViewerOptions parseCommandLine(int argc, const char* const* argv);
 command::Words viewerOptionNames();
 
 /// @return what the viewer says about itself, without what a reader does
-profiling::CommandManual viewerManual();
+console::CommandManual viewerManual();
 
 }  // namespace zeb::viewer

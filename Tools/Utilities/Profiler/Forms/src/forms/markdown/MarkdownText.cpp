@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "forms/text/ConsoleText.h"
+#include "console/ConsoleText.h"
 
 namespace zeb::forms {
 
@@ -28,7 +28,7 @@ std::string markdownName(std::string_view name, bool isInTable) {
     if (name.empty()) {
         return "(no name)";
     }
-    const std::string shown = shownName(name, mostNameColumns, true);
+    const std::string shown = console::shownName(name, mostNameColumns, true);
     std::size_t longest = 0;
     std::size_t length = 0;
     std::string text;
@@ -47,7 +47,7 @@ std::string markdownSentence(std::string_view text) {
     constexpr std::string_view meaningful = R"(\`*_{}[]<>()#+-.!|~&:$="'/^)";
     std::string escaped;
     // With blanks at an end it could not be emphasised.
-    const std::string shown = shownName(text, mostSentenceColumns, true);
+    const std::string shown = console::shownName(text, mostSentenceColumns, true);
     const std::size_t begin = std::min(shown.find_first_not_of(' '), shown.size());
     for (const char character : shown.substr(begin, shown.find_last_not_of(' ') + 1 - begin)) {
         if (meaningful.find(character) != std::string_view::npos) {

@@ -1,6 +1,7 @@
 #include "forms/text/ComparisonText.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <optional>
 #include <span>
@@ -9,8 +10,8 @@
 #include <vector>
 
 #include "analysis/Answer.h"
+#include "console/ConsoleText.h"
 #include "forms/text/ComparisonRows.h"
-#include "forms/text/ConsoleText.h"
 #include "text/NumberText.h"
 
 namespace zeb::forms {
@@ -23,6 +24,13 @@ using analysis::GraphComparison;
 using analysis::microseconds;
 using analysis::TotalChange;
 using analysis::Verdict;
+using console::Column;
+using console::columnsOf;
+using console::ConsoleTable;
+using console::left;
+using console::right;
+using console::shownName;
+using console::wrapped;
 
 constexpr std::size_t mostNameColumns = 48;
 constexpr std::size_t fewNameColumns = 16;
@@ -56,12 +64,14 @@ std::vector<Shape> shapesOf() {
 }
 
 // A table whose rows have the colour of their verdict.
+template <std::size_t columnCount>
 class ChangeTable {
 public:
-    explicit ChangeTable(const std::vector<ConsoleTable::Column>& columns) : table_(columns) {}
+    explicit ChangeTable(ConsoleTable<columnCount> titles) : table_(std::move(titles)) {}
 
-    void add(std::vector<std::string> cells, Verdict verdict) {
-        table_.add(std::move(cells));
+    template <typename... Cells>
+    void add(Verdict verdict, const Cells&... cells) {
+        table_.add(cells...);
         verdicts_.push_back(verdict);
     }
 
@@ -90,7 +100,7 @@ private:
         return verdict == Verdict::faster ? "\x1B[32m" : "";
     }
 
-    ConsoleTable table_;
+    ConsoleTable<columnCount> table_;
     std::vector<Verdict> verdicts_;
 };
 
@@ -198,18 +208,18 @@ private:
             return;
         }
         out_ << "\nExecutions, without the first\n";
-        std::vector<ConsoleTable::Column> columns = {{"", Side::left}, {"Count", Side::right}};
-        for (const analysis::Quantile& quantile : analysis::quantiles) {
-            columns.push_back({std::string(quantile.title) + " us", Side::right});
-        }
-        ConsoleTable table(std::move(columns));
+        std::array<Column, std::size(analysis::quantiles)> quantiles;
+        std::transform(
+            std::begin(analysis::quantiles), std::end(analysis::quantiles), quantiles.begin(),
+            [](const analysis::Quantile& quantile) { return right(std::string(quantile.title) + " us"); });
+        ConsoleTable table(left(""), right("Count"), quantiles);
         const auto add = [&table](const char* side, const analysis::Spread& spread) {
-            std::vector<std::string> cells = {side, std::to_string(spread.count)};
-            for (std::size_t position = 0; position < std::size(analysis::quantiles); ++position) {
+            std::array<std::string, std::size(analysis::quantiles)> cells;
+            for (std::size_t position = 0; position < cells.size(); ++position) {
                 const std::optional<double> shown = spread.shownUs(position);
-                cells.push_back(shown ? microseconds(*shown) : "-");
+                cells[position] = shown ? microseconds(*shown) : "-";
             }
-            table.add(std::move(cells));
+            table.add(side, std::to_string(spread.count), cells);
         };
         add("Base", graph.executions->first);
         add("New", graph.executions->second);
@@ -231,22 +241,16 @@ private:
     void printTotals(const GraphComparison& graph) {
         out_ << "\nTotals\n";
         printFitting([&](const Shape& shape) {
-            const bool hasIntervals = isSure() && shape.hasIntervals;
-            std::vector<ConsoleTable::Column> columns = columnsOfChanges("", shape, false);
-            addColumn(columns, hasIntervals, "95% interval");
-            addColumn(columns, isSure() && shape.hasP, "p");
-            columns.push_back({"", Side::left});
-            ChangeTable table(columns);
+            ChangeTable table(ConsoleTable(
+                left(""), right("Base us", shape.hasTimes), right("New us", shape.hasTimes),
+                right("Change us"), right("Change"), right("95% interval", isSure() && shape.hasIntervals),
+                right("p", isSure() && shape.hasP), left("")));
             for (const TotalChange& row : graph.totals) {
-                std::vector<std::string> cells = {std::string(nameOf(row.total))};
-                addCell(cells, shape.hasTimes, rangeText(row, row.base, row.baseLogs, shape.hasRanges));
-                addCell(cells, shape.hasTimes, rangeText(row, row.changed, row.newLogs, shape.hasRanges));
-                cells.push_back(row.isOnBoth() ? changeUsOf(row) : "-");
-                cells.push_back(changeOf(row));
-                addCell(cells, hasIntervals, row.interval ? textOf(*row.interval) : "");
-                addCell(cells, isSure() && shape.hasP, pText(row.p));
-                cells.push_back(wordOf(row.verdict));
-                table.add(std::move(cells), row.verdict);
+                table.add(row.verdict, nameOf(row.total),
+                          rangeText(row, row.base, row.baseLogs, shape.hasRanges),
+                          rangeText(row, row.changed, row.newLogs, shape.hasRanges),
+                          row.isOnBoth() ? changeUsOf(row) : "-", changeOf(row),
+                          row.interval ? textOf(*row.interval) : "", pText(row.p), wordOf(row.verdict));
             }
             return table;
         });
@@ -254,29 +258,6 @@ private:
 
     [[nodiscard]] bool isSure() const {
         return comparison_.basis == Basis::several || comparison_.basis == Basis::paired;
-    }
-
-    static std::vector<ConsoleTable::Column> columnsOfChanges(const char* name, const Shape& shape,
-                                                              bool hasShared) {
-        std::vector<ConsoleTable::Column> columns = {{name, Side::left}};
-        addColumn(columns, shape.hasTimes, "Base us");
-        addColumn(columns, shape.hasTimes, "New us");
-        addColumn(columns, true, "Change us");
-        addColumn(columns, true, "Change");
-        addColumn(columns, hasShared, "Beyond");
-        return columns;
-    }
-
-    static void addColumn(std::vector<ConsoleTable::Column>& columns, bool isThere, const char* title) {
-        if (isThere) {
-            columns.push_back({title, Side::right});
-        }
-    }
-
-    static void addCell(std::vector<std::string>& cells, bool isThere, std::string text) {
-        if (isThere) {
-            cells.push_back(std::move(text));
-        }
     }
 
     void printLayers(std::string_view title, const char* nameTitle, const GraphComparison& graph,
@@ -290,22 +271,15 @@ private:
         }
         const ShownRows rows = shownRows(changes, options_.hideBelow, options_.rows);
         printFitting([&](const Shape& shape) {
-            std::vector<ConsoleTable::Column> columns =
-                columnsOfChanges(nameTitle, shape, graph.shared.has_value());
-            addColumn(columns, isSure() && shape.hasP, "p");
-            columns.push_back({"", Side::left});
-            ChangeTable table(columns);
+            ChangeTable table(ConsoleTable(left(nameTitle), right("Base us", shape.hasTimes),
+                                           right("New us", shape.hasTimes), right("Change us"),
+                                           right("Change"), right("Beyond", graph.shared.has_value()),
+                                           right("p", isSure() && shape.hasP), left("")));
             const auto add = [&](const analysis::LayerChange& row, const std::string& change,
                                  const std::string& beyond) {
-                std::vector<std::string> cells = {name(row.name, shape.nameColumns)};
-                addCell(cells, shape.hasTimes, microseconds(row.baseUs));
-                addCell(cells, shape.hasTimes, microseconds(row.newUs));
-                cells.push_back(changeUsOf(row));
-                cells.push_back(change);
-                addCell(cells, graph.shared.has_value(), beyond);
-                addCell(cells, isSure() && shape.hasP, pText(row.p));
-                cells.push_back(wordOf(row.verdict));
-                table.add(std::move(cells), row.verdict);
+                table.add(row.verdict, name(row.name, shape.nameColumns), microseconds(row.baseUs),
+                          microseconds(row.newUs), changeUsOf(row), change, beyond, pText(row.p),
+                          wordOf(row.verdict));
             };
             for (const analysis::LayerChange* const row : rows.shown) {
                 add(*row, changeOf(*row, comparison_.basis, graph.shared.has_value()), beyondOf(*row));

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "forms/text/ConsoleText.h"
+#include "console/ConsoleText.h"
 #include "text/NumberText.h"
 
 namespace zeb::forms {
@@ -18,6 +18,10 @@ using analysis::History;
 using analysis::HistorySeries;
 using analysis::LevelStep;
 using analysis::SeriesKind;
+using console::ConsoleTable;
+using console::left;
+using console::right;
+using console::shownName;
 using profiling::fixedPoint;
 
 constexpr std::size_t mostNameColumns = 40;
@@ -137,11 +141,7 @@ private:
     }
 
     void printSeries(Series all) {
-        ConsoleTable table({{"", Side::left},
-                            {"Now", Side::right},
-                            {"Last step", Side::right},
-                            {"", Side::left},
-                            {"Course", Side::left}});
+        ConsoleTable table(left(""), right("Now"), right("Last step"), left(""), left("Course"));
         std::size_t still = 0;
         for (const HistorySeries& series : all) {
             if (series.kind == SeriesKind::layer && isStill(series)) {
@@ -158,8 +158,8 @@ private:
                 change = percent(course.steps.back().change);
                 place = "at " + versionAt(series, course.steps.back().first);
             }
-            table.add({name(series.name), levelText(series, series.newestUs()), change, place,
-                       pictureOf(series, options_.hasUnicode)});
+            table.add(name(series.name), levelText(series, series.newestUs()), change, place,
+                      pictureOf(series, options_.hasUnicode));
         }
         for (const std::string& line : table.lines(2)) {
             out_ << line << '\n';

@@ -1,6 +1,7 @@
 #include "forms/text/TopText.h"
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <cmath>
 #include <cstdint>
@@ -9,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "forms/text/ConsoleText.h"
+#include "console/ConsoleText.h"
 #include "text/NumberText.h"
 #include "text/Saturation.h"
 
@@ -23,8 +24,17 @@ using analysis::Part;
 using analysis::PartKind;
 using analysis::Run;
 using analysis::ZebLayer;
+using console::Column;
+using console::columnsOf;
+using console::ConsoleStyle;
+using console::ConsoleTable;
+using console::left;
+using console::right;
+using console::shownName;
+using console::wrapped;
 using profiling::fixedPoint;
 
+constexpr std::size_t indentation = 2;  // of tables
 constexpr std::size_t barWidth = 24;
 constexpr std::size_t mostNameColumns = 48;  // where no terminal says less
 constexpr std::size_t fewestNameColumns = 12;
@@ -125,10 +135,9 @@ private:
     const ConsoleStyle& style_;
 };
 
-// Lines of a table, the titles dimmed, with bars behind the rows that have one.
-void printTable(std::ostream& out, const Style& style, const ConsoleTable& table,
+// A table's lines, the titles dimmed, with bars behind the rows that have one.
+void printTable(std::ostream& out, const Style& style, const std::vector<std::string>& lines,
                 const std::vector<std::string>& bars) {
-    const std::vector<std::string> lines = table.lines(2);
     std::size_t widest = 0;
     for (const std::string& line : lines) {
         widest = std::max(widest, columnsOf(line));
@@ -158,14 +167,11 @@ void printText(std::ostream& out, const Style& style, std::string_view front, st
 
 class Tree {
 public:
-    Tree(const Style& style, double wholeUs)
-        : style_(style),
-          wholeUs_(wholeUs),
-          table_({{"", Side::left}, {"Time", Side::right}, {"Share", Side::right}}) {}
+    Tree(const Style& style, double wholeUs) : style_(style), wholeUs_(wholeUs) {}
 
     void add(const Part& part, const std::string& front, const std::string& below) {
-        table_.add({front + shownName(part.name, mostNameColumns, style_.hasUnicode()), us(part.us),
-                    percent(shareOf(part.us, wholeUs_))});
+        table_.add(front + shownName(part.name, mostNameColumns, style_.hasUnicode()), us(part.us),
+                   percent(shareOf(part.us, wholeUs_)));
         bars_.push_back(barOf(part));
         if (!part.note.empty()) {
             notes_.push_back(part.note);
@@ -178,7 +184,7 @@ public:
     }
 
     void print(std::ostream& out) const {
-        printTable(out, style_, table_, bars_);
+        printTable(out, style_, table_.lines(indentation), bars_);
         for (const std::string& note : notes_) {
             printText(out, style_, "  ", note);
         }
@@ -198,7 +204,7 @@ private:
 
     const Style& style_;
     double wholeUs_;
-    ConsoleTable table_;
+    ConsoleTable<3> table_{left(""), right("Time"), right("Share")};
     std::vector<std::string> bars_;
     std::vector<std::string> notes_;
 };
@@ -270,12 +276,8 @@ void printZebLayers(std::ostream& out, const Style& style, const Graph& graph, c
     const std::string title = options.order == LayerOrder::time ? "Costliest ZEB layers" : "ZEB layers";
     printTitle(out, style,
                title + " (" + std::to_string(shown) + " of " + std::to_string(graph.zebLayers.size()) + ')');
-    ConsoleTable table({{"Layer", Side::left},
-                        {"Time", Side::right},
-                        {"Share", Side::right},
-                        {"Sum", Side::right},
-                        {"DSP", Side::right},
-                        {"Krel", Side::right}});
+    ConsoleTable table(left("Layer"), right("Time"), right("Share"), right("Sum"), right("DSP"),
+                       right("Krel"));
     std::vector<std::string> bars;
     double longestUs = 0.0;
     for (const ZebLayer* const layer : std::span(layers).first(shown)) {
@@ -290,20 +292,19 @@ void printZebLayers(std::ostream& out, const Style& style, const Graph& graph, c
         sumUs += dsp + krel;
         sumDspUs += dsp;
         sumKrelUs += krel;
-        table.add({style.name(layer->name, layerNumbersWidth), us(dsp + krel),
-                   percent(shareOf(dsp + krel, wholeUs)), percent(shareOf(sumUs, wholeUs)), us(dsp),
-                   us(krel)});
+        table.add(style.name(layer->name, layerNumbersWidth), us(dsp + krel),
+                  percent(shareOf(dsp + krel, wholeUs)), percent(shareOf(sumUs, wholeUs)), us(dsp), us(krel));
         bars.push_back(longestUs > 0.0 ? style.bar(dsp / longestUs, krel / longestUs) : "");
     }
     if (const std::size_t others = graph.zebLayers.size() - shown; others > 0) {
-        table.add({'[' + std::to_string(others) + (others == 1 ? " other]" : " others]"), us(wholeUs - sumUs),
-                   percent(shareOf(wholeUs - sumUs, wholeUs)), "", us(dspUs - sumDspUs),
-                   us(krelUs - sumKrelUs)});
+        table.add('[' + std::to_string(others) + (others == 1 ? " other]" : " others]"), us(wholeUs - sumUs),
+                  percent(shareOf(wholeUs - sumUs, wholeUs)), "", us(dspUs - sumDspUs),
+                  us(krelUs - sumKrelUs));
         bars.emplace_back();
     }
-    table.add({"Total", us(wholeUs), percent(shareOf(wholeUs, wholeUs)), "", us(dspUs), us(krelUs)});
+    table.add("Total", us(wholeUs), percent(shareOf(wholeUs, wholeUs)), "", us(dspUs), us(krelUs));
     bars.push_back(style.legend());
-    printTable(out, style, table, bars);
+    printTable(out, style, table.lines(indentation), bars);
 }
 
 std::string placeOf(const analysis::LayerType& type) {
@@ -317,11 +318,7 @@ std::string placeOf(const analysis::LayerType& type) {
 
 void printLayerTypes(std::ostream& out, const Style& style, const Graph& graph, const TopOptions& options) {
     printTitle(out, style, "ORU layers by type");
-    ConsoleTable table({{"Type", Side::left},
-                        {"Layers", Side::right},
-                        {"Time", Side::right},
-                        {"Share", Side::right},
-                        {"Runs on", Side::left}});
+    ConsoleTable table(left("Type"), right("Layers"), right("Time"), right("Share"), left("Runs on"));
     const std::string wanted = lowerCase(options.filter);
     std::uint64_t layers = 0;
     std::uint64_t otherLayers = 0;
@@ -344,15 +341,14 @@ void printLayerTypes(std::ostream& out, const Style& style, const Graph& graph, 
             continue;
         }
         ++shown;
-        table.add(
-            {type.name, std::to_string(count), us(time), percent(shareOf(time, wholeUs)), placeOf(type)});
+        table.add(type.name, std::to_string(count), us(time), percent(shareOf(time, wholeUs)), placeOf(type));
     }
     if (others > 0) {
-        table.add({'[' + std::to_string(others) + (others == 1 ? " other]" : " others]"),
-                   std::to_string(otherLayers), us(otherUs), percent(shareOf(otherUs, wholeUs)), ""});
+        table.add('[' + std::to_string(others) + (others == 1 ? " other]" : " others]"),
+                  std::to_string(otherLayers), us(otherUs), percent(shareOf(otherUs, wholeUs)), "");
     }
-    table.add({"Total", std::to_string(layers), us(wholeUs), percent(shareOf(wholeUs, wholeUs)), ""});
-    printTable(out, style, table, {});
+    table.add("Total", std::to_string(layers), us(wholeUs), percent(shareOf(wholeUs, wholeUs)), "");
+    printTable(out, style, table.lines(indentation), {});
 }
 
 std::string signedPercent(double value) {
@@ -362,27 +358,24 @@ std::string signedPercent(double value) {
 // One table over all graphs.
 void printExecutionTimes(std::ostream& out, const Style& style, const Run& run) {
     printTitle(out, style, run.isAsync ? "Execution times with queue wait (us)" : "Execution times (us)");
-    std::vector<ConsoleTable::Column> columns = {{"Graph", Side::left}, {"Count", Side::right}};
-    for (const analysis::Quantile& quantile : analysis::quantiles) {
-        columns.push_back({std::string(quantile.title), Side::right});
-    }
-    columns.insert(columns.end(), {{"First", Side::right}, {"against median", Side::right}});
-    ConsoleTable table(std::move(columns));
+    std::array<Column, std::size(analysis::quantiles)> quantiles;
+    std::transform(std::begin(analysis::quantiles), std::end(analysis::quantiles), quantiles.begin(),
+                   [](const analysis::Quantile& quantile) { return right(std::string(quantile.title)); });
+    ConsoleTable table(left("Graph"), right("Count"), quantiles, right("First"), right("against median"));
     constexpr std::size_t numbersWidth = 72;
     const auto number = [](std::optional<double> value) { return value ? fixedPoint(*value, 0) : "-"; };
     for (const Graph& graph : run.graphs) {
         const analysis::Spread& spread = graph.spread;
-        std::vector<std::string> cells = {style.name(graph.name, numbersWidth), std::to_string(spread.count)};
-        for (std::size_t position = 0; position < std::size(analysis::quantiles); ++position) {
-            cells.push_back(number(spread.shownUs(position)));
+        std::array<std::string, std::size(analysis::quantiles)> cells;
+        for (std::size_t position = 0; position < cells.size(); ++position) {
+            cells[position] = number(spread.shownUs(position));
         }
-        cells.push_back(number(spread.firstUs));
-        cells.push_back(spread.firstUs
-                            ? signedPercent(shareOf(*spread.firstUs - spread.medianUs(), spread.medianUs()))
-                            : "-");
-        table.add(std::move(cells));
+        table.add(
+            style.name(graph.name, numbersWidth), std::to_string(spread.count), cells, number(spread.firstUs),
+            spread.firstUs ? signedPercent(shareOf(*spread.firstUs - spread.medianUs(), spread.medianUs()))
+                           : "-");
     }
-    printTable(out, style, table, {});
+    printTable(out, style, table.lines(indentation), {});
 }
 
 void printGraph(std::ostream& out, const Style& style, const Graph& graph, const TopOptions& options) {

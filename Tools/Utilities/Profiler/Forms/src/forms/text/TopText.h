@@ -2,30 +2,22 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <ostream>
 #include <string>
 
 #include "analysis/Run.h"
+#include "console/ConsoleStyle.h"
 
 /// What costs the time of an inference, for a console.
 namespace zeb::forms {
 
 enum class LayerOrder : std::uint8_t { time, order, name };
 
-/// What a console shows.
-struct ConsoleStyle {
-    bool hasColour = false;
-    bool hasUnicode = false;  ///< bars, tree lines and the sign of a cut
-    std::optional<std::size_t> width =
-        {};  ///< columns; nothing where lines may have any length, as in a pipe
-};
-
 struct TopOptions {
     std::size_t rows = 10;  ///< ZEB layers shown of each graph
     LayerOrder order = LayerOrder::time;
     std::string filter = {};  ///< of ZEB layers' names and of types' names, in any case; empty: all
-    ConsoleStyle style = {};
+    console::ConsoleStyle style = {};
 };
 
 /// Writes the sections of all graphs. Control characters in names show as question marks.

@@ -264,8 +264,8 @@ CommandOptions parseCommandLine(int argc, const char* const* argv) {
     return options;
 }
 
-profiling::CommandManual commandManual() {
-    profiling::CommandManual manual{
+console::CommandManual commandManual() {
+    console::CommandManual manual{
         .name = std::string(programName),
         .summary = "Writes a profiling log as a runtime would write it.",
         .usages = {"[options] FILE"},
@@ -274,7 +274,7 @@ profiling::CommandManual commandManual() {
         .paragraphs =
             {"The same options give the same bytes, on every machine. FILE may be /dev/stdout. What "
              "FILE held before is lost."},
-        .exitCodes = {"Exit codes", profiling::rowsOf(meaningOf)},
+        .exitCodes = {"Exit codes", console::rowsOf(meaningOf)},
         .examples = {{"", "write-sample-log sample.zlog"},
                      {"", "write-sample-log --async --level internal --executions 100 sample.zlog"},
                      {"", "write-sample-log --kind methods methods.zlog"}}};

@@ -4,8 +4,8 @@
 #include <string_view>
 
 #include "command/CommandLine.h"
+#include "console/CommandManual.h"
 #include "samplelog/command/SampleKinds.h"
-#include "text/CommandManual.h"
 
 namespace zeb::samplelog {
 
@@ -27,6 +27,6 @@ struct CommandOptions {
 CommandOptions parseCommandLine(int argc, const char* const* argv);
 
 /// @return what the command says about itself
-profiling::CommandManual commandManual();
+console::CommandManual commandManual();
 
 }  // namespace zeb::samplelog

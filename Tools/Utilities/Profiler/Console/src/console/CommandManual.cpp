@@ -1,6 +1,8 @@
-#include "text/CommandManual.h"
+#include "console/CommandManual.h"
 
-namespace zeb::profiling {
+#include "console/ConsoleText.h"
+
+namespace zeb::console {
 
 namespace {
 
@@ -34,7 +36,7 @@ std::string helpText(const CommandManual& manual) {
     }
     for (const std::string& paragraph : manual.paragraphs) {
         help += '\n';
-        for (const std::string& line : wrappedLines(paragraph, helpWidth)) {
+        for (const std::string& line : wrapped(paragraph, helpWidth)) {
             help += line + '\n';
         }
     }
@@ -53,4 +55,4 @@ std::string namesInARow(const std::vector<std::string>& names) {
     return row;
 }
 
-}  // namespace zeb::profiling
+}  // namespace zeb::console

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-namespace zeb::forms {
+namespace zeb::console {
 
 /// Makes of text that comes from elsewhere what a terminal shows and doesn't obey: each control character
 /// (`profiling::isControl`, a stray byte 80 to 9F) becomes a question mark. All else stays, byte for byte.
@@ -28,4 +28,4 @@ private:
 /// @return the text as one line
 std::string shownOnOneLine(std::string_view text);
 
-}  // namespace zeb::forms
+}  // namespace zeb::console

@@ -1,10 +1,10 @@
-#include "forms/text/TerminalText.h"
+#include "console/TerminalText.h"
 
 #include <utility>
 
 #include "text/Utf8.h"
 
-namespace zeb::forms {
+namespace zeb::console {
 
 namespace {
 
@@ -47,4 +47,4 @@ std::string shownOnOneLine(std::string_view text) {
     return shown += line.rest();
 }
 
-}  // namespace zeb::forms
+}  // namespace zeb::console

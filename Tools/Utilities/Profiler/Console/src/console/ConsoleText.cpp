@@ -1,11 +1,11 @@
-#include "forms/text/ConsoleText.h"
+#include "console/ConsoleText.h"
 
 #include <algorithm>
 #include <cstdint>
 
-#include "forms/text/TerminalText.h"
+#include "console/TerminalText.h"
 
-namespace zeb::forms {
+namespace zeb::console {
 
 namespace {
 
@@ -55,45 +55,52 @@ std::string shownName(std::string_view name, std::size_t mostColumns, bool hasUn
 }
 
 std::vector<std::string> wrapped(std::string_view text, std::size_t columns) {
+    constexpr std::string_view blanks = " \n";
     std::vector<std::string> lines;
-    while (!text.empty()) {
-        const std::string_view word = text.substr(0, text.find(' '));
-        text.remove_prefix(std::min(text.size(), word.size() + 1));
-        if (!lines.empty() && columnsOf(lines.back()) + 1 + columnsOf(word) <= columns) {
-            lines.back().append(" ").append(word);
-        } else {
+    for (std::size_t at = text.find_first_not_of(blanks); at != std::string_view::npos;) {
+        const std::size_t end = std::min(text.find_first_of(blanks, at), text.size());
+        const std::string_view word = text.substr(at, end - at);
+        if (lines.empty() || columnsOf(lines.back()) + 1 + columnsOf(word) > columns) {
             lines.emplace_back(word);
+        } else {
+            lines.back().append(" ").append(word);
         }
+        at = text.find_first_not_of(blanks, end);
     }
     return lines;
 }
 
-std::vector<std::string> ConsoleTable::lines(std::size_t indentation) const {
+std::vector<std::string> tableLines(const std::vector<Column>& columns, const std::vector<Cells>& rows,
+                                    std::size_t indentation) {
     std::vector<std::size_t> widths;
-    for (std::size_t column = 0; column < columns_.size(); ++column) {
-        std::size_t width = columnsOf(columns_[column].title);
-        for (const auto& row : rows_) {
+    for (std::size_t column = 0; column < columns.size(); ++column) {
+        std::size_t width = columnsOf(columns[column].title);
+        for (const Cells& row : rows) {
             width = std::max(width, columnsOf(row[column]));
         }
         widths.push_back(width);
     }
     const auto lineOf = [&](const auto& cellOf) {
         std::string line(indentation, ' ');
-        for (std::size_t column = 0; column < columns_.size(); ++column) {
+        std::string_view gap;
+        for (std::size_t column = 0; column < columns.size(); ++column) {
+            if (!columns[column].isShown) {
+                continue;
+            }
             const std::string& cell = cellOf(column);
             const std::string blanks(widths[column] - columnsOf(cell), ' ');
-            line += column == 0 ? "" : "  ";
-            line += columns_[column].side == Side::left ? cell + blanks : blanks + cell;
+            line += std::exchange(gap, "  ");
+            line += columns[column].side == Side::left ? cell + blanks : blanks + cell;
         }
         line.erase(line.find_last_not_of(' ') + 1);
         return line;
     };
     std::vector<std::string> lines{
-        lineOf([this](std::size_t column) -> const std::string& { return columns_[column].title; })};
-    for (const auto& row : rows_) {
+        lineOf([&](std::size_t column) -> const std::string& { return columns[column].title; })};
+    for (const Cells& row : rows) {
         lines.push_back(lineOf([&row](std::size_t column) -> const std::string& { return row[column]; }));
     }
     return lines;
 }
 
-}  // namespace zeb::forms
+}  // namespace zeb::console

@@ -3,9 +3,9 @@
 #include <string>
 #include <vector>
 
-#include "text/TwoColumns.h"
+#include "console/TwoColumns.h"
 
-namespace zeb::profiling {
+namespace zeb::console {
 
 /// An option of a command, as its help, its manual page and the completions of shells have it.
 struct ManualOption {
@@ -44,4 +44,4 @@ std::string helpText(const CommandManual& manual);
 /// @return "name, name, name"
 std::string namesInARow(const std::vector<std::string>& names);
 
-}  // namespace zeb::profiling
+}  // namespace zeb::console

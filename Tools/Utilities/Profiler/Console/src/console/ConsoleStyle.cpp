@@ -1,4 +1,4 @@
-#include "command/TerminalStyle.h"
+#include "console/ConsoleStyle.h"
 
 #include <langinfo.h>
 #include <locale.h>  // NOLINT(modernize-deprecated-headers): newlocale
@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <string_view>
 
-namespace zeb::command {
+namespace zeb::console {
 
 namespace {
 
@@ -30,8 +30,8 @@ bool isLocaleOfUtf8() {
 
 }  // namespace
 
-forms::ConsoleStyle styleOfTerminal(int descriptor) {
-    forms::ConsoleStyle style;
+ConsoleStyle styleOfTerminal(int descriptor) {
+    ConsoleStyle style;
     style.hasUnicode = isLocaleOfUtf8();
     if (::isatty(descriptor) != 1) {
         return style;
@@ -44,4 +44,4 @@ forms::ConsoleStyle styleOfTerminal(int descriptor) {
     return style;
 }
 
-}  // namespace zeb::command
+}  // namespace zeb::console

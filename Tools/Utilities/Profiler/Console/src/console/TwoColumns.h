@@ -8,7 +8,7 @@
 #include <type_traits>
 #include <vector>
 
-namespace zeb::profiling {
+namespace zeb::console {
 
 inline constexpr std::size_t helpWidth = 80;  ///< columns of a terminal
 
@@ -17,10 +17,6 @@ struct LabelledText {
     std::string label;
     std::string text;
 };
-
-/// @return the text in lines of `width` characters at most, as far as no word is longer; blanks and
-///         line feeds alike part words
-std::vector<std::string> wrappedLines(std::string_view text, std::size_t width);
 
 /// Lays rows out in two columns, the first one indented and as wide as its longest label asks for, in lines
 /// of `helpWidth` columns.
@@ -42,4 +38,4 @@ std::vector<LabelledText> rowsOf(std::string_view (*textOf)(Enumeration)) {
     return rows;
 }
 
-}  // namespace zeb::profiling
+}  // namespace zeb::console

@@ -1,4 +1,4 @@
-#include "command/LoadRun.h"
+#include "command/runs/LoadRun.h"
 
 #include <cerrno>
 #include <cstring>
