@@ -406,16 +406,17 @@ private:
     std::unordered_map<std::string_view, GraphExecutions*> executions_;
 };
 
-void addOthers(std::vector<OtherMethod>& others, std::string_view name,
-               const profiling::MethodStatistics& method) {
-    for (std::size_t position = 0; position < method.records.size(); ++position) {
-        const GraphMethodRecords& graph = method.records[position];
+void addOthers(std::vector<OtherMethod>& others, std::string_view name, const EventStore& store,
+               const profiling::MeasuredMethod& method) {
+    const profiling::GraphRecordList& graphs = store.*method.records;
+    for (std::size_t position = 0; position < graphs.size(); ++position) {
+        const GraphMethodRecords& graph = graphs[position];
         others.push_back({.method = std::string(name),
                           .graph = cutName(graph.graphName),
                           .count = graph.records.countByWalking(),
-                          .averageUs = method.average[position].record->durationUs,
-                          .minUs = method.min[position].record->durationUs,
-                          .maxUs = method.max[position].record->durationUs});
+                          .averageUs = (store.*method.average)[position].record->durationUs,
+                          .minUs = (store.*method.min)[position].record->durationUs,
+                          .maxUs = (store.*method.max)[position].record->durationUs});
     }
 }
 
@@ -430,9 +431,9 @@ std::vector<OtherMethod> otherMethodsOf(const EventStore& store) {
                                 }) == 4,
                   "each has its lines here; the two of applying a binary section are one");
     std::vector<OtherMethod> others;
-    addOthers(others, nameOf(MethodType::ApplyBinarySection), store.methods.applyBinarySection);
-    addOthers(others, nameOf(MethodType::FinalizeAfterTensorUpdates),
-              store.methods.finalizeAfterTensorUpdates);
+    addOthers(others, nameOf(MethodType::ApplyBinarySection), store, profiling::applyBinarySectionMethod);
+    addOthers(others, nameOf(MethodType::FinalizeAfterTensorUpdates), store,
+              profiling::finalizeAfterTensorUpdatesMethod);
     for (const NamedMethodRecord& entry : store.updateBinarySectionRecords) {
         const std::uint64_t us = entry.record->durationUs;
         others.push_back(

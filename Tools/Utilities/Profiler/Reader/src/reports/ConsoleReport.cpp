@@ -133,7 +133,7 @@ std::uint64_t queueWaitUs(const GraphQueueWait& wait) {
 // The queue-wait list is empty, or it has the entries of the statistics list.
 template <typename Waits>
 void printExecuteStats(std::ostream& out, const ReportSource& source, const SectionHead& head,
-                       const BlockList<NamedMethodRecord>& entries, const std::vector<Waits>& waits) {
+                       const StatisticsList& entries, const std::vector<Waits>& waits) {
     printSectionHead(out, head);
     printSectionHead(out, heads::totalInferenceTime);
     if (entries.empty()) {
@@ -181,21 +181,21 @@ void saveObjectsOfExecutions(const EventStore& store, ObjectFiles& files) {
 }  // namespace
 
 void printExecuteAverageStats(std::ostream& out, const ReportSource& source) {
-    const MethodStatistics& execute = source.store.methods.execute;
-    printExecuteStats(out, source, executeForm.average, execute.average, source.store.executeQueueWaits);
-    if (source.objectFiles != nullptr && !execute.average.empty()) {
-        saveObjectsOfExecutions(source.store, *source.objectFiles);
+    const EventStore& store = source.store;
+    printExecuteStats(out, source, executeForm.average, store.executeAverage, store.executeQueueWaits);
+    if (source.objectFiles != nullptr && !store.executeAverage.empty()) {
+        saveObjectsOfExecutions(store, *source.objectFiles);
     }
 }
 
 void printExecuteMinStats(std::ostream& out, const ReportSource& source) {
     const EventStore& store = source.store;
-    printExecuteStats(out, source, executeForm.min, store.methods.execute.min, store.executeMinQueueWaits);
+    printExecuteStats(out, source, executeForm.min, store.executeMin, store.executeMinQueueWaits);
 }
 
 void printExecuteMaxStats(std::ostream& out, const ReportSource& source) {
     const EventStore& store = source.store;
-    printExecuteStats(out, source, executeForm.max, store.methods.execute.max, store.executeMaxQueueWaits);
+    printExecuteStats(out, source, executeForm.max, store.executeMax, store.executeMaxQueueWaits);
 }
 
 void printLibLoadStats(std::ostream& out, const ReportSource& source) {
@@ -210,10 +210,10 @@ void printLibLoadStats(std::ostream& out, const ReportSource& source) {
 
 void printMethodStats(std::ostream& out, const ReportSource& source, const MethodForm& form,
                       const StatisticForm& statistic) {
-    const MethodStatistics& method = source.store.methods.*form.method;
-    if (method.isSeen) {
+    const EventStore& store = source.store;
+    if (store.*form.isStored) {
         printSectionHead(out, form.*statistic.head);
-        printGraphs(out, source, method.*statistic.records, true);
+        printGraphs(out, source, store.*(form.method.*statistic.records), true);
     }
 }
 

@@ -85,7 +85,7 @@ void writeDeInitCsv(std::ostream& out, const ReportSource& source) {
 
 // A row for every record of every graph.
 void writeMethodCsv(std::ostream& out, const ReportSource& source, const MethodForm& form) {
-    const GraphRecordList& graphs = (source.store.methods.*form.method).records;
+    const GraphRecordList& graphs = source.store.*form.method.records;
     const std::string eventMessage(form.csvEventMessage);
     for (std::size_t position = 0; position < graphs.size(); ++position) {
         const GraphMethodRecords& graph = graphs[position];

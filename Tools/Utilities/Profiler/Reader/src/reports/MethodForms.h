@@ -5,14 +5,15 @@
 
 #include "log/Methods.h"
 #include "reports/SectionHeads.h"
-#include "store/MethodStatistics.h"
+#include "store/EventStore.h"
 
 namespace zeb::profiling {
 
 /// How the generic reports show a method that has statistics.
 struct MethodForm {
     MeasuredMethod method;
-    SectionHead average;  ///< of its sections on the console
+    bool EventStore::*isStored;  ///< such a message was; null for executions, whose sections always show
+    SectionHead average;         ///< of its sections on the console
     SectionHead min;
     SectionHead max;
     std::string_view csvMessage;       ///< of its own rows
@@ -20,7 +21,8 @@ struct MethodForm {
     bool csvShowsMessage;              ///< a record shows its own message in place of the graph's name
 };
 
-inline constexpr MethodForm executeForm = {&MeasuredMethods::execute,
+inline constexpr MethodForm executeForm = {executeMethod,
+                                           nullptr,
                                            {"Execute Stats (Average):", 24},
                                            {"Execute Stats (Min):", 24},
                                            {"Execute Stats (Max):", 24},
@@ -29,7 +31,8 @@ inline constexpr MethodForm executeForm = {&MeasuredMethods::execute,
                                            false};
 
 inline constexpr MethodForm applyBinarySectionForm = {
-    &MeasuredMethods::applyBinarySection,
+    applyBinarySectionMethod,
+    &EventStore::hasApplyBinarySection,
     {"ApplyBinarySection Stats (Average):", 35},
     {"ApplyBinarySection Stats (Min):", 35},
     {"ApplyBinarySection Stats (Max):", 35},
@@ -38,7 +41,8 @@ inline constexpr MethodForm applyBinarySectionForm = {
     false};
 
 inline constexpr MethodForm finalizeAfterTensorUpdatesForm = {
-    &MeasuredMethods::finalizeAfterTensorUpdates,
+    finalizeAfterTensorUpdatesMethod,
+    &EventStore::hasFinalizeAfterTensorUpdates,
     {"FinalizeAfterTensorUpdates Stats (Average):", 45},
     {"FinalizeAfterTensorUpdates Stats (Min):", 40},
     {"FinalizeAfterTensorUpdates Stats (Max):", 40},
@@ -53,10 +57,10 @@ static_assert(std::size(methodForms) == std::size(measuredMethods), "each has a 
 /// One of the statistics of a method: the head of its section, and its records.
 struct StatisticForm {
     SectionHead MethodForm::*head;
-    BlockList<NamedMethodRecord> MethodStatistics::*records;
+    StatisticsList EventStore::*MeasuredMethod::*records;
 };
-inline constexpr StatisticForm averageForm = {&MethodForm::average, &MethodStatistics::average};
-inline constexpr StatisticForm minForm = {&MethodForm::min, &MethodStatistics::min};
-inline constexpr StatisticForm maxForm = {&MethodForm::max, &MethodStatistics::max};
+inline constexpr StatisticForm averageForm = {&MethodForm::average, &MeasuredMethod::average};
+inline constexpr StatisticForm minForm = {&MethodForm::min, &MeasuredMethod::min};
+inline constexpr StatisticForm maxForm = {&MethodForm::max, &MeasuredMethod::max};
 
 }  // namespace zeb::profiling

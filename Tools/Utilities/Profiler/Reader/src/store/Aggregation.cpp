@@ -27,11 +27,12 @@ void noteMissingQueueWait(const QueueWait& wait, std::ostream& notes, const char
 }  // namespace
 
 // Graph by graph, since a graph's records lie apart from those of the others.
-void aggregate(MethodStatistics& method, EventArena& arena) {
-    for (const GraphMethodRecords& graph : method.records) {
-        method.average.add({graph.graphName, averageRecords(graph.records, arena)});
-        method.max.add({graph.graphName, maxRecord(graph.records, arena)});
-        method.min.add({graph.graphName, minRecord(graph.records, arena)});
+void aggregate(const GraphRecordList& graphs, StatisticsList& average, StatisticsList& max,
+               StatisticsList& min, EventArena& arena) {
+    for (const GraphMethodRecords& graph : graphs) {
+        average.add({graph.graphName, averageRecords(graph.records, arena)});
+        max.add({graph.graphName, maxRecord(graph.records, arena)});
+        min.add({graph.graphName, minRecord(graph.records, arena)});
     }
 }
 
@@ -53,7 +54,7 @@ std::vector<GraphQueueWaits> queueWaitsOfAll(const GraphRecordList& graphs, std:
     return all;
 }
 
-std::vector<GraphQueueWait> queueWaitsOfEach(const BlockList<NamedMethodRecord>& records, std::ostream& notes,
+std::vector<GraphQueueWait> queueWaitsOfEach(const StatisticsList& records, std::ostream& notes,
                                              const char* noneFound) {
     std::vector<GraphQueueWait> waits;
     for (const NamedMethodRecord& entry : records) {

@@ -4,14 +4,15 @@
 #include <vector>
 
 #include "store/EventArena.h"
-#include "store/MethodStatistics.h"
+#include "store/MethodRecord.h"
 
 /// What is derived from the records after the last message. All throw `std::bad_alloc`.
 namespace zeb::profiling {
 
-/// Fills the statistics of a method from its records.
+/// Adds the statistics of a method's records, an entry for each graph.
 /// @param arena that of the records
-void aggregate(MethodStatistics& method, EventArena& arena);
+void aggregate(const GraphRecordList& graphs, StatisticsList& average, StatisticsList& max,
+               StatisticsList& min, EventArena& arena);
 
 /// @return the queue waits of each execution, graph by graph; nothing when one has not exactly one, which is
 ///         told: several of them to the user, none to the log
@@ -20,7 +21,7 @@ std::vector<GraphQueueWaits> queueWaitsOfAll(const GraphRecordList& graphs, std:
 
 /// @return the queue wait of each execution of a statistics list; nothing as above
 /// @param noneFound is logged of an execution without one
-std::vector<GraphQueueWait> queueWaitsOfEach(const BlockList<NamedMethodRecord>& records, std::ostream& notes,
+std::vector<GraphQueueWait> queueWaitsOfEach(const StatisticsList& records, std::ostream& notes,
                                              const char* noneFound);
 
 }  // namespace zeb::profiling

@@ -90,8 +90,8 @@ bool EventStore::dispatchMethod(const schema::LogMessage& message, const OpenChu
 }
 
 void EventStore::aggregateStatistics(std::ostream& notes) {
-    for (const MeasuredMethod method : measuredMethods) {
-        aggregate(methods.*method, arena_);
+    for (const MeasuredMethod& method : measuredMethods) {
+        aggregate(this->*method.records, this->*method.average, this->*method.max, this->*method.min, arena_);
     }
     if (asyncExecute) {
         aggregateQueueWaits(notes);
@@ -127,6 +127,14 @@ std::optional<std::string_view> EventStore::textOf(const schema::LogMessage& mes
 
 bool EventStore::isVisible(const schema::LogMessage& message) const {
     return message.level() < visibilityLevel_;
+}
+
+MethodRecord EventStore::recordWithText(const schema::LogMessage& message) {
+    MethodRecord record = timedRecord(message);
+    if (message.text() != nullptr) {
+        record.message = parts_.text(message.text());
+    }
+    return record;
 }
 
 bool EventStore::decodeWholeRecord(const schema::LogMessage& message, MethodRecord& record, bool& hasRecord) {
@@ -211,7 +219,7 @@ void EventStore::fileExecuteEvents(std::string_view graphName, EventList events)
     if (events.empty()) {
         return;
     }
-    graphOf(methods.execute.records, graphName, noRecord).graph.records.fill(events, arena_);
+    graphOf(executeRecords, graphName, noRecord).graph.records.fill(events, arena_);
 }
 
 NamedMethodRecord& EventStore::namedRecord(NamedRecordList& list, std::string_view name) {
@@ -238,13 +246,6 @@ const MethodRecord& EventStore::addRecord(GraphRecordList& list, std::string_vie
     return graph.records.back();
 }
 
-const MethodRecord& EventStore::addRecord(MethodStatistics& method, std::string_view text,
-                                          const MethodRecord& record, NameIn nameIn) {
-    const MethodRecord& added = addRecord(method.records, text, record, nameIn);
-    method.isSeen = true;
-    return added;
-}
-
 bool EventStore::decodeExecute(const schema::LogMessage& message) {
     const auto text = textOf(message);
     if (!isVisible(message) || !text) {
@@ -254,7 +255,7 @@ bool EventStore::decodeExecute(const schema::LogMessage& message) {
     const auto [initOnes, others] = splitByType(decodeEvents(message, parts_), EVENT_TYPE_INIT);
     record.events = EventList(others);
     fileInitEvents(EventList(initOnes));
-    latestExecution_ = &addRecord(methods.execute, *text, record);
+    latestExecution_ = &addRecord(executeRecords, *text, record);
     return true;
 }
 
@@ -294,7 +295,8 @@ bool EventStore::decodeApplyBinarySection(const schema::LogMessage& message) {
     }
     MethodRecord record = timedRecord(message);
     record.events = EventList(decodeEvents(message, parts_));
-    addRecord(methods.applyBinarySection, *text, record);
+    addRecord(applyBinarySectionRecords, *text, record);
+    hasApplyBinarySection = true;
     return true;
 }
 
@@ -306,7 +308,8 @@ bool EventStore::decodeFinalizeAfterTensorUpdates(const schema::LogMessage& mess
     MethodRecord record = timedRecord(message);
     record.message = parts_.text(message.text());
     record.events = EventList(decodeEvents(message, parts_));
-    addRecord(methods.finalizeAfterTensorUpdates, *text, record, graphNameIn);
+    addRecord(finalizeAfterTensorUpdatesRecords, *text, record, graphNameIn);
+    hasFinalizeAfterTensorUpdates = true;
     return true;
 }
 
@@ -325,10 +328,7 @@ bool EventStore::decodeContextGetBinary(const schema::LogMessage& message) {
     if (!isVisible(message)) {
         return false;
     }
-    MethodRecord record = timedRecord(message);
-    if (message.text() != nullptr) {
-        record.message = parts_.text(message.text());
-    }
+    const MethodRecord record = recordWithText(message);
     namedRecord(contextRetrieval, methodOf(message.methodType()).csvName).record = arena_.make(record);
     hasContextRetrieval = true;
     return true;
@@ -338,10 +338,7 @@ bool EventStore::decodeContextGetBinarySectionSize(const schema::LogMessage& mes
     if (!isVisible(message)) {
         return false;
     }
-    MethodRecord record = timedRecord(message);
-    if (message.text() != nullptr) {
-        record.message = parts_.text(message.text());
-    }
+    const MethodRecord record = recordWithText(message);
     addRecord(contextSectionRetrieval, methodOf(message.methodType()).csvName, record);
     hasContextSectionRetrieval = true;
     return true;

@@ -11,7 +11,6 @@
 #include "store/EventArena.h"
 #include "store/MessageParts.h"
 #include "store/MethodRecord.h"
-#include "store/MethodStatistics.h"
 
 namespace zeb::profiling {
 
@@ -68,25 +67,22 @@ public:
     bool hasFinalize = false;        ///< a Finalize message was stored
     bool hasFinalizeEvents = false;  ///< an event was filed under finalization
 
-    // The methods that have statistics, and their parts by a name of their own
-    MeasuredMethods methods;
-    const GraphRecordList& executeRecords = methods.execute.records;
-    const BlockList<NamedMethodRecord>& executeAverage = methods.execute.average;
-    const BlockList<NamedMethodRecord>& executeMax = methods.execute.max;
-    const BlockList<NamedMethodRecord>& executeMin = methods.execute.min;
-    const bool& hasApplyBinarySection = methods.applyBinarySection.isSeen;
-    const GraphRecordList& applyBinarySectionRecords = methods.applyBinarySection.records;
-    const BlockList<NamedMethodRecord>& applyBinarySectionAverage = methods.applyBinarySection.average;
-    const BlockList<NamedMethodRecord>& applyBinarySectionMax = methods.applyBinarySection.max;
-    const BlockList<NamedMethodRecord>& applyBinarySectionMin = methods.applyBinarySection.min;
-    const bool& hasFinalizeAfterTensorUpdates = methods.finalizeAfterTensorUpdates.isSeen;
-    const GraphRecordList& finalizeAfterTensorUpdatesRecords = methods.finalizeAfterTensorUpdates.records;
-    const BlockList<NamedMethodRecord>& finalizeAfterTensorUpdatesAverage =
-        methods.finalizeAfterTensorUpdates.average;
-    const BlockList<NamedMethodRecord>& finalizeAfterTensorUpdatesMax =
-        methods.finalizeAfterTensorUpdates.max;
-    const BlockList<NamedMethodRecord>& finalizeAfterTensorUpdatesMin =
-        methods.finalizeAfterTensorUpdates.min;
+    // The methods that have statistics (`measuredMethods`): records, graphs in order of first appearance;
+    // statistics by aggregation, with an entry for each graph in the same order
+    GraphRecordList executeRecords;
+    StatisticsList executeAverage;
+    StatisticsList executeMax;
+    StatisticsList executeMin;
+    bool hasApplyBinarySection = false;
+    GraphRecordList applyBinarySectionRecords;
+    StatisticsList applyBinarySectionAverage;
+    StatisticsList applyBinarySectionMax;
+    StatisticsList applyBinarySectionMin;
+    bool hasFinalizeAfterTensorUpdates = false;
+    GraphRecordList finalizeAfterTensorUpdatesRecords;
+    StatisticsList finalizeAfterTensorUpdatesAverage;
+    StatisticsList finalizeAfterTensorUpdatesMax;
+    StatisticsList finalizeAfterTensorUpdatesMin;
 
     // Queue waits of the executions, by aggregation
     bool asyncExecute = false;                       ///< an ExecuteAsync message was met, dropped or not
@@ -119,6 +115,7 @@ private:
     bool decodeContextGetBinarySectionSize(const schema::LogMessage& message);
 
     [[nodiscard]] bool isVisible(const schema::LogMessage& message) const;
+    MethodRecord recordWithText(const schema::LogMessage& message);
     bool decodeWholeRecord(const schema::LogMessage& message, MethodRecord& record, bool& hasRecord);
     void fileInitEvents(EventList events);
     void fileFinalizeEvents(std::string_view graphName, EventList events);
@@ -137,8 +134,6 @@ private:
                        NameIn nameIn = wholeText);
     const MethodRecord& addRecord(GraphRecordList& list, std::string_view text, const MethodRecord& record,
                                   NameIn nameIn = wholeText);
-    const MethodRecord& addRecord(MethodStatistics& method, std::string_view text, const MethodRecord& record,
-                                  NameIn nameIn = wholeText);
 
     void aggregateQueueWaits(std::ostream& notes);
     void aggregateInitRow();
@@ -148,5 +143,26 @@ private:
     EventArena arena_;
     MessageParts parts_{arena_};
 };
+
+/// Where the store has the records of a method with statistics, and the statistics.
+struct MeasuredMethod {
+    GraphRecordList EventStore::*records;
+    StatisticsList EventStore::*average;
+    StatisticsList EventStore::*max;
+    StatisticsList EventStore::*min;
+};
+
+inline constexpr MeasuredMethod executeMethod = {&EventStore::executeRecords, &EventStore::executeAverage,
+                                                 &EventStore::executeMax, &EventStore::executeMin};
+inline constexpr MeasuredMethod applyBinarySectionMethod = {
+    &EventStore::applyBinarySectionRecords, &EventStore::applyBinarySectionAverage,
+    &EventStore::applyBinarySectionMax, &EventStore::applyBinarySectionMin};
+inline constexpr MeasuredMethod finalizeAfterTensorUpdatesMethod = {
+    &EventStore::finalizeAfterTensorUpdatesRecords, &EventStore::finalizeAfterTensorUpdatesAverage,
+    &EventStore::finalizeAfterTensorUpdatesMax, &EventStore::finalizeAfterTensorUpdatesMin};
+
+/// All of them, in the order in which they are aggregated and reported.
+inline constexpr MeasuredMethod measuredMethods[] = {executeMethod, applyBinarySectionMethod,
+                                                     finalizeAfterTensorUpdatesMethod};
 
 }  // namespace zeb::profiling

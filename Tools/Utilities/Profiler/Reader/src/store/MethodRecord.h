@@ -5,8 +5,10 @@
 #include <iterator>
 #include <vector>
 
+#include "memory/BlockList.h"
 #include "memory/ForwardIterator.h"
 #include "store/EventArena.h"
+#include "store/NamedList.h"
 #include "store/ProfileEvent.h"
 #include "store/StoredText.h"
 
@@ -98,5 +100,9 @@ struct GraphQueueWait {
     StoredText graphName;
     std::uint64_t queueWaitUs = 0;
 };
+
+using GraphRecordList = NamedList<GraphMethodRecords, &GraphMethodRecords::graphName>;
+using NamedRecordList = NamedList<NamedMethodRecord, &NamedMethodRecord::name>;
+using StatisticsList = BlockList<NamedMethodRecord>;
 
 }  // namespace zeb::profiling
