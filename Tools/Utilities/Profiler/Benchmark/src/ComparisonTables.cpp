@@ -25,7 +25,7 @@ namespace {
 using namespace zeb;
 using analysis::GateOutcome;
 
-constexpr std::uint64_t mostLogs = 60;
+constexpr std::uint64_t maxLogs = 60;
 
 // What a side of the comparison is: a truth, and the drift of its logs.
 struct Truth {
@@ -48,7 +48,7 @@ public:
                                            std::uint64_t count) {
         std::vector<analysis::RunSummary> logs;
         for (std::uint64_t log = 0; log < count; ++log) {
-            logs.push_back(logOf(truth, (seed * 2 + (isNew ? 1 : 0)) * mostLogs * 2 + log));
+            logs.push_back(logOf(truth, (seed * 2 + (isNew ? 1 : 0)) * maxLogs * 2 + log));
         }
         return logs;
     }

@@ -20,10 +20,10 @@ Graph graphOf(Durations durations) {
     return graph;
 }
 
-std::string jsonOf(const Graph& graph, std::size_t mostBins) {
+std::string jsonOf(const Graph& graph, std::size_t maxBins) {
     std::ostringstream out;
     JsonWriter json(out);
-    writePicture(json, pictureOf(graph, mostBins));
+    writePicture(json, pictureOf(graph, maxBins));
     json.flush();
     return out.str();
 }
@@ -82,7 +82,7 @@ TEST(ExecutionPicture, GraphsOfALongRunShareThePlace) {
     for (const auto& [graphs, executions, most] : cases) {
         analysis::Run run;
         run.graphs.assign(graphs, graphOf(Durations(executions, 1)));
-        EXPECT_EQ(mostSinglesOfGraph(run), most);
+        EXPECT_EQ(maxSinglesOfGraph(run), most);
     }
 }
 

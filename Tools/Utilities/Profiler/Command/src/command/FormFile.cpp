@@ -21,7 +21,7 @@ namespace zeb::command {
 namespace {
 
 constexpr ::mode_t newFileMode = 0666;
-constexpr int mostNames = 100;
+constexpr int maxNames = 100;
 
 Failure fileFailure(const std::string& path, int error) {
     return {ExitCode::badOutput, path, "the file can't be written: " + errorText(error)};
@@ -39,7 +39,7 @@ std::string besideName(const std::string& place, int number) {
 // Calls with one free name after the other beside the place until it succeeds or fails for another reason.
 template <typename Make>
 std::string makeBeside(const std::string& place, Make make) {
-    for (int number = 0; number < mostNames; ++number) {
+    for (int number = 0; number < maxNames; ++number) {
         std::string name = besideName(place, number);
         if (make(name)) {
             return name;
@@ -51,7 +51,7 @@ std::string makeBeside(const std::string& place, Make make) {
     return {};
 }
 
-// Gives the number of bytes.
+// Returns the number of bytes.
 std::uint64_t printTo(int descriptor, const std::string& path,
                       const std::function<void(std::ostream&)>& print) {
     DescriptorBuffer buffer(descriptor);

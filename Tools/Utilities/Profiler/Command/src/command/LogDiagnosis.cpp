@@ -53,7 +53,7 @@ std::string cutOff(std::uint64_t bytesThere) {
     return "is cut off at the end of the file: only " + std::to_string(bytesThere) + " bytes of it are there";
 }
 
-// Gives how many of the bytes there are, negative for an error of the system.
+// Returns how many of the bytes there are, negative for an error of the system.
 ssize_t readAt(const FileDescriptor& file, std::uint64_t offset, std::span<std::uint8_t> bytes) {
     return restarted(
         [&] { return ::pread(file.get(), bytes.data(), bytes.size(), static_cast<::off_t>(offset)); });

@@ -49,7 +49,7 @@ public:
     ///         and lose what was to be written
     [[nodiscard]] static bool wasHit();
 
-    /// Gives back a little memory that was put aside, so that a failure for want of memory can be told.
+    /// Frees a little memory that was put aside, so that a failure for want of memory can be told.
     void releaseReserve() { reserve_.reset(); }
 
     /// @return the cause of such a failure, "needs more than 2G of memory", to follow the name of what needs

@@ -38,19 +38,19 @@ std::size_t columnsOf(std::string_view text) {
     return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), beginsCharacter));
 }
 
-std::string shownName(std::string_view name, std::size_t mostColumns, bool hasUnicode) {
+std::string shownName(std::string_view name, std::size_t maxColumns, bool hasUnicode) {
     // No more than this can show, and a log may have names of megabytes.
-    const std::size_t mostBytes = mostColumns * 4;
+    const std::size_t maxBytes = maxColumns * 4;
     const std::string_view gap = hasUnicode ? "\xE2\x80\xA6" : "..";
-    if (name.size() <= mostBytes) {
+    if (name.size() <= maxBytes) {
         const std::string shown = shownOnOneLine(name);
-        if (columnsOf(shown) <= mostColumns) {
+        if (columnsOf(shown) <= maxColumns) {
             return shown;
         }
     }
-    const std::size_t kept = mostColumns - std::min(mostColumns, columnsOf(gap));
-    const std::string front = shownOnOneLine(name.substr(0, mostBytes));
-    const std::string back = shownOnOneLine(name.substr(name.size() - std::min(name.size(), mostBytes)));
+    const std::size_t kept = maxColumns - std::min(maxColumns, columnsOf(gap));
+    const std::string front = shownOnOneLine(name.substr(0, maxBytes));
+    const std::string back = shownOnOneLine(name.substr(name.size() - std::min(name.size(), maxBytes)));
     return std::string(firstOf(front, kept - kept / 2)).append(gap).append(lastOf(back, kept / 2));
 }
 

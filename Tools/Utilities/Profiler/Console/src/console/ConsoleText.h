@@ -14,7 +14,7 @@ namespace zeb::console {
 std::size_t columnsOf(std::string_view text);
 
 /// @return the name on one line; cut in its middle when it has more columns than that
-std::string shownName(std::string_view name, std::size_t mostColumns, bool hasUnicode);
+std::string shownName(std::string_view name, std::size_t maxColumns, bool hasUnicode);
 
 /// @return the words of a text, which blanks and line feeds part, on lines of that many columns at most; a
 /// longer word on a line of its own

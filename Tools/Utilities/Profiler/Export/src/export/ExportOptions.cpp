@@ -16,13 +16,13 @@ using command::Takes;
 using command::Words;
 using command::wrongUsage;
 
-constexpr std::size_t mostJobs = 256;
+constexpr std::size_t maxJobs = 256;
 
 std::size_t jobsOf(const Given& given) {
     const auto jobs = command::numberOf<std::size_t>(given.value);
-    if (!jobs || *jobs == 0 || *jobs > mostJobs) {
+    if (!jobs || *jobs == 0 || *jobs > maxJobs) {
         throw wrongUsage(given.name,
-                         "\"" + given.value + "\" is no number from 1 to " + std::to_string(mostJobs));
+                         "\"" + given.value + "\" is no number from 1 to " + std::to_string(maxJobs));
     }
     return *jobs;
 }
@@ -117,7 +117,7 @@ ExportOptions parseCommandLine(int argc, const char* const* argv) {
     if (options.action != command::Action::work) {  // a help that is shown whatever the values hold
         return options;
     }
-    options.jobs = std::clamp<std::size_t>(std::thread::hardware_concurrency(), 1, mostJobs);
+    options.jobs = std::clamp<std::size_t>(std::thread::hardware_concurrency(), 1, maxJobs);
     for (const forms::NamedTable& each : forms::allTables) {
         options.tables.push_back(each.table);
     }

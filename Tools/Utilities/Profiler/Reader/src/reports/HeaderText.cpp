@@ -15,7 +15,7 @@ constexpr std::uint64_t microsecondsPerSecond = 1'000'000;
 constexpr int lastYearOfAsctime = 9999;  // four digits are all that its buffer has room for
 
 // Writes the line of the log's creation time, or none when the clock has no local time for it.
-// Gives false when the local time has no text.
+// Returns false when the local time has no text.
 bool printCreationTime(std::ostream& out, std::uint64_t epochTimestamp) {
     const auto seconds = static_cast<std::time_t>(epochTimestamp / microsecondsPerSecond);
     std::tm localTime{};

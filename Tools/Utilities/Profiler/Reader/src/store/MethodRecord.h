@@ -51,7 +51,7 @@ public:
     /// @param arena as above
     void add(const MethodRecord& record, EventArena& arena);
 
-    /// Gives events to the first record without any; when there is none, to a new one at the end. All calls
+    /// Adds events to the first record without any; when there is none, to a new one at the end. All calls
     /// together walk the list once.
     void fill(EventList events, EventArena& arena);
 

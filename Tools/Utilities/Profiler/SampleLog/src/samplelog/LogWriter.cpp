@@ -33,7 +33,7 @@ EncodedValue encodeValue(Builder& builder, const Value& value) {
     return encoded;
 }
 
-// Gives the selector that goes with the value.
+// Returns the selector that goes with the value.
 schema::ValueSelector addValue(schema::LogEventBuilder& table, const Value& value,
                                const EncodedValue& encoded) {
     static_assert(std::variant_size_v<Value> == 7, "each alternative is below");

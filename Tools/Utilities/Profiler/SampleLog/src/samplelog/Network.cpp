@@ -191,7 +191,7 @@ private:
         }
     }
 
-    // Gives the group that the pointwise convolution behind it joins: the two are linked when the tensor
+    // Returns the group that the pointwise convolution behind it joins: the two are linked when the tensor
     // between them fits into the core's memory.
     std::uint32_t addDepthwise(std::string name, bool halves, bool pointwiseFollows) {
         const std::uint64_t inputBytes = shape_.bytes();

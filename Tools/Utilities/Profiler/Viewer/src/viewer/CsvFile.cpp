@@ -134,7 +134,7 @@ ssize_t copyThroughBuffer(int from, ::off_t& offset, int destination, std::size_
     return count;
 }
 
-// Gives the error, or 0, and in `offset` how much was written. The cheapest way that the two files allow is
+// Returns the error, or 0, and in `offset` how much was written. The cheapest way that the two files allow is
 // taken; what a way can't do, the next one has to.
 int copyAll(const CsvSpool& report, std::uint64_t size, const FileDescriptor& destination, ::off_t& offset) {
     int error = 0;

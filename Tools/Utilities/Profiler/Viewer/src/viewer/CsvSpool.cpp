@@ -36,7 +36,7 @@ std::optional<fs::path> directoryBeside(const fs::path& csvPath) {
     return csvPath.has_parent_path() ? csvPath.parent_path() : fs::path(".");
 }
 
-// Gives the error that keeps the file from growing further, or 0. What is written for it is cut off again.
+// Returns the error that keeps the file from growing further, or 0. What is written for it is cut off again.
 int errorOfGrowing(const FileDescriptor& file, std::uint64_t size) {
     static constexpr std::size_t probeSize = 65536;
     rlimit limit{};

@@ -42,7 +42,7 @@ class SeenPlaces {
 public:
     explicit SeenPlaces(const LogChunkBuffer& chunk) : start_(chunk.data()), isSeen_(chunk.size()) {}
 
-    // Gives false from the second time on.
+    // Returns false from the second time on.
     bool add(const void* place) {
         const auto offset = static_cast<std::size_t>(static_cast<const std::uint8_t*>(place) - start_);
         const bool isNew = !isSeen_[offset];
@@ -74,7 +74,7 @@ public:
     NameCheck(const std::string& logPath, const std::string& directory)
         : logPath_(logPath), directory_(directory) {}
 
-    // Gives the directory of the file that the name stands for, which is there when it is to be an object.
+    // Returns the directory of the file that the name stands for, which is there when it is to be an object.
     const std::string& check(std::string_view name, bool isObject) {
         const fs::path path(name);
         if (path.is_absolute() || climbs(path)) {

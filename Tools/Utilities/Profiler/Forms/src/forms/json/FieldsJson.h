@@ -17,10 +17,10 @@ namespace zeb::forms {
 /// Writes what `fieldsOf` knows, and lists and options of it, as JSON.
 class FieldsWriter {
 public:
-    /// @param mostExecutions of a graph that has more of them the columns are empty
+    /// @param maxExecutions of a graph that has more of them the columns are empty
     explicit FieldsWriter(JsonWriter& json,
-                          std::size_t mostExecutions = std::numeric_limits<std::size_t>::max())
-        : json_(json), mostExecutions_(mostExecutions) {}
+                          std::size_t maxExecutions = std::numeric_limits<std::size_t>::max())
+        : json_(json), mostExecutions_(maxExecutions) {}
 
     /// Writes an object.
     template <typename Struct>

@@ -13,9 +13,9 @@ namespace zeb::forms {
 
 /// Writes the object and a newline. Text that is no UTF-8 is replaced, numbers that are not finite are null.
 /// It takes no memory in proportion to the run.
-/// @param mostExecutions of a graph that has more of them the columns are empty
+/// @param maxExecutions of a graph that has more of them the columns are empty
 void writeRunJson(std::ostream& out, const analysis::Run& run, JsonStyle style = {},
-                  std::size_t mostExecutions = std::numeric_limits<std::size_t>::max());
+                  std::size_t maxExecutions = std::numeric_limits<std::size_t>::max());
 
 /// Reads such an object, of this version. Keys that are not known are passed over, and what is missing is
 /// empty.

@@ -3,11 +3,11 @@
 
 namespace zeb::forms {
 
-void writeRunJson(std::ostream& out, const analysis::Run& run, JsonStyle style, std::size_t mostExecutions) {
+void writeRunJson(std::ostream& out, const analysis::Run& run, JsonStyle style, std::size_t maxExecutions) {
     JsonWriter json(out, style);
     json.beginObject();
     json.member("schema", runSchema);
-    FieldsWriter(json, mostExecutions).putMembers(run);
+    FieldsWriter(json, maxExecutions).putMembers(run);
     json.endObject();
     json.breakLine();
     json.flush();

@@ -21,7 +21,7 @@ using analysis::microseconds;
 using analysis::Verdict;
 using Cells = std::vector<std::string>;
 
-constexpr std::size_t mostRows = 20;  // of a table
+constexpr std::size_t maxRows = 20;  // of a table
 
 std::string gateSection(const Comparison& comparison, const analysis::Gate& gate) {
     const analysis::GateResult result = judge(comparison, gate);
@@ -108,7 +108,7 @@ std::string markedLayers(const Comparison& comparison, const GraphComparison& gr
     std::size_t marked = 0;
     for (const LayerChange& row : graph.layers) {
         if (row.verdict == Verdict::slower || row.verdict == Verdict::faster) {
-            if (++marked <= mostRows) {
+            if (++marked <= maxRows) {
                 table.add(row);
             }
         }
@@ -117,8 +117,8 @@ std::string markedLayers(const Comparison& comparison, const GraphComparison& gr
         return "";
     }
     const std::string more =
-        marked > mostRows ? "\nand " + std::to_string(marked - mostRows) + " layers more that are marked\n"
-                          : "";
+        marked > maxRows ? "\nand " + std::to_string(marked - maxRows) + " layers more that are marked\n"
+                         : "";
     return "\n" + table.text() + more;
 }
 
@@ -128,7 +128,7 @@ std::string foldedLayers(const Comparison& comparison, const GraphComparison& gr
         return "";
     }
     LayerTable table(comparison, graph, title);
-    const ShownRows rows = shownRows(changes, hideBelow, mostRows);
+    const ShownRows rows = shownRows(changes, hideBelow, maxRows);
     for (const LayerChange* const row : rows.shown) {
         table.add(*row);
     }
@@ -147,13 +147,12 @@ std::string graphSection(const Comparison& comparison, const GraphComparison& gr
 }
 
 std::string sideOf(std::string_view title, const std::vector<std::string>& logs) {
-    constexpr std::size_t mostNamed = 3;
+    constexpr std::size_t maxNamed = 3;
     std::string text = std::string(title) + ' ' + counted(logs.size(), "log", "logs") + ": ";
-    for (std::size_t log = 0; log < std::min(logs.size(), mostNamed); ++log) {
+    for (std::size_t log = 0; log < std::min(logs.size(), maxNamed); ++log) {
         text += (log == 0 ? "" : ", ") + markdownName(logs[log], false);
     }
-    return text +
-           (logs.size() > mostNamed ? " and " + std::to_string(logs.size() - mostNamed) + " more" : "") +
+    return text + (logs.size() > maxNamed ? " and " + std::to_string(logs.size() - maxNamed) + " more" : "") +
            "\\\n";
 }
 

@@ -8,9 +8,9 @@ namespace zeb::forms {
 
 namespace {
 
-constexpr std::size_t mostNameColumns = 80;
-constexpr std::size_t mostSentenceColumns = 400;
-constexpr std::size_t mostListed = 12;
+constexpr std::size_t maxNameColumns = 80;
+constexpr std::size_t maxSentenceColumns = 400;
+constexpr std::size_t maxListed = 12;
 // Splits the text for whoever looks for mentions and addresses in what is rendered.
 constexpr std::string_view nothing = "<!-- -->";
 
@@ -28,7 +28,7 @@ std::string markdownName(std::string_view name, bool isInTable) {
     if (name.empty()) {
         return "(no name)";
     }
-    const std::string shown = console::shownName(name, mostNameColumns, true);
+    const std::string shown = console::shownName(name, maxNameColumns, true);
     std::size_t longest = 0;
     std::size_t length = 0;
     std::string text;
@@ -47,7 +47,7 @@ std::string markdownSentence(std::string_view text) {
     constexpr std::string_view meaningful = R"(\`*_{}[]<>()#+-.!|~&:$="'/^)";
     std::string escaped;
     // With blanks at an end it could not be emphasised.
-    const std::string shown = console::shownName(text, mostSentenceColumns, true);
+    const std::string shown = console::shownName(text, maxSentenceColumns, true);
     const std::size_t begin = std::min(shown.find_first_not_of(' '), shown.size());
     for (const char character : shown.substr(begin, shown.find_last_not_of(' ') + 1 - begin)) {
         if (meaningful.find(character) != std::string_view::npos) {
@@ -96,11 +96,11 @@ std::string MarkdownDocument::text(std::string_view one, std::string_view severa
 
 std::string markdownList(const std::vector<std::string>& sentences) {
     std::string list;
-    for (std::size_t position = 0; position < std::min(sentences.size(), mostListed); ++position) {
+    for (std::size_t position = 0; position < std::min(sentences.size(), maxListed); ++position) {
         list += "- " + markdownSentence(sentences[position]) + '\n';
     }
-    if (sentences.size() > mostListed) {
-        list += "- and " + std::to_string(sentences.size() - mostListed) + " more\n";
+    if (sentences.size() > maxListed) {
+        list += "- and " + std::to_string(sentences.size() - maxListed) + " more\n";
     }
     return list;
 }

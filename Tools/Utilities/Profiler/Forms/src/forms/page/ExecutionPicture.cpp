@@ -15,9 +15,9 @@ namespace {
 using Durations = std::vector<std::optional<std::uint64_t>>;
 using Bin = ExecutionPicture::Bin;
 
-constexpr std::size_t fewestBins = 16;
-constexpr std::size_t mostBinsOfGraph = 1000;
-constexpr std::size_t mostColumns = 40;
+constexpr std::size_t minBins = 16;
+constexpr std::size_t maxBinsOfGraph = 1000;
+constexpr std::size_t maxColumns = 40;
 
 Bin binOf(std::span<const std::optional<std::uint64_t>> durations) {
     std::vector<double> timed;
@@ -56,7 +56,7 @@ void addHistogram(ExecutionPicture& picture, const analysis::Graph& graph) {
         static_cast<std::size_t>(std::ceil(2.0 * std::sqrt(static_cast<double>(spread.count))));
     // Durations are whole: columns of whole widths hold as many of them each.
     picture.columnUs =
-        std::max(1.0, std::ceil(roomUs / static_cast<double>(std::min(mostColumns, fewEnough))));
+        std::max(1.0, std::ceil(roomUs / static_cast<double>(std::min(maxColumns, fewEnough))));
     picture.fromUs = spread.minUs();
     picture.columns.resize(static_cast<std::size_t>(std::floor(roomUs / picture.columnUs)) + 1);
     forEachTimed(graph.executions.durationUs, [&picture](std::size_t /*position*/, double us) {
@@ -80,21 +80,21 @@ void writeBins(JsonWriter& json, std::string_view key, const ExecutionPicture& p
 
 }  // namespace
 
-std::size_t mostSinglesOfGraph(const analysis::Run& run) {
+std::size_t maxSinglesOfGraph(const analysis::Run& run) {
     const std::size_t executions = std::accumulate(
         run.graphs.begin(), run.graphs.end(), std::size_t{0},
         [](std::size_t sum, const analysis::Graph& graph) { return sum + graph.executions.count(); });
-    if (executions <= mostSingleExecutions) {
-        return mostSingleExecutions;
+    if (executions <= maxSingleExecutions) {
+        return maxSingleExecutions;
     }
-    return std::clamp(mostSingleExecutions / run.graphs.size(), fewestBins, mostBinsOfGraph);
+    return std::clamp(maxSingleExecutions / run.graphs.size(), minBins, maxBinsOfGraph);
 }
 
-ExecutionPicture pictureOf(const analysis::Graph& graph, std::size_t mostBins) {
+ExecutionPicture pictureOf(const analysis::Graph& graph, std::size_t maxBins) {
     ExecutionPicture picture;
     const std::span durations(graph.executions.durationUs);
     picture.count = durations.size();
-    picture.binSize = std::max<std::size_t>(1, (durations.size() + mostBins - 1) / mostBins);
+    picture.binSize = std::max<std::size_t>(1, (durations.size() + maxBins - 1) / maxBins);
     for (std::size_t first = 0; first < durations.size(); first += picture.binSize) {
         picture.bins.push_back(binOf(
             durations.subspan(first, std::min<std::size_t>(picture.binSize, durations.size() - first))));

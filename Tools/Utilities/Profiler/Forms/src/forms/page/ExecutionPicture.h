@@ -12,7 +12,7 @@ namespace zeb::forms {
 
 /// The executions of a run that are shown one by one; of a run that has more, each graph has its share of
 /// them.
-inline constexpr std::size_t mostSingleExecutions = 4000;
+inline constexpr std::size_t maxSingleExecutions = 4000;
 
 /// Executions without both times, and those that took none, are in no figure: they are in no statistics
 /// either.
@@ -35,10 +35,10 @@ struct ExecutionPicture {
 };
 
 /// @return how many executions of a graph have a bin each; graphs of more are binned, to so many at most
-std::size_t mostSinglesOfGraph(const analysis::Run& run);
+std::size_t maxSinglesOfGraph(const analysis::Run& run);
 
-/// @param mostBins 1 or more
-ExecutionPicture pictureOf(const analysis::Graph& graph, std::size_t mostBins);
+/// @param maxBins 1 or more
+ExecutionPicture pictureOf(const analysis::Graph& graph, std::size_t maxBins);
 
 /// Writes the picture as a JSON object. Bins of one execution have a median alone.
 void writePicture(JsonWriter& json, const ExecutionPicture& picture);

@@ -8,9 +8,9 @@
 namespace zeb::forms {
 
 void writePage(std::ostream& out, const analysis::Run& run) {
-    const std::size_t mostSingles = mostSinglesOfGraph(run);
+    const std::size_t maxSingles = maxSinglesOfGraph(run);
     out << pageParts.beforeData;
-    writeRunJson(out, run, jsonOfPage, mostSingles);
+    writeRunJson(out, run, jsonOfPage, maxSingles);
     out << pageParts.beforeExtra;
     JsonWriter json(out, jsonOfPage);
     json.beginObject();
@@ -19,7 +19,7 @@ void writePage(std::ostream& out, const analysis::Run& run) {
     json.key("pictures");
     json.beginList();
     for (const analysis::Graph& graph : run.graphs) {
-        writePicture(json, pictureOf(graph, mostSingles));
+        writePicture(json, pictureOf(graph, maxSingles));
     }
     json.endList();
     json.endObject();

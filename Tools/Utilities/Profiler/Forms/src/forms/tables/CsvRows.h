@@ -30,7 +30,7 @@ public:
     void putNothing();
     void endRow();
 
-    /// Gives away what is in the buffer.
+    /// Returns what is in the buffer, and empties it.
     void flush();
     /// Drops what is in the buffer.
     void clear();

@@ -32,17 +32,17 @@ using console::right;
 using console::shownName;
 using console::wrapped;
 
-constexpr std::size_t mostNameColumns = 48;
+constexpr std::size_t maxNameColumns = 48;
 constexpr std::size_t fewNameColumns = 16;
-constexpr std::size_t leastNameColumns = 8;
-constexpr std::size_t mostTextColumns = 1000;  // of a sentence
-constexpr std::size_t mostLogsNamed = 3;
-constexpr std::size_t mostAnswers = 20;
+constexpr std::size_t minNameColumns = 8;
+constexpr std::size_t maxTextColumns = 1000;  // of a sentence
+constexpr std::size_t maxLogsNamed = 3;
+constexpr std::size_t maxAnswers = 20;
 constexpr std::size_t indentation = 2;
 
 // What a table shows: all of it, or what fits.
 struct Shape {
-    std::size_t nameColumns = mostNameColumns;
+    std::size_t nameColumns = maxNameColumns;
     bool hasRanges = true;
     bool hasP = true;
     bool hasIntervals = true;
@@ -55,7 +55,7 @@ std::vector<Shape> shapesOf() {
                                  {.hasRanges = false},
                                  {.hasRanges = false, .hasP = false},
                                  {.hasRanges = false, .hasP = false, .hasIntervals = false}};
-    while (shapes.back().nameColumns > leastNameColumns) {
+    while (shapes.back().nameColumns > minNameColumns) {
         shapes.push_back(shapes.back());
         --shapes.back().nameColumns;
         shapes.back().hasTimes = shapes.back().nameColumns >= fewNameColumns;
@@ -128,14 +128,14 @@ public:
     }
 
 private:
-    [[nodiscard]] std::string name(std::string_view text, std::size_t columns = mostNameColumns) const {
+    [[nodiscard]] std::string name(std::string_view text, std::size_t columns = maxNameColumns) const {
         return shownName(text, columns, options_.hasUnicode);
     }
 
     // On as many lines as it takes, the later ones below the first one's text.
     void printSentence(std::string_view front, std::string_view text) {
-        const std::string shown = shownName(text, mostTextColumns, options_.hasUnicode);
-        const std::size_t columns = options_.width.value_or(mostTextColumns + front.size());
+        const std::string shown = shownName(text, maxTextColumns, options_.hasUnicode);
+        const std::size_t columns = options_.width.value_or(maxTextColumns + front.size());
         std::string before(front);
         for (const std::string& line : wrapped(shown, columns - std::min(columns, front.size()))) {
             out_ << before << line << '\n';
@@ -149,25 +149,25 @@ private:
             out_ << "No graph was executed on both sides, so there is nothing to compare.\n\n";
             return;
         }
-        for (const GraphComparison& graph : std::span(graphs).first(std::min(graphs.size(), mostAnswers))) {
+        for (const GraphComparison& graph : std::span(graphs).first(std::min(graphs.size(), maxAnswers))) {
             printSentence("", "Graph " + name(graph.newName) + ": " + graph.answer.text);
             for (const std::string& cause : graph.answer.causes) {
                 printSentence("  - ", cause);
             }
         }
-        if (graphs.size() > mostAnswers) {
-            out_ << "and " << graphs.size() - mostAnswers << " graphs more, see below\n";
+        if (graphs.size() > maxAnswers) {
+            out_ << "and " << graphs.size() - maxAnswers << " graphs more, see below\n";
         }
         out_ << '\n';
     }
 
     void printSide(std::string_view label, const std::vector<std::string>& logs) {
         std::string text = counted(logs.size(), "log", "logs") + ": ";
-        for (std::size_t log = 0; log < std::min(logs.size(), mostLogsNamed); ++log) {
+        for (std::size_t log = 0; log < std::min(logs.size(), maxLogsNamed); ++log) {
             text.append(log == 0 ? "" : ", ").append(name(logs[log]));
         }
-        if (logs.size() > mostLogsNamed) {
-            text += " and " + std::to_string(logs.size() - mostLogsNamed) + " more";
+        if (logs.size() > maxLogsNamed) {
+            text += " and " + std::to_string(logs.size() - maxLogsNamed) + " more";
         }
         printSentence(label, text);
     }

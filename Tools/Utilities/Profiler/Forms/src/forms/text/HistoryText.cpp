@@ -24,10 +24,10 @@ using console::right;
 using console::shownName;
 using profiling::fixedPoint;
 
-constexpr std::size_t mostNameColumns = 40;
-constexpr std::size_t mostTextColumns = 1000;  // of a warning
-constexpr std::size_t mostPictureColumns = 48;
-constexpr std::size_t mostCauses = 5;
+constexpr std::size_t maxNameColumns = 40;
+constexpr std::size_t maxTextColumns = 1000;  // of a warning
+constexpr std::size_t maxPictureColumns = 48;
+constexpr std::size_t maxCauses = 5;
 constexpr std::array<std::string_view, 8> bars = {"▁", "▂", "▃", "▄", "▅", "▆", "▇", "█"};
 constexpr std::array<std::string_view, 8> plainBars = {"0", "1", "2", "3", "4", "5", "6", "7"};
 
@@ -54,7 +54,7 @@ std::string counted(std::size_t count, std::string_view what) {
 // Each character is the median of as many versions as it takes to fit, between the lowest and the highest of
 // them.
 std::string pictureOf(const HistorySeries& series, bool hasUnicode) {
-    const std::size_t columns = std::min(mostPictureColumns, series.points.size());
+    const std::size_t columns = std::min(maxPictureColumns, series.points.size());
     std::vector<double> heights;
     for (std::size_t column = 0; column < columns; ++column) {
         std::vector<double> values;
@@ -106,7 +106,7 @@ private:
     using Series = std::span<const HistorySeries>;
 
     [[nodiscard]] std::string name(const std::string& text) const {
-        return shownName(text, mostNameColumns, options_.hasUnicode);
+        return shownName(text, maxNameColumns, options_.hasUnicode);
     }
 
     [[nodiscard]] std::string versionAt(const HistorySeries& series, std::size_t point) const {
@@ -125,7 +125,7 @@ private:
         }
         out_ << '\n';
         for (const std::string& warning : history_.warnings) {
-            out_ << "  ! " << shownName(warning, mostTextColumns, options_.hasUnicode) << '\n';
+            out_ << "  ! " << shownName(warning, maxTextColumns, options_.hasUnicode) << '\n';
         }
     }
 
@@ -201,13 +201,13 @@ private:
         }
         out_ << '\n';
         const auto causes = analysis::causesOf(history_, series, step);
-        for (std::size_t cause = 0; cause < std::min(causes.size(), mostCauses); ++cause) {
+        for (std::size_t cause = 0; cause < std::min(causes.size(), maxCauses); ++cause) {
             const auto& [of, own, changeUs] = causes[cause];
             out_ << "      " << (of->kind == SeriesKind::commonFactor ? "all layers alike" : name(of->name))
                  << ' ' << withSign(changeUs, us(changeUs)) << " (" << percent(own->change) << ")\n";
         }
-        if (causes.size() > mostCauses) {
-            out_ << "      and " << counted(causes.size() - mostCauses, "layer") << " more\n";
+        if (causes.size() > maxCauses) {
+            out_ << "      and " << counted(causes.size() - maxCauses, "layer") << " more\n";
         }
         if (causes.empty()) {
             out_ << "      no layer has a step beside it\n";

@@ -36,9 +36,9 @@ using profiling::fixedPoint;
 
 constexpr std::size_t indentation = 2;  // of tables
 constexpr std::size_t barWidth = 24;
-constexpr std::size_t mostNameColumns = 48;  // where no terminal says less
-constexpr std::size_t fewestNameColumns = 12;
-constexpr std::size_t mostTypes = 12;
+constexpr std::size_t maxNameColumns = 48;  // where no terminal says less
+constexpr std::size_t minNameColumns = 12;
+constexpr std::size_t maxTypes = 12;
 
 std::string us(double value) {
     return fixedPoint(value, 0) + " us";
@@ -71,8 +71,8 @@ public:
 
     [[nodiscard]] std::string name(std::string_view name, std::size_t besideIt) const {
         const std::size_t room =
-            style_.width ? *style_.width - std::min(*style_.width, besideIt) : mostNameColumns;
-        return shownName(name, std::clamp(room, fewestNameColumns, mostNameColumns), style_.hasUnicode);
+            style_.width ? *style_.width - std::min(*style_.width, besideIt) : maxNameColumns;
+        return shownName(name, std::clamp(room, minNameColumns, maxNameColumns), style_.hasUnicode);
     }
 
     /// A bar of two parts, each of its own character, so that they are told apart without colour.
@@ -170,7 +170,7 @@ public:
     Tree(const Style& style, double wholeUs) : style_(style), wholeUs_(wholeUs) {}
 
     void add(const Part& part, const std::string& front, const std::string& below) {
-        table_.add(front + shownName(part.name, mostNameColumns, style_.hasUnicode()), us(part.us),
+        table_.add(front + shownName(part.name, maxNameColumns, style_.hasUnicode()), us(part.us),
                    percent(shareOf(part.us, wholeUs_)));
         bars_.push_back(barOf(part));
         if (!part.note.empty()) {
@@ -223,9 +223,9 @@ void printInference(std::ostream& out, const Style& style, const Graph& graph) {
 }
 
 void printFinding(std::ostream& out, const Style& style, const analysis::Finding& finding) {
-    constexpr std::size_t mostColumns = 400;  // a name in it may have any length
+    constexpr std::size_t maxColumns = 400;  // a name in it may have any length
     const std::string front = "  " + std::string(style.bullet());
-    printText(out, style, front, shownName(finding.text, mostColumns, style.hasUnicode()));
+    printText(out, style, front, shownName(finding.text, maxColumns, style.hasUnicode()));
     printText(out, style, std::string(columnsOf(front), ' '), "Next: " + finding.next);
 }
 
@@ -334,7 +334,7 @@ void printLayerTypes(std::ostream& out, const Style& style, const Graph& graph, 
         const auto time = static_cast<double>(type.timeUs);
         layers += count;
         const bool isWanted = wanted.empty() || lowerCase(type.name).find(wanted) != std::string::npos;
-        if (!isWanted || shown == mostTypes) {
+        if (!isWanted || shown == maxTypes) {
             ++others;
             otherLayers += count;
             otherUs += time;

@@ -20,7 +20,7 @@ public:
     /// @param graph has layers
     void add(const Graph& graph, bool isOnlyGraph) {
         const std::string of =
-            isOnlyGraph ? std::string() : " of " + profiling::cutInMiddle(graph.name, longestTraceText / 2);
+            isOnlyGraph ? std::string() : " of " + profiling::cutInMiddle(graph.name, maxTraceText / 2);
         file_.nameProcess(process_, "average inference" + of + " (laid out, not measured)");
         if (graph.layers.kind == analysis::LayerKind::zeb) {
             file_.nameTrack({process_, zebTrack}, "ZEB layers");

@@ -153,7 +153,7 @@ private:
     }
 
     static std::string nameOf(const Graph& graph) {
-        return profiling::cutInMiddle(graph.name, longestTraceText / 2);
+        return profiling::cutInMiddle(graph.name, maxTraceText / 2);
     }
 
     template <typename Name>

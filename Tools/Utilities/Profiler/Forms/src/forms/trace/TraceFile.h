@@ -15,11 +15,11 @@
 namespace zeb::forms {
 
 /// Texts of a log stand in a trace with that many bytes at most: from longer ones the middle is left out.
-inline constexpr std::size_t longestTraceText = 120;
+inline constexpr std::size_t maxTraceText = 120;
 
 /// @return a text of the log as it stands in a trace
 inline std::string traceText(std::string_view text) {
-    return profiling::cutInMiddle(text, longestTraceText);
+    return profiling::cutInMiddle(text, maxTraceText);
 }
 
 /// A track of a trace by its numbers, which viewers call process and thread and sort by.
