@@ -30,7 +30,7 @@ public:
     void putNothing();
     void endRow();
 
-    /// Returns what is in the buffer, and empties it.
+    /// Writes what is in the buffer.
     void flush();
     /// Drops what is in the buffer.
     void clear();
