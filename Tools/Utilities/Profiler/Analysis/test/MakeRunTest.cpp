@@ -4,6 +4,8 @@
 
 #include <fstream>
 #include <numeric>
+#include <set>
+#include <sstream>
 
 #include "analysis/Findings.h"
 #include "analysis/Inference.h"
@@ -521,6 +523,18 @@ std::vector<std::uint64_t> rising(std::size_t count) {
     std::vector<std::uint64_t> durations(count);
     std::iota(durations.begin(), durations.end(), std::uint64_t{100});
     return durations;
+}
+
+TEST(Findings, HaveTheirRulesInTheDocumentation) {
+    std::istringstream page(test::fileText(ZEB_PAGE_OF_RULES));
+    std::multiset<std::string> told;
+    for (std::string line; std::getline(page, line);) {
+        if (line.starts_with("| `")) {
+            told.insert(line.substr(3, line.find('`', 3) - 3));
+        }
+    }
+    const std::vector<std::string_view> rules = findingRules();
+    EXPECT_EQ(told, std::multiset<std::string>(rules.begin(), rules.end()));
 }
 
 TEST(Findings, SpeakWhereTheirRuleHoldsAlone) {

@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <iterator>
 #include <span>
 #include <string_view>
 #include <unordered_map>
@@ -365,6 +366,9 @@ constexpr Rule rules[] = {
      "Look at the steps and the first execution in the timeline (--trace)."},
 };
 
+constexpr std::string_view startRule = "start";
+constexpr std::string_view noGraphRule = "no-graph";
+
 // Gathers the findings of a graph in their order.
 class FindingList {
 public:
@@ -484,7 +488,7 @@ void addStart(Run& run) {
         sentence("The longest step of the start, " + stepName(*longest) + ", takes " + us(stepUs) +
                      ", as long as " + fixedPoint(stepUs / inferenceUs, 0) + " inferences.",
                  stepUs, share(stepUs, inferenceUs));
-    finding.rule = "start";
+    finding.rule = startRule;
     finding.group = once;
     finding.steps = {static_cast<std::uint64_t>(longest - run.steps.begin())};
     finding.next = "Look at the steps of the start in the timeline (--trace), or on the page (--html).";
@@ -493,6 +497,13 @@ void addStart(Run& run) {
 
 }  // namespace
 
+std::vector<std::string_view> findingRules() {
+    std::vector<std::string_view> names = {startRule, noGraphRule};
+    std::transform(std::begin(rules), std::end(rules), std::back_inserter(names),
+                   [](const Rule& rule) { return rule.name; });
+    return names;
+}
+
 void addFindings(Graph& graph, const Run& run) {
     FindingList(graph, run).fill();
 }
@@ -500,7 +511,7 @@ void addFindings(Graph& graph, const Run& run) {
 void addFindings(Run& run) {
     if (run.graphs.empty()) {
         Finding finding = sentence("No graph was executed in this log.");
-        finding.rule = "no-graph";
+        finding.rule = noGraphRule;
         finding.next = "Profile a run that executes a graph.";
         run.findings.push_back(std::move(finding));
     }

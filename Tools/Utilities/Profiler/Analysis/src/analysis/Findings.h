@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstddef>
+#include <string_view>
+#include <vector>
 
 #include "analysis/Run.h"
 
@@ -11,6 +13,9 @@ inline constexpr std::size_t maxFindings = 7;  ///< of a graph
 
 /// Fills the findings of a graph from its figures.
 void addFindings(Graph& graph, const Run& run);
+
+/// @return the names of all rules
+std::vector<std::string_view> findingRules();
 
 /// Fills the findings of a run and of its graphs from their figures.
 void addFindings(Run& run);

@@ -18,7 +18,7 @@ const maxCalls = 500;
 
 const cell = (text, kind) => make("td", {class: kind ?? null}, text);
 
-const unitWords = {bytes: " bytes", cycles: " cycles", count: "", none: ""};
+const plainUnits = ["count", "none"]; // of numbers that stand alone
 
 function valueOf(event) {
   const {value} = event;
@@ -31,9 +31,11 @@ function valueOf(event) {
   if (typeof value === "string" && !/^-?\d+$/.test(value)) {
     return cut(value, 60);
   }
-  return event.unit === "us"
-    ? time(number(value))
-    : digits(value, Number.isInteger(value) ? 0 : 2) + unitWords[event.unit];
+  if (event.unit === "us") {
+    return time(number(value));
+  }
+  const figure = digits(value, Number.isInteger(value) ? 0 : 2);
+  return plainUnits.includes(event.unit) ? figure : `${figure} ${event.unit}`;
 }
 
 function eventRows(events, depth) {
@@ -104,7 +106,7 @@ function rowsOfStep(step, {place, size}) {
   const row = make(
     "tr",
     {},
-    make("th", {scope: "row"}, stepNames[step.step], step.text ? [" ", isolated(step.text)] : null),
+    make("th", {scope: "row"}, stepNames[step.step] ?? step.step, step.text ? [" ", isolated(step.text)] : null),
     isTimed(step) ? bar([[place(step.from), size(step.us), kind]]) : cell("", "bar"),
     cell(step.from === null ? "–" : time(step.from), "number"),
     cell(step.us === null ? "not in the log" : time(step.us), "number"),
