@@ -498,7 +498,7 @@ void addStart(Run& run) {
 }  // namespace
 
 std::vector<std::string_view> findingRules() {
-    std::vector<std::string_view> names = {startRule, noGraphRule};
+    std::vector<std::string_view> names = {startRule, noGraphRule, mappingRule};
     std::transform(std::begin(rules), std::end(rules), std::back_inserter(names),
                    [](const Rule& rule) { return rule.name; });
     return names;

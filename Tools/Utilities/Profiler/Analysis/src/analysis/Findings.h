@@ -9,6 +9,9 @@
 /// What stands out in a run, by the rules of one table: docs/top.md shows it with its thresholds.
 namespace zeb::analysis {
 
+/// The rule that speaks while the figures are worked out.
+inline constexpr std::string_view mappingRule = "mapping-of-another-graph";
+
 inline constexpr std::size_t maxFindings = 7;  ///< of a graph
 
 /// Fills the findings of a graph from its figures.

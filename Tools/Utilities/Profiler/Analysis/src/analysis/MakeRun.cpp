@@ -385,7 +385,7 @@ private:
                 figures = profiling::workOutFigures(store_, scope, level, &*mapping_);
             } else {
                 Finding& finding = graph.findings.emplace_back();
-                finding.rule = "mapping-of-another-graph";
+                finding.rule = mappingRule;
                 finding.text =
                     "The log's node mapping does not cover this graph's layers, so it has no ZEB layers "
                     "here.";

@@ -64,7 +64,8 @@ public:
     /// @param cells each a text or an array of texts
     template <typename... Texts>
     requires((columnsIn<Texts> + ...) == columnCount) void add(const Texts&... cells) {
-        (append(rows_.emplace_back(), cells), ...);
+        Cells& row = rows_.emplace_back();
+        (append(row, cells), ...);
     }
 
     [[nodiscard]] std::vector<std::string> lines(std::size_t indentation) const {
