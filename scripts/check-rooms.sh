@@ -40,22 +40,22 @@ Manual/src/manual             viewer compare export history samplelog/command co
 # Written by the build.
 generated=Commit.h
 
+shopt -s nullglob
+files=()
+while read -r room _; do
+    files+=("$room"/*.{h,cpp})
+done < <(grep . <<<"$rooms")
+
 {
-    while read -r room uses; do
-        own=${room#*/src/}
-        for file in "$room"/*.{h,cpp}; do
-            [ -f "$file" ] || continue
-            sed -n 's|^#include "\(.*\)"$|\1|p' "$file" | while read -r header; do
-                if [[ $header == */* ]]; then
-                    [[ " $own $uses " == *" ${header%/*} "* ]] || echo "$file: may not include ${header%/*}/"
-                else
-                    [ "$header" = "$generated" ] || echo "$file: $header does not say its room"
-                fi
-            done
-        done
-    done < <(grep . <<<"$rooms")
-    find ./*/src ./*/include -name '*.h' -printf '%P %p\n' | while read -r _ file; do
-        folder=$(dirname "${file#./}")
-        grep -q "^$folder\( \|$\)" <<<"$rooms" || [[ $folder == Benchmark/* ]] || echo "$folder: no room"
-    done | sort -u
+    awk -v generated="$generated" '
+        function folder(path) { sub(/\/[^\/]*$/, "", path); return path }
+        NR == FNR { room = $1; sub(/.*\/src\//, "", $1); allowed[room] = " " $0 " "; next }
+        !/^#include ".*"$/ { next }
+        { header = substr($0, 11, length($0) - 11) }
+        header !~ /\// { if (header != generated) print FILENAME ": " header " does not say its room"; next }
+        !index(allowed[folder(FILENAME)], " " folder(header) " ") { print FILENAME ": may not include " folder(header) "/" }
+    ' <(grep . <<<"$rooms") "${files[@]}"
+    find ./*/src ./*/include -name '*.h' -printf '%h\n' | sed 's|^\./||' | sort -u |
+        awk 'NR == FNR { known[$1]; next } !($1 in known) && !/^Benchmark\// { print $1 ": no room" }' \
+            <(grep . <<<"$rooms") -
 } | { ! grep .; }
