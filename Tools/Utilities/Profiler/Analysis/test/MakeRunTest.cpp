@@ -16,7 +16,9 @@
 #include "reader/backend/ZebProfileLogReaderMURL.h"
 #include "samplelog/BackendObjectWriter.h"
 #include "samplelog/MethodsLog.h"
+#include "samplelog/Network.h"
 #include "samplelog/NetworkLog.h"
+#include "samplelog/NetworkTiming.h"
 #include "samplelog/SharedEventsLog.h"
 #include "samplelog/SharedTextLog.h"
 #include "support/TestLog.h"
@@ -659,18 +661,32 @@ TEST(Findings, AreOrderedByTheirCostAndTellOfWhatTheyShare) {
     }
 }
 
-// What docs/top.md promises of the rule, with logs of which the truth is known.
+// What docs/top.md promises of the rule, with times of which the truth is known: those that logs of them
+// have.
 TEST_F(MadeRun, FindsATrendAndSeldomOneThatIsNone) {
-    const auto isSlowing = [this](std::uint64_t seed, std::uint32_t executions, std::uint32_t wander,
-                                  std::uint32_t slowing) {
+    const samplelog::Network network = samplelog::makeNetwork(1);
+    const auto optionsOf = [](std::uint64_t seed, std::uint32_t executions, std::uint32_t wander,
+                              std::uint32_t slowing) {
         NetworkOptions options{
             .level = samplelog::ProfileLevel::basic, .executions = executions, .layers = 1, .seed = seed};
         options.noiseMillionths = 20'000;
         options.wanderMillionths = wander;
         options.slowingMillionths = slowing;
-        const std::vector<Finding> findings = runOf(options).graphs[0].findings;
-        return std::any_of(findings.begin(), findings.end(),
-                           [](const Finding& finding) { return finding.rule == "slowing"; });
+        return options;
+    };
+    const auto durationsOf = [&network](const NetworkOptions& options) {
+        const samplelog::NetworkTiming timing(network, 0, options);
+        std::vector<std::uint64_t> durations;
+        for (std::uint32_t position = 0; position < options.executions; ++position) {
+            durations.push_back(timing.execution(position).roundTripUs);
+        }
+        return durations;
+    };
+    const NetworkOptions logged = optionsOf(0, 200, 700'000, 50'000);
+    EXPECT_EQ(runOf(logged).graphs[0].executions.durationUs,
+              graphOf(durationsOf(logged)).executions.durationUs);
+    const auto isSlowing = [&](auto... options) {
+        return rulesOf(graphOf(durationsOf(optionsOf(options...)))).find("slowing") != std::string::npos;
     };
     int falseAlarms = 0;
     int found = 0;
