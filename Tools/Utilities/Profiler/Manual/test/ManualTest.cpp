@@ -3,17 +3,22 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <limits>
 #include <sstream>
 #include <string>
 #include <tuple>
 #include <utility>
 #include <vector>
 
+#include "compare/ComparisonForms.h"
 #include "console/CommandManual.h"
 #include "manual/Commands.h"
 #include "manual/Completions.h"
 #include "manual/ManPage.h"
 #include "manual/ValueKind.h"
+#include "viewer/RunForms.h"
 
 namespace zeb::manual {
 namespace {
@@ -126,6 +131,28 @@ TEST(Manual, TheViewersPageHasTheOptionsOfTheReaderToo) {
     EXPECT_EQ(std::count_if(options.begin(), options.end(),
                             [](const auto& option) { return option.name == "--help"; }),
               1);
+}
+
+// From what size on a form's file is too much for what opens it, in the words that the command has for it.
+TEST(Manual, ThePageOfMessagesHasTheSizesOfForms) {
+    std::ifstream file(ZEB_MESSAGES);
+    const std::string messages{std::istreambuf_iterator<char>(file), {}};
+    const auto expectRows = [&messages](const auto& forms, std::size_t expected) {
+        std::size_t limited = 0;
+        for (const auto& form : forms) {
+            if (form.maxBytes != std::numeric_limits<std::uint64_t>::max()) {
+                ++limited;
+                EXPECT_NE(
+                    messages.find("note: N MB " + std::string(form.whenLarger) + " | no fault; told beyond " +
+                                  std::to_string(form.maxBytes >> 20U) + " MB"),
+                    std::string::npos)
+                    << form.option;
+            }
+        }
+        EXPECT_EQ(limited, expected);
+    };
+    expectRows(viewer::runForms(), 2);
+    expectRows(compare::comparisonForms(), 1);
 }
 
 }  // namespace
