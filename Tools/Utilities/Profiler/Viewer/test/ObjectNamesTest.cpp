@@ -3,11 +3,13 @@
 #include <gtest/gtest.h>
 #include <sys/mount.h>
 
+#include <ctime>
 #include <filesystem>
 #include <sstream>
 #include <vector>
 
 #include "samplelog/LogWriter.h"
+#include "samplelog/SharedTextLog.h"
 #include "support/Command.h"
 #include "support/FailureOf.h"
 #include "support/TestChunks.h"
@@ -114,6 +116,16 @@ TEST_F(ObjectNames, AreLookedAtInAllChunksAndAtAllDepths) {
     EXPECT_EQ(checking(test::sharedEventsLog("sub/a")), "");
     // One object, and not eight in one list, which would need a number too long for the name.
     EXPECT_EQ(checking(test::sharedEventsLog(std::string(253, 'n'))), "");
+}
+
+// Else a log of some megabytes would take half a minute.
+TEST_F(ObjectNames, AreLookedAtOnceHoweverManyEventsShareOne) {
+    const samplelog::SharedTextShape shape{.messages = 100'000,
+                                           .text = "sub" + std::string(200'000, '/') + "a"};
+    const std::string log = files.write("run.log", test::textOf(samplelog::encodeSharedTextLog(shape)));
+    const std::clock_t start = std::clock();
+    checkObjectNames(log, objects);
+    EXPECT_LT(std::clock() - start, 5 * CLOCKS_PER_SEC);
 }
 
 TEST_F(ObjectNames, MustStandForAFileThatCanBeMade) {
