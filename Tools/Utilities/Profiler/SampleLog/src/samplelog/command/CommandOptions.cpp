@@ -241,15 +241,9 @@ std::string_view meaningOf(ExitCode exitCode) {
 
 CommandOptions parseCommandLine(int argc, const char* const* argv) {
     const CommandLine line = parsedBy(optionRows(), command::OwnWord::one, argc, argv);
-    bool areAllFiles = false;
-    for (const std::string& word : line.remaining()) {
-        if (!areAllFiles && word.starts_with('-') && word != "--") {
-            throw command::unknownOption(word.substr(0, word.find('=')), command::optionNames(optionRows()));
-        }
-        if (areAllFiles || word != "--") {
-            throw wrongUsage(word, "a word too many, there is one FILE");
-        }
-        areAllFiles = true;
+    const auto more = command::filesAmong(line.remaining(), command::optionNames(optionRows()));
+    if (!more.empty()) {
+        throw wrongUsage(more.front(), "a word too many, there is one FILE");
     }
     CommandOptions options;
     options.action = line.action();
