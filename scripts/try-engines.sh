@@ -17,6 +17,7 @@ bin=$build_directory/bin
 duckdb_home=$PWD/build/duckdb
 if [ "$install" = yes ]; then
     packages+=(sqlite3)
+    [ -z "$(apt-cache madison clickhouse-server 2>/dev/null)" ] || packages+=(clickhouse-server clickhouse-client)
     command -v npm >/dev/null || packages+=(npm)
     install_packages
     [ -d "$duckdb_home/node_modules/@duckdb/node-api" ] || npm install --silent --no-audit --no-fund --prefix "$duckdb_home" @duckdb/node-api >&2 ||
@@ -26,6 +27,9 @@ engines=()
 if command -v sqlite3 >/dev/null; then engines+=(sqlite); else echo "Left out: SQLite, there is no sqlite3"; fi
 if [ -d "$duckdb_home/node_modules/@duckdb/node-api" ]; then engines+=(duckdb); else
     echo "Left out: DuckDB, scripts/try-engines.sh installs it"
+fi
+if command -v clickhouse-client >/dev/null && [ -x /usr/sbin/clickhouse-server ]; then engines+=(clickhouse); else
+    echo "Left out: ClickHouse, there is no clickhouse-client or no /usr/sbin/clickhouse-server; Debian 12 has both"
 fi
 [ "${#engines[@]}" -gt 0 ] || exit 77
 
@@ -40,13 +44,13 @@ timed() {
     printf '%-36s %6d ms\n' "$name" $(((end - begin) / 1000000))
 }
 
-# A day of four versions on three sites; the last version makes a layer slower.
+# Three days of four versions on three sites; the last version makes a layer slower.
 make_logs() {
     local number site
     mkdir "$work/logs"
     for ((number = 0; number < logs; ++number)); do
         local options=(--seed "$number" --drift 4 --executions $((5 + number % 7)) --graphs $((1 + number % 2))
-            --epoch-us $((1790812800000000 + number * 86400000000 / logs)) --backend-version "v2.5$((number % 4))")
+            --epoch-us $((1790812800000000 + number * 3 * 86400000000 / logs)) --backend-version "v2.5$((number % 4))")
         [ $((number % 4)) -ne 3 ] || options+=(--slower-layer conv_pw_5=40)
         [ $((number % 5)) -ne 0 ] || options+=(--async)
         "$bin/write-sample-log" "${options[@]}" "$work/logs/$number.zlog"
@@ -74,6 +78,8 @@ ask_duckdb() {
     ln -sf "$duckdb_home/node_modules" "$work/node_modules"
     node "$work/duckdb.mjs" "$work/fleet" "$work/parquet" >"$work/duckdb.answers"
 }
+
+ask_clickhouse() { examples/fleet/clickhouse.sh "$work/fleet" >"$work/clickhouse.answers"; }
 
 timed "making $logs logs" make_logs
 timed "exporting them as two batches" export_all

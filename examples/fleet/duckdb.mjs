@@ -3,13 +3,19 @@
 //     node examples/fleet/duckdb.mjs DIR [PARQUET_DIR]
 //
 // A run that several batches have is taken from the first. Prints a line of JSON for each question; with PARQUET_DIR it also
-// writes the executions there as Parquet, a folder a day. It takes npm's @duckdb/node-api.
+// writes the executions there as Parquet, a folder a day. Times go to standard error. It takes npm's @duckdb/node-api.
 import { readFileSync } from "node:fs";
 import { DuckDBInstance } from "@duckdb/node-api";
 
 const [directory, parquetDirectory] = process.argv.slice(2);
 const fileBeside = (name) => readFileSync(new URL(name, import.meta.url), "utf8");
 const quoted = (text) => `'${text.replaceAll("'", "''")}'`;
+
+let began = performance.now();
+const tellTime = (what) => {
+    console.error(`DuckDB ${what}: ${Math.round(performance.now() - began)} ms`);
+    began = performance.now();
+};
 
 const instance = await DuckDBInstance.create();
 const duck = await instance.connect();
@@ -31,16 +37,22 @@ for (const table of tables) {
         JOIN taken ON taken.run_id = t.run_id AND taken.batch = parse_dirpath(t.filename)`);
 }
 
+tellTime("loads the tables");
 for (const part of fileBeside("questions.sql").split("--: ").slice(1)) {
     const end = part.indexOf("\n");
     const rows = await rowsOf(part.slice(end));
     console.log(JSON.stringify({ question: part.slice(0, end), rows }));
 }
 
+tellTime("answers");
 if (parquetDirectory) {
     await duck.run(`COPY (
             SELECT e.*, r.header_backend_version,
                 strftime(make_timestamp(CAST(r.header_epoch_us AS BIGINT)), '%Y-%m-%d') AS day
             FROM executions e JOIN runs r ON r.run_id = e.run_id ORDER BY e.run_id, e.graph, e.row)
         TO ${quoted(parquetDirectory)} (FORMAT parquet, COMPRESSION zstd, PARTITION_BY (day), OVERWRITE_OR_IGNORE)`);
+    tellTime("writes Parquet");
+    await rowsOf(`SELECT day, count(*), avg(duration_us)
+        FROM read_parquet(${quoted(`${parquetDirectory}/*/*.parquet`)}, hive_partitioning = true) GROUP BY day`);
+    tellTime("asks the Parquet files about each day");
 }

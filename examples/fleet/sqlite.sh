@@ -33,6 +33,7 @@ done
 
 for batch in "$directory"/[0-9]*/; do
     batch=$(basename "$batch")
+    [ -f "$directory/$batch/runs.csv" ] || { echo "$batch has no runs.csv, and is left out" >&2 && continue; }
     [ -z "$(sql "SELECT 1 FROM batches WHERE name = '$batch'")" ] || continue
     {
         echo "BEGIN;"
