@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/stat.h>
 
 #include <atomic>
 #include <chrono>
@@ -223,6 +224,58 @@ TEST_F(Export, AKilledProcessLeavesWholeBatchesOnly) {
             const auto result =
                 command::test::runCommand(arguments, command::test::output::captured, [ms](pid_t process) {
                     std::this_thread::sleep_for(std::chrono::milliseconds(ms));
+// On a disk of its own, which has no room for all tables, or takes nothing.
+TEST_F(Export, LeavesADiskAsItWasThatTakesNoBatch) {
+    const std::string disk = place.path("disk");
+    fs::create_directory(disk);
+    const auto exportTo = [&disk](const Strings& arguments, const std::string& options) {
+        Strings all = {"/usr/bin/env",
+                       "unshare",
+                       "-rm",
+                       "/bin/sh",
+                       "-c",
+                       "mount -t tmpfs -o size=128k tmpfs \"$0\" && mkdir \"$0/fleet\" && mount -o remount," +
+                           options + " \"$0\" || exit 77; \"$@\"; code=$?; ls -A \"$0/fleet\"; exit $code",
+                       disk,
+                       ZEB_EXPORT,
+                       "--to",
+                       disk + "/fleet"};
+        all.insert(all.end(), arguments.begin(), arguments.end());
+        return command::test::runCommand(all);
+    };
+    const Strings logs = someLogs();
+    const CommandResult readOnly = exportTo({logs[0]}, "ro");
+    if (readOnly.exitCode == 77 || readOnly.err.find("unshare") != std::string::npos) {
+        GTEST_SKIP() << "nobody may mount a disk here: " << readOnly.err;
+    }
+    command::test::expectFailure(readOnly, 3, disk + "/fleet: it can't be written: Read-only file system",
+                                 "zeb-profile-export");
+    EXPECT_EQ(readOnly.out, "");
+    const CommandResult full = exportTo(logs, "rw");
+    EXPECT_EQ(full.exitCode, 3);
+    EXPECT_NE(full.err.find(".csv: it can't be written: No space left on device\n"), std::string::npos)
+        << full.err;
+    EXPECT_EQ(full.out, "");
+}
+
+// What stands among the batches and is none, or no longer a whole one.
+TEST_F(Export, SkipKnownTakesAgainWhatNoBatchTells) {
+    const std::string one = log("one");
+    const std::string batch = run({one}).out;
+    fs::remove(batch.substr(0, batch.find('\n')) + "/runs.csv");
+    const std::string fleet = place.path("fleet/");
+    std::ofstream(fleet + "9stray") << "a file";
+    fs::create_directories(fleet + "9folder/runs.csv");
+    fs::create_directory(fleet + "9pipe");
+    ASSERT_EQ(::mkfifo((fleet + "9pipe/runs.csv").c_str(), 0600), 0);
+    fs::create_symlink("9link", fleet + "9link");
+    const CommandResult result =
+        command::test::runCommand({"/usr/bin/timeout", "60", ZEB_EXPORT, "--to", fleet, "--skip-known", one});
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_EQ(rowsOf(result.out, "runs"), 1U);
+    EXPECT_EQ(run({"--skip-known", one}).out, "");
+}
+
                     ::kill(process, SIGKILL);
                 });
             killed += result.exitCode == 128 + SIGKILL ? 1 : 0;
@@ -234,7 +287,11 @@ TEST_F(Export, AKilledProcessLeavesWholeBatchesOnly) {
         other.join();
     }
     EXPECT_GT(killed, 0);
-    run({log("last")});
+    Strings rest = logs;
+    rest.insert(rest.begin(), "--skip-known");
+    rest.push_back(log("last", {.seed = 77}));
+    EXPECT_EQ(rowsOf(run(rest).out, "runs"), 1U);
+    EXPECT_EQ(run(rest).out, "");
     std::size_t batches = 0;
     for (const std::string& name : entries()) {
         EXPECT_FALSE(name.starts_with('.')) << name;

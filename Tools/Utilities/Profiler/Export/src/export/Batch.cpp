@@ -167,6 +167,9 @@ std::string Batch::putInPlace() {
             }
         }
     }
+    if (::fsync(lock_.get()) != 0) {
+        throw cantWrite(folder_.native(), command::errorText(errno));
+    }
     const FileDescriptor directory = openFolder(directory_);
     while (true) {
         const fs::path place = directory_ / (textOfNow() + '-' + randomDigits());

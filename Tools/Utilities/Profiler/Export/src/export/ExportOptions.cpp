@@ -98,7 +98,7 @@ std::string_view meaningOf(ExitCode exitCode) {
         case ExitCode::usage:
             return "wrong usage; there is no batch";
         case ExitCode::badOutput:
-            return "the batch can't be written, and there is none";
+            return "the batch can't be written, and there is none; or its path can't be, and it is there";
         case ExitCode::badPlugin:
         case ExitCode::badReport:
         case ExitCode::slower:

@@ -29,7 +29,7 @@ void RunIds::addBatchesIn(const fs::path& directory) {
     for (fs::directory_iterator each(directory, error), end; !error && each != end; each.increment(error)) {
         const fs::path table = each->path() / "runs.csv";
         std::error_code none;
-        if (!each->path().filename().native().starts_with('.') && fs::exists(table, none)) {
+        if (!each->path().filename().native().starts_with('.') && fs::is_regular_file(table, none)) {
             addTable(table);
         }
     }
