@@ -400,10 +400,28 @@ TEST(Comparison, WarnsOfWhatExplainsMostChanges) {
          "The Krel clocks differ: base 1017 MHz; new 500 MHz."},
         {[](RunSummary& run) { run.backendVersion = "v2"; }, "The backend versions differ: base v1; new v2."},
         {[](RunSummary& run) { run.generator = ""; }, "The generators differ: base runner v1; new not told."},
+        {[](RunSummary& run) {
+             run.labels = {{"site", "lab"}};
+         },
+         "The labels \"site\" differ: base not told; new \"lab\"."},
+        {[](RunSummary& run) {
+             run.labels = {{"empty", ""}};
+         },
+         "The labels \"empty\" differ: base not told; new \"\"."},
     };
     for (const auto& [change, warning] : cases) {
         EXPECT_EQ(warningsOf(change), std::vector<std::string>{warning});
     }
+    Runs labelled[] = {runsOf({10}), runsOf({11})};
+    for (int label = 0; label < 9; ++label) {
+        for (Runs& side : labelled) {
+            side[0].labels['l' + std::to_string(label)] = label == 4 ? "same" : &side == labelled ? "a" : "b";
+        }
+    }
+    const std::vector<std::string> warnings = compare(labelled[0], labelled[1]).warnings;
+    ASSERT_EQ(warnings.size(), 6U);
+    EXPECT_EQ(warnings[4], "The labels \"l5\" differ: base \"a\"; new \"b\".");
+    EXPECT_EQ(warnings[5], "The values of 3 more labels differ.");
     Runs mixed = runsOf(fiveUs);
     for (std::size_t log = 0; log < mixed.size(); ++log) {
         mixed[log].backendVersion = "v" + std::to_string(log);

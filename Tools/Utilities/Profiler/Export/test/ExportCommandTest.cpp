@@ -152,15 +152,30 @@ TEST_F(Export, LabelsComeFromTheCommandAndTheList) {
     const std::string one = log("one");
     const std::string two = log("two", {.seed = 2});
     const std::string list = place.write("list", one + "\tboard=7\tsite=lab\n\n" + two + "\tempty=\n");
-    const CommandResult result = run({"--label", "site=lab", "--files-from", list, "--tables", "labels"});
-    EXPECT_EQ(result.err, "");
+    // A run as JSON has labels already: one more, the same one again, and one with another value.
+    const auto labelled = [&](const std::string& name, const std::string& label, std::uint64_t seed) {
+        const std::string json = place.path(name);
+        EXPECT_EQ(command::test::runCommand({ZEB_VIEWER, log(name + ".log", {.seed = seed}), "--label", label,
+                                             "--json", json, "--quiet"})
+                      .exitCode,
+                  0);
+        return json;
+    };
+    const std::string other = labelled("other", "site=field", 5);
+    const CommandResult result =
+        run({"--label", "site=lab", "--files-from", list, "--tables", "labels",
+             labelled("three", "board=8", 3), labelled("four", "site=lab", 4), other});
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_EQ(result.err, "zeb-profile-export: " + other +
+                              ": the label \"site\" has two values, \"field\" and \"lab\"\n");
     const std::string batch = result.out.substr(0, result.out.find('\n'));
     std::string labels = command::test::fileText(batch + "/labels.csv");
     for (std::size_t at = labels.find("\n\""); at != std::string::npos; at = labels.find("\n\"", at + 1)) {
         labels.erase(at + 1, 35);  // the id and its comma
     }
     EXPECT_EQ(labels,
-              "run_id,key,value\r\n\"board\",\"7\"\r\n\"site\",\"lab\"\r\n"
+              "run_id,key,value\r\n\"board\",\"8\"\r\n\"site\",\"lab\"\r\n\"site\",\"lab\"\r\n"
+              "\"board\",\"7\"\r\n\"site\",\"lab\"\r\n"
               "\"empty\",\"\"\r\n\"site\",\"lab\"\r\n");
     EXPECT_FALSE(fs::exists(batch + "/runs.csv"));
 }
@@ -209,21 +224,6 @@ TEST_F(Export, NoticesABatchThatCantBeWritten) {
     EXPECT_TRUE(entries().empty());
 }
 
-// Two at a time, each killed at some moment: what stands in the directory is whole, and what does not is
-// taken away.
-TEST_F(Export, AKilledProcessLeavesWholeBatchesOnly) {
-    const Strings logs = someLogs();
-    const std::string whole = tablesOf({"--jobs", "2"}, logs);
-    std::mt19937 random(5);
-    std::uniform_int_distribution<int> moment(0, 150);
-    std::atomic<int> killed = 0;
-    for (int round = 0; round < 20; ++round) {
-        Strings arguments = {ZEB_EXPORT, "--to", place.path("fleet"), "--jobs", "2"};
-        arguments.insert(arguments.end(), logs.begin(), logs.end());
-        const auto exportAndKill = [&arguments, &killed](int ms) {
-            const auto result =
-                command::test::runCommand(arguments, command::test::output::captured, [ms](pid_t process) {
-                    std::this_thread::sleep_for(std::chrono::milliseconds(ms));
 // On a disk of its own, which has no room for all tables, or takes nothing.
 TEST_F(Export, LeavesADiskAsItWasThatTakesNoBatch) {
     const std::string disk = place.path("disk");
@@ -276,6 +276,21 @@ TEST_F(Export, SkipKnownTakesAgainWhatNoBatchTells) {
     EXPECT_EQ(run({"--skip-known", one}).out, "");
 }
 
+// Two at a time, each killed at some moment: what stands in the directory is whole, and what does not is
+// taken away.
+TEST_F(Export, AKilledProcessLeavesWholeBatchesOnly) {
+    const Strings logs = someLogs();
+    const std::string whole = tablesOf({"--jobs", "2"}, logs);
+    std::mt19937 random(5);
+    std::uniform_int_distribution<int> moment(0, 150);
+    std::atomic<int> killed = 0;
+    for (int round = 0; round < 20; ++round) {
+        Strings arguments = {ZEB_EXPORT, "--to", place.path("fleet"), "--jobs", "2"};
+        arguments.insert(arguments.end(), logs.begin(), logs.end());
+        const auto exportAndKill = [&arguments, &killed](int ms) {
+            const auto result =
+                command::test::runCommand(arguments, command::test::output::captured, [ms](pid_t process) {
+                    std::this_thread::sleep_for(std::chrono::milliseconds(ms));
                     ::kill(process, SIGKILL);
                 });
             killed += result.exitCode == 128 + SIGKILL ? 1 : 0;

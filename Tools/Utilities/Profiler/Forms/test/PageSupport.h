@@ -138,6 +138,7 @@ inline analysis::Run hostileRun() {
     const std::string& script = hostileScript;
     const std::string& image = hostileImage;
     run.logFile = "<!--<script>" + script;
+    run.labels = {{image, script}, {"__proto__", ""}, {"turned \xE2\x80\xAE", "\xE2\x80\xAE"}};
     run.header->generatorName = "&lt;b&gt;" + image;
     run.steps.front().text = image;
     run.steps.front().events.front().name = script;

@@ -140,6 +140,7 @@ TEST(RunJson, KeepsNumbersAndReplacesWhatIsNoText) {
     constexpr auto largest = std::numeric_limits<std::uint64_t>::max();
     analysis::Run run;
     run.logFile = "q\"b\\\n\x01\xFF\xC3";
+    run.labels = {{"a\"\x1B", "\xFF"}, {"b", ""}};
     run.header.emplace().epochUs = largest;
     run.header->timeScale = std::numeric_limits<double>::infinity();
     analysis::Step step;
@@ -151,11 +152,12 @@ TEST(RunJson, KeepsNumbersAndReplacesWhatIsNoText) {
     run.steps.push_back(step);
     const std::string json = jsonOf(run);
     for (const char* const part :
-         {R"("log":"q\"b\\\n\u0001)", "\xEF\xBF\xBD", R"("epoch_us":18446744073709551615)",
-          R"("time_scale":null)", R"("value":-9007199254740993)", R"("value":18446744073709551615)",
-          R"("value":0.1,)", R"("value":null)"}) {
+         {R"("log":"q\"b\\\n\u0001)", "\"labels\":{\"a\\\"\\u001b\":\"\xEF\xBF\xBD\",\"b\":\"\"}",
+          R"("epoch_us":18446744073709551615)", R"("time_scale":null)", R"("value":-9007199254740993)",
+          R"("value":18446744073709551615)", R"("value":0.1,)", R"("value":null)"}) {
         EXPECT_NE(json.find(part), std::string::npos) << part << " in " << json;
     }
+    EXPECT_EQ(readBack(json).labels, (analysis::Labels{{"a\"\x1B", "\xEF\xBF\xBD"}, {"b", ""}}));
     const std::string asText = jsonOf(run, {.bigAsText = true});
     EXPECT_NE(asText.find(R"("value":"-9007199254740993")"), std::string::npos) << asText;
     EXPECT_NE(asText.find(R"("epoch_us":"18446744073709551615")"), std::string::npos) << asText;
@@ -210,6 +212,8 @@ TEST(RunJson, RefusesWhatIsNoRun) {
         {R"({"schema":"zeb-profile-run/1","graphs":{}})", "the value of \"graphs\" is no list"},
         {R"({"schema":"zeb-profile-run/1","run_id":"0123456789ABCDEF0123456789ABCDEF"})",
          "the value of \"run_id\" is no id of a run"},
+        {R"({"schema":"zeb-profile-run/1","labels":["site"]})", "the value of \"labels\" is no object"},
+        {R"({"schema":"zeb-profile-run/1","labels":{"site":1}})", "the value of \"site\" is no text"},
         {R"({"schema":"zeb-profile-run/1","graphs":[7]})", "the value of \"graphs\" is no object"},
         {R"({"schema":"zeb-profile-run/1","level":"deep"})",
          "the value of \"level\" is no name that is known"},
@@ -231,6 +235,9 @@ TEST(RunJson, RefusesWhatIsNoRun) {
         }
     }
     EXPECT_EQ(readBack(R"({"schema":"zeb-profile-run/1","new key":[{}],"log":"l"})").logFile, "l");
+    const std::string longLabel =
+        R"({"schema":"zeb-profile-run/1","labels":{"k":")" + std::string(5000, 'x') + "\"}}";
+    EXPECT_EQ(readBack(longLabel).labels.at("k").size(), analysis::maxTextBytes);
     EXPECT_EQ(readBack(nestedEvents(62)).steps.size(), 1U);
 }
 

@@ -520,6 +520,9 @@ globalThis.checks = {
   hostile() {
     const wanted = [
       ["name", "<\/script><script>window.broken"],
+      ["facts", "<img src=x onerror="],
+      ["facts", "__proto__no value"],
+      ["facts", "turned \\u202e\\u202e"],
       ["zeb", "<img src=x onerror="],
       ["zeb", "\\u2028 \\u202e"],
     ];

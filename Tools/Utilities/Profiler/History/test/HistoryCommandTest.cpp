@@ -98,6 +98,12 @@ TEST_F(HistoryCommand, TakesVersionsFromLabelsOfAList) {
     EXPECT_TRUE(holds(result.out, "3 versions of 6 runs: b0 to b2\n")) << result.out;
     EXPECT_EQ(result.err, "zeb-profile-history: " + files.path("other") +
                               ": the run has no \"build\" that would tell its version\n");
+
+    const std::string json = files.path("json");
+    command::test::runCommand(
+        {ZEB_VIEWER, log("labelled"), "--label", "build=b3", "--json", json, "--quiet"});
+    const CommandResult ofJson = run({"--by", "build", json});
+    EXPECT_TRUE(holds(ofJson.out, "1 version of 1 run: b3")) << ofJson.out << ofJson.err;
 }
 
 TEST_F(HistoryCommand, GoesOnBehindWhatCantBeRead) {

@@ -71,6 +71,14 @@ TEST_F(RunFormsTest, StandBehindTheReportOfWhicheverReader) {
     EXPECT_EQ(view({"--trace", "-", log}).out, textOf(trace));
 }
 
+TEST_F(RunFormsTest, HaveTheLabelsOfTheRun) {
+    const Strings given = {log,     "--label=site=lab", "--label", "a=b=c",  "--label=site=lab", "--label",
+                           "none=", "--json",           "-",       "--html", files.path("page")};
+    const std::string labels = R"("labels":{"a":"b=c","none":"","site":"lab"},)";
+    EXPECT_NE(view(given).out.find(labels), std::string::npos);
+    EXPECT_NE(textOf(files.path("page")).find(labels), std::string::npos);
+}
+
 TEST_F(RunFormsTest, RefuseWhatMakesNoSenseTogether) {
     const std::string alone = "there is no report while a form goes to standard output";
     const std::pair<Strings, std::string> cases[] = {
@@ -78,6 +86,11 @@ TEST_F(RunFormsTest, RefuseWhatMakesNoSenseTogether) {
         {{"--filter", "a"}, "--filter: needs --top beside it"},
         {{"--trace-from", "1"}, "--trace-from: needs --trace beside it"},
         {{"--trace-to=1"}, "--trace-to: needs --trace beside it"},
+        {{"--label", "a=1"}, "--label: needs --json or --html beside it"},
+        {{"--label", "a=1", "--trace=t"}, "--label: needs --json or --html beside it"},
+        {{"--label", "a", "--json=-"}, "--label: \"a\" is no KEY=VALUE"},
+        {{"--label", "a=1", "--label=a=2", "--json=-"},
+         "--label: the label \"a\" has two values, \"1\" and \"2\""},
         {{"--trace=t", "--trace-to=-1"}, "--trace-to: \"-1\" is no number of milliseconds"},
         {{"--trace=t", "--trace-to=nan"}, "--trace-to: \"nan\" is no number of milliseconds"},
         {{"--top=0"}, "--top: \"0\" is no number of layers"},

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
+#include <set>
 #include <string_view>
 #include <unordered_set>
 #include <utility>
@@ -14,6 +16,7 @@ namespace {
 using Runs = std::span<const RunSummary>;
 
 constexpr std::size_t maxListed = 3;  // values of a side in a sentence
+constexpr std::size_t maxLabels = 5;  // that differ and have a sentence each
 
 // Something about a run that explains changes when it differs.
 struct Fact {
@@ -79,31 +82,74 @@ constexpr Fact facts[] = {
     {"generators", false, [](const RunSummary& run) { return orNotTold(run.generator); }},
 };
 
-std::vector<std::string> textsOf(const Fact& fact, Runs runs) {
+template <typename TextOf>
+std::vector<std::string> textsOf(TextOf textOf, Runs runs) {
     std::vector<std::string> texts;
     for (const RunSummary& run : runs) {
-        texts.push_back(fact.textOf(run));
+        texts.push_back(textOf(run));
     }
     return withoutRepeats(std::move(texts));
+}
+
+// Nothing where all runs have the same text.
+template <typename TextOf>
+std::optional<std::string> difference(std::string_view name, TextOf textOf, Runs base, Runs changed) {
+    const std::vector<std::string> ofBase = textsOf(textOf, base);
+    const std::vector<std::string> ofChanged = textsOf(textOf, changed);
+    if (ofBase.size() == 1 && ofBase == ofChanged) {
+        return std::nullopt;
+    }
+    return std::string(name) + " differ: base " + listed(ofBase) + "; new " + listed(ofChanged);
 }
 
 std::vector<std::string> differences(Runs base, Runs changed, bool areClocksAlone) {
     std::vector<std::string> sentences;
     for (const Fact& fact : facts) {
-        const std::vector<std::string> ofBase = textsOf(fact, base);
-        const std::vector<std::string> ofChanged = textsOf(fact, changed);
-        if ((fact.isClock || !areClocksAlone) && (ofBase.size() > 1 || ofBase != ofChanged)) {
-            sentences.push_back(std::string(fact.name) + " differ: base " + listed(ofBase) + "; new " +
-                                listed(ofChanged));
+        if (!fact.isClock && areClocksAlone) {
+            continue;
+        }
+        if (auto sentence = difference(fact.name, fact.textOf, base, changed)) {
+            sentences.push_back(*std::move(sentence));
         }
     }
     return sentences;
 }
 
+std::set<std::string_view> labelKeysOf(Runs base, Runs changed) {
+    std::set<std::string_view> keys;
+    for (const Runs runs : {base, changed}) {
+        for (const RunSummary& run : runs) {
+            for (const auto& [key, value] : run.labels) {
+                keys.insert(key);
+            }
+        }
+    }
+    return keys;
+}
+
+void addLabelDifferences(std::vector<std::string>& sentences, Runs base, Runs changed) {
+    std::size_t count = 0;
+    for (const std::string_view key : labelKeysOf(base, changed)) {
+        const auto valueOf = [name = std::string(key)](const RunSummary& run) {
+            const auto label = run.labels.find(name);
+            return label == run.labels.end() ? orNotTold("") : '"' + label->second + '"';
+        };
+        auto sentence = difference("labels \"" + std::string(key) + '"', valueOf, base, changed);
+        if (sentence && ++count <= maxLabels) {
+            sentences.push_back(*std::move(sentence));
+        }
+    }
+    if (count > maxLabels) {
+        sentences.push_back("values of " + std::to_string(count - maxLabels) + " more labels differ");
+    }
+}
+
 }  // namespace
 
 std::vector<std::string> differencesOf(Runs base, Runs changed) {
-    return differences(base, changed, false);
+    std::vector<std::string> sentences = differences(base, changed, false);
+    addLabelDifferences(sentences, base, changed);
+    return sentences;
 }
 
 std::vector<std::string> clockDifferencesOf(Runs base, Runs changed) {

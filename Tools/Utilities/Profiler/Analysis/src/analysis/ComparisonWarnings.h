@@ -8,8 +8,8 @@
 
 namespace zeb::analysis {
 
-/// @return what differs about the runs and explains changes, levels, clocks and versions: each like "Krel
-/// clocks
+/// @return what differs about the runs and explains changes, levels, clocks, versions and labels: each like
+/// "Krel clocks
 ///         differ: base 1017 MHz; new 500 MHz"
 std::vector<std::string> differencesOf(std::span<const RunSummary> base, std::span<const RunSummary> changed);
 

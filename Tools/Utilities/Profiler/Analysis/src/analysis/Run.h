@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -295,10 +296,14 @@ void forEachLayer(const Graph& graph, Use use) {
 std::string layerName(const ZebLayer& layer);
 std::string layerName(const OruLayer& layer);
 
+/// What somebody says about a run, by keys. Both are cut like names (`cutName`).
+using Labels = std::map<std::string, std::string>;
+
 /// Everything about a run.
 struct Run {
     std::string logFile;  ///< its name as it was given
     std::string runId;    ///< what tells it from any other run: 32 hex digits, see RunId.h
+    Labels labels;
     std::optional<Header> header;
     std::optional<Level> level;  ///< nothing when the log has no data of the backend
     bool isAsync = false;

@@ -97,6 +97,7 @@ RunSummary summarize(const Run& run) {
     summary.logFile = run.logFile;
     summary.runId = run.runId;
     summary.idOfFigures = runIdOfFigures(run);
+    summary.labels = run.labels;
     summary.level = run.level;
     summary.isAsync = run.isAsync;
     if (run.header) {

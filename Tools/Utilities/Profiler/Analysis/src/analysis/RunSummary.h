@@ -54,8 +54,9 @@ struct GraphSummary {
 /// What a comparison needs of a run, small enough for many to be held at once.
 struct RunSummary {
     std::string logFile;
-    std::string runId;          ///< as the run has it
-    std::string idOfFigures;    ///< the id of what has the same figures and not the log's bytes
+    std::string runId;        ///< as the run has it
+    std::string idOfFigures;  ///< the id of what has the same figures and not the log's bytes
+    Labels labels;
     std::uint64_t epochUs = 0;  ///< when the log began, since the Unix epoch
     std::string generator;      ///< name and version; empty: not told
     std::string backendVersion;

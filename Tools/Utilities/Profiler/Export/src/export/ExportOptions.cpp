@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <thread>
 
-#include "command/Labels.h"
+#include "command/runs/Labels.h"
 
 namespace zeb::exports {
 
@@ -51,12 +51,6 @@ std::vector<forms::Table> tablesOf(const Given& given) {
     return tables;
 }
 
-void putLabel(ExportOptions& options, const Given& given) {
-    if (const auto trouble = command::addLabel(options.labels, given.value)) {
-        throw wrongUsage(given.name, *trouble);
-    }
-}
-
 using OptionRows = std::vector<command::OptionRow<ExportOptions>>;
 
 // All options, in the order of the help.
@@ -67,9 +61,8 @@ const OptionRows& optionRows() {
          [](auto& options, const auto& given) { options.directory = given.value; }},
         {command::filesFromOption(), Takes::value,
          [](auto& options, const auto& given) { options.filesFrom = given.value; }},
-        {{"--label", " KEY=VALUE", "A label of all these runs, such as site=lab. May be given again."},
-         Takes::valueEachTime,
-         [](auto& options, const auto& given) { putLabel(options, given); }},
+        {command::labelOption("all these runs"), Takes::valueEachTime,
+         [](auto& options, const auto& given) { command::addLabelOf(given, options.labels); }},
         {{"--skip-known", "", "Leave out runs that a batch in DIR has."},
          Takes::nothing,
          [](auto& options, const auto& /*given*/) { options.skipsKnown = true; }},

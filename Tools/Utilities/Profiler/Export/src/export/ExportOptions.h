@@ -7,8 +7,8 @@
 
 #include "command/CommandLine.h"
 #include "command/Failure.h"
-#include "command/Labels.h"
 #include "command/MemoryLimit.h"
+#include "command/runs/Labels.h"
 #include "console/CommandManual.h"
 #include "forms/tables/RunTables.h"
 

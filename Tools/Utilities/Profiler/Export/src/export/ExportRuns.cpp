@@ -115,7 +115,7 @@ private:
     void putRun() {
         std::optional<Run> run;
         try {
-            run = command::readRun(input_->path, work_.memory);
+            run = command::readRun(input_->path, work_.memory, input_->labels);
         } catch (const Failure& failure) {
             work_.turns.waitAtWork(input_->position);
             reject(failure.what());
@@ -123,7 +123,7 @@ private:
         }
         runId_ = run->runId;
         for (std::size_t position = 0; position < rows_.size(); ++position) {
-            forms::putRows(work_.options.tables[position], *run, input_->labels, rows_[position]);
+            forms::putRows(work_.options.tables[position], *run, rows_[position]);
         }
         claim();
         for (forms::CsvRows& rows : rows_) {

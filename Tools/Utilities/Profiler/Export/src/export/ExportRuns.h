@@ -2,8 +2,8 @@
 
 #include <cstddef>
 
-#include "command/InputList.h"
 #include "command/MemoryLimit.h"
+#include "command/runs/InputList.h"
 #include "export/Batch.h"
 #include "export/ExportOptions.h"
 #include "export/RunIds.h"

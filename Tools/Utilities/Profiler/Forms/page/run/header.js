@@ -1,11 +1,23 @@
 // What ran, and its three figures.
 
-import {isolated, make, missing, part} from "../shared/elements.js";
+import {cut, isolated, make, missing, part, visible} from "../shared/elements.js";
 import {digits, number, share, time, timeParts} from "../shared/figures.js";
 import {run} from "./data.js";
 import {noGraphs, whyNoLayers} from "./view.js";
 
 const clock = hz => (number(hz) > 0 ? `${digits(number(hz) / 1e6, 1)} MHz` : null);
+
+const fact = (name, value) => make("div", {}, make("dt", {}, name), make("dd", {}, value));
+
+// A key is no text of the data, so what is hidden in it is not escaped yet.
+function labelsOf() {
+  const most = 20;
+  const labels = Object.entries(run.labels);
+  const shown = labels
+    .slice(0, most)
+    .map(([key, value]) => fact(isolated(cut(visible(key), 40)), isolated(value || "no value")));
+  return labels.length > most ? [...shown, fact("Labels", `${labels.length - most} more`)] : shown;
+}
 
 function factsOf(view) {
   const {header} = run;
@@ -23,7 +35,8 @@ function factsOf(view) {
   ];
   return facts
     .filter(([, value]) => graph || value)
-    .map(([name, value]) => make("div", {}, make("dt", {}, name), make("dd", {}, value || "not told")));
+    .map(([name, value]) => fact(name, value || "not told"))
+    .concat(labelsOf());
 }
 
 const figure = (name, value, unit, note) =>

@@ -31,7 +31,7 @@ export const isolated = name => make("bdi", {}, name);
 // What shows nothing and does something: control characters, marks and overrides of the writing direction, separators.
 const hidden = /[\p{Cc}\u061c\u200e\u200f\u2028-\u202e\u2066-\u2069]/gu;
 const isEscaped = /\\(?:[bfnrt]|u(?:00[01789]|061c|20[026]))/;
-const visible = text => text.replace(hidden, found => `\\u${found.charCodeAt(0).toString(16).padStart(4, "0")}`);
+export const visible = text => text.replace(hidden, found => `\\u${found.charCodeAt(0).toString(16).padStart(4, "0")}`);
 
 /** The data of a page, in whose texts all that is hidden shows as JSON writes it. */
 export function dataOf(id) {

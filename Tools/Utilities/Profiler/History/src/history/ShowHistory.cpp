@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "analysis/History.h"
-#include "command/InputList.h"
 #include "command/StandardOutput.h"
+#include "command/runs/InputList.h"
 #include "command/runs/LoadRun.h"
 #include "console/ConsoleStyle.h"
 #include "forms/text/HistoryText.h"
@@ -34,9 +34,8 @@ constexpr std::string_view backendKey = "backend";
 constexpr std::string_view generatorKey = "generator";
 
 // What a key says of a run; nothing where the run does not have it.
-std::optional<std::string> valueOf(const std::string& key, const analysis::RunSummary& run,
-                                   const command::Labels& labels) {
-    if (const auto label = labels.find(key); label != labels.end()) {
+std::optional<std::string> valueOf(const std::string& key, const analysis::RunSummary& run) {
+    if (const auto label = run.labels.find(key); label != run.labels.end()) {
         return label->second;
     }
     const std::string* const told = key == backendKey     ? &run.backendVersion
@@ -45,18 +44,16 @@ std::optional<std::string> valueOf(const std::string& key, const analysis::RunSu
     return told == nullptr || told->empty() ? std::nullopt : std::optional(*told);
 }
 
-HistoryRun historyRunOf(analysis::RunSummary summary, const command::Labels& labels,
-                        const HistoryOptions& options) {
+HistoryRun historyRunOf(analysis::RunSummary summary, const HistoryOptions& options) {
     HistoryRun run;
-    const auto version =
-        options.by.empty() ? std::optional(summary.logFile) : valueOf(options.by, summary, labels);
+    const auto version = options.by.empty() ? std::optional(summary.logFile) : valueOf(options.by, summary);
     if (!version) {
         throw Failure(ExitCode::badLog, summary.logFile,
                       "the run has no \"" + options.by + "\" that would tell its version");
     }
     run.version = *version;
     if (!options.split.empty()) {
-        run.split = options.split + ' ' + valueOf(options.split, summary, labels).value_or("not told");
+        run.split = options.split + ' ' + valueOf(options.split, summary).value_or("not told");
     }
     run.summary = std::move(summary);
     return run;
@@ -73,8 +70,9 @@ LoadedRuns loadRuns(const HistoryOptions& options, MemoryLimit& memory) {
     command::InputList inputs(options.logs, options.filesFrom, {});
     while (const auto input = inputs.next()) {
         try {
-            analysis::RunSummary summary = analysis::summarize(command::loadRun(input->path, memory));
-            loaded.runs.push_back(historyRunOf(std::move(summary), input->labels, options));
+            analysis::RunSummary summary =
+                analysis::summarize(command::loadRun(input->path, memory, input->labels));
+            loaded.runs.push_back(historyRunOf(std::move(summary), options));
         } catch (const Failure& failure) {
             if (failure.exitCode() != ExitCode::badLog) {
                 throw;

@@ -97,6 +97,7 @@ analysis::Run RunForms::readRun(MemoryLimit& memory) const {
             throw Failure(ExitCode::badLog, options_.log, *trouble);
         }
         run->logFile = options_.log;
+        run->labels = options_.labels;
         return std::move(*run);
     });
 }

@@ -1,5 +1,6 @@
 #include "viewer/ViewerOptions.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -148,7 +149,7 @@ OptionRows ownRows() {
     };
 }
 
-OptionRows traceRows() {
+OptionRows rowsOfForms() {
     return {
         {{"--trace-from", " MS", "Leave out of the timeline what ends before MS, from its start."},
          Takes::value,
@@ -160,6 +161,8 @@ OptionRows traceRows() {
          [](auto& options, const auto& given) { options.traceToMs = msOf(given); },
          {},
          {.needs = "--trace"}},
+        {command::labelOption("the run, for its JSON and its page"), Takes::valueEachTime,
+         [](auto& options, const auto& given) { command::addLabelOf(given, options.labels); }},
     };
 }
 
@@ -171,7 +174,7 @@ const OptionRows& optionRows() {
             options.formFiles.push_back(given);
         };
         for (const OptionRows& more :
-             {command::formRows<ViewerOptions>(runForms(), "a report", takeForm), traceRows()}) {
+             {command::formRows<ViewerOptions>(runForms(), "a report", takeForm), rowsOfForms()}) {
             all.insert(all.end(), more.begin(), more.end());
         }
         return all;
@@ -246,6 +249,10 @@ ViewerOptions parseCommandLine(int argc, const char* const* argv) {
         throw withoutLog(line.remaining());
     }
     refuseValueAsLog(line);
+    if (!options.labels.empty() &&
+        std::ranges::all_of(options.formFiles, [](const Given& form) { return form.name == "--trace"; })) {
+        throw wrongUsage("--label", "needs --json or --html beside it");
+    }
     options.log = *line.word();
     options.logPath = options.log;
     options.readerArguments = line.remaining();

@@ -8,6 +8,7 @@
 
 #include "command/CommandLine.h"
 #include "command/MemoryLimit.h"
+#include "command/runs/Labels.h"
 #include "console/CommandManual.h"
 #include "forms/text/TopText.h"
 #include "viewer/NamedReaders.h"
@@ -33,6 +34,7 @@ struct ViewerOptions {
     std::vector<command::Given> formFiles;  ///< of the forms that are wanted (`runForms`)
     std::optional<double> traceFromMs;      ///< behind the smallest start; so is the next one
     std::optional<double> traceToMs;
+    command::Labels labels;
     std::string log;      ///< as it was given, for people
     std::string logPath;  ///< what leads to it; differs for a pipe that has been kept
     /// What the viewer doesn't know, in its order, with a "--" mark.

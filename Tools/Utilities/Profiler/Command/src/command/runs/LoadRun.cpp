@@ -55,10 +55,13 @@ Run runFromLog(const PipedLog& log, const MemoryLimit& memory) {
     }
 }
 
-Run readPrepared(const PipedLog& log, const MemoryLimit& memory) {
+Run readPrepared(const PipedLog& log, const MemoryLimit& memory, const Labels& labels) {
     static_cast<void>(takeAllocationFailure());
     Run run = beginningOf(log.path()) == Beginning::json ? runFromJson(log) : runFromLog(log, memory);
     run.logFile = log.given();
+    if (const auto trouble = addLabels(run.labels, labels)) {
+        throw badLog(log.given(), *trouble);
+    }
     if (takeAllocationFailure()) {
         throw std::bad_alloc();
     }
@@ -67,17 +70,17 @@ Run readPrepared(const PipedLog& log, const MemoryLimit& memory) {
 
 }  // namespace
 
-Run readRun(const std::string& path, const MemoryLimit& memory) {
+Run readRun(const std::string& path, const MemoryLimit& memory, const Labels& labels) {
     PipedLog log(path);
     log.prepare();
-    return readPrepared(log, memory);
+    return readPrepared(log, memory, labels);
 }
 
-Run loadRun(const std::string& path, MemoryLimit& memory) {
+Run loadRun(const std::string& path, MemoryLimit& memory, const Labels& labels) {
     PipedLog log(path);
     log.prepare();
     try {
-        return readPrepared(log, memory);
+        return readPrepared(log, memory, labels);
     } catch (const std::bad_alloc&) {
         memory.releaseReserve();
         throw badLog(log.given(), memory.cause());

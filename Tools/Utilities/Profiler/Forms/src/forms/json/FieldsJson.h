@@ -49,6 +49,14 @@ public:
         json_.endObject();
     }
 
+    void put(const analysis::Labels& labels) {
+        json_.beginObject();
+        for (const auto& [key, value] : labels) {
+            json_.member(key, value);
+        }
+        json_.endObject();
+    }
+
     template <typename Element>
     void put(const std::vector<Element>& list) {
         json_.beginList();

@@ -283,6 +283,7 @@ template <typename Visit, Is<analysis::Run> Run>
 void fieldsOf(Run& run, Visit visit) {
     visit("log", run.logFile);
     visit("run_id", run.runId);
+    visit("labels", run.labels);
     visit("header", run.header);
     visit("level", run.level);
     visit("asynchronous", run.isAsync);

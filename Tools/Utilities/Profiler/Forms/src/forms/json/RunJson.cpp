@@ -62,6 +62,17 @@ public:
         }
     }
 
+    void read(const json& value, std::string_view key, analysis::Labels& into) {
+        if (!value.is_object()) {
+            refuse(key, "object");
+        }
+        for (const auto& [label, text] : value.items()) {
+            std::string whole;
+            read(text, label, whole);
+            into.insert_or_assign(analysis::cutName(label), analysis::cutName(whole));
+        }
+    }
+
     template <typename Member>
     void read(const json& value, std::string_view key, std::optional<Member>& into) {
         if (value.is_null()) {

@@ -124,9 +124,9 @@ void putRow(const Run& run, std::initializer_list<std::size_t> keys, const Eleme
     rows.endRow();
 }
 
-void putLabels(const std::string& runId, const std::map<std::string, std::string>& labels, CsvRows& rows) {
-    for (const auto& [key, value] : labels) {
-        rows.putText(runId);
+void putLabels(const Run& run, CsvRows& rows) {
+    for (const auto& [key, value] : run.labels) {
+        rows.putText(run.runId);
         rows.putText(key);
         rows.putText(value);
         rows.endRow();
@@ -227,7 +227,7 @@ void putLabelNames(CsvRows& rows) {
 const TableForm& formOf(Table table) {
     static const TableForm forms[] = {
         {{}, putNamesOf<Run>, [](const Run& run, CsvRows& rows) { putRow(run, {}, run, rows); }},
-        {{}, putLabelNames, nullptr},  // which are not of the run
+        {{}, putLabelNames, putLabels},
         {{"graph"}, putNamesOf<Graph>, putGraphs},
         {{"graph", "row"}, putExecutionNames, putExecutions},
         {{"row"}, putNamesOf<analysis::Step>, putSteps},
@@ -250,12 +250,8 @@ void putHead(Table table, CsvRows& rows) {
     rows.endRow();
 }
 
-void putRows(Table table, const Run& run, const std::map<std::string, std::string>& labels, CsvRows& rows) {
-    if (table == Table::labels) {
-        putLabels(run.runId, labels, rows);
-    } else {
-        formOf(table).putRows(run, rows);
-    }
+void putRows(Table table, const Run& run, CsvRows& rows) {
+    formOf(table).putRows(run, rows);
 }
 
 }  // namespace zeb::forms

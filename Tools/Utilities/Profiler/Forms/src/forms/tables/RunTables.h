@@ -2,8 +2,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <map>
-#include <string>
 #include <string_view>
 
 #include "analysis/Run.h"
@@ -35,8 +33,6 @@ inline constexpr NamedTable allTables[] = {
 void putHead(Table table, CsvRows& rows);
 
 /// Puts the rows that a run has in a table.
-/// @param labels of the run, by their keys
-void putRows(Table table, const analysis::Run& run, const std::map<std::string, std::string>& labels,
-             CsvRows& rows);
+void putRows(Table table, const analysis::Run& run, CsvRows& rows);
 
 }  // namespace zeb::forms

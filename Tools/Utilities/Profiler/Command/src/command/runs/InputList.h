@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "command/Labels.h"
+#include "command/runs/Labels.h"
 
 namespace zeb::command {
 

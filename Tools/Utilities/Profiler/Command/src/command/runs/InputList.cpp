@@ -1,7 +1,8 @@
-#include "command/InputList.h"
+#include "command/runs/InputList.h"
 
 #include <cerrno>
 #include <iostream>
+#include <string_view>
 #include <utility>
 
 #include "command/Failure.h"
@@ -51,7 +52,7 @@ std::optional<Input> InputList::nextOfFile() {
     for (std::size_t end = input.path.size(); end < line.size();) {
         const std::size_t begin = end + 1;
         end = std::min(line.find('\t', begin), line.size());
-        if (const auto trouble = addLabel(input.labels, line.substr(begin, end - begin))) {
+        if (const auto trouble = addLabel(input.labels, std::string_view(line).substr(begin, end - begin))) {
             fail(*trouble);
         }
     }
