@@ -358,24 +358,33 @@ TEST(Decoding, ALongTextIsKeptOnceHoweverManyReferToIt) {
     }
 }
 
+// Whatever the chunk before, a larger one, has left.
 TEST(Decoding, PayloadsThatOverlapTakeNoMoreMemoryThanTheirChunk) {
     constexpr std::size_t messages = 100;
     TestStore store;
-    ASSERT_TRUE(store.takeLog(
-        samplelog::encodeSharedTextLog({MethodType::Execute, messages, std::string(300, 'a'), 4000, 20}),
-        messages));
-    const RecordList& records = store.executeRecords[0].records;
-    for (std::size_t position = 1; position < messages; ++position) {
-        const auto bytes = records.walkTo(position).events.front().objectBytes();
-        ASSERT_EQ(bytes.size(), 2000U);
-        EXPECT_EQ(std::to_integer<int>(bytes[0]), 2000 % 256);
-        if (position > messages / 2) {
-            EXPECT_EQ(bytes.data(), records.walkTo(position - 1).events.front().objectBytes().data() + 20);
+    const struct {
+        char letter;
+        std::size_t size;
+        std::size_t step;
+    } chunks[] = {{'a', 4000, 20}, {'b', 1200, 4}};
+    for (const auto& [letter, size, step] : chunks) {
+        ASSERT_TRUE(store.takeLog(samplelog::encodeSharedTextLog(
+                                      {MethodType::Execute, messages, std::string(300, letter), size, step}),
+                                  messages));
+        const RecordList& records = store.executeRecords[store.executeRecords.size() - 1].records;
+        for (std::size_t position = 1; position < messages; ++position) {
+            const auto bytes = records.walkTo(position).events.front().objectBytes();
+            ASSERT_EQ(bytes.size(), size / 2);
+            EXPECT_EQ(std::to_integer<std::size_t>(bytes[0]), size / 2 % 256);
+            if (position > messages / 2) {
+                EXPECT_EQ(bytes.data(),
+                          records.walkTo(position - 1).events.front().objectBytes().data() + step);
+            }
         }
     }
-    const std::string next(300, 'b');
+    const std::string next(300, 'c');
     ASSERT_TRUE(store.takeLog(samplelog::encodeSharedTextLog({MethodType::Execute, 1, next, 600}), 1));
-    EXPECT_EQ(formatEventValue(store.executeRecords[1].records.front().events.walkTo(1).value()), next);
+    EXPECT_EQ(formatEventValue(store.executeRecords[2].records.front().events.walkTo(1).value()), next);
 }
 
 TEST(Decoding, AnAddressTellsNothingOfTheNextChunk) {
