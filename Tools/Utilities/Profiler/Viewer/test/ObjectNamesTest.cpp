@@ -251,11 +251,12 @@ TEST_F(SavedObjectsTest, MayShareTheirNumberedNames) {
 }
 
 TEST_F(SavedObjectsTest, MustBeWithinTheFileSizeLimit) {
-    const auto saveWithin = [&](std::size_t size) {
-        return view("ulimit -f 20; ", logOf({objectOf(size, "a.bin")}), {"--reader=generic"});
+    const auto saveWithin = [&](std::size_t size, const char* name) {
+        return view("ulimit -f 20; ", logOf({objectOf(size, name)}), {"--reader=generic"});
     };
-    EXPECT_EQ(saveWithin(10240).exitCode, 0);
-    test::expectFailure(saveWithin(10241), 3,
+    EXPECT_EQ(saveWithin(10240, "a.bin").exitCode, 0);
+    EXPECT_EQ(saveWithin(10241, "").exitCode, 0) << "no file is made of it";
+    test::expectFailure(saveWithin(10241, "a.bin"), 3,
                         files.path("run.log") + ": chunk 1: the object \"a.bin\" can't be saved in " +
                             directory + ": File too large");
 }
