@@ -166,6 +166,8 @@ TEST_F(CompareCommand, RefusesWrongUsage) {
          "--gate: \"ipc\" is none of marlix, accelerator and layers"},
         {{"--fail-above", "5", "--min-change-us", "nan", "a", "b"},
          "--min-change-us: \"nan\" is no number of microseconds"},
+        {{"--fail-above", "5", "--min-change-us", "inf", "a", "b"},
+         "--min-change-us: \"inf\" is no number of microseconds"},
         {{"--fail-above", "5", "--fail-above", "6", "a", "b"},
          "--fail-above: to be given once, with a value"},
         {{"--rename", "a=", "a", "b"}, "--rename: \"a=\" is no OLD=NEW"},
