@@ -123,6 +123,23 @@ TEST_F(Export, MemoryThatALogTakesIsNoFaultOfTheOthers) {
     EXPECT_EQ(tablesOf({"--max-memory", "64M", "--jobs", "3"}, logs), alone);
 }
 
+// Two of these at once need more than they may, and what both have freed is there for the one that is read
+// alone.
+TEST_F(Export, ALogForWhichThereWasTooLittleMemoryIsReadAlone) {
+    if (!command::MemoryLimit::canBeSet) {
+        GTEST_SKIP() << "no limit under a sanitizer";
+    }
+    Strings arguments = {"--max-memory", "20M", "--jobs", "2", "--tables", "runs"};
+    for (std::uint64_t seed = 0; seed < 4; ++seed) {
+        arguments.push_back(
+            log("long" + std::to_string(seed),
+                {.level = samplelog::ProfileLevel::basic, .executions = 40'000, .seed = seed}));
+    }
+    const CommandResult result = run(arguments);
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(rowsOf(result.out, "runs"), 4U);
+}
+
 TEST_F(Export, ABatchIsNewAndNamesSortByTime) {
     const std::string run1 = log("one");
     std::string latest;
@@ -317,6 +334,24 @@ TEST_F(Export, AKilledProcessLeavesWholeBatchesOnly) {
     }
     EXPECT_GT(batches, 1U);
     EXPECT_FALSE(whole.empty());
+}
+
+TEST_F(Export, LeavesWhatAnotherProcessHasNotFinished) {
+    const std::string one = log("one");
+    const std::string pipe = place.path("pipe");
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    CommandResult waiting;
+    std::thread other([&] { waiting = run({pipe}); });
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+    while (entries().empty() && std::chrono::steady_clock::now() < deadline) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    EXPECT_EQ(run({log("two", {.seed = 2})}).exitCode, 0);
+    std::ofstream(pipe, std::ios::binary) << command::test::fileText(one);
+    other.join();
+    EXPECT_EQ(waiting.err, "");
+    EXPECT_EQ(rowsOf(waiting.out, "runs"), 1U);
+    EXPECT_EQ(entries().size(), 2U);
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "export/ExportRuns.h"
 
+#include <malloc.h>
+
 #include <exception>
 #include <mutex>
 #include <new>
@@ -166,6 +168,9 @@ private:
 
 ExportResult exportRuns(command::InputList& inputs, const ExportOptions& options, RunIds& known,
                         command::MemoryLimit& memory, Batch& batch) {
+    // Else a thread's freed blocks stay its own, and the log that is read alone does not have them.
+    constexpr int largeBlock = 1 << 17;
+    ::mallopt(M_MMAP_THRESHOLD, largeBlock);
     Work work{inputs, options, known, memory, batch, {}, {}, {}, {}, {}};
     std::vector<std::thread> others;
     try {
