@@ -178,6 +178,7 @@ TEST_F(CsvFile, HasAllOrNothingOfAReportWhoseWriterIsInterrupted) {
     }
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
     while (fs::file_size(path) == 4 && std::chrono::steady_clock::now() < deadline) {
+        std::this_thread::yield();
     }
     ASSERT_EQ(::kill(writer, SIGTERM), 0);
     int status = 0;
