@@ -411,7 +411,7 @@ History historyOf(std::span<const HistoryRun> runs, VersionOrder order, RankSumC
 std::vector<HiddenStep> hiddenStepsOf(const History& history, const HistorySeries& series,
                                       RankSumChance& chance) {
     std::vector<HiddenStep> hidden;
-    for (const std::size_t newest : {4, 8, 16, 32}) {
+    for (const std::size_t newest : {4U, 8U, 16U, 32U}) {
         if (const auto share = hiddenIn(history, series, newest, chance)) {
             hidden.push_back({newest, *share});
         }

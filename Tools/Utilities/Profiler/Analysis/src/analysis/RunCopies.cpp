@@ -22,8 +22,8 @@ const RunSummary* sameAmong(Runs runs, const RunSummary& run) {
 class Counter {
 public:
     void addPair(const RunSummary& base, const RunSummary& changed) {
-        const bool isCopy = isCopyIn(counted_.base, base) | isCopyIn(counted_.changed, changed);
-        if (!isCopy) {
+        const bool isBaseCopy = isCopyIn(counted_.base, base);  // both of them are told of
+        if (!isCopyIn(counted_.changed, changed) && !isBaseCopy) {
             counted_.base.push_back(base);
             counted_.changed.push_back(changed);
         }

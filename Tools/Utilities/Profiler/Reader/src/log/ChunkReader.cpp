@@ -24,7 +24,7 @@ ChunkReader::ChunkReader(const std::string& path)
 }
 
 bool ChunkReader::nextLength() {
-    file_.read(reinterpret_cast<char*>(prefix_.data()), prefix_.size());
+    file_.read(reinterpret_cast<char*>(prefix_.data()), std::streamsize{chunkPrefixSize});
     prefixSize_ = static_cast<std::size_t>(file_.gcount());
     if (!file_) {
         return false;
