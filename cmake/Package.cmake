@@ -24,9 +24,9 @@ set(CPACK_DEBIAN_COMMANDS_PACKAGE_SHLIBDEPS ON)
 set(CPACK_COMPONENT_COMMANDS_DESCRIPTION
 "A runtime that executes neural networks on an accelerator leaves a binary
 log. zeb-profile-viewer shows where the time of an inference goes,
-zeb-profile-compare whether a version is faster, zeb-profile-history when many
-versions got slower, zeb-profile-export writes runs as tables for databases, and
-write-sample-log writes logs to try.")
+zeb-profile-compare whether a version is faster, zeb-profile-history when
+many versions got slower, zeb-profile-export writes runs as tables for
+databases, and write-sample-log writes logs to try.")
 # The readers are modules, named without a version, in the directory of libraries.
 file(WRITE ${PROJECT_BINARY_DIR}/debian/triggers "activate-noawait ldconfig\n")
 set(CPACK_DEBIAN_COMMANDS_PACKAGE_CONTROL_EXTRA ${PROJECT_BINARY_DIR}/debian/triggers)

@@ -286,11 +286,14 @@ TEST_F(Export, SkipKnownTakesAgainWhatNoBatchTells) {
     fs::create_directory(fleet + "9pipe");
     ASSERT_EQ(::mkfifo((fleet + "9pipe/runs.csv").c_str(), 0600), 0);
     fs::create_symlink("9link", fleet + "9link");
-    const CommandResult result =
-        command::test::runCommand({"/usr/bin/timeout", "60", ZEB_EXPORT, "--to", fleet, "--skip-known", one});
+    const auto skipKnown = [&] {
+        return command::test::runCommand(
+            {"/usr/bin/timeout", "60", ZEB_EXPORT, "--to", fleet, "--skip-known", one});
+    };
+    const CommandResult result = skipKnown();
     EXPECT_EQ(result.exitCode, 0) << result.err;
     EXPECT_EQ(rowsOf(result.out, "runs"), 1U);
-    EXPECT_EQ(run({"--skip-known", one}).out, "");
+    EXPECT_EQ(skipKnown().out, "");
 }
 
 // Two at a time, each killed at some moment: what stands in the directory is whole, and what does not is
