@@ -31,10 +31,10 @@ struct Written {
 };
 
 Written trace(const samplelog::Bytes& log, std::optional<double> fromMs = {}, std::optional<double> toMs = {},
-              int level = 127) {
+              int level = 127, SliceForm slices = SliceForm::full) {
     const test::TempDir directory;
     const std::string path = directory.write("log", log);
-    const TraceOptions options{static_cast<profiling::VisibilityLevel>(level), fromMs, toMs};
+    const TraceOptions options{static_cast<profiling::VisibilityLevel>(level), fromMs, toMs, slices};
     std::optional<analysis::Run> run = analysis::makeRun(path, options.level);
     EXPECT_TRUE(run);
     run->logFile = "log";
@@ -110,6 +110,21 @@ TEST(Trace, ALogIsWrittenAnEventALine) {
 {"name":"de-init","ph":"X","pid":1,"tid":193,"ts":4000,"dur":0,"args":{"text":"bye","method":5,"level":0,"durationUs":0,"endsBeforeStart":true}}
 ],"otherData":{"logFile":"log","generator":"","generatorVersion":"","backendVersion":"","epochUs":0,"smallestStartUs":4000,"slices":4,"messagesWithoutTimes":0,"messagesCutAway":0,"messagesWithoutTrack":0,"messagesTooLate":0}}
 )");
+}
+
+// Names and arguments are one in Speedscope, so that nothing adds up where each slice has its own.
+TEST(Trace, APlainOneHasNamesAloneThatAreAlike) {
+    const auto written = trace(test::logOf({{
+                                   call(MethodType::InitStep, 1'000, 2'000, "g"),
+                                   call(MethodType::Execute, 2'000, 2'500, "g", {queueWait(60)}),
+                                   call(MethodType::Execute, 3'000, 3'600, "g", {queueWait(50)}),
+                               }}),
+                               {}, {}, 127, SliceForm::plain);
+    EXPECT_TRUE(holds(written.text, R"({"name":"init step g","ph":"X","pid":1,"tid":1,"ts":0,"dur":1000})"));
+    EXPECT_TRUE(holds(written.text, R"({"name":"execute","ph":"X","pid":1,"tid":129,"ts":1000,"dur":500})"));
+    EXPECT_TRUE(holds(written.text, R"({"name":"execute","ph":"X","pid":1,"tid":129,"ts":2000,"dur":600})"));
+    EXPECT_TRUE(
+        holds(written.text, R"({"name":"queue wait","ph":"X","pid":1,"tid":129,"ts":2000,"dur":50})"));
 }
 
 TEST(Trace, EverySampleIsShownWhole) {

@@ -41,7 +41,10 @@ Words writeTrace(std::ostream& out, const RunFormInput& input) {
     const ViewerOptions& options = input.options;
     const auto result =
         forms::writeTrace(out, input.run, options.logPath,
-                          {.level = options.level, .fromMs = options.traceFromMs, .toMs = options.traceToMs});
+                          {.level = options.level,
+                           .fromMs = options.traceFromMs,
+                           .toMs = options.traceToMs,
+                           .slices = options.tracePlain ? forms::SliceForm::plain : forms::SliceForm::full});
     if (!result) {
         throw Failure(ExitCode::badLog, options.log, "the log has changed while it was read");
     }

@@ -161,6 +161,13 @@ OptionRows rowsOfForms() {
          [](auto& options, const auto& given) { options.traceToMs = msOf(given); },
          {},
          {.needs = "--trace"}},
+        {{"--trace-plain", "",
+          "Write the timeline without arguments of slices, for viewers that take them for a part of the "
+          "name, as Speedscope does, and then add up nothing."},
+         Takes::nothing,
+         [](auto& options, const auto& /*given*/) { options.tracePlain = true; },
+         {},
+         {.needs = "--trace"}},
         {command::labelOption("the run, for its JSON and its page"), Takes::valueEachTime,
          [](auto& options, const auto& given) { command::addLabelOf(given, options.labels); }},
     };

@@ -34,6 +34,7 @@ struct ViewerOptions {
     std::vector<command::Given> formFiles;  ///< of the forms that are wanted (`runForms`)
     std::optional<double> traceFromMs;      ///< behind the smallest start; so is the next one
     std::optional<double> traceToMs;
+    bool tracePlain = false;
     command::Labels labels;
     std::string log;      ///< as it was given, for people
     std::string logPath;  ///< what leads to it; differs for a pipe that has been kept

@@ -229,10 +229,11 @@ private:
         const std::string text =
             message.text() == nullptr ? std::string() : traceText(tracks_.parts().visible(message.text()));
         const bool isGraph = method.text == MethodText::graph;
-        const bool isNamedByGraph = isGraph && !execution && !text.empty();
+        // Where a text is no argument, the name has it.
+        const bool isTextInName = (isGraph || file_.isPlain()) && !execution && !text.empty();
         const auto waitUs = execution ? execution->queueWaitUs : std::nullopt;
         const std::uint64_t us = slice.endUs - slice.startUs;
-        file_.addSlice(std::string(method.name) + (isNamedByGraph ? " " + text : ""), track, slice,
+        file_.addSlice(std::string(method.name) + (isTextInName ? " " + text : ""), track, slice,
                        [&](JsonWriter& arguments) {
                            if (message.text() != nullptr) {
                                arguments.member(isGraph ? "graph" : "text", text);
@@ -323,7 +324,7 @@ std::optional<TraceResult> writeTrace(std::ostream& out, const analysis::Run& ru
     if (!forEachMessage(logPath, options.level, findStart)) {
         return std::nullopt;
     }
-    TraceFile file(out);
+    TraceFile file(out, options.slices);
     RunSlices slices(file, run, options, smallestStartUs.value_or(0));
     const auto addSlice = [&](const LogMessage& message, const profiling::OpenChunk& chunk) {
         slices.add(message, chunk);

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "analysis/Run.h"
+#include "forms/trace/TraceFile.h"
 #include "zeb/profiling/VisibilityLevel.h"
 
 /// A log as a timeline, in the Trace Event format that the trace viewers of browsers open: docs/trace.md
@@ -17,6 +18,7 @@ struct TraceOptions {
     /// Slices that lie wholly before or behind are left out. Counted from the smallest start; not NaN.
     std::optional<double> fromMs;
     std::optional<double> toMs;
+    SliceForm slices = SliceForm::full;
 };
 
 /// What became of the log's visible messages: each is counted once. And the size of the trace.

@@ -2,7 +2,7 @@
 
 namespace zeb::forms {
 
-TraceFile::TraceFile(std::ostream& out) : json_(out, {.bigAsText = true}) {
+TraceFile::TraceFile(std::ostream& out, SliceForm slices) : json_(out, {.bigAsText = true}), slices_(slices) {
     json_.beginObject();
     json_.member("displayTimeUnit", "ms");
     json_.key("traceEvents");

@@ -28,10 +28,18 @@ struct TrackNumber {
     std::uint64_t track = 0;
 };
 
+enum class SliceForm : std::uint8_t {
+    full,
+    plain,  ///< without arguments: some viewers take them for a part of the name, and then no two slices are
+            ///< alike
+};
+
 class TraceFile {
 public:
     /// @param out has to outlive the file; its state tells whether writing succeeded
-    explicit TraceFile(std::ostream& out);
+    explicit TraceFile(std::ostream& out, SliceForm slices = SliceForm::full);
+
+    [[nodiscard]] bool isPlain() const { return slices_ == SliceForm::plain; }
 
     void nameProcess(std::uint64_t process, std::string_view name);
     void labelProcess(std::uint64_t process, std::string_view label);
@@ -43,10 +51,12 @@ public:
         beginEvent(name, "X", track);
         json_.member("ts", slice.startUs);
         json_.member("dur", slice.endUs - slice.startUs);
-        json_.key("args");
-        json_.beginObject();
-        addArguments(json_);
-        json_.endObject();
+        if (!isPlain()) {
+            json_.key("args");
+            json_.beginObject();
+            addArguments(json_);
+            json_.endObject();
+        }
         json_.endObject();
     }
 
@@ -72,6 +82,7 @@ private:
     void addMetadata(std::string_view kind, TrackNumber track, std::string_view key, const Value& value);
 
     JsonWriter json_;
+    SliceForm slices_;
 };
 
 }  // namespace zeb::forms
