@@ -5,8 +5,8 @@ CREATE TABLE IF NOT EXISTS runs (
     level TEXT, asynchronous BOOLEAN, init_us UBIGINT);
 CREATE TABLE IF NOT EXISTS labels (run_id TEXT, key TEXT, value TEXT);
 CREATE TABLE IF NOT EXISTS graphs (
-    run_id TEXT, graph INTEGER, name TEXT, spread_count UBIGINT, spread_min_us DOUBLE, spread_median_us DOUBLE,
-    spread_p90_us DOUBLE, spread_p99_us DOUBLE, spread_max_us DOUBLE, spread_first_us DOUBLE,
+    run_id TEXT, graph INTEGER, name TEXT, total_us UBIGINT, spread_count UBIGINT, spread_min_us DOUBLE,
+    spread_median_us DOUBLE, spread_p90_us DOUBLE, spread_p99_us DOUBLE, spread_max_us DOUBLE, spread_first_us DOUBLE,
     outliers_limit_us DOUBLE, outliers_count UBIGINT, outliers_excess_us DOUBLE,
     breakdown_execution_count UBIGINT, breakdown_backend_us UBIGINT, breakdown_queue_wait_us UBIGINT,
     breakdown_input_copy_us DOUBLE, breakdown_output_copy_us DOUBLE, breakdown_ipc_us UBIGINT,

@@ -657,7 +657,7 @@ TEST(Findings, AreOrderedByTheirCostAndTellOfWhatTheyShare) {
     EXPECT_EQ(second.rule, "dsp-between-offloaded");
     EXPECT_EQ(
         second.text,
-        "2 layers run on the DSP between layers of the Krel core: 25 us, 28% of the layers' time. 20 us "
+        "2 layers run on the DSP between layers of the Krel core: 25 us, 28.4% of the layers' time. 20 us "
         "of it are part of the 29 us above.");
     EXPECT_EQ(second.partOf, "data-movement");
     EXPECT_EQ(run.graphs[0].findings[2].rule, "warm-up") << "however much it is";

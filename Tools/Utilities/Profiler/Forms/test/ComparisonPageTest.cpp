@@ -182,10 +182,10 @@ TEST(ComparisonPageInBrowser, SaysWhatIsComparedAndDoesWhatItIsToldTo) {
          "notes: ⚠ Warning: The backend versions differ: base v1; new v2. | ✗ The gate fails: Graph net: "
          "the time for Marlix, median grew by 10.0% (95% interval +8.0% to +12.5%), and 5.0% is allowed.; "
          "Marlix, median may grow by "
-         "5.0 %, and by less than 3.0 us in any case. | Graphs of one side: Graph less is gone: the base "
+         "5.0%, and by less than 3.0 us in any case. | Graphs of one side: Graph less is gone: the base "
          "alone has it.; Graph more is new: the base does not have it.\n"
-         "totals: +10.0 % slower, ~ can't tell, -10.0 % faster, ~ can't tell, +5,900.0 % slower\n"
-         "layers: conv10 +100.0 % slower, old - gone, conv9 -50.0 % faster, young - new, loud ~ can't tell\n"
+         "totals: +10.0% slower, ~ can't tell, -10.0% faster, ~ can't tell, +5900.0% slower\n"
+         "layers: conv10 +100.0% slower, old - gone, conv9 -50.0% faster, young - new, loud ~ can't tell\n"
          "differences: good\ncopyingChanges: good\nheads: good\ntotalNames: Marlix, median, Marlix, average, "
          "Backend, IPC, Queue "
          "wait\n"},

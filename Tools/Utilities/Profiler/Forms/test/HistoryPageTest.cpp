@@ -53,9 +53,9 @@ TEST(HistoryPage, ItsPolicyAllowsItsOwnScriptAndStyleAlone) {
 TEST(HistoryPageInBrowser, TellsTheStepDrawsTheCoursesAndHasTheirFigures) {
     test::expectInBrowser({
         {"a step", pageOf(steppingRuns("net", "loud")), "historyAnswer courses courseFigures",
-         "historyAnswer: Marlix is slower since v10; loud +200 us (+200.0 %); The gate fails\n"
+         "historyAnswer: Marlix is slower since v10; loud +200 us (+200.0%); The gate fails\n"
          "courses: 3 charts, 2 steps, 5 levels, 20 dots\n"
-         "courseFigures: 20 rows, v0 1 1,000 us\n"},
+         "courseFigures: 20 rows, v0 1 1000 us\n"},
         {"hostile", pageOf(steppingRuns(test::hostileScript, test::hostileImage)), "hostileHistory",
          "hostileHistory: good\n"},
         {"nothing", pageOf({}), "historyAnswer", "historyAnswer: Nothing to tell; ; The gate can't tell\n"},

@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 #include "PageSupport.h"
 #include "analysis/Inference.h"
+#include "forms/text/TopText.h"
 #include "samplelog/AdapterUpdaterLog.h"
 #include "samplelog/MethodsLog.h"
 
@@ -66,6 +69,17 @@ analysis::Run limits() {
     return run;
 }
 
+// A page with what --top shows of the run behind it, with as many layers and in one line each.
+std::string pageWithTopOf(const analysis::Run& run) {
+    std::ostringstream top;
+    printTop(top, run, {.rows = 20, .style = {.hasUnicode = true, .width = 100'000}});
+    std::string text = top.str();
+    for (std::size_t at = text.find('<'); at != std::string::npos; at = text.find('<', at)) {
+        text.replace(at, 1, "&lt;");
+    }
+    return pageOf(run) + "<pre id=\"top\" hidden>" + text + "</pre>";
+}
+
 TEST(PageInBrowser, EachLogIsShownAsItIs) {
     const std::string steps = "parts figures missing executions";
     const std::string basic =
@@ -77,34 +91,36 @@ TEST(PageInBrowser, EachLogIsShownAsItIs) {
     test::expectInBrowser({
         {"sample", pageOf(runOf(NetworkOptions{})),
          steps + " strip spread histogram steps clock edges whole rest",
-         shows("2,229us 84% 84%", "good", "dot; 20") +
+         shows("2190us 84.1% 83.5%", "good", "dot; 20") +
              "strip: good\n"
-             "spread: 20 2,167 us 2,190 us 2,210 us – 3,016 us 3,016 us\nhistogram: good\n"
-             "steps: Load the library 0 us 3,214 us; Initialize a step of mobilenet_v1_224 3,354 us 41.7 ms; "
-             "Compose mobilenet_v1_224 45.2 ms 9,576 us; Finalize mobilenet_v1_224 54.9 ms 59.1 ms; "
-             "Executions (not to scale) 114 ms 94.9 ms; Tear down mobilenet_v1_224 209 ms 8,350 us\n"
+             "spread: 20 2167 us 2190 us 2210 us – 3016 us 3016 us +37.7%\nhistogram: good\n"
+             "steps: Load the library 0.0 3.2; Initialize a step of mobilenet_v1_224 3.4 41.7; "
+             "Compose mobilenet_v1_224 45.2 9.6; Finalize mobilenet_v1_224 54.9 59.1; "
+             "Executions (not to scale) 114 94.9; Tear down mobilenet_v1_224 209 8.3\n"
              "clock: good\nedges: 32,22,32,1\nwhole: good\nrest: good\n"},
         {"outliers", pageOf(outliers()), "spread histogram",
-         "spread: 40 2,000 us 2,027 us 60.0 ms – 81.5 ms 2,001 us; 39 81.5 ms × 40.2; "
-         "36 75.3 ms × 37.1; 33 69.1 ms × 34.1; 30 62.9 ms × 31.0; 27 56.7 ms × 28.0; 24 50.6 ms × 25.0; "
-         "21 44.4 ms × 21.9; 18 38.3 ms × 18.9; 15 32.2 ms × 15.9; 12 26.1 ms × 12.9\nhistogram: good\n"},
+         "spread: 40 2000 us 2027 us 60.0 ms – 81.5 ms 2001 us -1.3%; 39 81.5 × 40.2; 36 75.3 × 37.1; "
+         "33 69.1 × 34.1; 30 62.9 × 31.0; 27 56.7 × 28.0; 24 50.6 × 25.0; 21 44.4 × 21.9; 18 38.3 × 18.9; "
+         "15 32.2 × 15.9; 12 26.1 × 12.9\nhistogram: good\n"},
         {"limits", pageOf(limits()), "events findingTimes shares rest clock",
          "events: event 1; event 2; event 3; event 4; event 5; event 6; event 7; event 8; event 9; event 10; "
          "event 11; event 12; and 1 more\n"
-         "findingTimes: 0.50 us; 9 us; 42.5 us; 9,999 us; 10.0 ms; 10,000 ms; 10.0 s; 123 s; once 59.1 ms\n"
-         "shares: < 0.01 %; 100.0 %; 0.03 %; 0.0 %\nrest: good\nclock: good\n"},
+         "findingTimes: 0.50 us; 9 us; 42.5 us; 9999 us; 10.0 ms; 10,000 ms; 10.0 s; 123 s; 59.1 ms\n"
+         "shares: <0.01%; >99.9%; 0.03%; 0.0%\nrest: good\nclock: good\n"},
         {"level basic", pageOf(runOf({.level = samplelog::ProfileLevel::basic})), steps,
-         shows("2,229us 84% –", basic, "dot; 20")},
+         shows("2190us 84.1% –", basic, "dot; 20")},
         {"methods", pageOf(runOf(samplelog::writeMethodsLog)), steps + " large",
-         shows("2,150us – –", noBackend, "dot,outlier; 4") + "large: good\n"},
+         shows("1350us – –", noBackend, "dot,outlier; 4") + "large: good\n"},
         {"adapter updater", pageOf(runOf(samplelog::writeAdapterUpdaterLog)), steps,
          shows("– – –", "This is a log of the adapter updater, which executes no graph." + noSteps,
                "; undefined")},
         {"nothing", pageOf(analysis::Run{}), steps,
          shows("– – –", "The log has no execution of a graph." + noSteps, "; undefined")},
-        {"asynchronous", pageOf(runOf({.async = true})), steps, shows("2,373us 79% 84%", "good", "dot; 20")},
-        {"graphs", pageOf(runOf({.executions = 2, .graphs = 3})), "graphs parts",
-         "graphs: good\nparts: good\n"},
+        {"asynchronous", pageOf(runOf({.async = true})), steps,
+         shows("2342us 79.0% 83.5%", "good", "dot; 20")},
+        {"graphs", pageOf(runOf({.executions = 2, .graphs = 3})), "graphs graphTable parts",
+         "graphs: good\ngraphTable: mobilenet_v1_224 2608 33.4% 84.1%; mobilenet_v1_224_2 2592 33.2% 84.1%; "
+         "mobilenet_v1_224_3 2602 33.4% 84.1%; #graph=3\nparts: good\n"},
         {"20,000 layers",
          pageOf(runOf({.level = samplelog::ProfileLevel::internal, .executions = 2, .layers = 5000})),
          "parts strip many", "parts: good\nstrip: good\nmany: good\n"},
@@ -123,18 +139,24 @@ TEST(PageInBrowser, DoesWhatItIsToldTo) {
          "sorting: good\nfiltering: good\ncolumns: good\ncopying: good\nfollowing: good\n"},
         {"hostile", pageOf(test::hostileRun()), "parts hostile hostileCopy sorting filtering",
          "parts: good\nhostile: good\nhostileCopy: good\nsorting: good\nfiltering: good\n"},
-        {"zoom and search", page, "zooming searching typing linking",
-         "zooming: good\nsearching: good\ntyping: good\nlinking: good\n"},
+        {"zoom and search", page, "zooming searching typing linking marking words cycles",
+         "zooming: good\nsearching: good\ntyping: good\nlinking: good\nmarking: 0 0 0 0 0 0 0 0; 4 24 25 0 "
+         "20 25 0 1; #finding=data-movement&zeb.sort=Name; 0 0 0 0 0 0 1 1; 0 0 0 0 0 0 0 0; 0 0 0 1 0 0 0 "
+         "1; Finalize mobilenet_v1_224; 0 0 0 0 0 0 0 0; #zeb.sort=Name\nwords: 7; "
+         "IPC,Krel,Marlix,ORU,ZEB\ncycles: DSP false true; Krel true false\n"},
+        {"beside --top", pageWithTopOf(runOf(NetworkOptions{})), "alike", "alike: good\n"},
         {"a link", page,
-         "'open=#layer=4&type=SUPERCONV&zoom=0.25-0.5&find=pw&zeb.sort=Name&zeb.falls=1&oru.filter=CONV' "
+         "'open=#layer=4&finding=warm-up&type=SUPERCONV&zoom=0.25-0.5&find=pw&zeb.sort=Name&zeb.falls=1&oru."
+         "filter=CONV' "
          "linked",
-         "linked: conv_pw_1; Only SUPERCONV ✕; Only conv_pw_1, SUPERCONV ✕; pw; 25.0 % of the inference; "
-         "descending; CONV\n"},
+         "linked: conv_pw_1; Only SUPERCONV ✕; Only conv_pw_1, SUPERCONV ✕; pw; 25.0% of the inference; "
+         "descending; CONV; Marked: 1 execution\n"},
         {"damaged links", page,
          "'open=#layer=33&type=none&zoom=0.5-0.4&zeb.sort=nothing' linked "
          "'open=#layer=-1&zoom=a-b&find=<img+src=x>&graph=9' linked "
-         "'open=#type=__proto__&zoom=NaN-1&layer=1e0x&%E0%A4%A' linked parts",
-         "linked: ; ; ; ; ; none; \nlinked: ; ; ; <img src=x>; ; none; \nlinked: ; ; ; ; ; none; \nparts: "
+         "'open=#type=__proto__&finding=__proto__&zoom=NaN-1&layer=1e0x&%E0%A4%A' linked parts",
+         "linked: ; ; ; ; ; none; ; \nlinked: ; ; ; <img src=x>; ; none; ; \nlinked: ; ; ; ; ; none; ; "
+         "\nparts: "
          "good\n"},
         {"light, dark, narrow, on paper", page,
          "contrast dark contrast width=420 'open=#' deciding outside parts print",

@@ -95,6 +95,7 @@ class Browser:
         self.ask("Page.navigate", url="about:blank")
         self.ask("Page.navigate", url=url)
         self.evaluate("new Promise(done => document.readyState === 'complete' ? done() : addEventListener('load', done))")
+        self.evaluate("new Promise(done => requestAnimationFrame(() => setTimeout(done)))")  # what comes behind the first picture
         self.evaluate(CHECKS)
 
     def evaluate(self, script):

@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "analysis/FigureText.h"
 #include "analysis/Trend.h"
 #include "text/NumberText.h"
 
@@ -19,14 +20,6 @@ namespace zeb::analysis {
 namespace {
 
 using profiling::fixedPoint;
-
-std::string us(double value) {
-    return fixedPoint(value, 0) + " us";
-}
-
-std::string percent(double value) {
-    return fixedPoint(value, 0) + '%';
-}
 
 std::string counted(std::uint64_t count, std::string_view one, std::string_view several) {
     return std::to_string(count) + ' ' + std::string(count == 1 ? one : several);
@@ -99,9 +92,10 @@ Found layersDoNotAddUp(const Graph& graph, const Run& /*run*/, double threshold)
     if (!reaches(std::abs(part), threshold)) {
         return std::nullopt;
     }
-    return sentence("The layers' times add up to " + us(layersUs(graph)) +
-                        (handingOver > 0.0 ? ", handing over takes " + us(handingOver) : "") +
-                        ", the accelerator's time is " + us(accelerator) + ": " + us(std::abs(difference)) +
+    return sentence("The layers' times add up to " + timeText(layersUs(graph)) +
+                        (handingOver > 0.0 ? ", handing over takes " + timeText(handingOver) : "") +
+                        ", the accelerator's time is " + timeText(accelerator) + ": " +
+                        timeText(std::abs(difference)) +
                         (difference > 0 ? " of it belong to no layer." : " more than it."),
                     std::abs(difference), std::abs(part));
 }
@@ -119,8 +113,8 @@ Found outsideAccelerator(const Graph& graph, const Run& /*run*/, double threshol
     if (!reaches(part, threshold)) {
         return std::nullopt;
     }
-    return sentence(us(outside) + " of an inference, " + percent(part) + ", pass outside of the accelerator" +
-                        (waits ? " and of queues." : "."),
+    return sentence(timeText(outside) + " of an inference, " + percentText(part) +
+                        ", pass outside of the accelerator" + (waits ? " and of queues." : "."),
                     outside, part);
 }
 
@@ -133,8 +127,9 @@ Found queueWait(const Graph& graph, const Run& /*run*/, double threshold) {
     if (!reaches(part, threshold)) {
         return std::nullopt;
     }
-    return sentence("An execution waits " + us(wait) + " in queues, " + percent(part) + " of its time.", wait,
-                    part);
+    return sentence(
+        "An execution waits " + timeText(wait) + " in queues, " + percentText(part) + " of its time.", wait,
+        part);
 }
 
 Found dspBetweenOffloaded(const Graph& graph, const Run& /*run*/, double threshold) {
@@ -154,8 +149,8 @@ Found dspBetweenOffloaded(const Graph& graph, const Run& /*run*/, double thresho
         return std::nullopt;
     }
     Finding finding = sentence(counted(layers.size(), "layer runs", "layers run") +
-                                   " on the DSP between layers of the Krel core: " + us(time) + ", " +
-                                   percent(part) + " of the layers' time.",
+                                   " on the DSP between layers of the Krel core: " + timeText(time) + ", " +
+                                   percentText(part) + " of the layers' time.",
                                time, part);
     finding.oruLayers = std::move(layers);
     return finding;
@@ -180,10 +175,10 @@ Found offloadOverhead(const Graph& graph, const Run& /*run*/, double threshold) 
     if (krel <= 0.0 || !reaches(part, threshold)) {
         return std::nullopt;
     }
-    Finding finding =
-        sentence("Offloaded layers take " + us(hal) + " in the HAL, " + us(driver) + " in the driver and " +
-                     us(cacheFlush) + " flushing caches, against " + us(krel) + " on the Krel core.",
-                 hal - krel, part);
+    Finding finding = sentence("Offloaded layers take " + timeText(hal) + " in the HAL, " + timeText(driver) +
+                                   " in the driver and " + timeText(cacheFlush) +
+                                   " flushing caches, against " + timeText(krel) + " on the Krel core.",
+                               hal - krel, part);
     finding.oruLayers = std::move(layers);
     return finding;
 }
@@ -211,8 +206,8 @@ Found dataIsMoved(const Graph& graph, const Run& /*run*/, double threshold) {
         return std::nullopt;
     }
     Finding finding = sentence(counted(layers.size(), "layer changes or moves", "layers change or move") +
-                                   " data only (layout, cache, quantisation): " + us(time) + ", " +
-                                   percent(part) + " of the layers' time.",
+                                   " data only (layout, cache, quantisation): " + timeText(time) + ", " +
+                                   percentText(part) + " of the layers' time.",
                                time, part);
     finding.oruLayers = std::move(layers);
     return finding;
@@ -241,8 +236,8 @@ Found dominantLayer(const Graph& graph, const Run& /*run*/, double threshold) {
     if (!reaches(part, threshold)) {
         return std::nullopt;
     }
-    Finding finding = sentence(name + " alone takes " + us(static_cast<double>(time)) + ", " + percent(part) +
-                                   " of the layers' time.",
+    Finding finding = sentence(name + " alone takes " + timeText(static_cast<double>(time)) + ", " +
+                                   percentText(part) + " of the layers' time.",
                                static_cast<double>(time), part);
     finding.oruLayers = std::move(layers);
     return finding;
@@ -257,9 +252,10 @@ Found warmUp(const Graph& graph, const Run& /*run*/, double threshold) {
     if (spread.count < minForWarmUp || !reaches(part, threshold)) {
         return std::nullopt;
     }
-    Finding finding = sentence("The first execution takes " + us(*spread.firstUs) + ", " + percent(part) +
-                                   " more than the median of " + us(spread.medianUs()) + ".",
-                               excess, part);
+    Finding finding =
+        sentence("The first execution takes " + timeText(*spread.firstUs) + ", " + percentText(part) +
+                     " more than the median of " + timeText(spread.medianUs()) + ".",
+                 excess, part);
     finding.executions = {0};
     return finding;
 }
@@ -271,9 +267,10 @@ Found wideSpread(const Graph& graph, const Run& /*run*/, double threshold) {
     if (!spread.shownUs(positionOfQuantile(0.9)) || !reaches(part, threshold)) {
         return std::nullopt;
     }
-    Finding finding = sentence("One execution in ten takes " + us(spread.p90Us()) + " or more, " +
-                                   percent(part) + " above the median of " + us(spread.medianUs()) + ".",
-                               excess, part);
+    Finding finding =
+        sentence("One execution in ten takes " + timeText(spread.p90Us()) + " or more, " + percentText(part) +
+                     " above the median of " + timeText(spread.medianUs()) + ".",
+                 excess, part);
     finding.costUs = excess / 10.0;
     return finding;
 }
@@ -297,7 +294,7 @@ Found outliers(const Graph& graph, const Run& /*run*/, double /*threshold*/) {
     }
     const double medianUs = graph.spread.medianUs();
     Finding finding = sentence(counted(outliers.count, "execution takes", "executions take") + " more than " +
-                                   us(outliers.limitUs) + ", " + fixedPoint(outlierFactor, 1) +
+                                   timeText(outliers.limitUs) + ", " + fixedPoint(outlierFactor, 1) +
                                    " times the median: " + (outliers.count == 1 ? "number " : "numbers ") +
                                    numbers + (outliers.count > maxNumbers ? " and others." : "."),
                                longestUs - medianUs, share(longestUs - medianUs, medianUs));
@@ -318,8 +315,8 @@ Found slowing(const Graph& graph, const Run& /*run*/, double threshold) {
     if (!reaches(part, threshold)) {
         return std::nullopt;
     }
-    Finding finding = sentence("Executions get slower over the run: by " + us(trend->growthUs) + ", " +
-                                   percent(part) + " of the median, from its begin to its end.",
+    Finding finding = sentence("Executions get slower over the run: by " + timeText(trend->growthUs) + ", " +
+                                   percentText(part) + " of the median, from its begin to its end.",
                                trend->growthUs, part);
     finding.costUs = trend->growthUs / 2.0;
     return finding;
@@ -440,8 +437,9 @@ private:
 
     static void tellOfShared(Finding& finding, const Finding& before, double sharedUs) {
         finding.partOf = before.rule;
-        finding.text += (sharedUs >= *finding.us ? " All of it is" : ' ' + us(sharedUs) + " of it are") +
-                        " part of the " + us(*before.us) + " above.";
+        finding.text +=
+            (sharedUs >= *finding.us ? " All of it is" : ' ' + timeText(sharedUs) + " of it are") +
+            " part of the " + timeText(*before.us) + " above.";
     }
 
     Graph& graph_;
@@ -485,7 +483,7 @@ void addStart(Run& run) {
         return;
     }
     Finding finding =
-        sentence("The longest step of the start, " + stepName(*longest) + ", takes " + us(stepUs) +
+        sentence("The longest step of the start, " + stepName(*longest) + ", takes " + timeText(stepUs) +
                      ", as long as " + fixedPoint(stepUs / inferenceUs, 0) + " inferences.",
                  stepUs, share(stepUs, inferenceUs));
     finding.rule = startRule;

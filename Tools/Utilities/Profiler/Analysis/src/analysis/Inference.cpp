@@ -7,8 +7,8 @@
 #include <string_view>
 #include <utility>
 
+#include "analysis/FigureText.h"
 #include "analysis/Spread.h"
-#include "text/NumberText.h"
 #include "text/Saturation.h"
 
 namespace zeb::analysis {
@@ -132,8 +132,7 @@ private:
         if (excessUs < 1.0) {
             return;
         }
-        whole.note =
-            "The parts of " + whole.name + " take " + profiling::fixedPoint(excessUs, 0) + " us more than it";
+        whole.note = "The parts of " + whole.name + " take " + timeText(excessUs) + " more than it";
         if (graph_.breakdown && graph_.breakdown->executionCount != graph_.spread.count) {
             const std::uint64_t timed = graph_.spread.count;
             whole.note += ": Marlix is the average of " + std::to_string(timed) +
@@ -198,9 +197,18 @@ private:
     const Graph& graph_;
 };
 
+std::uint64_t totalOf(const std::vector<std::optional<std::uint64_t>>& durations) {
+    std::uint64_t sum = 0;
+    for (const auto& us : durations) {
+        sum = profiling::sumOrMost(sum, us.value_or(0));
+    }
+    return sum;
+}
+
 }  // namespace
 
 void addDerivedFigures(Graph& graph) {
+    graph.totalUs = totalOf(graph.executions.durationUs);
     graph.outliers = outliersOf(graph.executions, graph.spread);
     addLayerSums(graph);
     graph.inference = InferenceTree(graph).make();

@@ -264,6 +264,7 @@ struct Finding {
 struct Graph {
     std::string name;
     Executions executions;
+    std::uint64_t totalUs = 0;  ///< of all executions' durations; those of asynchronous ones may overlap
     Spread spread;
     Outliers outliers;
     TypicalExecution average;

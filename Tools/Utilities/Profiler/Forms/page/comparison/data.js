@@ -31,7 +31,7 @@ export function verdictOf(row) {
 }
 
 export const signed = (value, text) => (value > 0 ? "+" : value < 0 ? "−" : "") + text(Math.abs(value));
-export const signedPercent = change => signed(change, size => `${digits(size * 100, 1)} %`);
+export const signedPercent = change => signed(change, size => `${digits(size * 100, 1)}%`);
 export const intervalOf = row =>
   row.low === null || row.high === null ? null : `${signedPercent(row.low)} to ${signedPercent(row.high)}`;
 export const pOf = p => (p === null ? "–" : p < 0.001 ? "< 0.001" : p.toFixed(3));

@@ -75,7 +75,7 @@ function noteBox(kind, title, sentences) {
 }
 
 function gateBox(gate) {
-  const percentOf = share => `${digits(share * 100, 1)} %`;
+  const percentOf = share => `${digits(share * 100, 1)}%`;
   const limits = [
     gate.fail_above === null ? null : `${view.totals[gate.total]} may grow by ${percentOf(gate.fail_above)}`,
     gate.fail_layer_above === null ? null : `a layer by ${percentOf(gate.fail_layer_above)} beyond what all share`,
@@ -169,7 +169,7 @@ export function showHeader(graph) {
   part("notes").replaceChildren(...notes);
   document.title = `${answer.lead.replace(":", "")} – ${part("name").textContent}`;
   part("totals-hint").textContent = isSeveral
-    ? " Whiskers hold the true change with 95 %: where they leave out the middle, the change is sure."
+    ? " Whiskers hold the true change with 95%: where they leave out the middle, the change is sure."
     : "";
   part("origin").textContent = "Times are in microseconds (us). Totals and layers are means over the logs.";
 }

@@ -50,7 +50,7 @@ function showChanges(host, rows, {name, title, things, none, shared}) {
     );
   const minorWords = count =>
     `${count === rows.length ? "all" : "the"} ${plural(count, ...things)} that moved by less than ` +
-    `${digits(view.hide_below * 100, 1)} % of the whole`;
+    `${digits(view.hide_below * 100, 1)}% of the whole`;
   const sumRow = (kind, head, summed) => used => {
     const values = {
       base_us: sumOf(summed, "base_us"),

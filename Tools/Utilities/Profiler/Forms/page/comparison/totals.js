@@ -64,7 +64,7 @@ export function showTotals(graph) {
       draw(
         "text",
         {x, y: 11, class: "soft", "text-anchor": anchor},
-        value === 0 ? "0" : signed(value, size => `${digits(size * 100, size < 0.01 ? 1 : 0)} %`),
+        value === 0 ? "0" : signed(value, size => `${digits(size * 100, size < 0.01 ? 1 : 0)}%`),
       ),
     ),
   );
@@ -86,7 +86,7 @@ export function showTotals(graph) {
             head("New (us)", "number detail"),
             head("Change (us)", "number detail"),
             isSeveral
-              ? make("th", {scope: "col", class: "number"}, "Change", make("small", {}, "95 % interval"))
+              ? make("th", {scope: "col", class: "number"}, "Change", make("small", {}, "95% interval"))
               : head("Change", "number"),
             make("th", {scope: "col", class: "difference", "aria-hidden": "true"}, axis),
             isSeveral ? head("p", "number detail") : null,
@@ -126,7 +126,7 @@ export function showTotals(graph) {
       ["slower", "slower"],
       ["faster", "faster"],
       ...(comparison.basis === "one-each" ? [] : [["other", "may be chance (~)"]]),
-      ...(isSeveral ? [["", "95 % interval", draw("path", {class: "whisker", d: "M1 6H15M1 2V10M15 2V10"})]] : []),
+      ...(isSeveral ? [["", "95% interval", draw("path", {class: "whisker", d: "M1 6H15M1 2V10M15 2V10"})]] : []),
     ),
   );
   if (graph.base_executions && graph.new_executions) {

@@ -64,7 +64,7 @@ function hiddenOf(series) {
   if (series.hidden.length === 0) {
     return "There are too few versions behind the last step to tell of another one.";
   }
-  const parts = series.hidden.map(each => `${digits(each.below * 100, 1)} % in the newest ${digits(each.newest)}`);
+  const parts = series.hidden.map(each => `${digits(each.below * 100, 1)}% in the newest ${digits(each.newest)}`);
   return `A step could still hide below ${parts.join(", ")} versions.`;
 }
 
@@ -120,5 +120,5 @@ export function showHeader(group) {
   document.title = `History – ${part("name").textContent}`;
   part("origin").textContent =
     `Times are in microseconds (us). ${plural(history.series_tried, "series was", "series were")} tried together; ` +
-    "the share of false ones among all steps is held at 2 %.";
+    "the share of false ones among all steps is held at 2%.";
 }

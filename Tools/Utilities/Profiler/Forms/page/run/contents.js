@@ -8,7 +8,7 @@ const keys = [
   ["← →, Page Up, Page Down, Home, End", "in the strip: the next layer, ten on, the first, the last"],
   ["Enter", "in the strip: choose the layer, or let it go; in its search: the next one found"],
   ["+ − 0", "in the strip: zoom in, zoom out, show the whole"],
-  ["Escape", "let the chosen layer go; close what is open"],
+  ["Escape", "let the chosen layer go, and the marks of a finding; close what is open"],
 ];
 
 function showHelp() {

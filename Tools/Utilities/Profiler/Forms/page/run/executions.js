@@ -1,8 +1,10 @@
 // How long each execution took, and how the times are spread.
 
 import {chart, draw, headings, label, legend, make, missing, part, plural, rect, stroke} from "../shared/elements.js";
-import {digits, number, share, ticks, time, timeParts} from "../shared/figures.js";
+import {digits, number, percent, share, ticks, time, timeParts, unitOf} from "../shared/figures.js";
+import {follow} from "../shared/state.js";
 import {quantiles} from "./data.js";
+import {subject} from "./subject.js";
 import {noGraphs} from "./view.js";
 
 const height = 240,
@@ -108,6 +110,16 @@ function binMarks(picture, known, marked, scales) {
   ];
 }
 
+// Around the executions that the chosen finding is about.
+function ringsOf({picture, graph: {spread, outliers}}, {x, y}) {
+  const times = new Map([[0, spread.first_us], ...outliers.longest.map(({execution, us}) => [execution, us])]);
+  return [...subject().executions].map(execution => {
+    const place = Math.floor(execution / picture.bin_size);
+    const us = times.get(execution) ?? picture.median_us[place];
+    return us === null ? "" : draw("circle", {cx: x(place).toFixed(1), cy: y(us).toFixed(1), r: 8, class: "ring"});
+  });
+}
+
 function timeline(view, width) {
   const {picture} = view;
   const {spread, outliers} = view.graph;
@@ -149,6 +161,8 @@ function timeline(view, width) {
     label(right, height - 6, digits(number(picture.count)), "soft", "end"),
     pointer,
   );
+  const rings = draw("g", {});
+  svg.append(rings);
   svg.addEventListener("pointermove", event => {
     const box = svg.getBoundingClientRect();
     pointer.textContent = wordsOfBin(picture, scales.placeAt(((event.clientX - box.left) / box.width) * width));
@@ -156,13 +170,13 @@ function timeline(view, width) {
   svg.addEventListener("pointerleave", () => {
     pointer.textContent = "";
   });
-  return svg;
+  return {svg, showRings: () => rings.replaceChildren(...ringsOf(view, scales))};
 }
 
 function histogram(view, width) {
   const {picture} = view;
   const {spread} = view.graph;
-  const left = 8;
+  const left = 44;
   const above = number(picture.above);
   const right = width - (above > 0 ? 64 : 8);
   const counts = picture.columns.map(number);
@@ -175,15 +189,20 @@ function histogram(view, width) {
     piece.append(draw("title", {}, `${words}: ${plural(count, "execution", "executions")}`));
     return piece;
   };
-  const drawn = [
-    stroke(
-      [
-        [left, bottom],
-        [right, bottom],
-      ],
-      "axis",
-    ),
-  ];
+  const edge = width - 8;
+  const drawn = ticks(0, most, 4)
+    .filter(Number.isInteger)
+    .map(count => [
+      stroke(
+        [
+          [left, y(count)],
+          [edge, y(count)],
+        ],
+        "axis",
+      ),
+      label(left - 8, y(count) + 4, digits(count), "soft", "end"),
+    ]);
+  drawn.push(label(left - 8, top - 3, "executions", "soft", "start"));
   counts.forEach((count, index) => {
     const from = picture.from_us + index * picture.column_us,
       end = from + picture.column_us;
@@ -225,11 +244,17 @@ function histogram(view, width) {
   return chart(width, height, words, drawn);
 }
 
+function againstMedian({first_us: first, median_us: median}) {
+  const change = share(first - median, median);
+  return (change < 0 ? "" : "+") + percent(change);
+}
+
 function spreadTable(spread) {
   const columns = [
     ["Count", digits(spread.count)],
     ...quantiles.map(quantile => [quantile.title, shows(spread, quantile) ? time(spread[quantile.key]) : "–"]),
     ["First", spread.first_us === null ? "–" : time(spread.first_us)],
+    ["against median", spread.first_us === null ? "–" : againstMedian(spread)],
   ];
   const cells = columns.map(([, value]) => make("td", {class: "number"}, value));
   const titles = headings(...columns.map(([title]) => [title, "number"]));
@@ -245,14 +270,27 @@ function outlierTable(outliers, spread) {
     .sort((left, right) => right.us - left.us)
     .slice(0, 10);
   const cell = text => make("td", {class: "number"}, text);
+  const {unit, of} = unitOf(longest[0].us);
   const rows = longest.map(({execution, us}) =>
-    make("tr", {}, cell(digits(execution + 1)), cell(time(us)), cell(`× ${digits(share(us, spread.median_us), 1)}`)),
+    make(
+      "tr",
+      {},
+      make("th", {scope: "row", class: "number"}, digits(execution + 1)),
+      cell(of(us)),
+      cell(`× ${digits(share(us, spread.median_us), 1)}`),
+    ),
   );
   const caption = outliers.count > longest.length ? `The ${longest.length} longest` : "All outliers";
-  const titles = headings(["Execution", "number"], ["Time", "number"], ["of the median", "number"]);
+  const titles = headings(["Execution", "number"], [`Time (${unit})`, "number"], ["of the median", "number"]);
   const table = make("table", {}, make("caption", {}, caption), titles, make("tbody", {}, rows));
   const summary = make("summary", {}, plural(number(outliers.count), "outlier", "outliers"));
-  return make("details", {class: "more"}, summary, make("div", {class: "list"}, table));
+  const details = make("details", {class: "more"}, summary, make("div", {class: "list"}, table));
+  const showMarks = () => {
+    const {executions} = subject();
+    rows.forEach((row, place) => row.classList.toggle("is-about", executions.has(longest[place].execution)));
+    details.open = details.open || rows.some(row => row.classList.contains("is-about"));
+  };
+  return {details, showMarks};
 }
 
 export function showExecutions(view, width) {
@@ -281,12 +319,20 @@ export function showExecutions(view, width) {
     ...(showsP90(spread) ? [["", "p90: nine in ten are below", line("p90")]] : []),
     ["", `outlier, above ${time(outliers.limit_us)} (1.5 medians)`, diamond],
   );
+  const {svg, showRings} = timeline(view, overTime);
   const pair = make(
     "div",
     {class: "pair"},
-    make("div", {}, make("h3", {}, "In the order of the run"), timeline(view, overTime)),
+    make("div", {}, make("h3", {}, "In the order of the run"), svg),
     make("div", {}, make("h3", {}, "How often each time occurs"), histogram(view, distribution)),
   );
   host.replaceChildren(pair, legend(...entries), spreadTable(spread));
-  host.append(outlierTable(outliers, spread) ?? "");
+  const table = outlierTable(outliers, spread);
+  host.append(table?.details ?? "");
+  const showSubject = () => {
+    showRings();
+    table?.showMarks();
+  };
+  follow("executions", changed => changed.includes("finding") && showSubject());
+  showSubject();
 }

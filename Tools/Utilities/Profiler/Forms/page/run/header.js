@@ -1,7 +1,7 @@
 // What ran, and its three figures.
 
-import {cut, isolated, make, missing, part, visible} from "../shared/elements.js";
-import {digits, number, share, time, timeParts} from "../shared/figures.js";
+import {cut, isolated, make, part, plural, visible} from "../shared/elements.js";
+import {digits, number, percent, share, time, timeParts} from "../shared/figures.js";
 import {run} from "./data.js";
 import {noGraphs, whyNoLayers} from "./view.js";
 
@@ -50,21 +50,23 @@ const figure = (name, value, unit, note) =>
 
 const percentFigure = (name, piece, whole, note, why) =>
   piece !== null && whole > 0
-    ? figure(name, digits(share(piece, whole) * 100, 0), "%", note)
+    ? figure(name, percent(share(piece, whole)).slice(0, -1), "%", note)
     : figure(name, "–", "", why);
 
 function figuresOf(view) {
   const average = view && number(view.graph.average.duration_us);
+  const spread = view?.graph.spread;
+  const count = view && number(spread.count);
   const accelerator = view?.graph.breakdown ? number(view.graph.breakdown.accelerator_us) : null;
-  const [value, unit] = average ? timeParts(average) : ["–", ""];
+  const [value, unit] = count ? timeParts(spread.median_us) : ["–", ""];
   const krel = view && view.layers.length > 0 ? view.krel : null;
   return [
     figure(
       "Time of an inference",
       value,
       unit,
-      average
-        ? `on average; median ${time(view.graph.spread.median_us)}`
+      count
+        ? `the median of ${plural(count, "execution", "executions")}; ${time(average)} on average`
         : view
           ? "No execution has both times."
           : noGraphs(),
@@ -73,7 +75,7 @@ function figuresOf(view) {
       "Share of the accelerator",
       accelerator,
       average,
-      `${time(accelerator)} of an inference`,
+      `${time(accelerator)} of an average inference`,
       view ? "The log has no data of the backend on this graph." : noGraphs(),
     ),
     percentFigure(
@@ -97,18 +99,5 @@ export function showHeader(view) {
     "Made of ",
     isolated(run.log),
     ". Times are in microseconds (us) unless they say otherwise; layers' times are averages of an execution.",
-  );
-}
-
-export function showFindings(view) {
-  const findings = (view ? view.graph.findings : []).concat(run.findings);
-  const rows = findings.map(({group, cost_us: cost, text, next}) => {
-    const costs = cost === null ? "Note" : group === "once" ? `once ${time(cost)}` : time(cost);
-    return make("li", {}, make("b", {}, costs), make("span", {}, `${text} ${next}`));
-  });
-  part("findings").replaceChildren(
-    rows.length > 0
-      ? make("ol", {class: "findings"}, rows)
-      : missing(view ? "Nothing is out of the ordinary by the rules that were tried." : noGraphs()),
   );
 }

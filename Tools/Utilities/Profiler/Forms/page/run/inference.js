@@ -1,7 +1,7 @@
 // Where an inference goes: the parts of an average execution, each below what it is part of.
 
 import {bar, chart, draw, headings, label, make, missing, part, widthOfText} from "../shared/elements.js";
-import {digits, number, percent, share, time} from "../shared/figures.js";
+import {number, percent, share, time, usDigits} from "../shared/figures.js";
 import {noGraphs, whyNoLayers} from "./view.js";
 
 const shades = {
@@ -47,7 +47,7 @@ const rowOf = ({name, us, kind}, from, size, level) =>
     {},
     make("th", {scope: "row", class: `depth-${level}`}, name),
     bar([[Math.min(from, 1), Math.min(size, 1), shades[kind]]]),
-    make("td", {class: "number"}, digits(us, Number.isInteger(us) ? 0 : 1)),
+    make("td", {class: "number"}, usDigits(us)),
     make("td", {class: "number"}, percent(size)),
   );
 
@@ -57,7 +57,7 @@ export function showInference(view, width) {
     host.replaceChildren(missing(view ? "No execution of this graph has both times." : noGraphs()));
     return;
   }
-  const {inference: tree, spread} = view.graph;
+  const {inference: tree} = view.graph;
   const pieces = [];
   const rows = [];
   const notes = [];
@@ -83,8 +83,7 @@ export function showInference(view, width) {
     chart(width, depth * rowHeight, words, hatch(), pieces),
     make("div", {class: "scroll spread"}, make("table", {}, titles, make("tbody", {}, rows))),
   );
-  const median = `Averages, the first execution included; the median of the executions is ${time(spread.median_us)}.`;
-  host.append(...notes, make("p", {class: "hint"}, median));
+  host.append(...notes, make("p", {class: "hint"}, "Averages, the first execution included."));
   if (view.layers.length === 0) {
     host.append(missing(whyNoLayers(view)));
   }

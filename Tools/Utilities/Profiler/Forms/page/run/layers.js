@@ -5,6 +5,7 @@ import {percent, share} from "../shared/figures.js";
 import {change, state} from "../shared/state.js";
 import {Table} from "../shared/Table.js";
 import {run} from "./data.js";
+import {subject} from "./subject.js";
 import {oruTime, whyNoLayers, whyNoZebLayers} from "./view.js";
 
 /** The chosen layer and type leave their rows alone. `layersOf` and `typesOf` tell what a row belongs to. */
@@ -44,8 +45,8 @@ export function showZebTable(view) {
     {title: "Name", isText: true, isHeading: true, of: layer => layer.name},
     {title: "Time (us)", isDeciding: true, of: layer => layer.time},
     shareOf("Share", layer => layer.time, view.whole),
-    {title: "Krel (us)", of: layer => layer.krel},
     {title: "DSP (us)", of: layer => layer.dsp},
+    {title: "Krel (us)", of: layer => layer.krel},
     {title: "ORU layers", of: layer => layer.oru.length},
     {title: "Types", isText: true, of: layer => typesOf(layer).join(", ")},
     {title: "ORU ids", isText: true, isExtra: true, of: ids},
@@ -54,6 +55,7 @@ export function showZebTable(view) {
     name: "All ZEB layers",
     rows: view.layers,
     layersOf: layer => [index.get(layer)],
+    isAbout: layer => subject().layers.has(index.get(layer)),
     narrowing: () => narrowing(view, null, typesOf),
     narrowedBy: ["type"],
     columns,
@@ -75,25 +77,28 @@ export function showOruTable(view) {
       .join(", ");
   const isInternal = run.level === "internal";
   const figure = (title, key, isExtra = true) => ({title, isExtra, of: layer => layer[key]});
+  // As in the report, an offloaded layer has no cycles of the DSP, and others have none of the core's figures.
+  const onDsp = (title, key, isExtra) => ({title, isExtra, of: layer => (layer.offloaded ? null : layer[key])});
+  const onCore = (title, key, isExtra) => ({title, isExtra, of: layer => (layer.offloaded ? layer[key] : null)});
   const columns = [
     {title: "Id", isHeading: true, of: layer => layer.id},
     {title: "Type", isText: true, of: layer => layer.type_name},
     ...(view.hasZeb ? [{title: "ZEB layer", isText: true, of: names}] : []),
-    {title: "Runs on", isText: true, of: layer => (layer.offloaded ? "Krel" : "DSP")},
     {title: "Time (us)", isDeciding: true, of: oruTime},
     shareOf("Share", oruTime, whole),
+    {title: "Runs on", isText: true, of: layer => (layer.offloaded ? "Krel" : "DSP")},
     figure("Executions", "executions", false),
-    figure("DSP cycles", "dsp_cycles", false),
-    figure("Core cycles", "core_cycles", !isInternal),
-    figure("HAL (us)", "hal_us", !isInternal),
-    figure("Driver (us)", "driver_us", !isInternal),
-    figure("Cache flush (us)", "cache_flush_us", !isInternal),
-    figure("Krel exec (us)", "krel_exec_us", !isInternal),
-    figure("Core (us)", "core_us"),
+    onDsp("DSP cycles", "dsp_cycles", false),
+    onCore("Core cycles", "core_cycles", false),
+    onCore("HAL (us)", "hal_us", !isInternal),
+    onCore("Driver (us)", "driver_us", !isInternal),
+    onCore("Cache flush (us)", "cache_flush_us", !isInternal),
+    onCore("Krel exec (us)", "krel_exec_us", !isInternal),
+    onCore("Core (us)", "core_us", true),
     figure("DSP's view (us)", "average_us"),
     figure("Total (us)", "total_us"),
-    figure("Total DSP cycles", "total_dsp_cycles"),
-    figure("Nodes", "nodes"),
+    onDsp("Total DSP cycles", "total_dsp_cycles", true),
+    onCore("Nodes", "nodes", true),
     {title: "Linked", isText: true, isExtra: true, of: layer => yes(layer.linked)},
     figure("Merged group", "merged_group"),
     {title: "Loopback", isText: true, isExtra: true, of: layer => yes(layer.loopback)},
@@ -103,6 +108,7 @@ export function showOruTable(view) {
     name: "All ORU layers",
     rows: view.oru,
     layersOf,
+    isAbout: layer => subject().oru.has(places.get(layer)),
     narrowing: () => narrowing(view, layersOf, layer => [layer.type_name]),
     narrowedBy: ["pinned", "type"],
     columns,

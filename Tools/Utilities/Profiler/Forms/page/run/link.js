@@ -3,18 +3,20 @@
 
 import {state} from "../shared/state.js";
 import {run} from "./data.js";
+import {findingsOf} from "./subject.js";
 
 const maxLink = 2000,
   maxText = 200; // characters
-const tables = ["zeb", "oru"]; // whose titles of columns are looked up by the table
+const tables = ["graphs", "zeb", "oru"]; // whose titles of columns are looked up by the table
 
 export const isLink = hash => hash.length <= maxLink && hash.includes("=");
 
-function linkOf({graph, pinned, type, zoom, search, tables: wishes}) {
+function linkOf({view, graph, pinned, finding, type, zoom, search, tables: wishes}) {
   const link = new URLSearchParams();
   const add = (name, value) => value !== null && value !== "" && link.set(name, String(value).slice(0, maxText));
   add("graph", graph === 0 ? null : graph + 1);
   add("layer", pinned === null ? null : pinned + 1);
+  add("finding", finding === null ? null : findingsOf(view)[finding].rule);
   add("type", type);
   add("zoom", zoom && `${zoom.from.toPrecision(6)}-${zoom.to.toPrecision(6)}`);
   add("find", search);
@@ -49,6 +51,8 @@ export function wantedByLink(hash) {
   const graph = run.graphs[wanted.graph];
   if (graph) {
     wanted.pinned = place("layer", (graph.zeb_layers.length > 0 ? graph.zeb_layers : graph.oru_layers).length);
+    const finding = findingsOf({graph}).findIndex(each => each.rule === link.get("finding"));
+    wanted.finding = finding < 0 ? null : finding;
     wanted.type = graph.layer_types.find(type => type.name === link.get("type"))?.name ?? null;
     const [, from, to] = text("zoom").match(/^([\d.e-]+?)-(\d[\d.e-]*)$/) ?? [];
     if (Number(from) >= 0 && Number(to) <= 1 && Number(to) - Number(from) > 0) {

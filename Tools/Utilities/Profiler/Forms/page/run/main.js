@@ -1,19 +1,22 @@
 // Draws the parts.
 
 import {cut, make, part} from "../shared/elements.js";
-import {follow, forgetFollowers, nothingChosen, state} from "../shared/state.js";
+import {change, follow, forgetFollowers, nothingChosen, state} from "../shared/state.js";
 import {run} from "./data.js";
 import {showExecutions} from "./executions.js";
-import {showFindings, showHeader} from "./header.js";
+import {showFindings} from "./findings.js";
+import {showHeader} from "./header.js";
+import {showGraphs} from "./graphs.js";
 import {showInference} from "./inference.js";
 import {isLink, keepLink, wantedByLink} from "./link.js";
 import {showContents} from "./contents.js";
 import {showOruTable, showZebTable} from "./layers.js";
 import {showRanking} from "./ranking.js";
-import {showSteps} from "./steps.js";
+import {markSteps, showSteps} from "./steps.js";
 import {showStrip} from "./strip.js";
 import {showTypes} from "./types.js";
 import {viewOf} from "./view.js";
+import {showWords, tellFirstUses} from "./words.js";
 
 const widthOf = id => Math.max(240, Math.floor(part(id).clientWidth));
 
@@ -26,29 +29,51 @@ function showCharts(width = null) {
   showExecutions(state.view, width ?? widthOf("executions"));
 }
 
+const maxAtOnce = 2000; // ORU layers: of more the tables come behind the first picture
+
+function showTables(view) {
+  showZebTable(view);
+  showOruTable(view);
+}
+
 // `wanted` is what of the state does not begin as nothing.
 function showGraph(index, wanted = {}) {
   const view = index < run.graphs.length ? viewOf(index) : null;
   forgetFollowers();
   Object.assign(state, {...nothingChosen, ...wanted, graph: index, view});
   showHeader(view);
+  if (run.graphs.length > 1) {
+    part("graph").value = index;
+    showGraphs(chooseGraph);
+  }
   showFindings(view);
-  showZebTable(view);
-  showOruTable(view);
   showCharts();
+  if (view && view.oru.length > maxAtOnce) {
+    requestAnimationFrame(() => setTimeout(() => state.view === view && showTables(view)));
+  } else {
+    showTables(view);
+  }
+  follow("steps", markSteps);
   follow("link", keepLink);
+  markSteps();
+  tellFirstUses();
+}
+
+function chooseGraph(index) {
+  showGraph(index, {tables: {graphs: state.tables.graphs}});
+  keepLink();
 }
 
 part("page").hidden = false;
+if (run.graphs.length < 2) {
+  part("graphs").closest("section").remove();
+}
 if (run.graphs.length > 1) {
   part("graph-choice").hidden = false;
   const choice = part("graph");
   const names = run.graphs.map(graph => cut(graph.name, 80) || "without a name");
   choice.append(...names.map((name, index) => make("option", {value: index}, name)));
-  choice.addEventListener("change", () => {
-    showGraph(Number(choice.value));
-    keepLink();
-  });
+  choice.addEventListener("change", () => chooseGraph(Number(choice.value)));
 }
 // Without a graph one part says why, and the others would say the same.
 if (run.graphs.length === 0) {
@@ -58,13 +83,18 @@ if (run.graphs.length === 0) {
 }
 function showLink() {
   const wanted = wantedByLink(location.hash);
-  part("graph").value = wanted.graph ?? 0;
-  showGraph(wanted.graph ?? 0, wanted);
+  showGraph(wanted.graph, wanted);
 }
 
 showSteps();
+showWords();
 showContents();
 showLink();
+document.addEventListener("keydown", event => {
+  if (event.key === "Escape" && !part("help").open) {
+    change({finding: null});
+  }
+});
 window.addEventListener("hashchange", () => isLink(location.hash) && showLink());
 
 let drawnWidth = window.innerWidth;

@@ -15,6 +15,7 @@ import {
 } from "../shared/elements.js";
 import {digits, percent, share, ticks, time} from "../shared/figures.js";
 import {follow, hover, marked, pin, state} from "../shared/state.js";
+import {subject} from "./subject.js";
 import {whyNoZebLayers} from "./view.js";
 
 const maxRanked = 20;
@@ -23,16 +24,15 @@ const rowHeight = 24,
 
 /** Columns of figures at the right edge; a narrow picture leaves the layer's share out, which the table has. */
 function figureColumns(view, width) {
-  const room = Math.max(widthOfText(digits(view.whole)), widthOfText("sum so far")) + 14;
   const columns = [
-    {title: "us", of: us => digits(us), kind: ""},
-    {title: "share", of: us => percent(share(us, view.whole)), kind: "soft"},
-    {title: "sum so far", of: (us, sum) => percent(share(sum, view.whole)), kind: "soft"},
-  ].filter(({title}) => width >= 420 || title !== "share");
+    {title: "Time (us)", of: us => digits(us), kind: ""},
+    {title: "Share", of: us => percent(share(us, view.whole)), kind: "soft"},
+    {title: "Sum", of: (us, sum) => percent(share(sum, view.whole)), kind: "soft"},
+  ].filter(({title}) => width >= 420 || title !== "Share");
   let right = width;
   for (const column of columns.toReversed()) {
     column.right = right;
-    right -= column.title === "sum so far" ? room : Math.max(52, widthOfText(digits(view.whole)) + 14);
+    right -= Math.max(widthOfText(column.title), widthOfText(digits(view.whole)), 40) + 14;
   }
   return {columns, left: right};
 }
@@ -68,6 +68,7 @@ export function showRanking(view, width) {
   ]);
   drawn.push(figures.columns.map(({title, right}) => label(right, 11, title, "soft", "end")));
   const marks = new Map();
+  const subjects = new Map();
   let sum = 0;
   shown.forEach((index, row) => {
     const layer = view.layers[index],
@@ -75,6 +76,8 @@ export function showRanking(view, width) {
     const mark = rect(0, y, width, rowHeight, "row-mark");
     mark.setAttribute("visibility", "hidden");
     marks.set(index, mark);
+    const about = draw("path", {class: "subject", d: `M${nameWidth + 3} ${y + 8}l6 4l-6 4Z`, visibility: "hidden"});
+    subjects.set(index, about);
     sum += layer.time;
     const group = draw(
       "g",
@@ -82,6 +85,7 @@ export function showRanking(view, width) {
       draw("title", {}, layer.name),
       rect(0, y, width, rowHeight, "row-room"),
       mark,
+      about,
       label(nameWidth, y + 16, fitted(layer.name, nameWidth), "", "end"),
       rect(left, y + 4, x(layer.krel) - left, rowHeight - 8, "krel"),
       rect(x(layer.krel), y + 4, x(layer.time) - x(layer.krel), rowHeight - 8, "dsp"),
@@ -104,8 +108,12 @@ export function showRanking(view, width) {
     `layers' time. The costliest is ${view.layers[shown[0]].name} with ${time(longest)}. The table of all ZEB layers ` +
     "has the figures.";
   host.replaceChildren(chart(width, height, words, drawn), legend(["krel", "on the Krel core"], ["dsp", "on the DSP"]));
-  const showMarked = () =>
-    marks.forEach((mark, index) => mark.setAttribute("visibility", index === marked() ? "visible" : "hidden"));
+  const show = (shapes, isShown) =>
+    shapes.forEach((shape, index) => shape.setAttribute("visibility", isShown(index) ? "visible" : "hidden"));
+  const showMarked = () => {
+    show(marks, index => index === marked());
+    show(subjects, index => subject().layers.has(index));
+  };
   follow("ranking", showMarked);
   showMarked();
 }

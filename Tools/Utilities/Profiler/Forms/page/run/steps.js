@@ -1,8 +1,9 @@
 // Start-up and tear-down, step by step, and all other calls.
 
 import {bar, cut, headings, isolated, make, missing, part} from "../shared/elements.js";
-import {digits, number, share, time} from "../shared/figures.js";
+import {digits, number, share, unitOf} from "../shared/figures.js";
 import {run} from "./data.js";
+import {subject} from "./subject.js";
 
 const stepNames = {
   "library-load": "Load the library",
@@ -20,7 +21,7 @@ const cell = (text, kind) => make("td", {class: kind ?? null}, text);
 
 const plainUnits = ["count", "none"]; // of numbers that stand alone
 
-function valueOf(event) {
+function valueOf(event, timeOf) {
   const {value} = event;
   if (event.object_bytes !== null) {
     return `object of ${digits(event.object_bytes)} bytes`;
@@ -32,13 +33,13 @@ function valueOf(event) {
     return cut(value, 60);
   }
   if (event.unit === "us") {
-    return time(number(value));
+    return timeOf(number(value));
   }
   const figure = digits(value, Number.isInteger(value) ? 0 : 2);
   return plainUnits.includes(event.unit) ? figure : `${figure} ${event.unit}`;
 }
 
-function eventRows(events, depth) {
+function eventRows(events, depth, timeOf) {
   const row = (name, value) =>
     make(
       "tr",
@@ -50,7 +51,7 @@ function eventRows(events, depth) {
     );
   const rows = events
     .slice(0, maxEvents)
-    .flatMap(event => [row(event.name, valueOf(event)), ...eventRows(event.events, depth + 1)]);
+    .flatMap(event => [row(event.name, valueOf(event, timeOf)), ...eventRows(event.events, depth + 1, timeOf)]);
   if (events.length > maxEvents) {
     rows.push(row(`and ${digits(events.length - maxEvents)} more`, ""));
   }
@@ -101,27 +102,33 @@ function scaleOf(steps) {
   return {up, isBroken, pause, gap, place, size: us => share(us, whole)};
 }
 
-function rowsOfStep(step, {place, size}) {
+// Of each column, by what the start has in it.
+function unitsOf(steps) {
+  const longest = key => steps.filter(step => !step.isDown).reduce((most, step) => Math.max(most, step[key] ?? 0), 0);
+  return {begin: unitOf(longest("from")), duration: unitOf(longest("us"))};
+}
+
+function rowsOfStep(step, {place, size}, {begin, duration}) {
   const kind = step.isDown ? "other" : "shade-bar";
   const row = make(
     "tr",
     {},
     make("th", {scope: "row"}, stepNames[step.step] ?? step.step, step.text ? [" ", isolated(step.text)] : null),
     isTimed(step) ? bar([[place(step.from), size(step.us), kind]]) : cell("", "bar"),
-    cell(step.from === null ? "–" : time(step.from), "number"),
-    cell(step.us === null ? "not in the log" : time(step.us), "number"),
+    cell(step.from === null ? "–" : begin.of(step.from), "number"),
+    cell(step.us === null ? "not in the log" : duration.of(step.us), "number"),
   );
-  return [row, ...eventRows(step.events, 1)];
+  return [row, ...eventRows(step.events, 1, duration.of)];
 }
 
-function rowOfExecutions({up, place, size, gap, pause}) {
+function rowOfExecutions({up, place, size, gap, pause}, {begin, duration}) {
   return make(
     "tr",
     {class: "part"},
     make("th", {scope: "row"}, "Executions (not to scale)"),
     bar([[place(up[1]), size(gap), "unknown-bar"]]),
-    cell(time(up[1]), "number soft"),
-    cell(time(pause), "number soft"),
+    cell(begin.of(up[1]), "number soft"),
+    cell(duration.of(pause), "number soft"),
   );
 }
 
@@ -136,22 +143,36 @@ function callTable() {
   return make("div", {class: "scroll calls"}, table);
 }
 
+const stepRows = []; // as the run has the steps
+
+/** Marks the steps that the chosen finding is about. */
+export function markSteps() {
+  stepRows.forEach((row, step) => row.classList.toggle("is-about", subject().steps.has(step)));
+}
+
 export function showSteps() {
   const host = part("steps");
   const steps = placedSteps();
   const scale = scaleOf(steps);
+  const units = unitsOf(steps);
   const entries = steps.map(step => ({
     from: step.isDown ? Infinity : (step.from ?? 0),
-    rows: rowsOfStep(step, scale),
+    rows: rowsOfStep(step, scale, units),
   }));
+  stepRows.push(...entries.map(({rows}) => rows[0]));
   if (scale.isBroken && run.graphs.length > 0) {
-    entries.push({from: scale.up[1], rows: [rowOfExecutions(scale)]});
+    entries.push({from: scale.up[1], rows: [rowOfExecutions(scale, units)]});
   }
   entries.sort((left, right) => left.from - right.from);
   const body = make("tbody", {});
   const add = entry => body.append(...entry.rows);
   entries.slice(0, maxSteps).forEach(add);
-  const titles = headings(["Step"], [""], ["Begins after", "number"], ["Takes", "number"]);
+  const titles = headings(
+    ["Step"],
+    [""],
+    [`Begins after (${units.begin.unit})`, "number"],
+    [`Takes (${units.duration.unit})`, "number"],
+  );
   host.replaceChildren(
     steps.length === 0
       ? missing("The log has no messages on start-up and tear-down.")

@@ -4,12 +4,14 @@
 import {draw, headings, label, legend, make, missing, part, plural, rect, widthOfText} from "../shared/elements.js";
 import {digits, percent, share} from "../shared/figures.js";
 import {change, follow, hover, marked, pin, state} from "../shared/state.js";
+import {subject} from "./subject.js";
 import {oruTime, whyNoLayers, wordsOfLayer} from "./view.js";
 
 const marksHeight = 8,
   zebHeight = 56,
   oruTop = marksHeight + zebHeight + 8,
-  oruHeight = 26;
+  oruHeight = 26,
+  subjectHeight = 10;
 const maxZebBars = 600,
   maxOruBars = 800,
   maxHits = 500; // that are drawn at a time
@@ -123,7 +125,8 @@ const oruPiecesOf = view =>
       const oru = view.oru[position],
         us = oruTime(oru) * shrink;
       from += us;
-      return {from: from - us, krel: oru.offloaded ? us : 0, dsp: oru.offloaded ? 0 : us, name: oru.type_name};
+      const [krel, dsp] = oru.offloaded ? [us, 0] : [0, us];
+      return {from: from - us, krel, dsp, name: oru.type_name, position};
     });
   });
 
@@ -299,12 +302,18 @@ function chosenTable(view, index) {
       {},
       make("th", {scope: "row", class: "number"}, digits(oru.id)),
       make("td", {class: "text"}, make("bdi", {}, oru.type_name)),
-      make("td", {}, oru.offloaded ? "Krel" : "DSP"),
       make("td", {class: "number"}, digits(oruTime(oru))),
       make("td", {class: "number"}, percent(share(oruTime(oru), layer.time))),
+      make("td", {}, oru.offloaded ? "Krel" : "DSP"),
     );
   });
-  const titles = headings(["ORU layer", "number"], ["Type"], ["On"], ["us", "number"], ["of the layer", "number"]);
+  const titles = headings(
+    ["ORU layer", "number"],
+    ["Type"],
+    ["Time (us)", "number"],
+    ["of the layer", "number"],
+    ["Runs on"],
+  );
   const more = layer.oru.length - rows.length;
   return [
     make("table", {}, make("caption", {}, "Became of ", make("bdi", {}, layer.name)), titles, make("tbody", {}, rows)),
@@ -330,14 +339,16 @@ function hitsOf(view) {
 
 class Strip {
   constructor(view, width, host) {
-    Object.assign(this, {view, width, height: view.hasZeb ? oruTop + oruHeight : marksHeight + zebHeight});
+    const barsEnd = view.hasZeb ? oruTop + oruHeight : marksHeight + zebHeight;
+    Object.assign(this, {view, width, barsEnd, height: barsEnd + subjectHeight});
     view.zebPieces ??= zebPiecesOf(view);
     view.oruPieces ??= view.hasZeb ? oruPiecesOf(view) : [];
     this.bars = draw("g", {});
     this.hits = draw("g", {});
-    this.mark = draw("rect", {class: "selected", y: marksHeight + 1, height: this.height - marksHeight - 2, rx: 2});
+    this.subject = draw("path", {class: "subject"});
+    this.mark = draw("rect", {class: "selected", y: marksHeight + 1, height: barsEnd - marksHeight - 2, rx: 2});
     const size = {viewBox: `0 0 ${width} ${this.height}`, "aria-hidden": "true"};
-    const svg = draw("svg", {class: "chart crisp", ...size}, this.bars, this.hits, this.mark);
+    const svg = draw("svg", {class: "chart crisp", ...size}, this.bars, this.hits, this.subject, this.mark);
     const band = make("div", {class: "band", hidden: true});
     const range = {"aria-valuemin": 1, "aria-valuemax": view.layers.length, "aria-label": "Layers of an inference"};
     this.slider = make("div", {class: "strip", role: "slider", tabindex: "0", ...range}, svg, band);
@@ -441,6 +452,22 @@ class Strip {
     this.count.textContent = [found, shown].filter(Boolean).join(", ");
   }
 
+  // What the chosen finding is about, exactly: ORU layers where there are those.
+  showSubject() {
+    const window = this.window();
+    const {oru, layers} = subject();
+    const {hasZeb, oruPieces, zebPieces} = this.view;
+    const pieces = hasZeb
+      ? oruPieces.filter(({position}) => oru.has(position))
+      : zebPieces.filter((_, place) => layers.has(place));
+    const grain = 4;
+    const places = pieces
+      .map(({from, krel, dsp}) => Math.round(((from + (krel + dsp) / 2 - window.from) * window.scale) / grain) * grain)
+      .filter(x => x >= 0 && x <= this.width);
+    const shape = x => `M${x} ${this.barsEnd + 2}l4 7h-8Z`;
+    this.subject.setAttribute("d", [...new Set(places)].map(shape).join(""));
+  }
+
   showMarked() {
     const index = marked();
     if (index === null) {
@@ -472,6 +499,7 @@ class Strip {
   showAll() {
     this.showBars();
     this.showHits();
+    this.showSubject();
     this.showMarked();
     this.showChosen();
   }
@@ -482,6 +510,9 @@ class Strip {
     }
     if (changed.some(name => ["zoom", "search", "type"].includes(name))) {
       this.showHits();
+    }
+    if (changed.includes("zoom") || changed.includes("finding")) {
+      this.showSubject();
     }
     if (changed.includes("pinned")) {
       this.showChosen();

@@ -3,12 +3,21 @@
 import {bar, headings, make, missing, part} from "../shared/elements.js";
 import {digits, number, percent, share} from "../shared/figures.js";
 import {change, follow, marked, state} from "../shared/state.js";
+import {subject} from "./subject.js";
 import {whyNoLayers} from "./view.js";
 
 const maxTypes = 12; // that are shown unasked
 
-const placeOf = type => (number(type.krel_layers) === 0 ? "DSP" : number(type.dsp_layers) === 0 ? "Krel" : "both");
-const kinds = {DSP: "dsp", Krel: "krel", both: "other"};
+const kindOf = type => (number(type.krel_layers) === 0 ? "dsp" : number(type.dsp_layers) === 0 ? "krel" : "other");
+
+function placeOf(type) {
+  const places = {
+    dsp: "DSP",
+    krel: "Krel",
+    other: `Krel (${digits(type.krel_layers)}), DSP (${digits(type.dsp_layers)})`,
+  };
+  return places[kindOf(type)];
+}
 
 export function showTypes(view) {
   const host = part("types");
@@ -33,11 +42,11 @@ export function showTypes(view) {
       "tr",
       {},
       make("th", {scope: "row", class: "text"}, choice),
-      bar([[0, us / longest, kinds[placeOf(type)]]]),
-      make("td", {}, placeOf(type)),
+      bar([[0, us / longest, kindOf(type)]]),
       make("td", {class: "number"}, digits(number(type.dsp_layers) + number(type.krel_layers))),
       make("td", {class: "number"}, digits(type.time_us)),
       make("td", {class: "number"}, percent(share(us, whole))),
+      make("td", {}, placeOf(type)),
     );
     rows.set(type.name, row);
     body.append(row);
@@ -50,13 +59,22 @@ export function showTypes(view) {
     const positions = marked() === null ? [] : view.layers[marked()].oru;
     marks = [...new Set(positions.map(position => rows.get(view.oru[position].type_name)))].filter(Boolean);
     marks.forEach(row => row.classList.add("is-marked"));
+    const about = new Set([...subject().oru].map(position => view.oru[position].type_name));
+    rows.forEach((row, name) => row.classList.toggle("is-about", about.has(name)));
     rows.forEach((row, name) => row.querySelector("button").setAttribute("aria-pressed", String(name === state.type)));
     said.textContent =
       state.type === null
         ? ""
         : `The strip marks the layers of ${state.type}, and the tables have them alone. Press it again to show all.`;
   };
-  const titles = headings(["Type"], [""], ["On"], ["Layers", "number"], ["us", "number"], ["Share", "number"]);
+  const titles = headings(
+    ["Type"],
+    [""],
+    ["Layers", "number"],
+    ["Time (us)", "number"],
+    ["Share", "number"],
+    ["Runs on"],
+  );
   host.replaceChildren(make("div", {class: "scroll"}, make("table", {}, titles, body)), said);
   if (types.length > maxTypes) {
     const more = make("button", {type: "button", class: "button more"}, `Show all ${digits(types.length)} types`);

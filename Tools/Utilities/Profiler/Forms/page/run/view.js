@@ -61,8 +61,8 @@ export function wordsOfLayer(view, index) {
   const facts = [
     `layer ${digits(index + 1)} of ${digits(view.layers.length)}`,
     `${time(layer.time)}, ${percent(share(layer.time, view.whole))}`,
-    `Krel ${time(layer.krel)}`,
     `DSP ${time(layer.dsp)}`,
+    `Krel ${time(layer.krel)}`,
   ];
   if (view.hasZeb) {
     facts.push(plural(layer.oru.length, "ORU layer", "ORU layers"));

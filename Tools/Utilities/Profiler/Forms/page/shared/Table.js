@@ -6,6 +6,7 @@ import {change, follow, hover, marked, state} from "./state.js";
 
 const maxRows = 500; // that are shown unasked
 const rowsOfGroup = 100;
+const rowsAtOnce = 100; // of a long table; the others of the first ones come between frames as well
 const narrow = 480; // pixels, of a window where the name and the deciding column come first
 const widestCell = 260;
 const widthOfCell = text => Math.ceil((widthOfText(text) * 13.5 * 1.08) / 12) + 22;
@@ -59,6 +60,7 @@ const positionOfMost = (values, size) =>
  * Options:
  *   name       what the table is called; `things`, what its rows are called: one and several
  *   layersOf   (row) => the layers that it is marked with
+ *   isAbout    (row) => whether the state's finding is about it, which marks it
  *   narrowing  () => what the state leaves of it: {words, has(row), release()}, or null for all rows
  *   narrowedBy the names of the state that decide that
  *   isMinor    (row) => whether it is left out until it is asked for, by a filter or by the button that says
@@ -73,7 +75,13 @@ export class Table {
   constructor(host, options) {
     Object.assign(
       this,
-      {things: ["layer", "layers"], isMinor: () => false, layersOf: () => [], narrowing: () => null},
+      {
+        things: ["layer", "layers"],
+        isMinor: () => false,
+        isAbout: () => false,
+        layersOf: () => [],
+        narrowing: () => null,
+      },
       options,
     );
     if (window.innerWidth <= narrow) {
@@ -285,6 +293,7 @@ export class Table {
       cell = cell.nextSibling;
     }
     row.layers = this.layersOf(this.rows[position]);
+    row.classList.toggle("is-about", this.isAbout(this.rows[position]));
     return row;
   }
 
@@ -320,7 +329,7 @@ export class Table {
         this.addRows(next, Math.min(shown, next + rowsOfGroup));
       }
     };
-    // What is beyond the first rows comes between frames, so that the page can be used meanwhile.
+    // What is beyond those comes between frames, so that the page can be used meanwhile.
     const addMore = () => {
       if (mine !== this.filling) {
         return;
@@ -334,7 +343,7 @@ export class Table {
       }
       this.mark(marked());
     };
-    add(Math.min(shown, maxRows));
+    add(Math.min(shown, this.rows.length > maxRows ? rowsAtOnce : maxRows));
     if (next < shown) {
       requestAnimationFrame(addMore);
     }
@@ -393,6 +402,9 @@ export class Table {
   }
 
   follow(changed) {
+    if (changed.includes("finding")) {
+      this.made.forEach((row, position) => row.classList.toggle("is-about", this.isAbout(this.rows[position])));
+    }
     if (changed.some(name => this.narrowedBy?.includes(name))) {
       this.update();
     } else {

@@ -5,6 +5,7 @@ export const state = {
   view: null, // what its layers are, see run/view.js; null without a graph
   hovered: null, // the layer that is pointed at, by its place in view.layers
   pinned: null, // the layer that was chosen
+  finding: null, // the finding that was chosen, by its place, see run/subject.js
   type: null, // the type of ORU layers that was chosen, by its name
   zoom: null, // what the strip shows: {from, to}, shares of the whole; null for all of it
   search: "", // what the strip marks

@@ -13,6 +13,11 @@ constexpr std::uint64_t cutToWhole(double value) {
     return value < firstAbove ? static_cast<std::uint64_t>(value) : std::numeric_limits<std::uint64_t>::max();
 }
 
+/// @return the sum of two times, the largest number where it would be larger
+constexpr std::uint64_t sumOrMost(std::uint64_t one, std::uint64_t other) {
+    return one + std::min(other, std::numeric_limits<std::uint64_t>::max() - one);
+}
+
 /// @return the difference of two times, 0 where it would be negative
 constexpr std::uint64_t differenceOrZero(std::uint64_t larger, std::uint64_t smaller) {
     return larger - std::min(larger, smaller);

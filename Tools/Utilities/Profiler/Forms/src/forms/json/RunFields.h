@@ -261,6 +261,7 @@ void fieldsOf(Finding& finding, Visit visit) {
 template <typename Visit, Is<analysis::Graph> Graph>
 void fieldsOf(Graph& graph, Visit visit) {
     visit("name", graph.name);
+    visit("total_us", Derived<std::uint64_t>{graph.totalUs});
     visit("spread", graph.spread);
     visit("outliers", Derived<analysis::Outliers>{graph.outliers});
     visit("breakdown", graph.breakdown);

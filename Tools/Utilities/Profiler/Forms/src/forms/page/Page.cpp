@@ -1,5 +1,6 @@
 #include "forms/page/Page.h"
 
+#include "analysis/Glossary.h"
 #include "forms/json/RunJson.h"
 #include "forms/page/ExecutionPicture.h"
 #include "forms/page/PageParts.h"
@@ -16,6 +17,15 @@ void writePage(std::ostream& out, const analysis::Run& run) {
     json.beginObject();
     json.key("quantiles");
     writeQuantiles(json);
+    json.key("glossary");
+    json.beginList();
+    for (const analysis::Term& term : analysis::glossary) {
+        json.beginObject();
+        json.member("word", term.word);
+        json.member("meaning", term.meaning);
+        json.endObject();
+    }
+    json.endList();
     json.key("pictures");
     json.beginList();
     for (const analysis::Graph& graph : run.graphs) {

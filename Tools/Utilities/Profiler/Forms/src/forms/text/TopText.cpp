@@ -10,9 +10,9 @@
 #include <utility>
 #include <vector>
 
+#include "analysis/FigureText.h"
+#include "analysis/Glossary.h"
 #include "console/ConsoleText.h"
-#include "text/NumberText.h"
-#include "text/Saturation.h"
 
 namespace zeb::forms {
 
@@ -22,7 +22,10 @@ using analysis::FindingGroup;
 using analysis::Graph;
 using analysis::Part;
 using analysis::PartKind;
+using analysis::percentText;
 using analysis::Run;
+using analysis::timeText;
+using analysis::usDigits;
 using analysis::ZebLayer;
 using console::Column;
 using console::columnsOf;
@@ -32,7 +35,6 @@ using console::left;
 using console::right;
 using console::shownName;
 using console::wrapped;
-using profiling::fixedPoint;
 
 constexpr std::size_t indentation = 2;  // of tables
 constexpr std::size_t barWidth = 24;
@@ -41,15 +43,11 @@ constexpr std::size_t minNameColumns = 12;
 constexpr std::size_t maxTypes = 12;
 
 std::string us(double value) {
-    return fixedPoint(value, 0) + " us";
+    return usDigits(value) + " us";
 }
 
 double shareOf(double part, double whole) {
     return whole > 0.0 ? part / whole * 100.0 : 0.0;
-}
-
-std::string percent(double value) {
-    return fixedPoint(value, 1) + '%';
 }
 
 std::string lowerCase(std::string_view text) {
@@ -171,7 +169,7 @@ public:
 
     void add(const Part& part, const std::string& front, const std::string& below) {
         table_.add(front + shownName(part.name, maxNameColumns, style_.hasUnicode()), us(part.us),
-                   percent(shareOf(part.us, wholeUs_)));
+                   percentText(shareOf(part.us, wholeUs_)));
         bars_.push_back(barOf(part));
         if (!part.note.empty()) {
             notes_.push_back(part.note);
@@ -204,7 +202,7 @@ private:
 
     const Style& style_;
     double wholeUs_;
-    ConsoleTable<3> table_{left(""), right("Time"), right("Share")};
+    ConsoleTable<3> table_{left("Part"), right("Time"), right("Share")};
     std::vector<std::string> bars_;
     std::vector<std::string> notes_;
 };
@@ -217,9 +215,6 @@ void printInference(std::ostream& out, const Style& style, const Graph& graph) {
     Tree tree(style, graph.inference.us);
     tree.add(graph.inference, "", "");
     tree.print(out);
-    if (count > 0) {
-        printText(out, style, "  ", "The median of the executions is " + us(graph.spread.medianUs()) + ".");
-    }
 }
 
 void printFinding(std::ostream& out, const Style& style, const analysis::Finding& finding) {
@@ -293,16 +288,17 @@ void printZebLayers(std::ostream& out, const Style& style, const Graph& graph, c
         sumDspUs += dsp;
         sumKrelUs += krel;
         table.add(style.name(layer->name, layerNumbersWidth), us(dsp + krel),
-                  percent(shareOf(dsp + krel, wholeUs)), percent(shareOf(sumUs, wholeUs)), us(dsp), us(krel));
+                  percentText(shareOf(dsp + krel, wholeUs)), percentText(shareOf(sumUs, wholeUs)), us(dsp),
+                  us(krel));
         bars.push_back(longestUs > 0.0 ? style.bar(dsp / longestUs, krel / longestUs) : "");
     }
     if (const std::size_t others = graph.zebLayers.size() - shown; others > 0) {
         table.add('[' + std::to_string(others) + (others == 1 ? " other]" : " others]"), us(wholeUs - sumUs),
-                  percent(shareOf(wholeUs - sumUs, wholeUs)), "", us(dspUs - sumDspUs),
+                  percentText(shareOf(wholeUs - sumUs, wholeUs)), "", us(dspUs - sumDspUs),
                   us(krelUs - sumKrelUs));
         bars.emplace_back();
     }
-    table.add("Total", us(wholeUs), percent(shareOf(wholeUs, wholeUs)), "", us(dspUs), us(krelUs));
+    table.add("Total", us(wholeUs), percentText(shareOf(wholeUs, wholeUs)), "", us(dspUs), us(krelUs));
     bars.push_back(style.legend());
     printTable(out, style, table.lines(indentation), bars);
 }
@@ -341,18 +337,19 @@ void printLayerTypes(std::ostream& out, const Style& style, const Graph& graph, 
             continue;
         }
         ++shown;
-        table.add(type.name, std::to_string(count), us(time), percent(shareOf(time, wholeUs)), placeOf(type));
+        table.add(type.name, std::to_string(count), us(time), percentText(shareOf(time, wholeUs)),
+                  placeOf(type));
     }
     if (others > 0) {
         table.add('[' + std::to_string(others) + (others == 1 ? " other]" : " others]"),
-                  std::to_string(otherLayers), us(otherUs), percent(shareOf(otherUs, wholeUs)), "");
+                  std::to_string(otherLayers), us(otherUs), percentText(shareOf(otherUs, wholeUs)), "");
     }
-    table.add("Total", std::to_string(layers), us(wholeUs), percent(shareOf(wholeUs, wholeUs)), "");
+    table.add("Total", std::to_string(layers), us(wholeUs), percentText(shareOf(wholeUs, wholeUs)), "");
     printTable(out, style, table.lines(indentation), {});
 }
 
 std::string signedPercent(double value) {
-    return (value < 0.0 ? "" : "+") + percent(value);
+    return (value < 0.0 ? "" : "+") + percentText(value);
 }
 
 // One table over all graphs.
@@ -363,7 +360,7 @@ void printExecutionTimes(std::ostream& out, const Style& style, const Run& run) 
                    [](const analysis::Quantile& quantile) { return right(std::string(quantile.title)); });
     ConsoleTable table(left("Graph"), right("Count"), quantiles, right("First"), right("against median"));
     constexpr std::size_t numbersWidth = 72;
-    const auto number = [](std::optional<double> value) { return value ? fixedPoint(*value, 0) : "-"; };
+    const auto number = [](std::optional<double> value) { return value ? usDigits(*value) : "-"; };
     for (const Graph& graph : run.graphs) {
         const analysis::Spread& spread = graph.spread;
         std::array<std::string, std::size(analysis::quantiles)> cells;
@@ -374,6 +371,49 @@ void printExecutionTimes(std::ostream& out, const Style& style, const Run& run) 
             style.name(graph.name, numbersWidth), std::to_string(spread.count), cells, number(spread.firstUs),
             spread.firstUs ? signedPercent(shareOf(*spread.firstUs - spread.medianUs(), spread.medianUs()))
                            : "-");
+    }
+    printTable(out, style, table.lines(indentation), {});
+}
+
+// The figure to remember of a graph: the median, for the average holds what few executions take.
+void printHeadline(std::ostream& out, const Style& style, const Graph& graph) {
+    const std::uint64_t count = graph.spread.count;
+    if (count == 0) {
+        printText(out, style, "  ", "No execution of it has both times.");
+        return;
+    }
+    printText(out, style, "  ",
+              "Time of an inference: " + timeText(graph.spread.medianUs()) + ", the median of " +
+                  std::to_string(count) + (count == 1 ? " execution; " : " executions; ") +
+                  timeText(static_cast<double>(graph.average.durationUs)) + " on average.");
+}
+
+void printGlossary(std::ostream& out, const Style& style) {
+    std::string words;
+    for (const analysis::Term& term : analysis::glossary) {
+        words += (words.empty() ? "" : ". ") + std::string(term.word) + ": " + std::string(term.meaning);
+    }
+    printText(out, style, "  ", words + '.');
+}
+
+// All graphs, where there are several.
+void printGraphs(std::ostream& out, const Style& style, const Run& run) {
+    printTitle(out, style, "Graphs of the run");
+    ConsoleTable table(left("Graph"), right("Median"), right("Of the run"), right("Accelerator"),
+                       left("First finding"));
+    constexpr std::size_t numbersWidth = 66;
+    double wholeUs = 0.0;
+    for (const Graph& graph : run.graphs) {
+        wholeUs += static_cast<double>(graph.totalUs);
+    }
+    for (const Graph& graph : run.graphs) {
+        const auto acceleratorUs = graph.breakdown ? graph.breakdown->acceleratorUs : std::nullopt;
+        const auto averageUs = static_cast<double>(graph.average.durationUs);
+        table.add(style.name(graph.name, numbersWidth),
+                  graph.spread.count > 0 ? us(graph.spread.medianUs()) : "-",
+                  percentText(shareOf(static_cast<double>(graph.totalUs), wholeUs)),
+                  acceleratorUs ? percentText(shareOf(static_cast<double>(*acceleratorUs), averageUs)) : "-",
+                  graph.findings.empty() ? "" : graph.findings.front().rule);
     }
     printTable(out, style, table.lines(indentation), {});
 }
@@ -396,14 +436,21 @@ void printTop(std::ostream& out, const Run& run, const TopOptions& options) {
         out << "\nNo graph was executed in this log, so there is nothing to rank.\n";
         return;
     }
+    if (run.graphs.size() > 1) {
+        printGraphs(out, style, run);
+    }
     for (const Graph& graph : run.graphs) {
         out << '\n' << style.strong("Graph " + style.name(graph.name, 0)) << '\n';
-        printGraph(out, style, graph, options);
+        printHeadline(out, style, graph);
+        if (&graph == &run.graphs.front()) {
+            printGlossary(out, style);
+        }
         std::vector<analysis::Finding> findings = graph.findings;
         if (run.graphs.size() == 1) {
             findings.insert(findings.end(), run.findings.begin(), run.findings.end());
         }
         printFindings(out, style, findings);
+        printGraph(out, style, graph, options);
     }
     if (run.graphs.size() > 1 && !run.findings.empty()) {
         printTitle(out, style, "Paid once by the run");
