@@ -58,18 +58,7 @@ std::string clocksOf(const RunSummary& run) {
 }
 
 std::string levelOf(const RunSummary& run) {
-    if (!run.level) {
-        return orNotTold("");
-    }
-    switch (*run.level) {
-        case Level::basic:
-            return "basic";
-        case Level::detailed:
-            return "detailed";
-        case Level::internal:
-            return "internal";
-    }
-    return "unknown";
+    return orNotTold(std::string(run.level ? nameOf(*run.level) : ""));
 }
 
 constexpr Fact facts[] = {

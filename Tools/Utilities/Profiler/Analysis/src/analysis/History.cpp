@@ -53,18 +53,7 @@ std::string clockText(std::uint32_t hz) {
 }
 
 std::string levelText(const std::optional<Level>& level) {
-    if (!level) {
-        return {};
-    }
-    switch (*level) {
-        case Level::basic:
-            return "basic";
-        case Level::detailed:
-            return "detailed";
-        case Level::internal:
-            return "internal";
-    }
-    return {};
+    return std::string(level ? nameOf(*level) : "");
 }
 
 constexpr Condition conditions[] = {

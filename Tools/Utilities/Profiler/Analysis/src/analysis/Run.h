@@ -24,6 +24,19 @@ namespace zeb::analysis {
 /// How deep a run was profiled.
 enum class Level : std::int32_t { basic = 1, detailed = 2, internal = 1100 };
 
+/// @return the level in a word; empty for one that has none
+constexpr std::string_view nameOf(Level level) {
+    switch (level) {
+        case Level::basic:
+            return "basic";
+        case Level::detailed:
+            return "detailed";
+        case Level::internal:
+            return "internal";
+    }
+    return "";
+}
+
 using Value = std::variant<std::monostate, std::int64_t, std::uint64_t, double, SharedText>;
 
 /// Events nest no deeper in a run than in a log, whatever it was read from.

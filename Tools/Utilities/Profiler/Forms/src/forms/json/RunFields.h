@@ -21,9 +21,10 @@ struct EnumName {
     std::string_view name;
 };
 
-inline constexpr EnumName<analysis::Level> levelNames[] = {{analysis::Level::basic, "basic"},
-                                                           {analysis::Level::detailed, "detailed"},
-                                                           {analysis::Level::internal, "internal"}};
+inline constexpr EnumName<analysis::Level> levelNames[] = {
+    {analysis::Level::basic, nameOf(analysis::Level::basic)},
+    {analysis::Level::detailed, nameOf(analysis::Level::detailed)},
+    {analysis::Level::internal, nameOf(analysis::Level::internal)}};
 inline constexpr EnumName<analysis::StepKind> stepNames[] = {
     {analysis::StepKind::libraryLoad, "library-load"}, {analysis::StepKind::initStep, "init-step"},
     {analysis::StepKind::compose, "compose"},          {analysis::StepKind::init, "init"},
