@@ -2,7 +2,8 @@
 # Measures the release build of the reader on logs of many shapes and prints one table:
 #
 #   scripts/bench.sh [--quick | --full] [--rounds N] [SHAPE...]     whole logs against their floors
-#   scripts/bench.sh --forms [--quick | --full] [SHAPE...]            the forms of a run, from the log on
+#   scripts/bench.sh --forms [--quick | --full] [SHAPE...]          the forms of a run, from the log on
+#   scripts/bench.sh --comparison [SEEDS [FIRST]]                   the comparison on logs of which the truth is known
 #   scripts/bench.sh --parts [options of Google Benchmark]          the steps of loading, one by one
 #
 # --quick takes small logs and 3 rounds, --full large ones, with a single chunk of 400 MB. docs/performance.md says
@@ -19,6 +20,12 @@ if [ "${1-}" = --parts ]; then
     shift
     build release reader-parts-bench
     exec "$bin/reader-parts-bench" "$@"
+fi
+
+if [ "${1-}" = --comparison ]; then
+    shift
+    build release comparison-tables
+    exec "$bin/comparison-tables" "$@"
 fi
 
 build release profile-log-bench
