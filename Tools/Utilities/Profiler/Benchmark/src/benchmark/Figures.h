@@ -30,11 +30,13 @@ enum class Figure : std::size_t {
     json,
     html,
     trace,
+    markdown,
     compare,
     topMemory,  ///< the same, peak resident bytes above those of the idle process
     jsonMemory,
     htmlMemory,
     traceMemory,
+    markdownMemory,
     compareMemory,
     logSize,  ///< bytes
     count,

@@ -132,6 +132,14 @@ void writeManyGraphs(ChunkedLog& log, std::size_t graphs) {
     }
 }
 
+void writeFinalizedGraphs(ChunkedLog& log, std::size_t graphs) {
+    for (std::size_t graph = 0; graph < graphs; ++graph) {
+        log.add(message(MethodType::Finalize, "graph of the model, number " + std::to_string(graph),
+                        4000 + graph % 100, {tree(graph, 2, 1)}));
+    }
+    writeManyGraphs(log, graphs);
+}
+
 void writeWide(ChunkedLog& log, std::size_t names) {
     constexpr std::size_t records = 20;
     for (std::size_t record = 0; record < records; ++record) {
@@ -295,11 +303,13 @@ void writeSharedCompose(ChunkedLog& log, std::size_t references) {
         {MethodType::ComposeGraphs, references, std::string(references * textPerReference, 'n')}));
 }
 
-constexpr std::array<Shape, 16> shapes = {{
+constexpr std::array<Shape, 17> shapes = {{
     {"steady", "steady", 4'000, 12'000, 24'000, usualChunk, writeSteady, true, true, true},
     {"tiny-chunks", "tiny chunks", 4'000, 12'000, 24'000, messageAChunk, writeSteady},
     {oneChunkShape, "one chunk", 4'000, 12'000, 109'000, allInOneChunk, writeSteady},
     {"many-graphs", "many graphs", 50'000, 200'000, 200'000, usualChunk, writeManyGraphs, true, true, true},
+    {"finalized-graphs", "finalized graphs", 50'000, 100'000, 200'000, usualChunk, writeFinalizedGraphs,
+     false, false, true},
     {"wide", "wide", 8'000, 20'000, 40'000, usualChunk, writeWide},
     {"late-events", "late events", 60'000, 200'000, 200'000, usualChunk, writeLateEvents},
     {"rising", "rising", 400, 1'200, 2'400, usualChunk, writeRising},

@@ -15,6 +15,7 @@
 #include "benchmark/Floors.h"
 #include "benchmark/Processes.h"
 #include "forms/json/RunJson.h"
+#include "forms/markdown/RunMarkdown.h"
 #include "forms/page/Page.h"
 #include "forms/text/ComparisonText.h"
 #include "forms/text/TopText.h"
@@ -187,6 +188,11 @@ void measureTrace(const MeasuredLog& log, Figures& figures) {
         });
 }
 
+void measureMarkdown(const MeasuredLog& log, Figures& figures) {
+    measureForm(log, figures, Figure::markdown, Figure::markdownMemory, EventTrees::leftOut,
+                [](const analysis::Run& run, std::ostream& out) { forms::writeRunMarkdown(out, run); });
+}
+
 // Of the log with itself, which is read once.
 void measureCompare(const MeasuredLog& log, Figures& figures) {
     measureForm(log, figures, Figure::compare, Figure::compareMemory, EventTrees::leftOut,
@@ -196,11 +202,12 @@ void measureCompare(const MeasuredLog& log, Figures& figures) {
                 });
 }
 
-constexpr std::array<Subject, 5> ofForms = {{
+constexpr std::array<Subject, 6> ofForms = {{
     {measureTop},
     {measureJson},
     {measureHtml},
     {measureTrace},
+    {measureMarkdown},
     {measureCompare},
 }};
 

@@ -108,10 +108,12 @@ constexpr Form formOf(std::string_view title) {
               {"mem growth", 2, growth<Memory>}}}};
 }
 
-constexpr std::array<Form, 5> forms = {
-    formOf<Figure::top, Figure::topMemory>("top"), formOf<Figure::json, Figure::jsonMemory>("json"),
-    formOf<Figure::html, Figure::htmlMemory>("html"), formOf<Figure::trace, Figure::traceMemory>("trace"),
-    formOf<Figure::compare, Figure::compareMemory>("compare")};
+constexpr std::array<Form, 6> forms = {formOf<Figure::top, Figure::topMemory>("top"),
+                                       formOf<Figure::json, Figure::jsonMemory>("json"),
+                                       formOf<Figure::html, Figure::htmlMemory>("html"),
+                                       formOf<Figure::trace, Figure::traceMemory>("trace"),
+                                       formOf<Figure::markdown, Figure::markdownMemory>("markdown"),
+                                       formOf<Figure::compare, Figure::compareMemory>("compare")};
 
 int widthOf(const Column& column) {
     return std::max<int>(6, static_cast<int>(column.title.size()));
