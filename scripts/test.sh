@@ -4,7 +4,7 @@
 set -euo pipefail
 source "$(dirname "$0")/setup.sh"
 
-packages+=(sqlite3)
+packages+=(sqlite3 cmark-gfm)
 install_packages
 if ! command -v chromium chromium-browser google-chrome google-chrome-stable >/dev/null; then
     echo "No browser is installed: the tests that open the page in one are skipped. apt-get install chromium" >&2

@@ -4,11 +4,16 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <sstream>
 #include <string>
 
+#include "analysis/MakeRun.h"
 #include "forms/markdown/ComparisonMarkdown.h"
 #include "forms/markdown/MarkdownText.h"
+#include "forms/markdown/RunMarkdown.h"
+#include "samplelog/NetworkLog.h"
 #include "support/TestFiles.h"
 
 namespace zeb::forms {
@@ -77,6 +82,39 @@ std::string markdownOf(const analysis::Comparison& comparison) {
     return out.str();
 }
 
+// Everywhere where a log has a text of its own it has this one.
+analysis::Run runOf(const std::string& name, std::size_t graphs = 1, std::size_t rows = 3) {
+    analysis::Run run;
+    run.logFile = name;
+    run.header = analysis::Header{.generatorName = name, .generatorVersion = name, .backendVersion = name};
+    run.level = analysis::Level::detailed;
+    analysis::Graph graph;
+    graph.name = name;
+    graph.spread.count = 20;
+    graph.inference = {"Marlix", 100, analysis::PartKind::inference, "Its parts, " + name, {}};
+    for (std::size_t row = 0; row < rows; ++row) {
+        graph.inference.parts.push_back({name, 7, analysis::PartKind::event, "", {}});
+        graph.zebLayers.push_back({name, row, 2, {}});
+        graph.layerTypes.push_back({name, 1, 2, 30});
+        graph.layers.dspUs += row;
+        graph.layers.krelUs += 2;
+        analysis::Finding finding;
+        finding.group = row == 0 ? analysis::FindingGroup::once : analysis::FindingGroup::note;
+        finding.text = "Of " + name + " there is something.";
+        graph.findings.push_back(finding);
+    }
+    graph.layers.kind = analysis::LayerKind::zeb;
+    run.findings = graph.findings;
+    run.graphs.assign(graphs, graph);
+    return run;
+}
+
+std::string markdownOf(const analysis::Run& run) {
+    std::ostringstream out;
+    writeRunMarkdown(out, run);
+    return out.str();
+}
+
 bool hasRenderer() {
     return std::system("cmark-gfm --version > /dev/null 2>&1") == 0;
 }
@@ -99,36 +137,107 @@ std::size_t countOf(std::string_view text, std::string_view part) {
     return count;
 }
 
+// Whatever the name is, there are the elements that a plain name has, and none that could do anything.
+void expectText(const std::string& markdown, const std::string& plain) {
+    const std::string html = htmlOf(markdown);
+    for (const std::string_view part : {"<table", "<tr", "<td", "<th", "<h", "<p", "<li", "<ul", "<details",
+                                        "</details", "<code", "<strong", "<br"}) {
+        EXPECT_EQ(countOf(html, part), countOf(plain, part)) << part << "\n" << html;
+    }
+    for (const std::string_view part : {"<a ", "<img", "<em", "<del", "<ol", "\x1B", "\xE2\x80\xAE"}) {
+        EXPECT_EQ(countOf(html, part), 0U) << part << "\n" << html;
+    }
+}
+
 TEST(Markdown, AHostileNameIsNothingButText) {
     if (!hasRenderer()) {
         GTEST_SKIP() << "there is no cmark-gfm, so nothing was rendered";
     }
-    const std::string plain = htmlOf(markdownOf(comparisonOf("conv1")));
+    const std::string comparison = htmlOf(markdownOf(comparisonOf("conv1")));
+    const std::string run = htmlOf(markdownOf(runOf("conv1")));
     for (const std::string_view name : hostileNames) {
         SCOPED_TRACE(name);
-        const std::string html = htmlOf(markdownOf(comparisonOf(std::string(name))));
-        for (const std::string_view part : {"<table", "<tr", "<td", "<th", "<h", "<p", "<li", "<ul",
-                                            "<details", "</details", "<code", "<strong", "<br"}) {
-            EXPECT_EQ(countOf(html, part), countOf(plain, part)) << part << "\n" << html;
-        }
-        for (const std::string_view part : {"<a ", "<img", "<em", "<del", "<ol", "\x1B"}) {
-            EXPECT_EQ(countOf(html, part), 0U) << part << "\n" << html;
-        }
+        expectText(markdownOf(comparisonOf(std::string(name))), comparison);
+        expectText(markdownOf(runOf(std::string(name))), run);
     }
-    EXPECT_EQ(countOf(plain, "<td"), 7U + 3U * 0U + 6U * 5U);
+    EXPECT_EQ(countOf(comparison, "<td"), 7U + 6U * 5U);
+    // Executions with the least, the median, p90 and the most; Marlix and three parts; layers and their sum;
+    // types.
+    EXPECT_EQ(countOf(run, "<td"), 5U + 4U * 3U + 4U * 5U + 3U * 5U);
     // Outside of code nothing follows an at sign or a number sign at once.
     EXPECT_EQ(countOf(htmlOf(markdownSentence("for @somebody of #12")), "@somebody"), 0U);
     EXPECT_EQ(countOf(htmlOf(markdownSentence("for @somebody of #12")), "#12"), 0U);
 }
 
 TEST(Markdown, StaysShortAndCountsWhatItLeavesOut) {
-    const std::string longName(300, '@');
-    for (const std::size_t graphs : {1U, 30U, 100U}) {
-        const std::string markdown = markdownOf(comparisonOf(longName, graphs, 500));
-        EXPECT_LE(markdown.size(), maxMarkdownBytes) << graphs;
-        EXPECT_EQ(markdown.find("graphs that did not fit in here") != std::string::npos, graphs > 1);
-        EXPECT_NE(markdown.find("[480 others]"), std::string::npos);
+    const std::string longNames[] = {std::string(300, '@'), std::string(300, '|'), [] {
+                                         std::string wide;
+                                         for (int count = 0; count < 64; ++count) {
+                                             wide += "\xF0\x9F\x92\xA9";
+                                         }
+                                         return wide;
+                                     }()};
+    for (const std::string& name : longNames) {
+        for (const std::size_t graphs : {1U, 30U, 100U}) {
+            const std::string comparison = markdownOf(comparisonOf(name, graphs, 500));
+            const std::string run = markdownOf(runOf(name, graphs, 500));
+            for (const std::string& markdown : {comparison, run}) {
+                EXPECT_LE(markdown.size(), maxMarkdownBytes) << graphs;
+                EXPECT_EQ(markdown.find("graphs that did not fit in here") != std::string::npos, graphs > 1);
+                EXPECT_EQ(markdown.find("1 more graph that did not"), std::string::npos)
+                    << "the first has room";
+            }
+            EXPECT_NE(comparison.find("[480 others]"), std::string::npos);
+            EXPECT_NE(run.find("[490 others]"), std::string::npos);
+            EXPECT_NE(run.find("and 461 parts more"), std::string::npos);
+            EXPECT_NE(run.find("[480 others]"), std::string::npos) << "types";
+        }
     }
+}
+
+TEST(Markdown, KeepsWhatASentenceSays) {
+    EXPECT_EQ(markdownSentence(" x  y "), "x  y");  // blanks at an end could not be emphasised
+    if (hasRenderer()) {
+        EXPECT_EQ(htmlOf(markdownSentence("a &lt;b&gt; \\| [c](d) *e* 1. f")),
+                  "<p>a &amp;lt;b&amp;gt; \\| [c](d) *e* 1. f</p>\n");
+    }
+}
+
+TEST(Markdown, HasRoomForTheCountOfWhatHasNoRoom) {
+    for (const std::size_t bytes : {maxMarkdownBytes - 300, maxMarkdownBytes - 100, maxMarkdownBytes}) {
+        MarkdownDocument document("");
+        document.add(std::string(bytes, 'x'));
+        document.add(std::string(300, 'y'));
+        document.add(std::string(maxMarkdownBytes, 'z'));
+        const std::string text = document.text("graph", "graphs");
+        EXPECT_LE(text.size(), maxMarkdownBytes);
+        EXPECT_NE(text.find("that did not fit in here"), std::string::npos);
+    }
+}
+
+void expectWholeText(const std::string& name, const std::string& actual) {
+    if (actual != test::fileText(std::string(ZEB_EXPECTED_TEXTS) + '/' + name)) {
+        std::ofstream(name, std::ios::binary) << actual;
+        ADD_FAILURE() << name << " is not as expected; compare with " << std::filesystem::absolute(name);
+    }
+}
+
+TEST(Markdown, OfARunHasItsTimesItsTreeItsLayersAndWhatStandsOut) {
+    const test::TempDir files;
+    const auto textOf = [&files](const samplelog::NetworkOptions& options) {
+        std::ofstream log(files.path("run.log"), std::ios::binary);
+        writeNetworkLog(log, options);
+        log.close();
+        analysis::Run run = analysis::makeRun(files.path("run.log"), profiling::VisibilityLevel{127}).value();
+        run.logFile = "run.log";
+        return markdownOf(run);
+    };
+    expectWholeText("network.md", textOf({}));
+    expectWholeText(
+        "async-basic.md",
+        textOf({.async = true, .level = samplelog::ProfileLevel::basic, .executions = 2, .graphs = 2}));
+    EXPECT_EQ(markdownOf(analysis::Run{}),
+              "## Profile of a run\n\nNo graph was executed.\n\nLog: (no name)\n");
 }
 
 TEST(Markdown, BeginsWithGateAndAnswerAndFoldsTheRest) {

@@ -11,6 +11,7 @@
 #include "command/LogDiagnosis.h"
 #include "console/ConsoleStyle.h"
 #include "forms/json/RunJson.h"
+#include "forms/markdown/RunMarkdown.h"
 #include "forms/page/Page.h"
 #include "forms/text/TopText.h"
 #include "forms/trace/Trace.h"
@@ -60,6 +61,11 @@ Words writePage(std::ostream& out, const RunFormInput& input) {
     return {};
 }
 
+Words writeMarkdown(std::ostream& out, const RunFormInput& input) {
+    forms::writeRunMarkdown(out, input.run);
+    return {};
+}
+
 constexpr Form formTable[] = {
     {.option = "--json",
      .help = "Write all figures of the run to FILE as JSON",
@@ -69,6 +75,7 @@ constexpr Form formTable[] = {
      std::uint64_t{256} << 20U, "are more than most browsers open; --trace-from and --trace-to cut it"},
     {"--html", "Write the run to FILE as a page for a browser", writePage, std::uint64_t{50} << 20U,
      "are more than most browsers show at ease; --json has the same figures", true},
+    {"--markdown", "Write the run to FILE as Markdown, for a pull request or a job's summary", writeMarkdown},
 };
 
 }  // namespace

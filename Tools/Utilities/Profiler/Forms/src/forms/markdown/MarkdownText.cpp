@@ -11,6 +11,7 @@ namespace {
 constexpr std::size_t maxNameColumns = 80;
 constexpr std::size_t maxSentenceColumns = 400;
 constexpr std::size_t maxListed = 12;
+constexpr std::size_t maxListBytes = 8'000;  // before the last one
 // Splits the text for whoever looks for mentions and addresses in what is rendered.
 constexpr std::string_view nothing = "<!-- -->";
 
@@ -96,11 +97,12 @@ std::string MarkdownDocument::text(std::string_view one, std::string_view severa
 
 std::string markdownList(const std::vector<std::string>& sentences) {
     std::string list;
-    for (std::size_t position = 0; position < std::min(sentences.size(), maxListed); ++position) {
-        list += "- " + markdownSentence(sentences[position]) + '\n';
+    std::size_t listed = 0;
+    while (listed < std::min(sentences.size(), maxListed) && list.size() < maxListBytes) {
+        list += "- " + markdownSentence(sentences[listed++]) + '\n';
     }
-    if (sentences.size() > maxListed) {
-        list += "- and " + std::to_string(sentences.size() - maxListed) + " more\n";
+    if (sentences.size() > listed) {
+        list += "- and " + std::to_string(sentences.size() - listed) + " more\n";
     }
     return list;
 }

@@ -45,7 +45,7 @@ private:
     std::size_t leftOut_ = 0;
 };
 
-/// @return a list of sentences, of which it shows no more than a few and counts the rest
+/// @return a list of sentences, of which it shows no more than a few, on few bytes, and counts the rest
 std::string markdownList(const std::vector<std::string>& sentences);
 
 }  // namespace zeb::forms
