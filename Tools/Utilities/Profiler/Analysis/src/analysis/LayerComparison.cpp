@@ -13,7 +13,8 @@ namespace {
 
 // A log's averages are cut to whole microseconds, so a move by no more may be all rounding.
 constexpr double resolutionUs = 1.0;
-// One log a side: how far beyond the others a layer has to be. A layer may be cut at more than one place.
+// One log a side: how far beyond the others a layer has to be. A layer may be cut at more than one place, and
+// that adds to what layers vary by.
 constexpr double oneLogResolutionUs = 2.0;
 constexpr double oneLogDeviations = 6.0;
 
@@ -82,9 +83,12 @@ private:
         if (change.changeUs() == 0.0) {
             change.verdict = Verdict::same;
         }
-        if (factors_ != nullptr && change.excess && std::abs(change.excessUs) > oneLogResolutionUs &&
-            std::abs(std::log1p(*change.excess)) > oneLogDeviations * factors_->deviation) {
-            change.verdict = directionOf(*change.excess);
+        if (factors_ != nullptr && change.excess) {
+            const double leastUs =
+                oneLogResolutionUs + oneLogDeviations * factors_->deviation * change.baseUs * factor_;
+            if (std::abs(change.excessUs) > leastUs) {
+                change.verdict = directionOf(*change.excess);
+            }
         }
     }
 
