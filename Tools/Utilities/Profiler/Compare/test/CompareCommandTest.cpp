@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <regex>
 #include <sstream>
 #include <string>
 
@@ -235,6 +236,15 @@ TEST_F(CompareCommand, TakesTheJsonOfARunForItsLog) {
         EXPECT_EQ(tablesOf(result.out), expected);
         EXPECT_TRUE(holds(result.out, "/json")) << result.out;
     }
+    EXPECT_TRUE(holds(expected, "\n  Init "));
+    const std::string old =
+        std::regex_replace(test::fileText(files.path("json")),
+                           std::regex("\"(init_us|finalize_us|inference|run_id)\":"), "\"x\":");
+    const CommandResult result = run({files.write("old", old), changed});
+    EXPECT_TRUE(
+        holds(result.out, "/old is JSON of an earlier version, which has neither Init nor Finalize.\n"))
+        << result.out;
+    EXPECT_FALSE(holds(result.out, "\n  Init ") || holds(result.out, "\n  Finalize ")) << result.out;
 }
 
 // A log and the JSON of a run alike, each read as often as it takes.

@@ -113,8 +113,8 @@ ZEB layers
   fast             50      25        -25   -50.0%   0.010  faster
   young             0      12        +12                   new
   loud            100     110        +10        ~   0.200
-  [2 others]      190   190.5       +0.5
-  Sum             500   537.5      +37.5
+  [2 others]    190.0   190.5       +0.5
+  Sum           500.0   537.5      +37.5
 
 Graph less is gone: the base alone has it.
 
@@ -139,8 +139,8 @@ ZEB layers
   fast             50      25        -25   -50.0%  -50.0%   0.010  faster
   young             0      12        +12                           new
   loud            100     110        +10   +10.0%       ~   0.200
-  [2 others]      190   190.5       +0.5
-  Sum             500   537.5      +37.5
+  [2 others]    190.0   190.5       +0.5
+  Sum           500.0   537.5      +37.5
 )");
 }
 
@@ -186,7 +186,7 @@ TEST(ComparisonText, HidesNothingWhereNothingIsToBeHidden) {
     EXPECT_NE(all.find("\n  quiet"), std::string::npos);
     EXPECT_EQ(all.find("other"), std::string::npos);
     const std::string few = textOf(severalLogs(), {.hideBelow = 0.15});  // what is marked stays
-    EXPECT_NE(few.find("  [3 others]      290   300.5      +10.5\n"), std::string::npos) << few;
+    EXPECT_NE(few.find("  [3 others]    290.0   300.5      +10.5\n"), std::string::npos) << few;
 }
 
 TEST(ComparisonText, ColoursWholeRowsRedAndGreen) {
@@ -254,30 +254,31 @@ TEST(ComparisonJson, HoldsAllThatWasCompared) {
                                        analysis::Spread{7, {70, 90, 95, 96, 97}, {}}};
     std::ostringstream out;
     writeComparisonJson(out, comparison, analysis::Gate{.maxGrowth = 0.05, .minChangeUs = 3});
-    EXPECT_EQ(out.str(),
-              R"({"schema":"zeb-profile-comparison/1","basis":"several","base":["a1","a\u001b\n2",)"
-              R"("a3","a4","a5"],"new":["b1","b2"],"different_levels":false,"copies":[],)"
-              R"("same_run":false,"warnings":[")"
-              "\xEF\xBF\xBD"
-              R"("],"graphs":[{"base_name":"net","new_name":"net","base_logs":0,"new_logs":0,)"
-              R"("answer":{"kind":"slower","text":"Slower by 10.0%: an inference takes 1100 us in place )"
-              R"(of 1000 us.","causes":["conv1 +100 us, 98% of it","nothing else"]},)"
-              R"("base_executions":{"count":19,"min_us":80.0,"median_us":100.0,"p90_us":120.5,)"
-              R"("p99_us":130.0,"max_us":140.0},"new_executions":{"count":7,"min_us":70.0,)"
-              R"("median_us":90.0,"p90_us":95.0,"p99_us":96.0,"max_us":97.0},"shared":null,"totals":[)"
-              R"({"total":"marlix","base":{"logs":5,"mean_us":1000.0,"median_us":1000.0,)"
-              R"("min_us":990.0,"max_us":1010.0},"new":{"logs":5,"mean_us":1100.0,"median_us":1100.0,)"
-              R"("min_us":1090.0,"max_us":1120.0},"change_us":100.0,"change":0.1,"low":0.08,)"
-              R"("high":0.125,"p":0.0079365,"spread":null,"verdict":"slower"}],"layers":[)"
-              R"({"name":"conv1","base_us":100.0,"new_us":200.0,"change_us":100.0,"change":1.0,)"
-              R"("excess":1.0,"excess_us":100.0,"p":1e-05,"verdict":"slower"},)"
-              R"({"name":"old","base_us":60.0,"new_us":0.0,"change_us":-60.0,"change":null,)"
-              R"("excess":null,"excess_us":-60.0,"p":null,"verdict":"gone"}],"types":[]}],)"
-              R"("gone_graphs":["less"],"new_graphs":["more"],"gate":{"total":"marlix",)"
-              R"("fail_above":0.05,"fail_layer_above":null,"min_change_us":3.0,"fail_unsure":false,)"
-              R"("outcome":"slower","reasons":["Graph net: the time for Marlix, median grew by 10.0% )"
-              R"((95% interval +8.0% to +12.5%), and 5.0% is allowed."]}})"
-              "\n");
+    EXPECT_EQ(
+        out.str(),
+        R"({"schema":"zeb-profile-comparison/1","basis":"several","base":["a1","a\u001b\n2",)"
+        R"("a3","a4","a5"],"new":["b1","b2"],"different_levels":false,"copies":[],)"
+        R"("same_run":false,"warnings":[")"
+        "\xEF\xBF\xBD"
+        R"("],"graphs":[{"base_name":"net","new_name":"net","base_logs":0,"new_logs":0,)"
+        R"("answer":{"kind":"slower","text":"Slower by 10.0%: an inference takes 1100 us in place )"
+        R"(of 1000 us.","causes":["conv1 +100 us, 98% of it","nothing else"]},)"
+        R"("base_executions":{"count":19,"min_us":80.0,"median_us":100.0,"p90_us":120.5,)"
+        R"("p99_us":130.0,"max_us":140.0},"new_executions":{"count":7,"min_us":70.0,)"
+        R"("median_us":90.0,"p90_us":95.0,"p99_us":96.0,"max_us":97.0},"shared":null,"totals":[)"
+        R"({"total":"marlix","name":"Marlix, median","base":{"logs":5,"mean_us":1000.0,"median_us":1000.0,)"
+        R"("min_us":990.0,"max_us":1010.0},"new":{"logs":5,"mean_us":1100.0,"median_us":1100.0,)"
+        R"("min_us":1090.0,"max_us":1120.0},"change_us":100.0,"change":0.1,"low":0.08,)"
+        R"("high":0.125,"p":0.0079365,"spread":null,"verdict":"slower"}],"inference":null,"layers":[)"
+        R"({"name":"conv1","base_us":100.0,"new_us":200.0,"change_us":100.0,"change":1.0,)"
+        R"("excess":1.0,"excess_us":100.0,"p":1e-05,"verdict":"slower"},)"
+        R"({"name":"old","base_us":60.0,"new_us":0.0,"change_us":-60.0,"change":null,)"
+        R"("excess":null,"excess_us":-60.0,"p":null,"verdict":"gone"}],"types":[]}],)"
+        R"("gone_graphs":["less"],"new_graphs":["more"],"gate":{"total":"marlix",)"
+        R"("fail_above":0.05,"fail_layer_above":null,"min_change_us":3.0,"fail_unsure":false,)"
+        R"("outcome":"slower","reasons":["Graph net: the time for Marlix, median grew by 10.0% )"
+        R"((95% interval +8.0% to +12.5%), and 5.0% is allowed."]}})"
+        "\n");
 }
 
 }  // namespace

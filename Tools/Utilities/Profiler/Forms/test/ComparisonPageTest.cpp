@@ -74,6 +74,8 @@ Compared allKinds() {
                     totalOf(Total::backend, 900, 810, -0.12, -0.05, Verdict::faster),
                     totalOf(Total::ipc, 50, 49, -0.1, 0.05, Verdict::unsure),
                     totalOf(Total::queueWait, 1, 60, 1, 90, Verdict::slower)};
+    graph.inference = analysis::PartChange{
+        "Marlix", 1000, 1090, Verdict::unsure, {{"Backend", 900, 810, Verdict::faster, {}}}};
     graph.layers = {layerOf("conv10", 100, 200, 0.00001, Verdict::slower),
                     layerOf("old", 60, 0, {}, Verdict::gone),
                     layerOf("conv9", 50, 25, 0.01, Verdict::faster),

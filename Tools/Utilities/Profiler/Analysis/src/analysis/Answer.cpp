@@ -41,12 +41,10 @@ public:
 
     [[nodiscard]] Answer answer() const {
         Answer answer = verdict();
-        if (basis_ != Basis::tooFew) {
-            addCulprits(answer);
-            addShared(answer);
-            if (answer.causes.empty() && isSure(row_ == nullptr ? Verdict::unsure : row_->verdict)) {
-                addRest(answer);
-            }
+        addCulprits(answer);
+        addShared(answer);
+        if (answer.causes.empty() && isSure(row_ == nullptr ? Verdict::unsure : row_->verdict)) {
+            addRest(answer);
         }
         return answer;
     }
@@ -58,8 +56,9 @@ private:
         if (row_ == nullptr || !row_->isOnBoth()) {
             return {Kind::unsure, "Can't tell: not both sides have execution times of this graph.", {}};
         }
-        const std::string times = "an inference takes " + microseconds(row_->changed.mean) +
-                                  " us in place of " + microseconds(row_->base.mean) + " us";
+        const std::string times =
+            std::string("an inference") + (row_->holdsQueueWait ? " with its queue wait" : "") + " takes " +
+            microseconds(row_->changed.mean) + " us in place of " + microseconds(row_->base.mean) + " us";
         switch (basis_) {
             case Basis::oneEach:
                 return ofOneEach(times);
@@ -134,6 +133,9 @@ private:
             const double share = whole && *whole != 0.0 ? layer.excessUs / *whole : 0.0;
             if (share > 0.0 && share <= 1.0) {
                 cause += ", " + fixedPoint(share * 100.0, 0) + "% of it";
+            } else if (basis_ != Basis::oneEach &&
+                       (answer.kind == Kind::unsure || answer.kind == Kind::notSlower)) {
+                cause += ", which is sure";
             }
             answer.causes.push_back(std::move(cause));
         }

@@ -7,6 +7,7 @@
 #include "analysis/Answer.h"
 #include "analysis/ComparisonWarnings.h"
 #include "analysis/LayerComparison.h"
+#include "analysis/PartComparison.h"
 #include "analysis/RunCopies.h"
 
 namespace zeb::analysis {
@@ -54,6 +55,7 @@ public:
         for (std::size_t position = 0; position < totalCount; ++position) {
             addTotal(comparison, static_cast<Total>(position));
         }
+        comparison.inference = inference();
         addLayers(comparison, renames);
         return comparison;
     }
@@ -90,6 +92,7 @@ private:
         }
         TotalChange& row = comparison.totals.emplace_back();
         row.total = total;
+        row.holdsQueueWait = holdsQueueWait(base_) || holdsQueueWait(changed_);
         row.baseLogs = base.size();
         row.newLogs = changed.size();
         row.base = rangeOf(base);
@@ -108,6 +111,19 @@ private:
             judge(row, isPaired_ ? shiftOfPairs(base, changed) : shiftBetween(base, changed));
             row.spread = row.interval ? largeSpread(base, changed, isPaired_) : std::nullopt;
         }
+    }
+
+    static bool holdsQueueWait(const SideGraph& side) {
+        return std::any_of(side.logs.begin(), side.logs.end(), [](const GraphSummary* graph) {
+            return graph != nullptr && graph->holdsQueueWait;
+        });
+    }
+
+    [[nodiscard]] std::optional<PartChange> inference() const {
+        std::vector<double> base;
+        std::vector<double> changed;
+        addSamples(Total::average, base, changed);
+        return compareInferences(base_, changed_, basisWith(base.size(), changed.size()), isPaired_);
     }
 
     static void judge(TotalChange& row, const std::optional<Shift>& shift) {
@@ -178,6 +194,30 @@ void warn(Comparison& comparison, Runs base, Runs changed, std::span<const Renam
     }
 }
 
+// What is not known is neither new nor gone.
+void leaveOutUnknownStart(Comparison& comparison, Runs base, Runs changed) {
+    std::vector<std::string> lacking;
+    for (const Runs side : {base, changed}) {
+        for (const RunSummary& run : side) {
+            if (run.lacksStart) {
+                lacking.push_back(run.logFile);
+            }
+        }
+    }
+    if (lacking.empty()) {
+        return;
+    }
+    const std::string others =
+        lacking.size() == 1 ? " is" : " and " + std::to_string(lacking.size() - 1) + " more are";
+    comparison.warnings.push_back(lacking.front() + others +
+                                  " JSON of an earlier version, which has neither Init nor Finalize.");
+    for (GraphComparison& graph : comparison.graphs) {
+        std::erase_if(graph.totals, [](const TotalChange& row) {
+            return (row.total == Total::init || row.total == Total::finalize) && !row.isOnBoth();
+        });
+    }
+}
+
 std::vector<std::string> filesOf(Runs runs) {
     std::vector<std::string> files;
     for (const RunSummary& run : runs) {
@@ -240,6 +280,7 @@ Comparison compare(Runs base, Runs changed, const CompareSettings& settings) {
     comparison.goneGraphs = std::move(graphs.gone);
     comparison.addedGraphs = std::move(graphs.added);
     warn(comparison, runs.base, runs.changed, settings.renames);
+    leaveOutUnknownStart(comparison, runs.base, runs.changed);
     comparison.warnings.insert(comparison.warnings.end(), runs.warnings.begin(), runs.warnings.end());
     return comparison;
 }

@@ -44,7 +44,8 @@ std::string_view nameOf(Verdict verdict);
 /// A total of a graph on both sides.
 struct TotalChange {
     Total total = Total::marlix;
-    std::size_t baseLogs = 0;  ///< that have the figure
+    bool holdsQueueWait = false;  ///< as of asynchronous executions
+    std::size_t baseLogs = 0;     ///< that have the figure
     std::size_t newLogs = 0;
     Range base;  ///< over the logs
     Range changed;
@@ -54,11 +55,25 @@ struct TotalChange {
     std::optional<double> spread;  ///< of the logs, see `largeSpread`; nothing without an interval
     Verdict verdict = Verdict::unsure;
 
+    /// @return what forms call it, "Marlix, median" or "Backend with queue wait"
+    [[nodiscard]] std::string_view name() const { return nameOf(total, holdsQueueWait); }
     [[nodiscard]] bool isOnBoth() const { return baseLogs != 0 && newLogs != 0; }
     /// @return the difference of the means; where an outlier turns its sign against a change that is sure,
     /// what
     ///         that change makes of the base
     [[nodiscard]] double changeUs() const;
+};
+
+/// A part of an average inference on both sides. Times are means over the logs; a log that lacks a part which
+/// others of its side have counts with 0.
+struct PartChange {
+    std::string name;
+    double baseUs = 0.0;
+    double newUs = 0.0;
+    Verdict verdict = Verdict::unsure;
+    std::vector<PartChange> parts;
+
+    [[nodiscard]] double changeUs() const { return newUs - baseUs; }
 };
 
 /// A layer, or a type of layers, on both sides. Times are the means of the logs' averages; a log that lacks a
@@ -98,7 +113,8 @@ struct GraphComparison {
     std::size_t baseLogs = 0;  ///< that have the graph
     std::size_t newLogs = 0;
     std::optional<std::pair<Spread, Spread>> executions;  ///< without the warm-up; one log each only
-    std::vector<TotalChange> totals;     ///< in the order of `Total`, without those that neither side has
+    std::vector<TotalChange> totals;      ///< in the order of `Total`, without those that neither side has
+    std::optional<PartChange> inference;  ///< nothing where no log has a time for it
     std::vector<LayerChange> layers;     ///< the largest change first; none when a side has no data on layers
     std::vector<LayerChange> types;      ///< the same
     std::optional<SharedChange> shared;  ///< nothing where the layers have no common factor

@@ -102,7 +102,7 @@ private:
 
     // A log that lacks the figure would be left out without a word.
     [[nodiscard]] std::optional<std::string> graphTrouble(const TotalChange* row) const {
-        const std::string name(nameOf(gate_.total));
+        const std::string name(row == nullptr ? nameOf(gate_.total) : row->name());
         const std::size_t base = row == nullptr ? 0 : row->baseLogs;
         const std::size_t changed = row == nullptr ? 0 : row->newLogs;
         if (base < comparison_.baseLogs.size() || changed < comparison_.newLogs.size()) {
@@ -127,9 +127,9 @@ private:
                              *row->change * row->base.mean >= floorUs * (1.0 - rounding);
         if (isAbove && (comparison_.basis == Basis::oneEach || row->verdict == Verdict::slower)) {
             const auto [grown, allowed] = percents(*row->change, limit);
-            add(GateOutcome::slower, subject + "the time for " + std::string(nameOf(gate_.total)) +
-                                         " grew by " + grown + intervalText(*row) + ", and " + allowed +
-                                         " is allowed" + floorText(limit) + '.');
+            add(GateOutcome::slower, subject + "the time for " + std::string(row->name()) + " grew by " +
+                                         grown + intervalText(*row) + ", and " + allowed + " is allowed" +
+                                         floorText(limit) + '.');
         } else if (!row->interval || row->interval->high >= limit) {
             add(GateOutcome::unsure, subject + cantTell(*row, limit));
         }
@@ -146,7 +146,7 @@ private:
     [[nodiscard]] std::string cantTell(const TotalChange& row, double limit) const {
         const auto [change, allowed] = percents(*row.change, limit);
         const std::string sign = *row.change > 0.0 ? "+" : "";
-        std::string sentence = "can't tell whether the time for " + std::string(nameOf(gate_.total)) +
+        std::string sentence = "can't tell whether the time for " + std::string(row.name()) +
                                " grew by more than the " + allowed + floorText(limit) +
                                " allowed: it changed by " + sign + change;
         if (comparison_.basis == Basis::oneEach) {

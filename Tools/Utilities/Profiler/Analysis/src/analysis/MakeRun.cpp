@@ -274,11 +274,6 @@ bool covers(const std::vector<profiling::NodeMappingEntry>& mapping, std::size_t
 
 std::vector<OtherMethod> otherMethodsOf(const EventStore& store);
 
-// Whether the report's Init is made of it.
-bool isOfInit(const Step& step) {
-    return step.kind != StepKind::libraryLoad && step.kind != StepKind::deInit;
-}
-
 // The report has the latest finalization of each name.
 std::optional<std::uint64_t> finalizeUs(const std::vector<const NamedMethodRecord*>& finalizations) {
     std::optional<std::uint64_t> sum;
@@ -443,6 +438,10 @@ std::vector<OtherMethod> otherMethodsOf(const EventStore& store) {
 }
 
 }  // namespace
+
+bool isOfInit(const Step& step) {
+    return step.kind != StepKind::libraryLoad && step.kind != StepKind::deInit;
+}
 
 std::optional<Run> makeRun(const std::string& logFile, profiling::VisibilityLevel level,
                            EventTrees eventTrees) {

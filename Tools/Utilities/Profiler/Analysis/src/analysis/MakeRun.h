@@ -19,4 +19,7 @@ enum class EventTrees : bool { leftOut, gathered };
 std::optional<Run> makeRun(const std::string& logFile, profiling::VisibilityLevel level,
                            EventTrees eventTrees = EventTrees::gathered);
 
+/// @return whether the Init of the report is made of the step
+bool isOfInit(const Step& step);
+
 }  // namespace zeb::analysis

@@ -54,11 +54,19 @@ private:
         const RunSummary* const same = sameAmong(side, run);
         if (same != nullptr) {
             counted_.copies.push_back(run.logFile);
-            counted_.warnings.push_back(run.logFile + " is a copy of " +
-                                        (same->logFile == run.logFile ? "itself" : same->logFile) +
-                                        ", and a log counts once.");
+            warn(run.logFile +
+                 (same->logFile == run.logFile ? " is given more than once"
+                                               : " is a copy of " + same->logFile) +
+                 ", and a log counts once.");
         }
         return same != nullptr;
+    }
+
+    void warn(std::string warning) {
+        auto& warnings = counted_.warnings;
+        if (std::find(warnings.begin(), warnings.end(), warning) == warnings.end()) {
+            warnings.push_back(std::move(warning));
+        }
     }
 
     CountedRuns counted_;

@@ -1,7 +1,9 @@
 #include "analysis/RunSummary.h"
 
 #include <algorithm>
+#include <iterator>
 
+#include "analysis/MakeRun.h"
 #include "analysis/RunId.h"
 #include "analysis/Spread.h"
 
@@ -12,6 +14,18 @@ namespace {
 constexpr std::string_view totalNames[totalCount] = {
     "Marlix, median", "Marlix, average", "Backend", "Accelerator", "Outside accelerator", "IPC",
     "Copies",         "Queue wait",      "Init",    "Finalize",    "ZEB layers"};
+
+constexpr std::string_view namesWithQueueWait[totalCount] = {"Marlix with queue wait, median",
+                                                             "Marlix with queue wait, average",
+                                                             "Backend with queue wait",
+                                                             "Accelerator",
+                                                             "Outside accelerator with queue wait",
+                                                             "IPC",
+                                                             "Copies",
+                                                             "Queue wait",
+                                                             "Init",
+                                                             "Finalize",
+                                                             "ZEB layers"};
 
 std::optional<double> asTime(const std::optional<std::uint64_t>& us) {
     return us ? std::optional(static_cast<double>(*us)) : std::nullopt;
@@ -49,9 +63,25 @@ void addExecutions(GraphSummary& summary, const Executions& all) {
     summary.spread.firstUs.reset();  // the warm-up, which is no part of it
 }
 
+// Events may be many, and tell how the log was written more than where an inference goes.
+Part withoutEvents(const Part& part) {
+    Part kept;
+    kept.name = part.name;
+    kept.us = part.us;
+    kept.kind = part.kind;
+    const bool areEvents = std::any_of(part.parts.begin(), part.parts.end(),
+                                       [](const Part& inner) { return inner.kind == PartKind::event; });
+    if (!areEvents) {
+        std::transform(part.parts.begin(), part.parts.end(), std::back_inserter(kept.parts), withoutEvents);
+    }
+    return kept;
+}
+
 GraphSummary summaryOf(const Run& run, const Graph& graph) {
     GraphSummary summary;
     summary.name = graph.name;
+    summary.holdsQueueWait = run.isAsync || (graph.breakdown && graph.breakdown->queueWaitUs);
+    summary.inference = withoutEvents(graph.inference);
     summary.layers = timesOf(graph.zebLayers, [](const ZebLayer& layer) { return layer.timeUs(); });
     summary.types = timesOf(graph.layerTypes, [](const LayerType& type) { return type.timeUs; });
     summary.dspClockHz = graph.dspClockHz;
@@ -89,7 +119,11 @@ GraphSummary summaryOf(const Run& run, const Graph& graph) {
 }  // namespace
 
 std::string_view nameOf(Total total) {
-    return totalNames[static_cast<std::size_t>(total)];
+    return nameOf(total, false);
+}
+
+std::string_view nameOf(Total total, bool holdsQueueWait) {
+    return (holdsQueueWait ? namesWithQueueWait : totalNames)[static_cast<std::size_t>(total)];
 }
 
 RunSummary summarize(const Run& run) {
@@ -100,6 +134,7 @@ RunSummary summarize(const Run& run) {
     summary.labels = run.labels;
     summary.level = run.level;
     summary.isAsync = run.isAsync;
+    summary.lacksStart = !run.initUs && std::any_of(run.steps.begin(), run.steps.end(), isOfInit);
     if (run.header) {
         summary.generator = run.header->generatorName + ' ' + run.header->generatorVersion;
         summary.backendVersion = run.header->backendVersion;

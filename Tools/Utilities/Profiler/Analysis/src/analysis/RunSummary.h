@@ -30,6 +30,8 @@ inline constexpr std::size_t totalCount = 11;
 
 /// @return the name that reports show, "Marlix, median" or "ZEB layers"
 std::string_view nameOf(Total total);
+/// @return the same; what the queue wait is a part of says so where it holds one
+std::string_view nameOf(Total total, bool holdsQueueWait);
 
 struct LayerTime {
     std::string name;
@@ -41,9 +43,11 @@ struct GraphSummary {
     std::string name;
     Spread spread;  ///< of the executions without the warm-up; their median is the total of Marlix
     std::array<std::optional<double>, totalCount> totalsUs;  ///< nothing where the log does not tell
-    std::vector<LayerTime> layers;                           ///< ZEB layers, in the order of the report
-    std::vector<LayerTime> types;                            ///< of ORU layers, the costliest first
-    std::uint32_t dspClockHz = 0;                            ///< 0: not told
+    bool holdsQueueWait = false;                             ///< the executions are asynchronous
+    Part inference;                 ///< without the events of an execution, and without notes
+    std::vector<LayerTime> layers;  ///< ZEB layers, in the order of the report
+    std::vector<LayerTime> types;   ///< of ORU layers, the costliest first
+    std::uint32_t dspClockHz = 0;   ///< 0: not told
     std::uint32_t krelClockHz = 0;
 
     [[nodiscard]] const std::optional<double>& totalUs(Total total) const {
@@ -62,6 +66,7 @@ struct RunSummary {
     std::string backendVersion;
     std::optional<Level> level;
     bool isAsync = false;
+    bool lacksStart = false;  ///< of JSON that an earlier version wrote: neither Init nor Finalize are known
     std::vector<GraphSummary> graphs;
 };
 

@@ -1,24 +1,13 @@
-// Where an inference goes, on both sides.
+// Where an inference goes, on both sides: the parts of an average inference, each below what it is part of.
 
-import {draw, legend, make, missing, part} from "../shared/elements.js";
+import {draw, isolated, legend, make, missing, part} from "../shared/elements.js";
 import {digits, share} from "../shared/figures.js";
-import {comparison, decimalsOf, isOnBoth, kindOf, nothingToCompare, signed, totalOf, view} from "./data.js";
-
-const whole = "marlix-average";
-const partsOfInference = [
-  [whole, []],
-  ["backend", [whole]],
-  ["accelerator", [whole, "backend"]],
-  ["layers", [whole, "backend", "accelerator"]],
-  ["ipc", [whole, "backend"]],
-  ["copies", [whole, "backend"]],
-  ["queue-wait", [whole, "backend"]],
-];
+import {comparison, decimalsOf, kindOf, nothingToCompare, signed} from "./data.js";
 
 // The base above, the new version below with what it has more or less.
 function pairOfBars(row, longest) {
-  const base = row.base?.mean_us ?? 0,
-    now = row.new?.mean_us ?? 0;
+  const base = row.base_us,
+    now = row.new_us;
   const width = us => `${(share(us, longest) * 100).toFixed(2)}%`;
   const both = Math.min(base, now);
   const isSure = kindOf(row) !== "other";
@@ -28,7 +17,7 @@ function pairOfBars(row, longest) {
     draw("rect", {x: 0, y: 1, width: width(base), height: 9, class: "base"}),
     draw("rect", {x: 0, y: 12, width: width(both), height: 9, class: "new"}),
     now > base
-      ? draw("rect", {x: width(base), y: 12, width: width(now - base), height: 9, class: isSure ? "slower" : "rest"})
+      ? draw("rect", {x: width(base), y: 12, width: width(now - base), height: 9, class: isSure ? "slower" : "maybe"})
       : null,
     now < base
       ? draw("rect", {
@@ -42,23 +31,17 @@ function pairOfBars(row, longest) {
   );
 }
 
+const withDepths = (row, depth) => [{row, depth}].concat(row.parts.flatMap(inner => withDepths(inner, depth + 1)));
+
 export function showInference(graph) {
   const host = part("inference");
-  const rows = graph
-    ? partsOfInference
-        .map(([key, within]) => ({
-          row: totalOf(graph, key),
-          depth: within.filter(outer => totalOf(graph, outer)).length,
-        }))
-        .filter(({row}) => row)
-    : [];
-  if (rows.length === 0) {
+  if (!graph || graph.inference === null) {
     host.replaceChildren(missing(graph ? "Neither side has execution times of this graph." : nothingToCompare));
     return;
   }
-  const times = rows.flatMap(({row}) => [row.base, row.new]).map(range => range?.mean_us ?? 0);
-  const longest = Math.max(...times);
-  const us = range => (range === null ? "–" : digits(range.mean_us, decimalsOf([range.mean_us])));
+  const rows = withDepths(graph.inference, 0);
+  const longest = Math.max(...rows.flatMap(({row}) => [row.base_us, row.new_us]));
+  const us = value => digits(value, decimalsOf([value]));
   host.replaceChildren(
     make(
       "div",
@@ -91,18 +74,16 @@ export function showInference(graph) {
               make(
                 "th",
                 {scope: "row", class: `depth-${depth}`},
-                view.totals[row.total],
-                make("small", {class: "in-short"}, `${us(row.base)} → ${us(row.new)}`),
+                isolated(row.name),
+                make("small", {class: "in-short"}, `${us(row.base_us)} → ${us(row.new_us)}`),
               ),
               make("td", {class: "pair", "aria-hidden": "true"}, pairOfBars(row, longest)),
-              make("td", {class: "number detail"}, us(row.base)),
-              make("td", {class: "number detail"}, us(row.new)),
+              make("td", {class: "number detail"}, us(row.base_us)),
+              make("td", {class: "number detail"}, us(row.new_us)),
               make(
                 "td",
                 {class: "number"},
-                isOnBoth(row)
-                  ? signed(row.change_us, size => digits(size, decimalsOf([row.base.mean_us, row.new.mean_us])))
-                  : "–",
+                signed(row.change_us, size => digits(size, decimalsOf([row.base_us, row.new_us]))),
               ),
             ),
           ),
@@ -114,7 +95,7 @@ export function showInference(graph) {
       ["new", "new"],
       ["slower", "longer than the base"],
       ["", "shorter than the base", draw("rect", {x: 1, y: 2, width: 14, height: 8, class: "saved"})],
-      ...(comparison.basis === "one-each" ? [] : [["rest", "longer, but it may be chance"]]),
+      ...(comparison.basis === "one-each" ? [] : [["maybe", "longer, but it may be chance"]]),
     ),
   );
 }

@@ -88,7 +88,7 @@ function showChanges(host, rows, {name, title, things, none, shared}) {
       {title, isText: true, isHeading: true, of: row => row.name},
       {title: "Base (us)", key: "base_us", isExtra: isNarrow, of: row => row.base_us, text: us},
       {title: "New (us)", key: "new_us", isExtra: isNarrow, of: row => row.new_us, text: us},
-      {title: "Change (us)", key: "change_us", least: isNarrow ? 180 : 300, of: row => row.change_us, text: bar},
+      {title: "Change (us)", key: "change_us", least: isNarrow ? 180 : 250, of: row => row.change_us, text: bar},
       {title: "Change", of: row => (isChangeTold(row, shared) ? row.change : null), text: percentOrUnsure},
       ...(shared ? [{title: "Beyond", of: excessOf, text: percentOrUnsure}] : []),
       ...(isSeveral ? [{title: "p", isExtra: isNarrow, of: row => row.p, text: pOf}] : []),

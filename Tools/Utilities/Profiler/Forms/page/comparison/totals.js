@@ -103,7 +103,7 @@ export function showTotals(graph) {
               make(
                 "th",
                 {scope: "row"},
-                view.totals[row.total],
+                row.name,
                 make("small", {class: "in-short"}, `${middleOf(row, row.base)} → ${middleOf(row, row.new)}`),
               ),
               cell(row, row.base),

@@ -57,6 +57,7 @@ void fieldsOf(const analysis::TotalChange& row, Visit visit) {
         return logs == 0 ? std::nullopt : std::optional(SideTotal{logs, us});
     };
     visit("total", keyOf(row.total));
+    visit("name", row.name());
     visit("base", sideOf(row.baseLogs, row.base));
     visit("new", sideOf(row.newLogs, row.changed));
     visit("change_us", row.isOnBoth() ? std::optional(row.changeUs()) : std::nullopt);
@@ -66,6 +67,16 @@ void fieldsOf(const analysis::TotalChange& row, Visit visit) {
     visit("p", row.p);
     visit("spread", row.spread);
     visit("verdict", nameOf(row.verdict));
+}
+
+template <typename Visit>
+void fieldsOf(const analysis::PartChange& part, Visit visit) {
+    visit("name", part.name);
+    visit("base_us", part.baseUs);
+    visit("new_us", part.newUs);
+    visit("change_us", part.changeUs());
+    visit("verdict", nameOf(part.verdict));
+    visit("parts", part.parts);
 }
 
 template <typename Visit>
@@ -108,6 +119,7 @@ void fieldsOf(const analysis::GraphComparison& graph, Visit visit) {
     visit("new_executions", executions ? std::optional(SideExecutions{executions->second}) : std::nullopt);
     visit("shared", graph.shared);
     visit("totals", graph.totals);
+    visit("inference", graph.inference);
     visit("layers", graph.layers);
     visit("types", graph.types);
 }

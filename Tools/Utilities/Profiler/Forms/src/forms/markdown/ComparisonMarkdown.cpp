@@ -17,7 +17,6 @@ using analysis::Comparison;
 using analysis::GateOutcome;
 using analysis::GraphComparison;
 using analysis::LayerChange;
-using analysis::microseconds;
 using analysis::Verdict;
 using Cells = std::vector<std::string>;
 
@@ -55,7 +54,7 @@ std::string plain(const std::string& cell) {
 std::string totalsTable(const GraphComparison& graph) {
     std::vector<Cells> rows;
     for (const analysis::TotalChange& row : graph.totals) {
-        rows.push_back({std::string(nameOf(row.total)), rangeText(row, row.base, row.baseLogs, false),
+        rows.push_back({std::string(row.name()), rangeText(row, row.base, row.baseLogs, false),
                         rangeText(row, row.changed, row.newLogs, false),
                         row.isOnBoth() ? changeUsOf(row) : "-", plain(changeOf(row)),
                         row.interval ? textOf(*row.interval) : "", wordOf(row.verdict)});
@@ -88,7 +87,7 @@ public:
 private:
     void addCells(const LayerChange& row, std::string name, const std::string& change,
                   const std::string& beyond) {
-        Cells cells = {std::move(name), microseconds(row.baseUs), microseconds(row.newUs), changeUsOf(row),
+        Cells cells = {std::move(name), timeOf(row, row.baseUs), timeOf(row, row.newUs), changeUsOf(row),
                        plain(change)};
         if (hasShared_) {
             cells.push_back(plain(beyond));

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
+#include <initializer_list>
 
 #include "analysis/Answer.h"
 #include "text/NumberText.h"
@@ -23,15 +24,18 @@ bool isMarked(const LayerChange& row) {
 }
 
 // All figures of a row have as many digits as the largest deserves.
-std::string withDigitsOf(const TotalChange& row, double us) {
-    const double values[] = {row.base.mean,    row.base.min,    row.base.max,
-                             row.changed.mean, row.changed.min, row.changed.max};
+std::string withDigitsOf(std::initializer_list<double> figures, double us) {
     constexpr double wholeFrom = 1000.0;
-    const bool areWhole = std::all_of(std::begin(values), std::end(values),
-                                      [](double value) { return value == std::floor(value); });
+    const bool areWhole =
+        std::all_of(figures.begin(), figures.end(), [](double value) { return value == std::floor(value); });
     const bool isLarge =
-        std::any_of(std::begin(values), std::end(values), [](double value) { return value >= wholeFrom; });
+        std::any_of(figures.begin(), figures.end(), [](double value) { return value >= wholeFrom; });
     return profiling::fixedPoint(us, areWhole || isLarge ? 0 : 1);
+}
+
+std::string withDigitsOf(const TotalChange& row, double us) {
+    return withDigitsOf(
+        {row.base.mean, row.base.min, row.base.max, row.changed.mean, row.changed.min, row.changed.max}, us);
 }
 
 std::string withSign(double value, const std::string& text) {
@@ -59,7 +63,11 @@ std::string changeUsOf(const TotalChange& row) {
 }
 
 std::string changeUsOf(const LayerChange& row) {
-    return analysis::signedMicroseconds(row.changeUs());
+    return withSign(row.changeUs(), timeOf(row, row.changeUs()));
+}
+
+std::string timeOf(const LayerChange& row, double us) {
+    return withDigitsOf({row.baseUs, row.newUs}, us);
 }
 
 std::string changeOf(const TotalChange& row) {

@@ -22,6 +22,9 @@ std::string rangeText(const analysis::TotalChange& row, const analysis::Range& r
 std::string changeUsOf(const analysis::TotalChange& row);
 std::string changeUsOf(const analysis::LayerChange& row);
 
+/// @return a time of the row in microseconds, with the digits that its times deserve
+std::string timeOf(const analysis::LayerChange& row, double us);
+
 /// @return the change in per cent; "~" where it is not sure
 std::string changeOf(const analysis::TotalChange& row);
 /// @param hasShared the change is split in what all layers share and what lies beyond, of which one is sure

@@ -246,8 +246,7 @@ private:
                 right("Change us"), right("Change"), right("95% interval", isSure() && shape.hasIntervals),
                 right("p", isSure() && shape.hasP), left("")));
             for (const TotalChange& row : graph.totals) {
-                table.add(row.verdict, nameOf(row.total),
-                          rangeText(row, row.base, row.baseLogs, shape.hasRanges),
+                table.add(row.verdict, row.name(), rangeText(row, row.base, row.baseLogs, shape.hasRanges),
                           rangeText(row, row.changed, row.newLogs, shape.hasRanges),
                           row.isOnBoth() ? changeUsOf(row) : "-", changeOf(row),
                           row.interval ? textOf(*row.interval) : "", pText(row.p), wordOf(row.verdict));
@@ -277,8 +276,8 @@ private:
                                            right("p", isSure() && shape.hasP), left("")));
             const auto add = [&](const analysis::LayerChange& row, const std::string& change,
                                  const std::string& beyond) {
-                table.add(row.verdict, name(row.name, shape.nameColumns), microseconds(row.baseUs),
-                          microseconds(row.newUs), changeUsOf(row), change, beyond, pText(row.p),
+                table.add(row.verdict, name(row.name, shape.nameColumns), timeOf(row, row.baseUs),
+                          timeOf(row, row.newUs), changeUsOf(row), change, beyond, pText(row.p),
                           wordOf(row.verdict));
             };
             for (const analysis::LayerChange* const row : rows.shown) {
