@@ -23,10 +23,10 @@ Forms/src/forms/trace         forms/json analysis store text log zeb/profiling
 Forms/src/forms/page          forms/json analysis
 Forms/src/forms/tables        forms/json analysis text
 Forms/src/forms/text          analysis console text
-Forms/src/forms/markdown      forms/text analysis console
+Forms/src/forms/markdown      forms/text analysis console text
 Command/src/command           console text log zeb/profiling
 Command/src/command/runs      command console forms/json analysis
-Viewer/src/viewer             command command/runs console forms/json forms/trace forms/page forms/text analysis log logging text flatbuffers zeb/profiling
+Viewer/src/viewer             command command/runs console forms/json forms/trace forms/markdown forms/page forms/text analysis log logging text flatbuffers zeb/profiling
 Compare/src/compare           command command/runs console forms/json forms/markdown forms/page forms/text analysis text zeb/profiling
 Export/src/export             command command/runs console forms/tables analysis text zeb/profiling
 History/src/history           command command/runs console forms/json forms/page forms/text analysis text zeb/profiling
