@@ -88,10 +88,10 @@ columns_of() {
         sed 's/^ *//; s/ *$//; s/ /:/' | paste -sd' '
 }
 
-# All may be nothing but the id of the run; the server of each table knows its own rows, the other name knows those of both.
+# All may be nothing but the id of the run. A server has rows of its own; the name without "own" has those of both.
 statements_of() {
-    local table=$1 texts="" types="" column
-    for column in $(columns_of "$table"); do
+    local table=$1 types="" column
+    for column in ${columns[$table]}; do
         local name=${column%%:*} type
         case ${column#*:} in
             TEXT) type=String ;;
@@ -100,20 +100,20 @@ statements_of() {
             *) type=UInt64 ;;
         esac
         [ "$name" = run_id ] || type="Nullable($type)"
-        texts+=", \`$name\` String"
         types+=", \`$name\` $type"
     done
     echo "CREATE TABLE own_$table (${types#, }) ENGINE = MergeTree ORDER BY run_id;"
     echo "CREATE TABLE $table AS own_$table ENGINE = Distributed(fleet, default, own_$table);"
-    echo "CREATE TABLE new_$table (${texts#, }) ENGINE = Memory;"
 }
 
-# An import has empty texts for what is nothing. Numbers can't be empty; among texts, those of the header are nothing where
-# the header is, and the two named below are never empty.
-values_of() {
-    local column values=""
-    for column in $(columns_of "$1"); do
+# What is inserted from a table with such a head: columns go by their names, since versions add some. An import has empty texts
+# for what is nothing. Numbers can't be empty; among texts, those of the header are nothing where the header is, and the two
+# named below are never empty.
+insert_of() {
+    local table=$1 head=$2 column names="" values=""
+    for column in ${columns[$table]}; do
         local name=\`${column%%:*}\` value
+        [[ ,$head, == *,${column%%:*},* ]] || continue
         case $column in
             level:* | part_of:*) value="nullIf($name, '')" ;;
             header*:TEXT) value="if(header_epoch_us = '', NULL, $name)" ;;
@@ -122,32 +122,33 @@ values_of() {
             *:DOUBLE) value="if($name = '', NULL, toFloat64OrZero($name))" ;;
             *) value="if($name = '', NULL, toUInt64OrZero($name))" ;;
         esac
+        names+=", $name"
         values+=", $value"
     done
-    echo "${values#, }"
+    echo "INSERT INTO own_$table (${names#, }) SELECT ${values#, } FROM new_$table"
 }
 
 load_batch() {
-    local batch=$1 host=$2 table taken=""
+    local batch=$1 host=$2 table head taken="" drop="DROP TABLE fresh;"
     for table in "${tables[@]}"; do
         [ -f "$batch/$table.csv" ] || continue
+        head=$(head -n 1 "$batch/$table.csv" | tr -cd 'a-z0-9_,')
+        sql "$host" "CREATE TABLE new_$table (\`${head//,/\` String, \`}\` String) ENGINE = Memory"
         clickhouse-client --host "$host" --port "$port" --query "INSERT INTO new_$table FORMAT CSVWithNames" <"$batch/$table.csv"
-        taken+="INSERT INTO own_$table SELECT ${values[$table]} FROM new_$table WHERE run_id IN (SELECT run_id FROM fresh);"
+        taken+="$(insert_of "$table" "$head") WHERE run_id IN (SELECT run_id FROM fresh);"
+        drop+="DROP TABLE new_$table;"
     done
     taken="CREATE TABLE fresh ENGINE = Memory AS SELECT run_id FROM new_runs WHERE run_id GLOBAL NOT IN (SELECT run_id FROM runs);$taken"
-    for table in "${tables[@]}"; do
-        taken+="TRUNCATE TABLE new_$table;"
-    done
-    sql "$host" "$taken DROP TABLE fresh;"
+    sql "$host" "$taken$drop"
 }
 
 for host in "${hosts[@]}"; do
     start_server "$host"
 done
-declare -A values
+declare -A columns
 create=
 for table in "${tables[@]}"; do
-    values[$table]=$(values_of "$table")
+    columns[$table]=$(columns_of "$table")
     create+=$(statements_of "$table")
 done
 for host in "${hosts[@]}"; do

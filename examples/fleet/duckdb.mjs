@@ -25,15 +25,18 @@ await duck.run(fileBeside("schema.sql"));
 const tables = (await rowsOf("SELECT table_name FROM duckdb_tables()")).map((row) => row.table_name);
 tables.sort((one, other) => (other === "runs") - (one === "runs")); // which tell what of the others counts
 for (const table of tables) {
+    // What stands in quotes is a text, also if it is empty; nothing at all is NULL. Columns go by their names, since versions
+    // add some.
+    const reading = (types) => `read_csv(${quoted(`${directory}/[0-9]*/${table}.csv`)}, header = true, delim = ',', quote = '"',
+        escape = '"', nullstr = '', allow_quoted_nulls = false, union_by_name = true, filename = true, ${types})`;
+    const there = (await rowsOf(`DESCRIBE SELECT * FROM ${reading("all_varchar = true")}`)).map((row) => row.column_name);
     const columns = (await rowsOf(`SELECT column_name, data_type FROM duckdb_columns() WHERE table_name = '${table}'`))
-        .map((row) => `'${row.column_name}': '${row.data_type}'`);
-    // What stands in quotes is a text, also if it is empty; nothing at all is NULL.
-    const read = `read_csv(${quoted(`${directory}/[0-9]*/${table}.csv`)}, header = true, delim = ',', quote = '"', escape = '"',
-        columns = {${columns.join(", ")}}, nullstr = '', allow_quoted_nulls = false, filename = true)`;
+        .filter((row) => there.includes(row.column_name));
+    const read = reading(`types = {${columns.map((row) => `'${row.column_name}': '${row.data_type}'`).join(", ")}}`);
     if (table === "runs") {
         await duck.run(`CREATE TABLE taken AS SELECT run_id, min(parse_dirpath(filename)) AS batch FROM ${read} GROUP BY run_id`);
     }
-    await duck.run(`INSERT INTO ${table} SELECT t.* EXCLUDE (filename) FROM ${read} t
+    await duck.run(`INSERT INTO ${table} BY NAME SELECT ${columns.map((row) => `t."${row.column_name}"`).join(", ")} FROM ${read} t
         JOIN taken ON taken.run_id = t.run_id AND taken.batch = parse_dirpath(t.filename)`);
 }
 

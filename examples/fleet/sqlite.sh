@@ -3,7 +3,8 @@
 #
 #   examples/fleet/sqlite.sh DIR DATABASE
 #
-# A run that several batches have is taken from the first. Prints a line of JSON for each question. It takes Debian's sqlite3.
+# A run that several batches have is taken from the first. A version that adds columns takes a new database. Prints a line of
+# JSON for each question. It takes Debian's sqlite3.
 set -euo pipefail
 directory=$(cd "$1" && pwd)
 database=$2
@@ -16,20 +17,19 @@ sql <"$here/schema.sql"
 sql "CREATE TABLE IF NOT EXISTS batches (name TEXT PRIMARY KEY);
      CREATE UNIQUE INDEX IF NOT EXISTS runs_by_id ON runs (run_id);"
 
-# An import has empty texts for what is nothing. Numbers can't be empty; among texts, those of the header are nothing
-# where the header is, and the two named below are never empty.
-values_of() {
-    sql "SELECT group_concat(CASE
+# What is inserted from a table with such a head: columns go by their names, since versions add some. An import has empty
+# texts for what is nothing. Numbers can't be empty; among texts, those of the header are nothing where the header is, and the
+# two named below are never empty.
+insert_of() {
+    sql "SELECT 'INSERT INTO main.$1 (' || group_concat('\"' || name || '\"') || ') SELECT ' || group_concat(CASE
              WHEN name IN ('level', 'part_of') THEN 'nullif(' || name || ', '''')'
              WHEN name LIKE 'header%' AND type = 'TEXT' THEN 'iif(header_epoch_us = '''', NULL, ' || name || ')'
              WHEN type = 'BOOLEAN' THEN 'CASE ' || name || ' WHEN ''true'' THEN 1 WHEN ''false'' THEN 0 END'
              WHEN type = 'TEXT' THEN '\"' || name || '\"'
-             ELSE 'nullif(' || name || ', '''')' END) FROM pragma_table_info('$1')"
+             ELSE 'nullif(' || name || ', '''')' END) || ' FROM temp.new_$1'
+         FROM pragma_table_info('$1') WHERE instr(',$2,', ',' || name || ',')"
 }
-declare -A values
-for table in "${tables[@]}"; do
-    values[$table]=$(values_of "$table")
-done
+declare -A inserts
 
 for batch in "$directory"/[0-9]*/; do
     batch=$(basename "$batch")
@@ -39,14 +39,14 @@ for batch in "$directory"/[0-9]*/; do
         echo "BEGIN;"
         for table in "${tables[@]}"; do
             [ -f "$directory/$batch/$table.csv" ] || continue
-            echo "CREATE TEMP TABLE new_$table AS SELECT * FROM $table WHERE false;"
-            echo ".import --csv --skip 1 --schema temp '$directory/$batch/$table.csv' new_$table"
+            echo ".import --csv --schema temp '$directory/$batch/$table.csv' new_$table"
         done
         echo "DELETE FROM temp.new_runs WHERE run_id IN (SELECT run_id FROM main.runs);"
         for table in "${tables[@]}"; do
             [ -f "$directory/$batch/$table.csv" ] || continue
-            echo "INSERT INTO main.$table SELECT ${values[$table]} FROM temp.new_$table
-                  WHERE run_id IN (SELECT run_id FROM temp.new_runs);"
+            head=$(head -n 1 "$directory/$batch/$table.csv" | tr -cd 'a-z0-9_,')
+            [ -n "${inserts[$table $head]-}" ] || inserts[$table $head]=$(insert_of "$table" "$head")
+            echo "${inserts[$table $head]} WHERE run_id IN (SELECT run_id FROM temp.new_runs);"
         done
         echo "INSERT INTO batches VALUES ('$batch');"
         echo "COMMIT;"
