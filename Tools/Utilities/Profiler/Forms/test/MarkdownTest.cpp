@@ -95,6 +95,7 @@ analysis::Run runOf(const std::string& name, std::size_t graphs = 1, std::size_t
     for (std::size_t row = 0; row < rows; ++row) {
         graph.inference.parts.push_back({name, 7, analysis::PartKind::event, "", {}});
         graph.zebLayers.push_back({name, row, 2, {}});
+        run.labels.emplace(name + std::to_string(row), name);
         graph.layerTypes.push_back({name, 1, 2, 30});
         graph.layers.dspUs += row;
         graph.layers.krelUs += 2;

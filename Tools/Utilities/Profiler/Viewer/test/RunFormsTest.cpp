@@ -72,11 +72,24 @@ TEST_F(RunFormsTest, StandBehindTheReportOfWhicheverReader) {
 }
 
 TEST_F(RunFormsTest, HaveTheLabelsOfTheRun) {
-    const Strings given = {log,     "--label=site=lab", "--label", "a=b=c",  "--label=site=lab", "--label",
-                           "none=", "--json",           "-",       "--html", files.path("page")};
+    const Strings given = {log,
+                           "--label=site=lab",
+                           "--label",
+                           "a=b=c",
+                           "--label=site=lab",
+                           "--label",
+                           "none=",
+                           "--json",
+                           "-",
+                           "--html",
+                           files.path("page"),
+                           "--markdown",
+                           files.path("text")};
     const std::string labels = R"("labels":{"a":"b=c","none":"","site":"lab"},)";
     EXPECT_NE(view(given).out.find(labels), std::string::npos);
     EXPECT_NE(textOf(files.path("page")).find(labels), std::string::npos);
+    EXPECT_NE(textOf(files.path("text")).find("\nLabels: `a=b=c`, `none=`, `site=lab`\n"), std::string::npos)
+        << textOf(files.path("text"));
 }
 
 TEST_F(RunFormsTest, RefuseWhatMakesNoSenseTogether) {
@@ -86,8 +99,8 @@ TEST_F(RunFormsTest, RefuseWhatMakesNoSenseTogether) {
         {{"--filter", "a"}, "--filter: needs --top beside it"},
         {{"--trace-from", "1"}, "--trace-from: needs --trace beside it"},
         {{"--trace-to=1"}, "--trace-to: needs --trace beside it"},
-        {{"--label", "a=1"}, "--label: needs --json or --html beside it"},
-        {{"--label", "a=1", "--trace=t"}, "--label: needs --json or --html beside it"},
+        {{"--label", "a=1"}, "--label: needs --json, --html or --markdown beside it"},
+        {{"--label", "a=1", "--trace=t"}, "--label: needs --json, --html or --markdown beside it"},
         {{"--label", "a", "--json=-"}, "--label: \"a\" is no KEY=VALUE"},
         {{"--label", "a=1", "--label=a=2", "--json=-"},
          "--label: the label \"a\" has two values, \"1\" and \"2\""},

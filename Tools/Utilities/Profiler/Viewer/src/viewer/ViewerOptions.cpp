@@ -168,7 +168,7 @@ OptionRows rowsOfForms() {
          [](auto& options, const auto& /*given*/) { options.tracePlain = true; },
          {},
          {.needs = "--trace"}},
-        {command::labelOption("the run, for its JSON and its page"), Takes::valueEachTime,
+        {command::labelOption("the run, for its JSON, its page and its Markdown"), Takes::valueEachTime,
          [](auto& options, const auto& given) { command::addLabelOf(given, options.labels); }},
     };
 }
@@ -258,7 +258,7 @@ ViewerOptions parseCommandLine(int argc, const char* const* argv) {
     refuseValueAsLog(line);
     if (!options.labels.empty() &&
         std::ranges::all_of(options.formFiles, [](const Given& form) { return form.name == "--trace"; })) {
-        throw wrongUsage("--label", "needs --json or --html beside it");
+        throw wrongUsage("--label", "needs --json, --html or --markdown beside it");
     }
     options.log = *line.word();
     options.logPath = options.log;

@@ -24,6 +24,7 @@ using Cells = std::vector<std::string>;
 constexpr std::size_t maxLayers = 10;
 constexpr std::size_t maxTypes = 20;
 constexpr std::size_t maxParts = 40;
+constexpr std::size_t maxLabels = 20;
 
 std::string us(double value) {
     return fixedPoint(value, 0);
@@ -207,6 +208,17 @@ std::string graphSection(const Run& run, const Graph& graph) {
            layersSection(graph) + findingsSection(findings) + typesSection(graph);
 }
 
+std::string labelsOf(const Run& run) {
+    std::string text;
+    std::size_t count = 0;
+    for (const auto& [key, value] : run.labels) {
+        if (++count <= maxLabels) {
+            text += (count == 1 ? "" : ", ") + markdownName(key + '=' + value, false);
+        }
+    }
+    return count <= maxLabels ? text : text + " and " + std::to_string(count - maxLabels) + " more";
+}
+
 std::string endOf(const Run& run) {
     const bool hasFindings = !isOneGraph(run) && !run.findings.empty();
     std::string end = hasFindings ? "### The run as a whole\n\n" + findingsSection(run.findings) : "";
@@ -220,6 +232,9 @@ std::string endOf(const Run& run) {
     }
     if (run.level) {
         add("Level", std::string(nameOf(*run.level)));
+    }
+    if (!run.labels.empty()) {
+        end += "\\\nLabels: " + labelsOf(run);
     }
     return end + '\n';
 }
