@@ -76,15 +76,16 @@ public:
     /// Writes them one after the other, as the table has them, and what users have to know on standard error.
     /// @throws Failure when one can't be written; what a form's function throws
     void write(const Input& input, std::string_view programName) {
-        for (auto& [form, path, file] : forms_) {
+        for (Wanted& wanted : forms_) {
+            const Form<Input>& form = wanted.form;
             Words notes;
             const std::uint64_t bytes =
-                file.write([&](std::ostream& out) { notes = form.write(out, input); });
+                wanted.file.write([&](std::ostream& out) { notes = form.write(out, input); });
             if (bytes > form.maxBytes) {
                 notes.push_back(std::to_string(bytes >> 20U) + " MB " + std::string(form.whenLarger));
             }
             for (const std::string& note : notes) {
-                printErrorLine(programName, path + ": note: " + note);
+                printErrorLine(programName, wanted.path + ": note: " + note);
             }
         }
     }
