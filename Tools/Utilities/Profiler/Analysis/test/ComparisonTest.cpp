@@ -359,6 +359,20 @@ TEST(Comparison, AnswersWhatChangedAndWhatItLiesIn) {
         run.graphs[0].layers.clear();
     }
     EXPECT_EQ(answerOf(base, noLayers).causes, std::vector<std::string>{});  // most is in the accelerator
+
+    for (const auto& [count, rest] :
+         {std::pair<std::size_t, std::string>{4, "1 more layer +29.9 us"}, {5, "2 more layers +49.7 us"}}) {
+        Runs several = base;
+        for (RunSummary& run : several) {
+            for (std::size_t position = 0; position < count; ++position) {
+                run.graphs[0].layers[position].us += 60.0 - 10.0 * static_cast<double>(position);
+            }
+        }
+        const std::vector<std::string> causes = answerOf(base, several).causes;
+        ASSERT_GE(causes.size(), 4U);  // three by their names, and the rest
+        EXPECT_EQ(causes[3], rest);
+    }
+
     EXPECT_EQ(answerOf(base, runsWith(8, 1.0, 260, 0, 0)).causes,
               std::vector<std::string>{"nothing in the layers: +60 us outside the accelerator"});
 

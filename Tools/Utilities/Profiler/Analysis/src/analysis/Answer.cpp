@@ -144,7 +144,8 @@ private:
             for (std::size_t position = maxCulprits; position < culprits.size(); ++position) {
                 restUs += culprits[position]->excessUs;
             }
-            answer.causes.push_back(std::to_string(culprits.size() - maxCulprits) + " more layers " +
+            const std::size_t count = culprits.size() - maxCulprits;
+            answer.causes.push_back(std::to_string(count) + (count == 1 ? " more layer " : " more layers ") +
                                     signedMicroseconds(restUs) + " us");
         }
     }
