@@ -25,18 +25,14 @@ picture() {
 (cd "$work" && "$bin/zeb-profile-viewer" --html - sample.zlog >page.html) # which shows the path as it is given
 picture page 1180,1560 "file://$work/page.html" --disable-gpu --virtual-time-budget=4000
 
-# The viewer begins with the first track of a file and shows one at a time, so the file of the picture has one. It puts arguments
-# behind the names and cuts both in the middle, so that in a picture they have to go.
+# The viewer begins with the first track of a file and shows one at a time, so the file of the picture has one.
 (cd "$work" && npm pack speedscope@1.25.0 --silent >/dev/null && tar xzf speedscope-*.tgz)
-"$bin/zeb-profile-viewer" --trace - "$work/sample.zlog" | python3 -c '
+"$bin/zeb-profile-viewer" --trace - --trace-plain "$work/sample.zlog" | python3 -c '
 import base64, json, sys
 trace = json.load(sys.stdin)
 names = {(event["pid"], event["tid"]): event["args"]["name"] for event in trace["traceEvents"] if event["name"] == "thread_name"}
 shown = next(track for track, name in names.items() if name == "ZEB layers")
 trace["traceEvents"] = [event for event in trace["traceEvents"] if (event["pid"], event["tid"]) in (shown, (shown[0], 0))]
-for event in trace["traceEvents"]:
-    if event["ph"] == "X":
-        del event["args"]
 data = base64.b64encode(json.dumps(trace).encode()).decode()
 print(f"speedscope.loadFileFromBase64(\"sample.json\", \"{data}\")")' >"$work/sample.js"
 picture timeline 1180,200 "file://$work/package/dist/release/index.html#localProfilePath=$work/sample.js" \

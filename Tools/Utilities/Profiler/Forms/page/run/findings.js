@@ -3,7 +3,7 @@
 import {isolated, make, missing, part} from "../shared/elements.js";
 import {time} from "../shared/figures.js";
 import {change, follow, state} from "../shared/state.js";
-import {countsOf, findingsOf, namesIn} from "./subject.js";
+import {countsOf, findingsOf, namesIn, subject} from "./subject.js";
 import {noGraphs} from "./view.js";
 
 // A name of the log in a sentence has a direction of its own.
@@ -47,9 +47,17 @@ function findingRow(view, finding, place) {
   };
 }
 
-const marksAre =
-  "The marks: \u25b4 below the strip, \u25b8 in the ranking and the tables, a ring around executions. Press again, " +
-  "or Escape, to take them away.";
+/** Where the marks are, for who looks for them. */
+function placesOfMarks() {
+  const {layers, oru, executions, steps} = subject();
+  const places = [
+    [layers.size + oru.size, "\u25b4 below the strip, \u25b8 in the ranking and the tables of layers"],
+    [executions.size, "a ring in the chart of executions, \u25b8 in the table of outliers"],
+    [steps.size, "\u25b8 among the steps of start-up and tear-down"],
+  ];
+  const found = places.filter(([count]) => count > 0).map(([, words]) => words);
+  return found.length === 0 ? "" : `The marks: ${found.join("; ")}. Press again, or Escape, to take them away.`;
+}
 
 export function showFindings(view) {
   const findings = findingsOf(view);
@@ -79,7 +87,7 @@ export function showFindings(view) {
   );
   const showChosen = () => {
     rows.forEach(row => row.show());
-    said.textContent = state.finding === null ? "" : marksAre;
+    said.textContent = placesOfMarks();
     said.hidden = state.finding === null;
   };
   follow("findings", showChosen);

@@ -1,7 +1,7 @@
 // Where an inference goes: the parts of an average execution, each below what it is part of.
 
 import {bar, chart, draw, headings, label, make, missing, part, widthOfText} from "../shared/elements.js";
-import {number, percent, share, time, usDigits} from "../shared/figures.js";
+import {number, percent, share, usDigits} from "../shared/figures.js";
 import {noGraphs, whyNoLayers} from "./view.js";
 
 const shades = {
@@ -36,8 +36,8 @@ function pieceOf({name, us, kind}, from, size, level, width) {
   const x = from * width,
     y = level * rowHeight;
   const place = {x: x.toFixed(1), y, width: room.toFixed(1), height: rowHeight - 2};
-  const box = draw("rect", {...place, class: `${shades[kind]} edge`}, draw("title", {}, `${name}: ${time(us)}`));
-  const text = [`${name}  ${time(us)}`, name].find(words => widthOfText(words) < room - 14);
+  const box = draw("rect", {...place, class: `${shades[kind]} edge`}, draw("title", {}, `${name}: ${usDigits(us)} us`));
+  const text = [`${name}  ${usDigits(us)} us`, name].find(words => widthOfText(words) < room - 14);
   return [box, text ? label((x + 9).toFixed(1), y + 22, text, `on-${shades[kind]}`) : null];
 }
 
@@ -77,7 +77,7 @@ export function showInference(view, width) {
     }
   };
   place(tree, 0, 0);
-  const words = `Nested bars: ${tree.name} takes ${time(tree.us)}. The table below has the same figures.`;
+  const words = `Nested bars: ${tree.name} takes ${usDigits(tree.us)} us. The table below has the same figures.`;
   const titles = headings(["Part"], [""], ["Time (us)", "number"], ["Share", "number"]);
   host.replaceChildren(
     chart(width, depth * rowHeight, words, hatch(), pieces),
