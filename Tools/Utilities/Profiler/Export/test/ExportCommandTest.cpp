@@ -168,7 +168,7 @@ TEST_F(Export, ARunIsTakenOnceInACallAndWithSkipKnownOnceAtAll) {
 TEST_F(Export, LabelsComeFromTheCommandAndTheList) {
     const std::string one = log("one");
     const std::string two = log("two", {.seed = 2});
-    const std::string list = place.write("list", one + "\tboard=7\tsite=lab\n\n" + two + "\tempty=\n");
+    const std::string list = place.write("list", one + "\tboard=7\tsite=lab\r\n\r\n\n" + two + "\tempty=\n");
     // A run as JSON has labels already: one more, the same one again, and one with another value.
     const auto labelled = [&](const std::string& name, const std::string& label, std::uint64_t seed) {
         const std::string json = place.path(name);

@@ -41,6 +41,9 @@ std::optional<Input> InputList::nextOfFile() {
             }
             return std::nullopt;
         }
+        if (line.ends_with('\r')) {  // of a list that was written elsewhere
+            line.pop_back();
+        }
     } while (line.empty());
     const auto fail = [this](const std::string& cause) {
         throw Failure(ExitCode::usage, filesFrom_ + ", line " + std::to_string(line_), cause);
