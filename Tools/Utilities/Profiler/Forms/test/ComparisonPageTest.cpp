@@ -188,9 +188,9 @@ TEST(ComparisonPageInBrowser, SaysWhatIsComparedAndDoesWhatItIsToldTo) {
          "alone has it.; Graph more is new: the base does not have it.\n"
          "totals: +10.0% slower, ~ can't tell, -10.0% faster, ~ can't tell, +5900.0% slower\n"
          "layers: conv10 +100.0% slower, old - gone, conv9 -50.0% faster, young - new, loud ~ can't tell\n"
-         "differences: good\ncopyingChanges: good\nheads: good\ntotalNames: Marlix, median, Marlix, average, "
-         "Backend, IPC, Queue "
-         "wait\n"},
+         "differences: good\ncopyingChanges: good\nheads: good\n"
+         "totalNames: Total, Base (us), New (us), Change (us), Change95% interval, p, Verdict: "
+         "Marlix, median, Marlix, average, Backend, IPC, Queue wait\n"},
         {"its tables", pageOf(allKinds()), "sortingChanges minorChanges",
          "sortingChanges: good\nminorChanges: good\n"},
         {"hostile", pageOf(hostile()), "comparedParts hostileChanges sortingChanges minorChanges",

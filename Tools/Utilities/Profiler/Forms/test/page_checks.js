@@ -505,8 +505,9 @@ globalThis.checks = {
     const all = element("executions").querySelector("tbody td").textContent;
     const sum = counts.reduce((total, count) => total + count, 0);
     const axis = [...element("executions").querySelectorAll(".pair > :last-child text")].map(textOf);
-    return digitsOf(all) !== sum
-      ? `${sum} of ${all}`
+    const medians = element("executions").querySelectorAll(".pair > :last-child path.median").length;
+    return digitsOf(all) !== sum || medians !== 1
+      ? `${sum} of ${all}, ${medians} medians`
       : axis.includes("executions") && axis.includes("0")
         ? ""
         : axis.join();
@@ -740,7 +741,9 @@ globalThis.checks = {
         : "";
   },
   totalNames() {
-    return [...rowsOf("totals")].map(row => row.cells[0].firstChild.textContent).join(", ");
+    const titles = element("totals").querySelector("thead").querySelectorAll("th:not([aria-hidden])");
+    const names = [...rowsOf("totals")].map(row => row.cells[0].firstChild.textContent);
+    return `${[...titles].map(textOf).join(", ")}: ${names.join(", ")}`;
   },
   differences() {
     const wrong = [];

@@ -106,6 +106,17 @@ TEST_F(HistoryCommand, TakesVersionsFromLabelsOfAList) {
     EXPECT_TRUE(holds(ofJson.out, "1 version of 1 run: b3")) << ofJson.out << ofJson.err;
 }
 
+TEST_F(HistoryCommand, PutsVersionsInTheOrderOfTheClockWhereThatIsAsked) {
+    NetworkOptions early{.seed = 1};
+    early.epochUs -= 3'600'000'000;
+    const std::string young = log("young", {.seed = 2});
+    const std::string old = log("old", early);
+    const CommandResult given = run({young, old});
+    EXPECT_TRUE(holds(given.out, " of 2 runs: " + young + " to " + old + '\n')) << given.out;
+    const CommandResult byClock = run({"--order", "epoch", young, old});
+    EXPECT_TRUE(holds(byClock.out, " of 2 runs: " + old + " to " + young + '\n')) << byClock.out;
+}
+
 TEST_F(HistoryCommand, GoesOnBehindWhatCantBeRead) {
     std::ofstream(files.path("broken")) << "no log";
     const CommandResult result = run({log("a", {.seed = 1}), files.path("broken"), log("b", {.seed = 2})});
