@@ -96,6 +96,12 @@ TEST_F(LogDiagnosis, DoesNotTakeAReadErrorForTheEnd) {
     EXPECT_EQ(whyEndedEarly(failing), "the log can't be read beyond byte 0: Input/output error");
     EXPECT_EQ(whyRejected(failing), "the log can't be read beyond byte 0: Input/output error");
     EXPECT_EQ(whyEndedEarly(files.path("gone.log")), std::nullopt);
+    const std::string cut = files.write("run.log", soundLog().substr(0, 10));
+    test::badByte = 10;
+    EXPECT_EQ(whyRejected(cut),
+              "the log can't be read: chunk 1 at byte 0, " + std::to_string(soundLog().size() - 4) +
+                  " bytes long, can't be read beyond its first 6 bytes: Input/output error");
+    test::badByte.reset();
     for (const char* const tail : {"", "xx"}) {
         EXPECT_EQ(whyEndedEarly(files.write("run.log", soundLog() + prefixOf(0) + tail)), std::nullopt);
     }
