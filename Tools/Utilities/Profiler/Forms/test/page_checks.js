@@ -371,13 +371,17 @@ globalThis.checks = {
       `${element("name").textContent} ${table(element("executions"))[1]}`,
     ].map(plain);
     const top = element("top").textContent.split("\n").map(plain);
+    const met = new Set();
     let at = 0;
     const absent = lines.filter(line => {
       const found = top.findIndex((text, place) => place >= at && text.startsWith(line));
       at = found < 0 ? at : found + 1;
+      met.add(found);
       return found < 0;
     });
-    return absent.join(" | ");
+    const beside = /^$|^Total |^\d+ others? |^Layer Time|^Marlix: |^Execution times/; // what --top alone has
+    const missed = top.filter((text, place) => !met.has(place) && !beside.test(text));
+    return absent.concat(missed.map(text => `only --top: ${text}`)).join(" | ");
   },
   // A click on a type leaves its layers alone.
   typing() {
