@@ -19,6 +19,5 @@ export const groups = keys.map(key => history.series.filter(series => keyOf(seri
 export const nameOf = group =>
   (group[0].graph || "Graph without a name") + (group[0].conditions ? ` (${group[0].conditions})` : "");
 export const versionAt = position => history.versions[position].name;
-export const signedPercent = value =>
-  `${value > 0 ? "+" : value < 0 ? "−" : ""}${digits(Math.abs(value) * 100, 1)}%`;
+export const signedPercent = value => `${value > 0 ? "+" : value < 0 ? "−" : ""}${digits(Math.abs(value) * 100, 1)}%`;
 export const levelOf = (series, value) => (series.kind === "common-factor" ? digits(value, 3) : time(value));
