@@ -99,10 +99,9 @@ TEST_F(HistoryCommand, TakesVersionsFromLabelsOfAList) {
     EXPECT_EQ(result.err, "zeb-profile-history: " + files.path("other") +
                               ": the run has no \"build\" that would tell its version\n");
 
-    const std::string json = files.path("json");
-    command::test::runCommand(
-        {ZEB_VIEWER, log("labelled"), "--label", "build=b3", "--json", json, "--quiet"});
-    const CommandResult ofJson = run({"--by", "build", json});
+    const std::string json =
+        command::test::runCommand({ZEB_VIEWER, log("labelled"), "--label", "build=b3", "--json", "-"}).out;
+    const CommandResult ofJson = run({"--by", "build", files.write("json", json)});
     EXPECT_TRUE(holds(ofJson.out, "1 version of 1 run: b3")) << ofJson.out << ofJson.err;
 }
 
