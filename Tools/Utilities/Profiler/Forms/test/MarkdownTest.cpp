@@ -192,8 +192,15 @@ TEST(Markdown, StaysShortAndCountsWhatItLeavesOut) {
             EXPECT_NE(run.find("[490 others]"), std::string::npos);
             EXPECT_NE(run.find("and 461 parts more"), std::string::npos);
             EXPECT_NE(run.find("[480 others]"), std::string::npos) << "types";
+            EXPECT_NE(run.find("| 480 | 960 | 14400 | 96.0% |"), std::string::npos) << "of those types";
         }
     }
+}
+
+TEST(Markdown, CountsTheLabelsThatItDoesNotShow) {
+    const std::string markdown = markdownOf(runOf("x", 1, 25));
+    EXPECT_EQ(countOf(markdown, "=x"), 20U) << markdown;
+    EXPECT_NE(markdown.find(" and 5 more"), std::string::npos);
 }
 
 TEST(Markdown, KeepsWhatASentenceSays) {
