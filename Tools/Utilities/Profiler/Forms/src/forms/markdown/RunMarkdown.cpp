@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "analysis/FigureText.h"
 #include "forms/markdown/MarkdownText.h"
 #include "forms/text/ComparisonRows.h"
-#include "text/NumberText.h"
 
 namespace zeb::forms {
 
@@ -17,8 +17,10 @@ using analysis::FindingGroup;
 using analysis::Graph;
 using analysis::Part;
 using analysis::PartKind;
+using analysis::percentText;
 using analysis::Run;
-using profiling::fixedPoint;
+using analysis::timeText;
+using analysis::usDigits;
 using Cells = std::vector<std::string>;
 
 constexpr std::size_t maxLayers = 10;
@@ -26,12 +28,8 @@ constexpr std::size_t maxTypes = 20;
 constexpr std::size_t maxParts = 40;
 constexpr std::size_t maxLabels = 20;
 
-std::string us(double value) {
-    return fixedPoint(value, 0);
-}
-
 std::string shareText(double part, double whole) {
-    return whole > 0.0 ? fixedPoint(part / whole * 100.0, 1) + '%' : "";
+    return whole > 0.0 ? percentText(part / whole * 100.0) : "";
 }
 
 std::string othersName(std::size_t count) {
@@ -49,14 +47,14 @@ std::string timeSection(const Run& run, const Graph& graph) {
     const auto add = [&](std::string_view title, const std::optional<double>& value) {
         if (value) {
             titles.push_back(std::string(title) + " us");
-            cells.push_back(us(*value));
+            cells.push_back(usDigits(*value));
         }
     };
     for (std::size_t position = 0; position < std::size(analysis::quantiles); ++position) {
         add(analysis::quantiles[position].title, spread.shownUs(position));
     }
     add("First", spread.firstUs);
-    return head + "**An inference takes " + us(spread.medianUs()) + " us" +
+    return head + "**An inference takes " + timeText(spread.medianUs()) +
            (run.isAsync ? " with queue wait" : "") + "**, the median of " +
            counted(spread.count, "execution", "executions") + ".\n\n" + markdownTable(titles, {cells}) + '\n';
 }
@@ -86,7 +84,7 @@ private:
                 name += "&emsp;";
             }
             name += part.kind == PartKind::event ? markdownName(part.name, true) : part.name;
-            rows_.push_back({std::move(name), us(part.us), shareText(part.us, wholeUs_)});
+            rows_.push_back({std::move(name), usDigits(part.us), shareText(part.us, wholeUs_)});
         }
         for (const Part& inner : part.parts) {
             add(inner, depth + 1);
