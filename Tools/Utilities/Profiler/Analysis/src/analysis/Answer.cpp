@@ -5,6 +5,7 @@
 #include <optional>
 #include <vector>
 
+#include "analysis/FigureText.h"
 #include "text/NumberText.h"
 
 namespace zeb::analysis {
@@ -145,8 +146,7 @@ private:
                 restUs += culprits[position]->excessUs;
             }
             const std::size_t count = culprits.size() - maxCulprits;
-            answer.causes.push_back(std::to_string(count) + (count == 1 ? " more layer " : " more layers ") +
-                                    signedMicroseconds(restUs) + " us");
+            answer.causes.push_back(counted(count, "more layer") + ' ' + signedMicroseconds(restUs) + " us");
         }
     }
 

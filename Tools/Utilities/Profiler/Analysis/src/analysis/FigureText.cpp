@@ -38,4 +38,20 @@ std::string percentText(double percent) {
     return fixedPoint(percent, percent > 0.0 && percent < 0.1 ? 2 : 1) + '%';
 }
 
+double percentOf(double part, double whole) {
+    return whole > 0.0 ? part / whole * 100.0 : 0.0;
+}
+
+std::string counted(std::uint64_t count, std::string_view one, std::string_view several) {
+    return std::to_string(count) + ' ' + std::string(count == 1 ? one : several);
+}
+
+std::string counted(std::uint64_t count, std::string_view one) {
+    return counted(count, one, std::string(one) + 's');
+}
+
+std::string othersName(std::uint64_t count) {
+    return '[' + counted(count, "other") + ']';
+}
+
 }  // namespace zeb::analysis

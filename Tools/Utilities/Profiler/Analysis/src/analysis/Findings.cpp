@@ -21,14 +21,6 @@ namespace {
 
 using profiling::fixedPoint;
 
-std::string counted(std::uint64_t count, std::string_view one, std::string_view several) {
-    return std::to_string(count) + ' ' + std::string(count == 1 ? one : several);
-}
-
-double share(double part, double whole) {
-    return whole > 0.0 ? part / whole * 100.0 : 0.0;
-}
-
 // A third of a whole is one, whatever the division has rounded.
 bool reaches(double percent, double threshold) {
     constexpr double rounding = 1e-9;
@@ -88,7 +80,7 @@ Found layersDoNotAddUp(const Graph& graph, const Run& /*run*/, double threshold)
     const auto accelerator = static_cast<double>(*graph.breakdown->acceleratorUs);
     const auto handingOver = static_cast<double>(graph.layers.handingOverUs);
     const double difference = accelerator - layersUs(graph) - handingOver;
-    const double part = share(difference, accelerator);
+    const double part = percentOf(difference, accelerator);
     if (!reaches(std::abs(part), threshold)) {
         return std::nullopt;
     }
@@ -109,7 +101,7 @@ Found outsideAccelerator(const Graph& graph, const Run& /*run*/, double threshol
     const bool waits = graph.breakdown->queueWaitUs.value_or(0) != 0;
     const double outside = whole - static_cast<double>(*graph.breakdown->acceleratorUs) -
                            static_cast<double>(graph.breakdown->queueWaitUs.value_or(0));
-    const double part = share(outside, whole);
+    const double part = percentOf(outside, whole);
     if (!reaches(part, threshold)) {
         return std::nullopt;
     }
@@ -123,7 +115,7 @@ Found queueWait(const Graph& graph, const Run& /*run*/, double threshold) {
         return std::nullopt;
     }
     const auto wait = static_cast<double>(*graph.breakdown->queueWaitUs);
-    const double part = share(wait, static_cast<double>(graph.average.durationUs));
+    const double part = percentOf(wait, static_cast<double>(graph.average.durationUs));
     if (!reaches(part, threshold)) {
         return std::nullopt;
     }
@@ -144,7 +136,7 @@ Found dspBetweenOffloaded(const Graph& graph, const Run& /*run*/, double thresho
             time += static_cast<double>(layer->timeUs());
         }
     }
-    const double part = share(time, layersUs(graph));
+    const double part = percentOf(time, layersUs(graph));
     if (layers.empty() || !reaches(part, threshold)) {
         return std::nullopt;
     }
@@ -171,7 +163,7 @@ Found offloadOverhead(const Graph& graph, const Run& /*run*/, double threshold) 
             layers.push_back(layer.id);
         }
     }
-    const double part = share(hal - krel, krel);
+    const double part = percentOf(hal - krel, krel);
     if (krel <= 0.0 || !reaches(part, threshold)) {
         return std::nullopt;
     }
@@ -201,7 +193,7 @@ Found dataIsMoved(const Graph& graph, const Run& /*run*/, double threshold) {
             time += static_cast<double>(layer.timeUs());
         }
     }
-    const double part = share(time, layersUs(graph));
+    const double part = percentOf(time, layersUs(graph));
     if (!reaches(part, threshold)) {
         return std::nullopt;
     }
@@ -232,7 +224,7 @@ Found dominantLayer(const Graph& graph, const Run& /*run*/, double threshold) {
             layers = oruLayersOf(layer);
         }
     });
-    const double part = share(static_cast<double>(time), layersUs(graph));
+    const double part = percentOf(static_cast<double>(time), layersUs(graph));
     if (!reaches(part, threshold)) {
         return std::nullopt;
     }
@@ -248,7 +240,7 @@ constexpr std::uint64_t minForWarmUp = 5;  // executions; of fewer none is usual
 Found warmUp(const Graph& graph, const Run& /*run*/, double threshold) {
     const Spread& spread = graph.spread;
     const double excess = spread.firstUs.value_or(0.0) - spread.medianUs();
-    const double part = share(excess, spread.medianUs());
+    const double part = percentOf(excess, spread.medianUs());
     if (spread.count < minForWarmUp || !reaches(part, threshold)) {
         return std::nullopt;
     }
@@ -263,7 +255,7 @@ Found warmUp(const Graph& graph, const Run& /*run*/, double threshold) {
 Found wideSpread(const Graph& graph, const Run& /*run*/, double threshold) {
     const Spread& spread = graph.spread;
     const double excess = spread.p90Us() - spread.medianUs();
-    const double part = share(excess, spread.medianUs());
+    const double part = percentOf(excess, spread.medianUs());
     if (!spread.shownUs(positionOfQuantile(0.9)) || !reaches(part, threshold)) {
         return std::nullopt;
     }
@@ -297,7 +289,7 @@ Found outliers(const Graph& graph, const Run& /*run*/, double /*threshold*/) {
                                    timeText(outliers.limitUs) + ", " + fixedPoint(outlierFactor, 1) +
                                    " times the median: " + (outliers.count == 1 ? "number " : "numbers ") +
                                    numbers + (outliers.count > maxNumbers ? " and others." : "."),
-                               longestUs - medianUs, share(longestUs - medianUs, medianUs));
+                               longestUs - medianUs, percentOf(longestUs - medianUs, medianUs));
     finding.costUs = outliers.excessUs / static_cast<double>(graph.spread.count);
     finding.executions = std::move(executions);
     return finding;
@@ -311,7 +303,7 @@ Found slowing(const Graph& graph, const Run& /*run*/, double threshold) {
     if (!trend || trend->p > maxPOfTrend) {
         return std::nullopt;
     }
-    const double part = share(trend->growthUs, graph.spread.medianUs());
+    const double part = percentOf(trend->growthUs, graph.spread.medianUs());
     if (!reaches(part, threshold)) {
         return std::nullopt;
     }
@@ -485,7 +477,7 @@ void addStart(Run& run) {
     Finding finding =
         sentence("The longest step of the start, " + stepName(*longest) + ", takes " + timeText(stepUs) +
                      ", as long as " + fixedPoint(stepUs / inferenceUs, 0) + " inferences.",
-                 stepUs, share(stepUs, inferenceUs));
+                 stepUs, percentOf(stepUs, inferenceUs));
     finding.rule = startRule;
     finding.group = once;
     finding.steps = {static_cast<std::uint64_t>(longest - run.steps.begin())};

@@ -12,6 +12,7 @@
 #include <unordered_set>
 
 #include "analysis/CommonFactor.h"
+#include "analysis/FigureText.h"
 
 namespace zeb::analysis {
 
@@ -107,10 +108,6 @@ std::vector<const HistoryRun*> countedRuns(std::span<const HistoryRun> runs,
         }
     }
     return counted;
-}
-
-std::string counted(std::size_t count, std::string_view what) {
-    return std::to_string(count) + ' ' + std::string(what) + (count == 1 ? "" : "s");
 }
 
 void warnOfClocks(History& history) {
@@ -355,7 +352,7 @@ void warnOfConditions(History& history, const std::vector<Group>& groups) {
     }
 }
 
-std::string percentText(double share) {
+std::string percentOfShare(double share) {
     std::array<char, 64> text{};
     std::snprintf(text.data(), text.size(), "%.3g %%", share * 100.0);
     return text.data();
@@ -456,9 +453,9 @@ NewestVerdict judgeNewest(const History& history, double maxGrowth, RankSumChanc
         if (!course.steps.empty() && course.steps.back().change > maxGrowth &&
             !course.areNeighboursRelated()) {
             add(NewestOutcome::slower,
-                graph + ": Marlix grew by " + percentText(course.steps.back().change) + " at " +
+                graph + ": Marlix grew by " + percentOfShare(course.steps.back().change) + " at " +
                     history.versions[series.points[course.steps.back().first].version].name + ", and " +
-                    percentText(maxGrowth) + " is allowed");
+                    percentOfShare(maxGrowth) + " is allowed");
             continue;
         }
         const std::size_t newest =
@@ -466,13 +463,13 @@ NewestVerdict judgeNewest(const History& history, double maxGrowth, RankSumChanc
         const auto hidden = hiddenIn(history, series, newest, chance);
         if (course.areNeighboursRelated()) {
             add(NewestOutcome::unsure, graph + ": neighbouring versions are related (" +
-                                           percentText(course.neighbourCorrelation) +
+                                           percentOfShare(course.neighbourCorrelation) +
                                            "), so steps of Marlix are unsure");
         } else if (!hidden || *hidden > maxGrowth) {
             add(NewestOutcome::unsure,
                 graph + ": in the newest " + counted(newest, "version") + " a step of Marlix by " +
-                    percentText(maxGrowth) + " may hide: " +
-                    (hidden ? "what is below " + percentText(*hidden) + " is not sure to be seen"
+                    percentOfShare(maxGrowth) + " may hide: " +
+                    (hidden ? "what is below " + percentOfShare(*hidden) + " is not sure to be seen"
                             : "there are too few versions"));
         }
     }

@@ -135,8 +135,8 @@ private:
         whole.note = "The parts of " + whole.name + " take " + timeText(excessUs) + " more than it";
         if (graph_.breakdown && graph_.breakdown->executionCount != graph_.spread.count) {
             const std::uint64_t timed = graph_.spread.count;
-            whole.note += ": Marlix is the average of " + std::to_string(timed) +
-                          (timed == 1 ? " execution" : " executions") + ", the backend's figures are of " +
+            whole.note += ": Marlix is the average of " + counted(timed, "execution") +
+                          ", the backend's figures are of " +
                           std::to_string(graph_.breakdown->executionCount) + ".";
         } else {
             whole.note += ", and the log does not tell why.";
@@ -188,8 +188,7 @@ private:
             }
         }
         if (others > 0) {
-            parts.push_back(partOf("[" + std::to_string(others) + (others == 1 ? " other]" : " others]"),
-                                   PartKind::event, othersUs));
+            parts.push_back(partOf(othersName(others), PartKind::event, othersUs));
         }
         return parts;
     }

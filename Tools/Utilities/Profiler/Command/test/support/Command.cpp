@@ -9,32 +9,6 @@
 
 namespace zeb::command::test {
 
-namespace {
-
-// A shell has what it runs in the background ignore these, and who runs the tests there hands that on.
-class WithoutIgnoredSignals {
-public:
-    WithoutIgnoredSignals() {
-        sigset_t signals;
-        sigemptyset(&signals);
-        sigaddset(&signals, SIGINT);
-        sigaddset(&signals, SIGQUIT);
-        EXPECT_EQ(::posix_spawnattr_init(&attributes_), 0);
-        EXPECT_EQ(::posix_spawnattr_setsigdefault(&attributes_, &signals), 0);
-        EXPECT_EQ(::posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGDEF), 0);
-    }
-    WithoutIgnoredSignals(const WithoutIgnoredSignals&) = delete;
-    WithoutIgnoredSignals& operator=(const WithoutIgnoredSignals&) = delete;
-    ~WithoutIgnoredSignals() { ::posix_spawnattr_destroy(&attributes_); }
-
-    [[nodiscard]] const posix_spawnattr_t* attributes() const { return &attributes_; }
-
-private:
-    posix_spawnattr_t attributes_{};
-};
-
-}  // namespace
-
 CommandResult runCommand(const Strings& arguments, const std::string& output,
                          const std::function<void(pid_t)>& meanwhile) {
     const TempDir captures;
@@ -48,8 +22,17 @@ CommandResult runCommand(const Strings& arguments, const std::string& output,
     argv.push_back(nullptr);
     auto* const argvOfShell = const_cast<char**>(argv.data());
     pid_t process = -1;
-    const WithoutIgnoredSignals signals;
-    EXPECT_EQ(posix_spawn(&process, argv.front(), nullptr, signals.attributes(), argvOfShell, environ), 0);
+    // A shell has what it runs in the background ignore these, and who runs the tests there hands that on.
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGINT);
+    sigaddset(&signals, SIGQUIT);
+    posix_spawnattr_t attributes;
+    EXPECT_EQ(posix_spawnattr_init(&attributes), 0);
+    EXPECT_EQ(posix_spawnattr_setsigdefault(&attributes, &signals), 0);
+    EXPECT_EQ(posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF), 0);
+    EXPECT_EQ(posix_spawn(&process, argv.front(), nullptr, &attributes, argvOfShell, environ), 0);
+    posix_spawnattr_destroy(&attributes);
     if (meanwhile) {
         meanwhile(process);
     }

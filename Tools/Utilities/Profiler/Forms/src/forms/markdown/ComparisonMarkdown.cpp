@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "analysis/Answer.h"
+#include "analysis/FigureText.h"
 #include "forms/markdown/MarkdownText.h"
 #include "forms/text/ComparisonRows.h"
 
@@ -147,7 +148,7 @@ std::string graphSection(const Comparison& comparison, const GraphComparison& gr
 
 std::string sideOf(std::string_view title, const std::vector<std::string>& logs) {
     constexpr std::size_t maxNamed = 3;
-    std::string text = std::string(title) + ' ' + counted(logs.size(), "log", "logs") + ": ";
+    std::string text = std::string(title) + ' ' + analysis::counted(logs.size(), "log") + ": ";
     for (std::size_t log = 0; log < std::min(logs.size(), maxNamed); ++log) {
         text += (log == 0 ? "" : ", ") + markdownName(logs[log], false);
     }
@@ -163,7 +164,7 @@ std::string endOf(const Comparison& comparison) {
            "Times are means over the logs.\n";
     const auto addOneSide = [&end](const std::vector<std::string>& graphs, const char* where) {
         if (!graphs.empty()) {
-            end += "\n" + counted(graphs.size(), "graph is ", "graphs are ") + where + ".\n";
+            end += "\n" + analysis::counted(graphs.size(), "graph is ", "graphs are ") + where + ".\n";
         }
     };
     addOneSide(comparison.goneGraphs, "in the base alone");

@@ -7,16 +7,18 @@
 
 #include "analysis/FigureText.h"
 #include "forms/markdown/MarkdownText.h"
-#include "forms/text/ComparisonRows.h"
 
 namespace zeb::forms {
 
 namespace {
 
+using analysis::counted;
 using analysis::FindingGroup;
 using analysis::Graph;
+using analysis::othersName;
 using analysis::Part;
 using analysis::PartKind;
+using analysis::percentOf;
 using analysis::percentText;
 using analysis::Run;
 using analysis::timeText;
@@ -29,11 +31,7 @@ constexpr std::size_t maxParts = 40;
 constexpr std::size_t maxLabels = 20;
 
 std::string shareText(double part, double whole) {
-    return whole > 0.0 ? percentText(part / whole * 100.0) : "";
-}
-
-std::string othersName(std::size_t count) {
-    return '[' + counted(count, "other", "others") + ']';
+    return whole > 0.0 ? percentText(percentOf(part, whole)) : "";
 }
 
 std::string timeSection(const Run& run, const Graph& graph) {
@@ -56,7 +54,7 @@ std::string timeSection(const Run& run, const Graph& graph) {
     add("First", spread.firstUs);
     return head + "**An inference takes " + timeText(spread.medianUs()) +
            (run.isAsync ? " with queue wait" : "") + "**, the median of " +
-           counted(spread.count, "execution", "executions") + ".\n\n" + markdownTable(titles, {cells}) + '\n';
+           counted(spread.count, "execution") + ".\n\n" + markdownTable(titles, {cells}) + '\n';
 }
 
 // The parts of an inference, each below what it is part of.
@@ -65,8 +63,7 @@ public:
     explicit PartRows(const Part& whole) : wholeUs_(whole.us) { add(whole, 0); }
 
     [[nodiscard]] std::string text() const {
-        const std::string more =
-            leftOut_ == 0 ? "" : "\nand " + counted(leftOut_, "part", "parts") + " more\n";
+        const std::string more = leftOut_ == 0 ? "" : "\nand " + counted(leftOut_, "part") + " more\n";
         return markdownTable({"Where an inference goes, on average", "us", "Share"}, rows_) + more + '\n' +
                (notes_.empty() ? "" : markdownList(notes_) + '\n');
     }

@@ -6,6 +6,7 @@
 #include <initializer_list>
 
 #include "analysis/Answer.h"
+#include "analysis/FigureText.h"
 #include "text/NumberText.h"
 
 namespace zeb::forms {
@@ -43,10 +44,6 @@ std::string withSign(double value, const std::string& text) {
 }
 
 }  // namespace
-
-std::string counted(std::size_t count, std::string_view one, std::string_view several) {
-    return std::to_string(count) + ' ' + std::string(count == 1 ? one : several);
-}
 
 std::string rangeText(const TotalChange& row, const analysis::Range& range, std::size_t logs, bool isWanted) {
     if (logs == 0) {
@@ -129,7 +126,7 @@ ShownRows shownRows(const std::vector<LayerChange>& rows, double hideBelow, std:
         std::sort(result.shown.begin(), result.shown.end(), std::less<>());  // as they stand in the list
     }
     result.hidden = rows.size() - result.shown.size();
-    result.others.name = '[' + counted(result.hidden, "other", "others") + ']';
+    result.others.name = analysis::othersName(result.hidden);
     auto next = result.shown.begin();
     for (const LayerChange& row : rows) {
         if (next != result.shown.end() && *next == &row) {

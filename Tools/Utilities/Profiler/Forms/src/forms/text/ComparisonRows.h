@@ -11,9 +11,6 @@
 /// What the forms of a comparison that are text have in common: the cells of a row, and which rows show.
 namespace zeb::forms {
 
-/// @return "3 logs"
-std::string counted(std::size_t count, std::string_view one, std::string_view several);
-
 /// @return the mean of a side, with its range where it is wanted and there are several logs; "-" without a
 /// log
 std::string rangeText(const analysis::TotalChange& row, const analysis::Range& range, std::size_t logs,

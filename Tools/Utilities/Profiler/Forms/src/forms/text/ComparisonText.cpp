@@ -1,7 +1,6 @@
 #include "forms/text/ComparisonText.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <optional>
 #include <span>
@@ -10,8 +9,10 @@
 #include <vector>
 
 #include "analysis/Answer.h"
+#include "analysis/FigureText.h"
 #include "console/ConsoleText.h"
 #include "forms/text/ComparisonRows.h"
+#include "forms/text/QuantileColumns.h"
 #include "text/NumberText.h"
 
 namespace zeb::forms {
@@ -24,7 +25,6 @@ using analysis::GraphComparison;
 using analysis::microseconds;
 using analysis::TotalChange;
 using analysis::Verdict;
-using console::Column;
 using console::columnsOf;
 using console::ConsoleTable;
 using console::left;
@@ -162,7 +162,7 @@ private:
     }
 
     void printSide(std::string_view label, const std::vector<std::string>& logs) {
-        std::string text = counted(logs.size(), "log", "logs") + ": ";
+        std::string text = analysis::counted(logs.size(), "log") + ": ";
         for (std::size_t log = 0; log < std::min(logs.size(), maxLogsNamed); ++log) {
             text.append(log == 0 ? "" : ", ").append(name(logs[log]));
         }
@@ -208,18 +208,9 @@ private:
             return;
         }
         out_ << "\nExecutions, without the first\n";
-        std::array<Column, std::size(analysis::quantiles)> quantiles;
-        std::transform(
-            std::begin(analysis::quantiles), std::end(analysis::quantiles), quantiles.begin(),
-            [](const analysis::Quantile& quantile) { return right(std::string(quantile.title) + " us"); });
-        ConsoleTable table(left(""), right("Count"), quantiles);
+        ConsoleTable table(left(""), right("Count"), quantileColumns(" us"));
         const auto add = [&table](const char* side, const analysis::Spread& spread) {
-            std::array<std::string, std::size(analysis::quantiles)> cells;
-            for (std::size_t position = 0; position < cells.size(); ++position) {
-                const std::optional<double> shown = spread.shownUs(position);
-                cells[position] = shown ? microseconds(*shown) : "-";
-            }
-            table.add(side, std::to_string(spread.count), cells);
+            table.add(side, std::to_string(spread.count), quantileCells(spread, microseconds));
         };
         add("Base", graph.executions->first);
         add("New", graph.executions->second);

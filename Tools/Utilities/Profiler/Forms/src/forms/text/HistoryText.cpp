@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "analysis/FigureText.h"
 #include "console/ConsoleText.h"
 #include "text/NumberText.h"
 
@@ -14,6 +15,7 @@ namespace zeb::forms {
 
 namespace {
 
+using analysis::counted;
 using analysis::History;
 using analysis::HistorySeries;
 using analysis::LevelStep;
@@ -45,10 +47,6 @@ std::string us(double value) {
 
 std::string levelText(const HistorySeries& series, double value) {
     return series.kind == SeriesKind::commonFactor ? fixedPoint(value, 3) : us(value);
-}
-
-std::string counted(std::size_t count, std::string_view what) {
-    return std::to_string(count) + ' ' + std::string(what) + (count == 1 ? "" : "s");
 }
 
 // Each character is the median of as many versions as it takes to fit, between the lowest and the highest of

@@ -1,7 +1,6 @@
 #include "forms/text/TopText.h"
 
 #include <algorithm>
-#include <array>
 #include <cctype>
 #include <cmath>
 #include <cstdint>
@@ -13,21 +12,24 @@
 #include "analysis/FigureText.h"
 #include "analysis/Glossary.h"
 #include "console/ConsoleText.h"
+#include "forms/text/QuantileColumns.h"
 
 namespace zeb::forms {
 
 namespace {
 
+using analysis::counted;
 using analysis::FindingGroup;
 using analysis::Graph;
+using analysis::othersName;
 using analysis::Part;
 using analysis::PartKind;
+using analysis::percentOf;
 using analysis::percentText;
 using analysis::Run;
 using analysis::timeText;
 using analysis::usDigits;
 using analysis::ZebLayer;
-using console::Column;
 using console::columnsOf;
 using console::ConsoleStyle;
 using console::ConsoleTable;
@@ -44,10 +46,6 @@ constexpr std::size_t maxTypes = 12;
 
 std::string us(double value) {
     return usDigits(value) + " us";
-}
-
-double shareOf(double part, double whole) {
-    return whole > 0.0 ? part / whole * 100.0 : 0.0;
 }
 
 std::string lowerCase(std::string_view text) {
@@ -169,7 +167,7 @@ public:
 
     void add(const Part& part, const std::string& front, const std::string& below) {
         table_.add(front + shownName(part.name, maxNameColumns, style_.hasUnicode()), us(part.us),
-                   percentText(shareOf(part.us, wholeUs_)));
+                   percentText(percentOf(part.us, wholeUs_)));
         bars_.push_back(barOf(part));
         if (!part.note.empty()) {
             notes_.push_back(part.note);
@@ -209,9 +207,7 @@ private:
 
 void printInference(std::ostream& out, const Style& style, const Graph& graph) {
     const std::uint64_t count = graph.spread.count;
-    printTitle(out, style,
-               "Where an inference goes (averages of " + std::to_string(count) +
-                   (count == 1 ? " execution)" : " executions)"));
+    printTitle(out, style, "Where an inference goes (averages of " + counted(count, "execution") + ')');
     Tree tree(style, graph.inference.us);
     tree.add(graph.inference, "", "");
     tree.print(out);
@@ -288,17 +284,16 @@ void printZebLayers(std::ostream& out, const Style& style, const Graph& graph, c
         sumDspUs += dsp;
         sumKrelUs += krel;
         table.add(style.name(layer->name, layerNumbersWidth), us(dsp + krel),
-                  percentText(shareOf(dsp + krel, wholeUs)), percentText(shareOf(sumUs, wholeUs)), us(dsp),
-                  us(krel));
+                  percentText(percentOf(dsp + krel, wholeUs)), percentText(percentOf(sumUs, wholeUs)),
+                  us(dsp), us(krel));
         bars.push_back(longestUs > 0.0 ? style.bar(dsp / longestUs, krel / longestUs) : "");
     }
     if (const std::size_t others = graph.zebLayers.size() - shown; others > 0) {
-        table.add('[' + std::to_string(others) + (others == 1 ? " other]" : " others]"), us(wholeUs - sumUs),
-                  percentText(shareOf(wholeUs - sumUs, wholeUs)), "", us(dspUs - sumDspUs),
-                  us(krelUs - sumKrelUs));
+        table.add(othersName(others), us(wholeUs - sumUs), percentText(percentOf(wholeUs - sumUs, wholeUs)),
+                  "", us(dspUs - sumDspUs), us(krelUs - sumKrelUs));
         bars.emplace_back();
     }
-    table.add("Total", us(wholeUs), percentText(shareOf(wholeUs, wholeUs)), "", us(dspUs), us(krelUs));
+    table.add("Total", us(wholeUs), percentText(percentOf(wholeUs, wholeUs)), "", us(dspUs), us(krelUs));
     bars.push_back(style.legend());
     printTable(out, style, table.lines(indentation), bars);
 }
@@ -337,14 +332,14 @@ void printLayerTypes(std::ostream& out, const Style& style, const Graph& graph, 
             continue;
         }
         ++shown;
-        table.add(type.name, std::to_string(count), us(time), percentText(shareOf(time, wholeUs)),
+        table.add(type.name, std::to_string(count), us(time), percentText(percentOf(time, wholeUs)),
                   placeOf(type));
     }
     if (others > 0) {
-        table.add('[' + std::to_string(others) + (others == 1 ? " other]" : " others]"),
-                  std::to_string(otherLayers), us(otherUs), percentText(shareOf(otherUs, wholeUs)), "");
+        table.add(othersName(others), std::to_string(otherLayers), us(otherUs),
+                  percentText(percentOf(otherUs, wholeUs)), "");
     }
-    table.add("Total", std::to_string(layers), us(wholeUs), percentText(shareOf(wholeUs, wholeUs)), "");
+    table.add("Total", std::to_string(layers), us(wholeUs), percentText(percentOf(wholeUs, wholeUs)), "");
     printTable(out, style, table.lines(indentation), {});
 }
 
@@ -355,22 +350,16 @@ std::string signedPercent(double value) {
 // One table over all graphs.
 void printExecutionTimes(std::ostream& out, const Style& style, const Run& run) {
     printTitle(out, style, run.isAsync ? "Execution times with queue wait (us)" : "Execution times (us)");
-    std::array<Column, std::size(analysis::quantiles)> quantiles;
-    std::transform(std::begin(analysis::quantiles), std::end(analysis::quantiles), quantiles.begin(),
-                   [](const analysis::Quantile& quantile) { return right(std::string(quantile.title)); });
-    ConsoleTable table(left("Graph"), right("Count"), quantiles, right("First"), right("against median"));
+    ConsoleTable table(left("Graph"), right("Count"), quantileColumns(), right("First"),
+                       right("against median"));
     constexpr std::size_t numbersWidth = 72;
-    const auto number = [](std::optional<double> value) { return value ? usDigits(*value) : "-"; };
     for (const Graph& graph : run.graphs) {
         const analysis::Spread& spread = graph.spread;
-        std::array<std::string, std::size(analysis::quantiles)> cells;
-        for (std::size_t position = 0; position < cells.size(); ++position) {
-            cells[position] = number(spread.shownUs(position));
-        }
-        table.add(
-            style.name(graph.name, numbersWidth), std::to_string(spread.count), cells, number(spread.firstUs),
-            spread.firstUs ? signedPercent(shareOf(*spread.firstUs - spread.medianUs(), spread.medianUs()))
-                           : "-");
+        table.add(style.name(graph.name, numbersWidth), std::to_string(spread.count),
+                  quantileCells(spread, usDigits), spread.firstUs ? usDigits(*spread.firstUs) : "-",
+                  spread.firstUs
+                      ? signedPercent(percentOf(*spread.firstUs - spread.medianUs(), spread.medianUs()))
+                      : "-");
     }
     printTable(out, style, table.lines(indentation), {});
 }
@@ -384,7 +373,7 @@ void printHeadline(std::ostream& out, const Style& style, const Graph& graph) {
     }
     printText(out, style, "  ",
               "Time of an inference: " + timeText(graph.spread.medianUs()) + ", the median of " +
-                  std::to_string(count) + (count == 1 ? " execution; " : " executions; ") +
+                  counted(count, "execution") + "; " +
                   timeText(static_cast<double>(graph.average.durationUs)) + " on average.");
 }
 
@@ -409,11 +398,11 @@ void printGraphs(std::ostream& out, const Style& style, const Run& run) {
     for (const Graph& graph : run.graphs) {
         const auto acceleratorUs = graph.breakdown ? graph.breakdown->acceleratorUs : std::nullopt;
         const auto averageUs = static_cast<double>(graph.average.durationUs);
-        table.add(style.name(graph.name, numbersWidth),
-                  graph.spread.count > 0 ? us(graph.spread.medianUs()) : "-",
-                  percentText(shareOf(static_cast<double>(graph.totalUs), wholeUs)),
-                  acceleratorUs ? percentText(shareOf(static_cast<double>(*acceleratorUs), averageUs)) : "-",
-                  graph.findings.empty() ? "" : graph.findings.front().rule);
+        table.add(
+            style.name(graph.name, numbersWidth), graph.spread.count > 0 ? us(graph.spread.medianUs()) : "-",
+            percentText(percentOf(static_cast<double>(graph.totalUs), wholeUs)),
+            acceleratorUs ? percentText(percentOf(static_cast<double>(*acceleratorUs), averageUs)) : "-",
+            graph.findings.empty() ? "" : graph.findings.front().rule);
     }
     printTable(out, style, table.lines(indentation), {});
 }
