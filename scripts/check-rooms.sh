@@ -18,18 +18,19 @@ Reader/src/commandline        zeb/profiling
 Reader/src/reader/backend     reader reports store text log logging commandline zeb/profiling
 Console/src/console           text
 Analysis/src/analysis         reader/backend reports store text log memory zeb/profiling
-Forms/src/forms/json          analysis log text
+Analysis/src/analysis/runs    analysis text
+Forms/src/forms/json          analysis analysis/runs log text
 Forms/src/forms/trace         forms/json analysis store text log zeb/profiling
-Forms/src/forms/page          forms/json analysis
+Forms/src/forms/page          forms/json analysis analysis/runs
 Forms/src/forms/tables        forms/json analysis text
-Forms/src/forms/text          analysis console text
-Forms/src/forms/markdown      forms/text analysis console text
+Forms/src/forms/text          analysis analysis/runs console text
+Forms/src/forms/markdown      forms/text analysis analysis/runs console text
 Command/src/command           console text log zeb/profiling
 Command/src/command/runs      command console forms/json analysis
 Viewer/src/viewer             command command/runs console forms/json forms/trace forms/markdown forms/page forms/text analysis log logging text flatbuffers zeb/profiling
-Compare/src/compare           command command/runs console forms/json forms/markdown forms/page forms/text analysis text zeb/profiling
+Compare/src/compare           command command/runs console forms/json forms/markdown forms/page forms/text analysis analysis/runs text zeb/profiling
 Export/src/export             command command/runs console forms/tables analysis text zeb/profiling
-History/src/history           command command/runs console forms/json forms/page forms/text analysis text zeb/profiling
+History/src/history           command command/runs console forms/json forms/page forms/text analysis analysis/runs text zeb/profiling
 SampleLog/src/samplelog       log flatbuffers
 SampleLog/src/samplelog/command  samplelog command console log text zeb/profiling
 Manual/src/manual             viewer compare export history samplelog/command console command reader/backend zeb/profiling

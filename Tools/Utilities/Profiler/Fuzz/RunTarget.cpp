@@ -8,10 +8,10 @@
 #include <string>
 #include <string_view>
 
-#include "analysis/Comparison.h"
-#include "analysis/Gate.h"
 #include "analysis/MakeRun.h"
-#include "analysis/RunSummary.h"
+#include "analysis/runs/Comparison.h"
+#include "analysis/runs/Gate.h"
+#include "analysis/runs/RunSummary.h"
 #include "forms/json/ComparisonJson.h"
 #include "forms/json/RunJson.h"
 #include "forms/page/ComparisonPage.h"

@@ -7,9 +7,9 @@
 #include <random>
 #include <string>
 
-#include "analysis/CommonFactor.h"
-#include "analysis/Comparison.h"
-#include "analysis/Gate.h"
+#include "analysis/runs/CommonFactor.h"
+#include "analysis/runs/Comparison.h"
+#include "analysis/runs/Gate.h"
 
 namespace zeb::analysis {
 namespace {

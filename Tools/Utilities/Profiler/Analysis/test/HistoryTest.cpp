@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "analysis/History.h"
+#include "analysis/runs/History.h"
 
 namespace zeb::analysis {
 namespace {

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "analysis/LevelSteps.h"
+#include "analysis/runs/LevelSteps.h"
 
 namespace zeb::analysis {
 namespace {

@@ -11,9 +11,9 @@
 #include <string>
 #include <vector>
 
-#include "analysis/Comparison.h"
-#include "analysis/Gate.h"
 #include "analysis/MakeRun.h"
+#include "analysis/runs/Comparison.h"
+#include "analysis/runs/Gate.h"
 #include "samplelog/NetworkLog.h"
 #include "support/TestFiles.h"
 

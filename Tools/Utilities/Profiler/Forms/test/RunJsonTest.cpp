@@ -9,9 +9,9 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "analysis/Comparison.h"
 #include "analysis/MakeRun.h"
 #include "analysis/RunId.h"
+#include "analysis/runs/Comparison.h"
 #include "forms/json/RunJson.h"
 #include "samplelog/AdapterUpdaterLog.h"
 #include "samplelog/BackendObjectWriter.h"

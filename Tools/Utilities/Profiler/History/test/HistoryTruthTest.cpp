@@ -12,8 +12,8 @@
 #include <string>
 #include <vector>
 
-#include "analysis/History.h"
 #include "analysis/MakeRun.h"
+#include "analysis/runs/History.h"
 #include "samplelog/NetworkLog.h"
 #include "support/TestFiles.h"
 

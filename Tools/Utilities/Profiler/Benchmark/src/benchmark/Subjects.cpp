@@ -9,9 +9,9 @@
 #include <stdexcept>
 #include <streambuf>
 
-#include "analysis/Comparison.h"
 #include "analysis/MakeRun.h"
-#include "analysis/RunSummary.h"
+#include "analysis/runs/Comparison.h"
+#include "analysis/runs/RunSummary.h"
 #include "benchmark/Floors.h"
 #include "benchmark/Processes.h"
 #include "forms/json/RunJson.h"

@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
-#include "analysis/Comparison.h"
-#include "analysis/Gate.h"
+#include "analysis/runs/Comparison.h"
+#include "analysis/runs/Gate.h"
 #include "command/CommandLine.h"
 #include "command/Failure.h"
 #include "command/MemoryLimit.h"

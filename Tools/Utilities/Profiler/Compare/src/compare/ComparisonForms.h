@@ -2,7 +2,7 @@
 
 #include <span>
 
-#include "analysis/Comparison.h"
+#include "analysis/runs/Comparison.h"
 #include "command/Forms.h"
 #include "compare/CompareOptions.h"
 

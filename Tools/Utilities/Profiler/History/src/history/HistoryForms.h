@@ -2,7 +2,7 @@
 
 #include <span>
 
-#include "analysis/History.h"
+#include "analysis/runs/History.h"
 #include "command/Forms.h"
 
 namespace zeb::history {

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "analysis/History.h"
+#include "analysis/runs/History.h"
 #include "command/CommandLine.h"
 #include "command/Failure.h"
 #include "command/MemoryLimit.h"

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "analysis/History.h"
+#include "analysis/runs/History.h"
 #include "command/StandardOutput.h"
 #include "command/runs/InputList.h"
 #include "command/runs/LoadRun.h"

@@ -4,8 +4,8 @@
 #include <optional>
 #include <string_view>
 
-#include "analysis/Comparison.h"
-#include "analysis/Gate.h"
+#include "analysis/runs/Comparison.h"
+#include "analysis/runs/Gate.h"
 
 /// The keys of a comparison's JSON: each struct's members in the order of the documentation. A visitor is
 /// called with each key and value.

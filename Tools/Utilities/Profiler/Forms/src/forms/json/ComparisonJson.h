@@ -3,8 +3,8 @@
 #include <optional>
 #include <ostream>
 
-#include "analysis/Comparison.h"
-#include "analysis/Gate.h"
+#include "analysis/runs/Comparison.h"
+#include "analysis/runs/Gate.h"
 #include "forms/json/JsonWriter.h"
 
 /// Two versions compared, as one JSON object on one line. docs/compare.md tells its keys.

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "analysis/History.h"
+#include "analysis/runs/History.h"
 
 /// The keys of a history's JSON: each struct's members in the order of the documentation. A visitor is called
 /// with each key and value.

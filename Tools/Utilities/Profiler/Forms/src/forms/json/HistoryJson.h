@@ -3,7 +3,7 @@
 #include <optional>
 #include <ostream>
 
-#include "analysis/History.h"
+#include "analysis/runs/History.h"
 #include "forms/json/JsonWriter.h"
 
 /// How times went over versions, as one JSON object on one line. docs/history.md tells its keys.

@@ -5,8 +5,8 @@
 #include <utility>
 #include <vector>
 
-#include "analysis/Answer.h"
 #include "analysis/FigureText.h"
+#include "analysis/runs/Answer.h"
 #include "forms/markdown/MarkdownText.h"
 #include "forms/text/ComparisonRows.h"
 

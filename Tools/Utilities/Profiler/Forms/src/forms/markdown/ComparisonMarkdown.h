@@ -3,8 +3,8 @@
 #include <optional>
 #include <ostream>
 
-#include "analysis/Comparison.h"
-#include "analysis/Gate.h"
+#include "analysis/runs/Comparison.h"
+#include "analysis/runs/Gate.h"
 
 namespace zeb::forms {
 

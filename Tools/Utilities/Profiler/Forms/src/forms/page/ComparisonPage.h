@@ -3,8 +3,8 @@
 #include <optional>
 #include <ostream>
 
-#include "analysis/Comparison.h"
-#include "analysis/Gate.h"
+#include "analysis/runs/Comparison.h"
+#include "analysis/runs/Gate.h"
 
 /// Two versions compared, as a page for a browser. docs/compare.md tells what it shows.
 namespace zeb::forms {

@@ -3,7 +3,7 @@
 #include <optional>
 #include <ostream>
 
-#include "analysis/History.h"
+#include "analysis/runs/History.h"
 
 namespace zeb::forms {
 

@@ -5,8 +5,8 @@
 #include <functional>
 #include <initializer_list>
 
-#include "analysis/Answer.h"
 #include "analysis/FigureText.h"
+#include "analysis/runs/Answer.h"
 #include "text/NumberText.h"
 
 namespace zeb::forms {

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "analysis/Comparison.h"
+#include "analysis/runs/Comparison.h"
 
 /// What the forms of a comparison that are text have in common: the cells of a row, and which rows show.
 namespace zeb::forms {

@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
-#include "analysis/Answer.h"
 #include "analysis/FigureText.h"
+#include "analysis/runs/Answer.h"
 #include "console/ConsoleText.h"
 #include "forms/text/ComparisonRows.h"
 #include "forms/text/QuantileColumns.h"

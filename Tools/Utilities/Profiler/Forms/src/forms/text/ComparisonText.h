@@ -4,7 +4,7 @@
 #include <optional>
 #include <ostream>
 
-#include "analysis/Comparison.h"
+#include "analysis/runs/Comparison.h"
 
 /// Two versions compared, for a console.
 namespace zeb::forms {

@@ -2,7 +2,7 @@
 
 #include <ostream>
 
-#include "analysis/History.h"
+#include "analysis/runs/History.h"
 
 /// How times went over versions, for a console.
 namespace zeb::forms {

@@ -1,4 +1,4 @@
-#include "analysis/PartComparison.h"
+#include "analysis/runs/PartComparison.h"
 
 #include <algorithm>
 #include <array>

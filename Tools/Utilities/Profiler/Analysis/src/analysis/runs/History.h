@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "analysis/LevelSteps.h"
-#include "analysis/RunSummary.h"
+#include "analysis/runs/LevelSteps.h"
+#include "analysis/runs/RunSummary.h"
 
 /// How times went over many versions: each figure of a graph is a series, with a time a version, in which
 /// steps are looked for.

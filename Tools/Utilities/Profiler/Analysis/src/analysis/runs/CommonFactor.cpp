@@ -1,4 +1,4 @@
-#include "analysis/CommonFactor.h"
+#include "analysis/runs/CommonFactor.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "analysis/Answer.h"
+#include "analysis/runs/Answer.h"
 
 #include <algorithm>
 #include <cmath>

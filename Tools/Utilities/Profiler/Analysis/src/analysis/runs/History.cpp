@@ -1,4 +1,4 @@
-#include "analysis/History.h"
+#include "analysis/runs/History.h"
 
 #include <algorithm>
 #include <array>
@@ -11,8 +11,8 @@
 #include <unordered_map>
 #include <unordered_set>
 
-#include "analysis/CommonFactor.h"
 #include "analysis/FigureText.h"
+#include "analysis/runs/CommonFactor.h"
 
 namespace zeb::analysis {
 

@@ -1,4 +1,4 @@
-#include "analysis/GraphMatching.h"
+#include "analysis/runs/GraphMatching.h"
 
 #include <algorithm>
 #include <string_view>

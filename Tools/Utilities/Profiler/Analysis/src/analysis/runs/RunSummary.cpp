@@ -1,4 +1,4 @@
-#include "analysis/RunSummary.h"
+#include "analysis/runs/RunSummary.h"
 
 #include <algorithm>
 #include <iterator>

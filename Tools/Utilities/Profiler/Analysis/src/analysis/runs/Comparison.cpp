@@ -1,14 +1,14 @@
-#include "analysis/Comparison.h"
+#include "analysis/runs/Comparison.h"
 
 #include <algorithm>
 #include <cmath>
 #include <tuple>
 
-#include "analysis/Answer.h"
-#include "analysis/ComparisonWarnings.h"
-#include "analysis/LayerComparison.h"
-#include "analysis/PartComparison.h"
-#include "analysis/RunCopies.h"
+#include "analysis/runs/Answer.h"
+#include "analysis/runs/ComparisonWarnings.h"
+#include "analysis/runs/LayerComparison.h"
+#include "analysis/runs/PartComparison.h"
+#include "analysis/runs/RunCopies.h"
 
 namespace zeb::analysis {
 

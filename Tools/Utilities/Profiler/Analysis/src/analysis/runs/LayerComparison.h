@@ -3,8 +3,8 @@
 #include <optional>
 #include <vector>
 
-#include "analysis/Comparison.h"
-#include "analysis/GraphMatching.h"
+#include "analysis/runs/Comparison.h"
+#include "analysis/runs/GraphMatching.h"
 
 /// The layers of a graph on both sides: what they share, and which of them changed by itself.
 namespace zeb::analysis {

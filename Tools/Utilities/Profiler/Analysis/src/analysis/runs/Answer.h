@@ -3,7 +3,7 @@
 #include <span>
 #include <string>
 
-#include "analysis/Comparison.h"
+#include "analysis/runs/Comparison.h"
 
 namespace zeb::analysis {
 

@@ -1,10 +1,10 @@
-#include "analysis/Gate.h"
+#include "analysis/runs/Gate.h"
 
 #include <algorithm>
 #include <cmath>
 #include <optional>
 
-#include "analysis/Answer.h"
+#include "analysis/runs/Answer.h"
 #include "text/NumberText.h"
 
 namespace zeb::analysis {

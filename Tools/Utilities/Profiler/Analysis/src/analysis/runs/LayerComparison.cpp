@@ -1,11 +1,11 @@
-#include "analysis/LayerComparison.h"
+#include "analysis/runs/LayerComparison.h"
 
 #include <algorithm>
 #include <cmath>
 #include <numeric>
 
-#include "analysis/CommonFactor.h"
 #include "analysis/Samples.h"
+#include "analysis/runs/CommonFactor.h"
 
 namespace zeb::analysis {
 

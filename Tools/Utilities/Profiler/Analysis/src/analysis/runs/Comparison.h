@@ -9,9 +9,9 @@
 #include <utility>
 #include <vector>
 
-#include "analysis/GraphMatching.h"
-#include "analysis/RunSummary.h"
 #include "analysis/Samples.h"
+#include "analysis/runs/GraphMatching.h"
+#include "analysis/runs/RunSummary.h"
 
 /// Two versions compared, each by one log or by several. Logs are the samples: the executions of one share a
 /// process and drift together. Changes are shares of the base, times are in microseconds.

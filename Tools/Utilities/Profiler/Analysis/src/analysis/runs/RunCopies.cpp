@@ -1,4 +1,4 @@
-#include "analysis/RunCopies.h"
+#include "analysis/runs/RunCopies.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "analysis/RunSummary.h"
+#include "analysis/runs/RunSummary.h"
 
 namespace zeb::analysis {
 

@@ -2,8 +2,8 @@
 
 #include <optional>
 
-#include "analysis/Comparison.h"
-#include "analysis/GraphMatching.h"
+#include "analysis/runs/Comparison.h"
+#include "analysis/runs/GraphMatching.h"
 
 namespace zeb::analysis {
 

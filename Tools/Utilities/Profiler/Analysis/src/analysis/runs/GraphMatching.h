@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "analysis/RunSummary.h"
+#include "analysis/runs/RunSummary.h"
 
 /// Which graph, and which layer, of one side is which of the other.
 namespace zeb::analysis {

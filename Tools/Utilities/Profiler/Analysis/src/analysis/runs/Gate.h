@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "analysis/Comparison.h"
+#include "analysis/runs/Comparison.h"
 
 namespace zeb::analysis {
 

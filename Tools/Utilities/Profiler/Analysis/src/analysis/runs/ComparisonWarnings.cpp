@@ -1,4 +1,4 @@
-#include "analysis/ComparisonWarnings.h"
+#include "analysis/runs/ComparisonWarnings.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,4 +1,4 @@
-#include "analysis/LevelSteps.h"
+#include "analysis/runs/LevelSteps.h"
 
 #include <algorithm>
 #include <cmath>
