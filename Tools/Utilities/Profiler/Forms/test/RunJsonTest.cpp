@@ -72,6 +72,14 @@ TEST(RunJson, IsTheSameAfterItWasReadBack) {
     }
 }
 
+TEST(RunJson, OfTheSampleIsThatOfWhatIsWrittenToday) {
+    const test::TempDir place;
+    analysis::Run written = runOf(place, "log", network({}));
+    written.logFile = ZEB_SAMPLE;
+    analysis::Run sample = analysis::makeRun(ZEB_SAMPLE, profiling::VisibilityLevel{127}).value();
+    EXPECT_EQ(jsonOf(sample), jsonOf(written)) << "write-sample-log examples/sample.zlog brings it up to date";
+}
+
 // Two graphs and two layers whose long names differ in their middle alone, and a name that is no UTF-8.
 WriteLog longNames() {
     const auto name = [](const std::string& middle) {
