@@ -5,16 +5,16 @@
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
-#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <variant>
 #include <vector>
 
+#include "analysis/Labels.h"
 #include "analysis/LogText.h"
 #include "log/ChunkCheck.h"
-#include "store/ProfileEvent.h"
+#include "log/EventUnit.h"
 
 /// The figures of one run as plain values. They own all that they hold, so a run outlives the log and the
 /// store that it was made from. Units stand in the names. Names of graphs and layers and the texts of steps
@@ -309,9 +309,6 @@ void forEachLayer(const Graph& graph, Use use) {
 /// @return the name that forms show
 std::string layerName(const ZebLayer& layer);
 std::string layerName(const OruLayer& layer);
-
-/// What somebody says about a run, by keys. Both are cut like names (`cutName`).
-using Labels = std::map<std::string, std::string>;
 
 /// Everything about a run.
 struct Run {

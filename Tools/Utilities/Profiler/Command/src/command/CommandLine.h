@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "command/Failure.h"
-#include "command/MemoryLimit.h"
+#include "command/MemorySize.h"
 #include "console/CommandManual.h"
 
 /// The command lines of all commands: tables of options, which are their help too, and how what is given gets

@@ -2,7 +2,6 @@
 
 #include <sys/types.h>
 
-#include <filesystem>
 #include <optional>
 #include <string>
 
@@ -22,9 +21,9 @@ struct FileIdentity {
 std::optional<FileIdentity> identityOf(const std::string& path);
 
 /// @return the path behind symbolic links at its end, also of a file that is not there
-std::filesystem::path behindLinks(std::filesystem::path path);
+std::string behindLinks(const std::string& path);
 
 /// @return the directory of a path, "." for a name alone
-std::string directoryOf(const std::filesystem::path& path);
+std::string directoryOf(const std::string& path);
 
 }  // namespace zeb::command

@@ -95,7 +95,7 @@ FormFile::FormFile(const std::string& path, std::span<const std::string> logs) :
     if (status && ::fstat(STDOUT_FILENO, &output) == 0 && isSameFile(*status, output)) {
         throw Failure(ExitCode::usage, path, "standard output goes there; \"-\" is its name as a file");
     }
-    place_ = behindLinks(path).string();
+    place_ = behindLinks(path);
     if (status && ::access(place_.c_str(), W_OK) != 0) {
         throw fileFailure(path, errno);
     }

@@ -5,11 +5,17 @@
 
 #include <algorithm>
 #include <chrono>
+#include <condition_variable>
 #include <csignal>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <mutex>
+#include <optional>
 #include <string_view>
 #include <system_error>
+#include <thread>
+#include <utility>
 
 #include "command/Failure.h"
 #include "command/FileDescriptor.h"
@@ -79,48 +85,71 @@ private:
 
 }  // namespace
 
-LoadProgress::LoadProgress(int descriptor, Measure measure) : descriptor_(descriptor), measure_(measure) {
-    start();
-}
+// What is read, and the thread that shows it.
+class LoadProgress::Display {
+public:
+    /// @param size 0 where it is not known
+    Display(std::string path, int descriptor, Measure measure, std::uint64_t size)
+        : path_(std::move(path)), descriptor_(descriptor), measure_(measure), size_(size) {
+        const SignalsElsewhere elsewhere;
+        thread_ = std::thread([this] { run(); });
+    }
+    Display(const Display&) = delete;
+    Display& operator=(const Display&) = delete;
+    ~Display() {
+        {
+            const std::lock_guard lock(mutex_);
+            isEnded_ = true;
+        }
+        ended_.notify_one();
+        thread_.join();
+    }
 
-LoadProgress::LoadProgress(const std::string& path) : path_(path), measure_(Measure::position) {
+    // Without a thread there is no progress, and no harm.
+    static std::unique_ptr<Display> start(const std::string& path, int descriptor, Measure measure,
+                                          std::uint64_t size) {
+        if (nameOfProgram.empty() || ::isatty(STDERR_FILENO) != 1) {
+            return nullptr;
+        }
+        try {
+            return std::make_unique<Display>(path, descriptor, measure, size);
+        } catch (const std::system_error&) {
+            return nullptr;
+        }
+    }
+
+private:
+    void run();
+    [[nodiscard]] std::optional<std::uint64_t> bytesDone() const;
+    [[nodiscard]] std::string line(std::uint64_t done, double seconds) const;
+
+    const std::string path_;
+    const int descriptor_;
+    const Measure measure_;
+    const std::uint64_t size_;
+    std::mutex mutex_;
+    std::condition_variable ended_;
+    bool isEnded_ = false;
+    std::thread thread_;
+};
+
+LoadProgress::LoadProgress(int descriptor, Measure measure)
+    : display_(Display::start({}, descriptor, measure, 0)) {}
+
+LoadProgress::LoadProgress(const std::string& path) {
     struct stat status {};
-    if (::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode)) {
-        size_ = static_cast<std::uint64_t>(status.st_size);
-    }
-    start();
+    const bool isFile = ::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+    display_ =
+        Display::start(path, -1, Measure::position, isFile ? static_cast<std::uint64_t>(status.st_size) : 0);
 }
 
-LoadProgress::~LoadProgress() {
-    if (!thread_.joinable()) {
-        return;
-    }
-    {
-        const std::lock_guard lock(mutex_);
-        isEnded_ = true;
-    }
-    ended_.notify_one();
-    thread_.join();
-}
+LoadProgress::~LoadProgress() = default;
 
 void LoadProgress::showFor(std::string_view programName) {
     nameOfProgram = programName;
 }
 
-// Without a thread there is no progress, and no harm.
-void LoadProgress::start() {
-    if (nameOfProgram.empty() || ::isatty(STDERR_FILENO) != 1) {
-        return;
-    }
-    const SignalsElsewhere elsewhere;
-    try {
-        thread_ = std::thread([this] { run(); });
-    } catch (const std::system_error&) {
-        return;
-    }
-}
-
-void LoadProgress::run() {
+void LoadProgress::Display::run() {
     const auto began = Clock::now();
     std::unique_lock lock(mutex_);
     bool isShown = false;
@@ -142,7 +171,7 @@ void LoadProgress::run() {
     }
 }
 
-std::optional<std::uint64_t> LoadProgress::bytesDone() const {
+std::optional<std::uint64_t> LoadProgress::Display::bytesDone() const {
     struct stat status {};
     if (measure_ == Measure::growth) {
         return ::fstat(descriptor_, &status) == 0 ? std::optional(static_cast<std::uint64_t>(status.st_size))
@@ -151,7 +180,7 @@ std::optional<std::uint64_t> LoadProgress::bytesDone() const {
     return ::stat(path_.c_str(), &status) == 0 ? positionIn(status) : std::nullopt;
 }
 
-std::string LoadProgress::line(std::uint64_t done, double seconds) const {
+std::string LoadProgress::Display::line(std::uint64_t done, double seconds) const {
     const auto bytes = static_cast<double>(done);
     const double rate = bytes / seconds;
     std::string text = nameOfProgram + ": ";

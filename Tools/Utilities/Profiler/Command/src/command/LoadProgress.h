@@ -1,12 +1,8 @@
 #pragma once
 
-#include <condition_variable>
-#include <cstdint>
-#include <mutex>
-#include <optional>
+#include <memory>
 #include <string>
 #include <string_view>
-#include <thread>
 
 namespace zeb::command {
 
@@ -33,19 +29,8 @@ public:
     static void showFor(std::string_view programName);
 
 private:
-    void start();
-    void run();
-    [[nodiscard]] std::optional<std::uint64_t> bytesDone() const;
-    [[nodiscard]] std::string line(std::uint64_t done, double seconds) const;
-
-    std::string path_;
-    int descriptor_ = -1;
-    Measure measure_;
-    std::uint64_t size_ = 0;  ///< 0: not known
-    std::mutex mutex_;
-    std::condition_variable ended_;
-    bool isEnded_ = false;
-    std::thread thread_;
+    class Display;
+    std::unique_ptr<Display> display_;  ///< null where nobody sees it
 };
 
 }  // namespace zeb::command

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
+#include <filesystem>
 #include <fstream>
 #include <limits>
 #include <new>
@@ -133,8 +134,9 @@ MemorySize memorySizeOf(std::uint64_t bytes) {
     return {bytes, std::to_string(bytes)};
 }
 
-std::uint64_t controlGroupLimit(const std::filesystem::path& root) {
-    std::ifstream groups(root / "proc/self/cgroup");
+std::uint64_t controlGroupLimit(const std::string& root) {
+    const std::filesystem::path top(root);
+    std::ifstream groups(top / "proc/self/cgroup");
     std::uint64_t lowest = noLimit;
     for (std::string line; std::getline(groups, line);) {  // number:controllers:path
         const std::size_t first = line.find(':');
@@ -145,7 +147,7 @@ std::uint64_t controlGroupLimit(const std::filesystem::path& root) {
         const std::string controllers = "," + line.substr(first + 1, second - first - 1) + ",";
         for (const auto& [controller, directory, file] : groupVersions) {
             if (controllers.find(controller) != std::string::npos) {
-                lowest = std::min(lowest, lowestOnTheWay(root / directory, line.substr(second + 1), file));
+                lowest = std::min(lowest, lowestOnTheWay(top / directory, line.substr(second + 1), file));
             }
         }
     }

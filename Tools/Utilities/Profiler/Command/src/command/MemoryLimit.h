@@ -2,33 +2,17 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <filesystem>
 #include <memory>
-#include <optional>
 #include <string>
-#include <string_view>
+
+#include "command/MemorySize.h"
 
 namespace zeb::command {
-
-/// An amount of memory.
-struct MemorySize {
-    std::uint64_t bytes;
-    std::string text;  ///< as a user writes it: a number, with K, M or G behind it for the binary units
-};
-
-/// @return nothing when the text is no size, or one that is 0 or beyond all memory
-std::optional<MemorySize> parseMemorySize(std::string_view text);
-
-/// @return the size with the largest unit that divides it
-MemorySize memorySizeOf(std::uint64_t bytes);
 
 /// @param root of the file system, "/" but in tests
 /// @return bytes that the control groups of this process allow it, of either version; the largest number when
 ///         they set no limit
-std::uint64_t controlGroupLimit(const std::filesystem::path& root);
-
-/// @return three quarters of the machine's memory, or of what the control group may have of it
-MemorySize defaultMemorySize();
+std::uint64_t controlGroupLimit(const std::string& root);
 
 /// Limits what the process may have in memory, for good: its heap and everything else that it alone writes
 /// to. Where it asks for more, the allocation throws `std::bad_alloc`.

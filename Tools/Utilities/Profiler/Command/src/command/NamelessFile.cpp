@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <filesystem>
 #include <vector>
 
 namespace zeb::command {
@@ -23,10 +24,10 @@ bool isMemory(const fs::path& directory) {
 }
 
 // The directories to try, in this order: those that are memory last, but for the one that the user names.
-std::vector<fs::path> directoriesToTry(const std::optional<fs::path>& preferred) {
+std::vector<fs::path> directoriesToTry(const std::optional<std::string>& preferred) {
     std::vector<fs::path> directories;
     if (preferred) {
-        directories.push_back(*preferred);
+        directories.emplace_back(*preferred);
     }
     const char* const named = ::getenv("TMPDIR");
     directories.insert(directories.end(), {named == nullptr ? "" : named, "/tmp", "/var/tmp"});
@@ -54,7 +55,7 @@ std::string NamelessFile::path() const {
     return "/proc/self/fd/" + std::to_string(file.get());
 }
 
-NamelessFile makeNamelessFile(const std::optional<fs::path>& preferred) {
+NamelessFile makeNamelessFile(const std::optional<std::string>& preferred) {
     int error = 0;
     for (const fs::path& directory : directoriesToTry(preferred)) {
         FileDescriptor file = makeIn(directory);

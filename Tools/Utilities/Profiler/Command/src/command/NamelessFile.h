@@ -1,6 +1,5 @@
 #pragma once
 
-#include <filesystem>
 #include <optional>
 #include <string>
 
@@ -21,6 +20,6 @@ struct NamelessFile {
 /// not in a file system that is memory.
 /// @param preferred nothing: any
 /// @return a file that is not open when it can be made nowhere; `errno` tells why not in the first place
-NamelessFile makeNamelessFile(const std::optional<std::filesystem::path>& preferred);
+NamelessFile makeNamelessFile(const std::optional<std::string>& preferred);
 
 }  // namespace zeb::command

@@ -10,7 +10,7 @@
 #include "analysis/runs/Gate.h"
 #include "command/CommandLine.h"
 #include "command/Failure.h"
-#include "command/MemoryLimit.h"
+#include "command/MemorySize.h"
 #include "console/CommandManual.h"
 
 namespace zeb::compare {

@@ -8,7 +8,7 @@
 #include "analysis/runs/History.h"
 #include "command/CommandLine.h"
 #include "command/Failure.h"
-#include "command/MemoryLimit.h"
+#include "command/MemorySize.h"
 #include "console/CommandManual.h"
 
 namespace zeb::history {

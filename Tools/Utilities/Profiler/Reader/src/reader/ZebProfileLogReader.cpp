@@ -9,6 +9,7 @@
 
 #include "log/ChunkCheck.h"
 #include "log/ChunkReader.h"
+#include "log/FlatBufferReaderUtil.h"
 #include "logging/Logger.h"
 #include "reports/EventReport.h"
 #include "reports/HeaderText.h"
@@ -47,7 +48,10 @@ struct ChunkCloser {
 }  // namespace
 
 ZebProfileLogReader::ZebProfileLogReader(std::string logFilePath, VisibilityLevel visibilityLevel)
-    : store_(static_cast<std::int8_t>(visibilityLevel)), logFilePath_(std::move(logFilePath)) {}
+    : logWalker_(std::make_unique<FlatBufferReaderUtil>()),
+      store_(static_cast<std::int8_t>(visibilityLevel)), logFilePath_(std::move(logFilePath)) {}
+
+ZebProfileLogReader::~ZebProfileLogReader() = default;
 
 bool ZebProfileLogReader::loadLog(bool saveObjects) {
     ChunkReader chunks(logFilePath_);
@@ -59,10 +63,10 @@ bool ZebProfileLogReader::loadLog(bool saveObjects) {
     }
     while (chunks.nextLength()) {
         const auto buffer = readChunk(chunks);
-        if (!buffer || !logWalker_.openChunk(*buffer)) {
+        if (!buffer || !logWalker_->openChunk(*buffer)) {
             return false;
         }
-        const ChunkCloser closer{logWalker_};
+        const ChunkCloser closer{*logWalker_};
         if (!header_.headerSaved) {
             captureHeader();
         }
@@ -80,8 +84,8 @@ bool ZebProfileLogReader::loadLog(bool saveObjects) {
 }
 
 bool ZebProfileLogReader::readNextMessage() {
-    if (const schema::LogMessage* message = logWalker_.nextMessage()) {
-        return store_.dispatchMethod(*message, logWalker_.chunk());
+    if (const schema::LogMessage* message = logWalker_->nextMessage()) {
+        return store_.dispatchMethod(*message, logWalker_->chunk());
     }
     messagesDone_ = true;
     logMessage(ZEB_LOG_LEVEL_DEBUG, "profiling::ZebProfileLogReader reached EOF!");
@@ -95,7 +99,7 @@ bool ZebProfileLogReader::parseBackendArgs(commandline2::ParsedArgs& /*parsedArg
 void ZebProfileLogReader::captureHeader() {
     if (header_.headerSaved) {
         logMessage(ZEB_LOG_LEVEL_DEBUG, "Header details have been saved already.");
-    } else if (const schema::LogHeader* const header = logWalker_.header()) {
+    } else if (const schema::LogHeader* const header = logWalker_->header()) {
         header_ = readLogHeader(*header);
     } else {
         logMessage(ZEB_LOG_LEVEL_DEBUG, "hdr is nullptr");

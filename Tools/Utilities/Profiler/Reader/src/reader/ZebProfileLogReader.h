@@ -2,9 +2,9 @@
 
 #include <cstdint>
 #include <iosfwd>
+#include <memory>
 #include <string>
 
-#include "log/FlatBufferReaderUtil.h"
 #include "reports/ConsoleReport.h"
 #include "reports/CsvReport.h"
 #include "reports/ObjectFiles.h"
@@ -16,12 +16,15 @@
 
 namespace zeb::profiling {
 
+class FlatBufferReaderUtil;
+
 /// The generic reader: loads a log into an event store and gives the report for a backend without a report of
 /// its own. A reader for one backend derives from it and overrides the report. All reports go through the
 /// virtual operations for the header, the lines and the rows of events, so that an override of one is heard.
 class ZebProfileLogReader : public IZebPluginLogReader {
 public:
     ZebProfileLogReader(std::string logFilePath, VisibilityLevel visibilityLevel);
+    ~ZebProfileLogReader() override;
 
     bool generateReports(const std::string& outputPath) override;
     std::string printHeader() override;
@@ -116,7 +119,7 @@ private:
     }
 
     bool messagesDone_ = false;
-    FlatBufferReaderUtil logWalker_;
+    std::unique_ptr<FlatBufferReaderUtil> logWalker_;
     EventStore store_;
     LogHeaderDetails header_;
     std::string logFilePath_;

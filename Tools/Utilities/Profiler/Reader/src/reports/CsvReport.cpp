@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "log/Methods.h"
 #include "reports/ExecutionRate.h"
 #include "reports/ReportForms.h"
 #include "text/NumberText.h"

@@ -3,7 +3,6 @@
 #include <iterator>
 #include <string_view>
 
-#include "log/Methods.h"
 #include "reports/SectionHeads.h"
 #include "store/EventStore.h"
 
@@ -21,34 +20,9 @@ struct MethodForm {
     bool csvShowsMessage;              ///< a record shows its own message in place of the graph's name
 };
 
-inline constexpr MethodForm executeForm = {executeMethod,
-                                           nullptr,
-                                           {"Execute Stats (Average):", 24},
-                                           {"Execute Stats (Min):", 24},
-                                           {"Execute Stats (Max):", 24},
-                                           methodOf(schema::MethodType::Execute).csvName,
-                                           "EXECUTE",
-                                           false};
-
-inline constexpr MethodForm applyBinarySectionForm = {
-    applyBinarySectionMethod,
-    &EventStore::hasApplyBinarySection,
-    {"ApplyBinarySection Stats (Average):", 35},
-    {"ApplyBinarySection Stats (Min):", 35},
-    {"ApplyBinarySection Stats (Max):", 35},
-    methodOf(schema::MethodType::ApplyBinarySection).csvName,
-    "APPLYBINARY",
-    false};
-
-inline constexpr MethodForm finalizeAfterTensorUpdatesForm = {
-    finalizeAfterTensorUpdatesMethod,
-    &EventStore::hasFinalizeAfterTensorUpdates,
-    {"FinalizeAfterTensorUpdates Stats (Average):", 45},
-    {"FinalizeAfterTensorUpdates Stats (Min):", 40},
-    {"FinalizeAfterTensorUpdates Stats (Max):", 40},
-    methodOf(schema::MethodType::FinalizeAfterTensorUpdates).csvName,
-    "FINALIZE_AFTER_TENSOR_UPDATES",
-    true};
+extern const MethodForm executeForm;
+extern const MethodForm applyBinarySectionForm;
+extern const MethodForm finalizeAfterTensorUpdatesForm;
 
 inline constexpr const MethodForm* methodForms[] = {&executeForm, &applyBinarySectionForm,
                                                     &finalizeAfterTensorUpdatesForm};

@@ -5,11 +5,13 @@
 #include <cstddef>
 #include <span>
 
+#include "log/ProfileLog_generated.h"
 #include "logging/Logger.h"
 #include "store/Aggregation.h"
 #include "store/ContextMethods.h"
 #include "store/EventTree.h"
 #include "store/MessageFields.h"
+#include "store/MessageParts.h"
 
 namespace zeb::profiling {
 
@@ -44,6 +46,11 @@ std::string_view graphNameIn(std::string_view text) {
 }
 
 }  // namespace
+
+EventStore::EventStore(std::int8_t visibilityLevel)
+    : visibilityLevel_(visibilityLevel), parts_(std::make_unique<MessageParts>(arena_)) {}
+
+EventStore::~EventStore() = default;
 
 bool EventStore::dispatchMethod(const schema::LogMessage& message, const OpenChunk& chunk) {
     using schema::MethodType;
@@ -85,7 +92,7 @@ bool EventStore::dispatchMethod(const schema::LogMessage& message, const OpenChu
     if (message.methodType() == MethodType::ExecuteAsync) {
         asyncExecute = true;
     }
-    parts_.enter(chunk);
+    parts_->enter(chunk);
     return (this->*decoders[position].decode)(message);
 }
 
@@ -122,7 +129,7 @@ void EventStore::aggregateInitRow() {
 
 // The message's text up to its first NUL, lying in the chunk; nothing when the message has none.
 std::optional<std::string_view> EventStore::textOf(const schema::LogMessage& message) {
-    return message.text() == nullptr ? std::nullopt : std::optional(parts_.visible(message.text()));
+    return message.text() == nullptr ? std::nullopt : std::optional(parts_->visible(message.text()));
 }
 
 bool EventStore::isVisible(const schema::LogMessage& message) const {
@@ -132,7 +139,7 @@ bool EventStore::isVisible(const schema::LogMessage& message) const {
 MethodRecord EventStore::recordWithText(const schema::LogMessage& message) {
     MethodRecord record = timedRecord(message);
     if (message.text() != nullptr) {
-        record.message = parts_.text(message.text());
+        record.message = parts_->text(message.text());
     }
     return record;
 }
@@ -143,7 +150,7 @@ bool EventStore::decodeWholeRecord(const schema::LogMessage& message, MethodReco
     }
     record.durationUs = durationOf(message);
     record.timestamp = timestampOf(message);
-    record.events = EventList(decodeEvents(message, parts_));
+    record.events = EventList(decodeEvents(message, *parts_));
     hasRecord = true;
     return true;
 }
@@ -164,7 +171,7 @@ bool EventStore::decodeDeInit(const schema::LogMessage& message) {
     bool stored = false;
     decodeWholeRecord(message, deInitRecord, stored);
     if (stored && message.text() != nullptr) {
-        deInitRecord.message = parts_.text(message.text());
+        deInitRecord.message = parts_->text(message.text());
     }
     return stored;
 }
@@ -176,7 +183,7 @@ bool EventStore::decodeInitStep(const schema::LogMessage& message) {
     }
     initStepDurationUs = durationOf(message);
     if (message.text() != nullptr) {
-        initStepMessage = parts_.text(message.text());
+        initStepMessage = parts_->text(message.text());
     }
     return true;
 }
@@ -190,7 +197,7 @@ bool EventStore::decodeComposeGraphs(const schema::LogMessage& message) {
     }
     composeDurationUs += durationOf(message);
     if (const auto text = textOf(message); text && !text->empty()) {
-        composeGraphNames.add(parts_.name(message.text()));
+        composeGraphNames.add(parts_->name(message.text()));
     }
     return true;
 }
@@ -223,16 +230,16 @@ void EventStore::fileExecuteEvents(std::string_view graphName, EventList events)
 }
 
 NamedMethodRecord& EventStore::namedRecord(NamedRecordList& list, std::string_view name) {
-    return parts_.entryOf(list, name, wholeText, [&] { return NamedMethodRecord{parts_.part(name)}; });
+    return parts_->entryOf(list, name, wholeText, [&] { return NamedMethodRecord{parts_->part(name)}; });
 }
 
 // A new graph comes with its first record, so that none is ever without one.
 EventStore::GraphEntry EventStore::graphOf(GraphRecordList& list, std::string_view text,
                                            const MethodRecord& first, NameIn nameIn) {
     bool isNew = false;
-    GraphMethodRecords& graph = parts_.entryOf(list, text, nameIn, [&] {
+    GraphMethodRecords& graph = parts_->entryOf(list, text, nameIn, [&] {
         isNew = true;
-        return GraphMethodRecords{parts_.part(nameIn(text)), RecordList(first, arena_)};
+        return GraphMethodRecords{parts_->part(nameIn(text)), RecordList(first, arena_)};
     });
     return {graph, isNew};
 }
@@ -252,7 +259,7 @@ bool EventStore::decodeExecute(const schema::LogMessage& message) {
         return false;
     }
     MethodRecord record = timedRecord(message);
-    const auto [initOnes, others] = splitByType(decodeEvents(message, parts_), EVENT_TYPE_INIT);
+    const auto [initOnes, others] = splitByType(decodeEvents(message, *parts_), EVENT_TYPE_INIT);
     record.events = EventList(others);
     fileInitEvents(EventList(initOnes));
     latestExecution_ = &addRecord(executeRecords, *text, record);
@@ -265,7 +272,7 @@ bool EventStore::decodeFinalize(const schema::LogMessage& message) {
         return false;
     }
     MethodRecord record = timedRecord(message);
-    const auto [initOnes, others] = splitByType(decodeEvents(message, parts_), EVENT_TYPE_INIT);
+    const auto [initOnes, others] = splitByType(decodeEvents(message, *parts_), EVENT_TYPE_INIT);
     record.events = EventList(others);
     fileInitEvents(EventList(initOnes));
     hasFinalizeEvents = hasFinalizeEvents || !others.empty();
@@ -280,7 +287,7 @@ bool EventStore::decodeGraphEvents(const schema::LogMessage& message) {
         return false;
     }
     const std::string_view graphName = *text;
-    const auto [initOnes, afterInit] = splitByType(decodeEvents(message, parts_), EVENT_TYPE_INIT);
+    const auto [initOnes, afterInit] = splitByType(decodeEvents(message, *parts_), EVENT_TYPE_INIT);
     const auto [finalizeOnes, executeOnes] = splitByType(afterInit, EVENT_TYPE_FINALIZE);
     fileInitEvents(EventList(initOnes));
     fileFinalizeEvents(graphName, EventList(finalizeOnes));
@@ -294,7 +301,7 @@ bool EventStore::decodeApplyBinarySection(const schema::LogMessage& message) {
         return false;
     }
     MethodRecord record = timedRecord(message);
-    record.events = EventList(decodeEvents(message, parts_));
+    record.events = EventList(decodeEvents(message, *parts_));
     addRecord(applyBinarySectionRecords, *text, record);
     hasApplyBinarySection = true;
     return true;
@@ -306,8 +313,8 @@ bool EventStore::decodeFinalizeAfterTensorUpdates(const schema::LogMessage& mess
         return false;
     }
     MethodRecord record = timedRecord(message);
-    record.message = parts_.text(message.text());
-    record.events = EventList(decodeEvents(message, parts_));
+    record.message = parts_->text(message.text());
+    record.events = EventList(decodeEvents(message, *parts_));
     addRecord(finalizeAfterTensorUpdatesRecords, *text, record, graphNameIn);
     hasFinalizeAfterTensorUpdates = true;
     return true;
@@ -318,7 +325,7 @@ bool EventStore::decodeUpdateBinarySection(const schema::LogMessage& message) {
         return false;
     }
     MethodRecord record = timedRecord(message);
-    record.events = EventList(decodeEvents(message, parts_));
+    record.events = EventList(decodeEvents(message, *parts_));
     updateBinarySectionRecords.assign(1, {{}, arena_.make(record)});
     hasUpdateBinarySection = true;
     return true;

@@ -2,17 +2,23 @@
 
 #include <cstdint>
 #include <iosfwd>
+#include <memory>
 #include <optional>
 #include <string_view>
 #include <vector>
 
-#include "log/ProfileLog_generated.h"
+#include "log/OpenChunk.h"
 #include "memory/BlockList.h"
 #include "store/EventArena.h"
-#include "store/MessageParts.h"
 #include "store/MethodRecord.h"
+#include "store/NamedList.h"
 
 namespace zeb::profiling {
+
+namespace schema {
+struct LogMessage;
+}
+class MessageParts;
 
 /// All that is kept of a log: records made from its method messages, and the statistics over them. Nothing in
 /// it points into a chunk. Durations are in us; timestamps are the log's. The reports read the members and
@@ -20,9 +26,10 @@ namespace zeb::profiling {
 class EventStore {
 public:
     /// @param visibilityLevel messages whose level is not strictly below it are dropped
-    explicit EventStore(std::int8_t visibilityLevel) : visibilityLevel_(visibilityLevel) {}
+    explicit EventStore(std::int8_t visibilityLevel);
     EventStore(const EventStore&) = delete;
     EventStore& operator=(const EventStore&) = delete;
+    ~EventStore();
 
     /// Decodes one message of a verified chunk and keeps what its method asks for.
     /// @param chunk the chunk that the message lies in
@@ -141,7 +148,7 @@ private:
     std::int8_t visibilityLevel_;
     const MethodRecord* latestExecution_ = nullptr;
     EventArena arena_;
-    MessageParts parts_{arena_};
+    std::unique_ptr<MessageParts> parts_;
 };
 
 /// Where the store has the records of a method with statistics, and the statistics.

@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "log/LogAccess.h"
+#include "log/ProfileLog_generated.h"
 
 namespace zeb::profiling {
 

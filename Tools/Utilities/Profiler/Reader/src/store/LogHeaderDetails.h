@@ -3,9 +3,11 @@
 #include <cstdint>
 #include <string>
 
-#include "log/ProfileLog_generated.h"
-
 namespace zeb::profiling {
+
+namespace schema {
+struct LogHeader;
+}
 
 /// What a log says about itself, from its first `LogHeader`.
 struct LogHeaderDetails {

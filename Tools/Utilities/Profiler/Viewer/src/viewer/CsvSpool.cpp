@@ -14,6 +14,7 @@
 #include <utility>
 
 #include "command/Failure.h"
+#include "command/FileIdentity.h"
 
 namespace zeb::viewer {
 
@@ -25,15 +26,13 @@ using command::restarted;
 
 namespace {
 
-namespace fs = std::filesystem;
-
 // A pipe or device is no place beside which a file belongs.
-std::optional<fs::path> directoryBeside(const fs::path& csvPath) {
+std::optional<std::string> directoryBeside(const std::string& csvPath) {
     std::error_code error;
-    if (fs::is_other(csvPath, error)) {
+    if (std::filesystem::is_other(csvPath, error)) {
         return std::nullopt;
     }
-    return csvPath.has_parent_path() ? csvPath.parent_path() : fs::path(".");
+    return command::directoryOf(csvPath);
 }
 
 // Returns the error that keeps the file from growing further, or 0. What is written for it is cut off again.

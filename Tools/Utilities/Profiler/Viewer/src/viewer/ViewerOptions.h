@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "command/CommandLine.h"
-#include "command/MemoryLimit.h"
+#include "command/MemorySize.h"
 #include "command/runs/Labels.h"
 #include "console/CommandManual.h"
 #include "forms/text/TopText.h"

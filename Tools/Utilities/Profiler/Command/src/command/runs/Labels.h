@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "analysis/Run.h"
+#include "analysis/Labels.h"
 #include "command/CommandLine.h"
 #include "console/CommandManual.h"
 

@@ -5,8 +5,11 @@
 #include <ostream>
 #include <string>
 
-#include "analysis/Run.h"
 #include "console/ConsoleStyle.h"
+
+namespace zeb::analysis {
+struct Run;
+}
 
 /// What costs the time of an inference, for a console.
 namespace zeb::forms {
