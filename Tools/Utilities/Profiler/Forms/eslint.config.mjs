@@ -10,7 +10,7 @@ export default [
       sourceType: "module",
       globals: names(
         "document window navigator performance requestAnimationFrame setTimeout Node Event KeyboardEvent PointerEvent " +
-          "WheelEvent history location URLSearchParams ResizeObserver getComputedStyle NodeFilter",
+          "WheelEvent history location URLSearchParams ResizeObserver getComputedStyle NodeFilter requestIdleCallback",
       ),
     },
     rules: {

@@ -19,6 +19,7 @@ import shutil
 import subprocess
 import sys
 import tempfile
+import time
 
 BROWSERS = ["chromium", "chromium-browser", "google-chrome", "google-chrome-stable"]
 
@@ -121,6 +122,8 @@ def look_at(browser, page, steps):
     url = "file://" + os.path.realpath(page)
     browser.resize(1280)
     browser.ask("Emulation.setEmulatedMedia", features=[])
+    if "speed" in steps:
+        time.sleep(5)  # a browser is busy with itself once it has been started
     browser.open(url)
     for step in steps:
         name, _, value = step.partition("=")

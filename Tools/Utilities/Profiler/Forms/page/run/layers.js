@@ -69,8 +69,7 @@ export function showOruTable(view) {
     return;
   }
   const whole = view.oru.reduce((sum, layer) => sum + oruTime(layer), 0);
-  const places = new Map(view.oru.map((layer, place) => [layer, place]));
-  const layersOf = layer => view.owners[places.get(layer)];
+  const layersOf = layer => view.owners[layer.place];
   const names = layer =>
     layersOf(layer)
       .map(place => view.layers[place].name)
@@ -108,7 +107,7 @@ export function showOruTable(view) {
     name: "All ORU layers",
     rows: view.oru,
     layersOf,
-    isAbout: layer => subject().oru.has(places.get(layer)),
+    isAbout: layer => subject().oru.has(layer.place),
     narrowing: () => narrowing(view, layersOf, layer => [layer.type_name]),
     narrowedBy: ["pinned", "type"],
     columns,

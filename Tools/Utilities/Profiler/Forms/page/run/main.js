@@ -2,7 +2,7 @@
 
 import {cut, make, part} from "../shared/elements.js";
 import {change, follow, forgetFollowers, nothingChosen, state} from "../shared/state.js";
-import {run} from "./data.js";
+import {completeLayers, run} from "./data.js";
 import {showExecutions} from "./executions.js";
 import {showFindings} from "./findings.js";
 import {showHeader} from "./header.js";
@@ -32,8 +32,19 @@ function showCharts(width = null) {
 const maxAtOnce = 2000; // ORU layers: of more the tables come behind the first picture
 
 function showTables(view) {
-  showZebTable(view);
-  showOruTable(view);
+  const show = () => {
+    if (state.view === view) {
+      completeLayers();
+      showZebTable(view);
+      showOruTable(view);
+    }
+  };
+  const showInTime = () => (view?.oru.length > maxAtOnce ? requestAnimationFrame(() => setTimeout(show)) : show());
+  if (document.readyState === "loading") {
+    document.addEventListener("DOMContentLoaded", showInTime);
+  } else {
+    showInTime();
+  }
 }
 
 // `wanted` is what of the state does not begin as nothing.
@@ -48,11 +59,7 @@ function showGraph(index, wanted = {}) {
   }
   showFindings(view);
   showCharts();
-  if (view && view.oru.length > maxAtOnce) {
-    requestAnimationFrame(() => setTimeout(() => state.view === view && showTables(view)));
-  } else {
-    showTables(view);
-  }
+  showTables(view);
   follow("steps", markSteps);
   follow("link", keepLink);
   markSteps();

@@ -413,13 +413,8 @@ class Strip {
 
   showBars() {
     const window = this.window();
-    const within = pieces => pieces.slice(placeAt(pieces, window.from), placeAt(pieces, window.to) + 1);
     const row = (pieces, most, top, tall, fit) =>
-      fewBarsOf(
-        within(pieces).map(piece => clipped(piece, window)),
-        window,
-        most,
-      ).map(bar => drawnBar(bar, top, tall, fit));
+      fewBarsOf(piecesWithin(pieces, window), window, most).map(bar => drawnBar(bar, top, tall, fit));
     const zeb = row(this.view.zebPieces, maxZebBars, marksHeight, zebHeight, this.view.hasZeb ? endOf : startOf);
     const oru = row(this.view.oruPieces, maxOruBars, oruTop, oruHeight, startOf);
     this.bars.replaceChildren(...zeb.concat(oru).flat().filter(Boolean));
@@ -519,6 +514,14 @@ class Strip {
     }
     this.showMarked();
   }
+}
+
+function piecesWithin(pieces, window) {
+  const shown = pieces.slice(placeAt(pieces, window.from), placeAt(pieces, window.to) + 1);
+  for (const edge of shown.length > 0 ? new Set([0, shown.length - 1]) : []) {
+    shown[edge] = clipped(shown[edge], window);
+  }
+  return shown;
 }
 
 // Of a piece that begins or ends beyond what is shown, the share of each colour within it.

@@ -102,11 +102,14 @@ export class Table {
     this.valuesOf = once(column => this.rows.map(row => column.of(row)));
     this.keysOf = once(column => this.findKeys(column));
     this.widthOf = once(column => this.findWidth(column));
-    this.haystacks = once(() => this.findHaystacks());
+    this.textsOf = once(column => this.findTexts(column));
     this.host = host;
     this.build(host);
     this.take(state.tables[host.id] ?? {});
     follow(host.id, changed => this.follow(changed));
+    // What a filter looks in is found while nobody waits for it.
+    const soon = window.requestIdleCallback ?? setTimeout;
+    this.columns.filter(column => column.isText).forEach(column => soon(() => this.textsOf(column)));
   }
 
   /** What the reader has asked for, as it stands in the state: the title of a column, a text. */
@@ -195,14 +198,37 @@ export class Table {
     return column.text ? column.text(value, row) : column.isText ? value : digits(value);
   }
 
-  // Comparing texts as people do is slow, so each text is compared once.
+  /** The texts of a column, each once, and which of them each row has. */
+  findTexts(column) {
+    const places = new Map();
+    const ofRows = new Uint32Array(this.rows.length);
+    this.valuesOf(column).forEach((text, position) => {
+      let place = places.get(text);
+      if (place === undefined) {
+        place = places.size;
+        places.set(text, place);
+      }
+      ofRows[position] = place;
+    });
+    return {texts: [...places.keys()], ofRows};
+  }
+
   findKeys(column) {
+    const keys = new Float64Array(this.rows.length);
     if (!column.isText) {
-      return Float64Array.from(this.valuesOf(column), value => (value === null ? NaN : Number(value)));
+      this.valuesOf(column).forEach((value, position) => (keys[position] = value === null ? NaN : Number(value)));
+      return keys;
     }
-    const texts = [...new Set(this.valuesOf(column))].sort(new Intl.Collator("en", {numeric: true}).compare);
-    const ranks = new Map(texts.map((text, rank) => [text, rank]));
-    return Float64Array.from(this.valuesOf(column), text => ranks.get(text));
+    // Comparing texts as people do is slow, so each text is compared once.
+    const {texts, ofRows} = this.textsOf(column);
+    const {compare} = new Intl.Collator("en", {numeric: true});
+    const ranks = new Uint32Array(texts.length);
+    texts
+      .map((_, place) => place)
+      .sort((left, right) => compare(texts[left], texts[right]))
+      .forEach((place, rank) => (ranks[place] = rank));
+    ofRows.forEach((place, position) => (keys[position] = ranks[place]));
+    return keys;
   }
 
   findWidth(column) {
@@ -215,23 +241,17 @@ export class Table {
     return Math.max(column.least ?? 0, widthOfCell(`${column.title} \u2195`), Math.min(widestCell, width));
   }
 
-  findHaystacks() {
-    const texts = this.columns.filter(column => column.isText).map(this.valuesOf);
-    return this.rows.map((row, position) =>
-      texts
-        .map(values => values[position])
-        .join("\n")
-        .toLowerCase(),
-    );
-  }
-
   // ---- What is shown
 
   order() {
     const wanted = this.filter.toLowerCase();
-    const texts = wanted === "" ? null : this.haystacks();
+    const searched = wanted === "" ? [] : this.columns.filter(column => column.isText).map(this.textsOf);
+    const hits = searched.map(({texts, ofRows}) => ({
+      isHit: texts.map(text => text.toLowerCase().includes(wanted)),
+      ofRows,
+    }));
     const isFound = (row, position) =>
-      texts === null ? this.hasMinor || !this.isMinor(row) : texts[position].includes(wanted);
+      wanted === "" ? this.hasMinor || !this.isMinor(row) : hits.some(({isHit, ofRows}) => isHit[ofRows[position]]);
     const narrowing = this.narrowing();
     this.ordered = [];
     this.rows.forEach((row, position) => {

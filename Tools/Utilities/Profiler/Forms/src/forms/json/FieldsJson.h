@@ -14,13 +14,22 @@
 
 namespace zeb::forms {
 
+/// Who is to read it.
+enum class Reader { program, page };
+
+/// @return whether pictures of a page show that of an ORU layer, and not its tables alone
+constexpr bool isOfPictures(std::string_view key) {
+    return key == "id" || key == "type_name" || key == "offloaded" || key == "time_us";
+}
+
 /// Writes what `fieldsOf` knows, and lists and options of it, as JSON.
 class FieldsWriter {
 public:
+    /// @param reader a page has lists of layers as columns, and what is not of pictures elsewhere
     /// @param maxExecutions of a graph that has more of them the columns are empty
-    explicit FieldsWriter(JsonWriter& json,
+    explicit FieldsWriter(JsonWriter& json, Reader reader = Reader::program,
                           std::size_t maxExecutions = std::numeric_limits<std::size_t>::max())
-        : json_(json), mostExecutions_(maxExecutions) {}
+        : json_(json), reader_(reader), maxExecutions_(maxExecutions) {}
 
     /// Writes an object.
     template <typename Struct>
@@ -42,10 +51,26 @@ public:
         });
     }
 
+    /// Writes an object with a list for each key that is wanted: the values that the elements have for it.
+    template <typename Element, typename IsWanted>
+    void putColumns(const std::vector<Element>& list, IsWanted isWanted) {
+        const Element none{};
+        std::size_t column = 0;
+        json_.beginObject();
+        fieldsOf(none, [&](std::string_view key, const auto& /*of none*/) {
+            if (isWanted(key)) {
+                json_.key(key);
+                putColumn(list, column);
+            }
+            ++column;
+        });
+        json_.endObject();
+    }
+
     void put(const analysis::Executions& executions) {
         static const analysis::Executions none;
         json_.beginObject();
-        putMembers(executions.count() > mostExecutions_ ? none : executions);
+        putMembers(executions.count() > maxExecutions_ ? none : executions);
         json_.endObject();
     }
 
@@ -59,6 +84,16 @@ public:
 
     template <typename Element>
     void put(const std::vector<Element>& list) {
+        if constexpr (std::same_as<Element, analysis::ZebLayer>) {
+            if (reader_ == Reader::page) {
+                return putColumns(list, [](std::string_view) { return true; });
+            }
+        }
+        if constexpr (std::same_as<Element, analysis::OruLayer>) {
+            if (reader_ == Reader::page) {
+                return putColumns(list, isOfPictures);
+            }
+        }
         json_.beginList();
         for (const Element& element : list) {
             put(element);
@@ -97,8 +132,24 @@ public:
     void put(Enum value) { json_.value(nameIn(value)); }
 
 private:
+    /// @param column the position of its key
+    template <typename Element>
+    void putColumn(const std::vector<Element>& list, std::size_t column) {
+        json_.beginList();
+        for (const Element& element : list) {
+            std::size_t at = 0;
+            fieldsOf(element, [&](std::string_view, const auto& member) {
+                if (at++ == column) {
+                    put(member);
+                }
+            });
+        }
+        json_.endList();
+    }
+
     JsonWriter& json_;
-    std::size_t mostExecutions_;
+    Reader reader_;
+    std::size_t maxExecutions_;
 };
 
 }  // namespace zeb::forms

@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <istream>
-#include <limits>
 #include <ostream>
 
 #include "analysis/Run.h"
@@ -13,9 +12,16 @@ namespace zeb::forms {
 
 /// Writes the object and a newline. Text that is no UTF-8 is replaced, numbers that are not finite are null.
 /// It takes no memory in proportion to the run.
+void writeRunJson(std::ostream& out, const analysis::Run& run, JsonStyle style = {});
+
+/// Writes the same for the script of a page, which is to read no more than it shows, and first what its
+/// pictures show: lists of layers are columns, an object with a list for each key, and of ORU layers those
+/// columns are left out that only tables have.
 /// @param maxExecutions of a graph that has more of them the columns are empty
-void writeRunJson(std::ostream& out, const analysis::Run& run, JsonStyle style = {},
-                  std::size_t maxExecutions = std::numeric_limits<std::size_t>::max());
+void writeRunForPage(std::ostream& out, const analysis::Run& run, std::size_t maxExecutions);
+
+/// Writes these, as a list with an object for each graph.
+void writeTablesForPage(std::ostream& out, const analysis::Run& run);
 
 /// Reads such an object, of this version. Keys that are not known are passed over, and what is missing is
 /// empty.

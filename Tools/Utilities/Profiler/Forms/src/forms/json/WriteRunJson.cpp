@@ -3,13 +3,29 @@
 
 namespace zeb::forms {
 
-void writeRunJson(std::ostream& out, const analysis::Run& run, JsonStyle style, std::size_t maxExecutions) {
+void writeRunJson(std::ostream& out, const analysis::Run& run, JsonStyle style) {
     JsonWriter json(out, style);
     json.beginObject();
     json.member("schema", runSchema);
-    FieldsWriter(json, maxExecutions).putMembers(run);
+    FieldsWriter(json).putMembers(run);
     json.endObject();
     json.breakLine();
+    json.flush();
+}
+
+void writeRunForPage(std::ostream& out, const analysis::Run& run, std::size_t maxExecutions) {
+    JsonWriter json(out, jsonOfPage);
+    FieldsWriter(json, Reader::page, maxExecutions).put(run);
+    json.flush();
+}
+
+void writeTablesForPage(std::ostream& out, const analysis::Run& run) {
+    JsonWriter json(out, jsonOfPage);
+    json.beginList();
+    for (const analysis::Graph& graph : run.graphs) {
+        FieldsWriter(json).putColumns(graph.oruLayers, [](std::string_view key) { return !isOfPictures(key); });
+    }
+    json.endList();
     json.flush();
 }
 

@@ -35,7 +35,7 @@ void writeComparisonPage(std::ostream& out, const analysis::Comparison& comparis
     writeComparisonJson(out, comparison, gate, jsonOfPage);
     out << comparisonParts.beforeExtra;
     writeView(out, hideBelow);
-    out << comparisonParts.behind;
+    out << comparisonParts.beforeLate << comparisonParts.behind;
 }
 
 }  // namespace zeb::forms

@@ -9,7 +9,7 @@ void writeHistoryPage(std::ostream& out, const analysis::History& history, analy
                       const std::optional<analysis::NewestVerdict>& verdict) {
     out << historyParts.beforeData;
     writeHistoryJson(out, history, chance, verdict, jsonOfPage);
-    out << historyParts.beforeExtra << "{}" << historyParts.behind;
+    out << historyParts.beforeExtra << "{}" << historyParts.beforeLate << historyParts.behind;
 }
 
 }  // namespace zeb::forms

@@ -11,7 +11,7 @@ namespace zeb::forms {
 void writePage(std::ostream& out, const analysis::Run& run) {
     const std::size_t maxSingles = maxSinglesOfGraph(run);
     out << pageParts.beforeData;
-    writeRunJson(out, run, jsonOfPage, maxSingles);
+    writeRunForPage(out, run, maxSingles);
     out << pageParts.beforeExtra;
     JsonWriter json(out, jsonOfPage);
     json.beginObject();
@@ -34,6 +34,8 @@ void writePage(std::ostream& out, const analysis::Run& run) {
     json.endList();
     json.endObject();
     json.flush();
+    out << pageParts.beforeLate;
+    writeTablesForPage(out, run);
     out << pageParts.behind;
 }
 

@@ -9,7 +9,8 @@ namespace zeb::forms {
 struct PageParts {
     std::string_view beforeData;
     std::string_view beforeExtra;
-    std::string_view behind;
+    std::string_view beforeLate;  ///< with the script; what comes late is read behind the first picture
+    std::string_view behind;      ///< empty for a page that has nothing late
 };
 extern const PageParts pageParts;        ///< of a run
 extern const PageParts comparisonParts;  ///< of two versions
