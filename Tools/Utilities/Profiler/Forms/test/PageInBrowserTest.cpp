@@ -82,6 +82,8 @@ std::string pageWithTopOf(const analysis::Run& run) {
 
 TEST(PageInBrowser, EachLogIsShownAsItIs) {
     const std::string steps = "parts figures missing executions";
+    const std::string withoutLayers =
+        "hiddenParts: Costliest ZEB layers; ORU layers by type; All ZEB layers; All ORU layers\n";
     const std::string basic =
         "The run was profiled at level basic, which records no layers. Profile it at level detailed to see "
         "them.";
@@ -90,9 +92,9 @@ TEST(PageInBrowser, EachLogIsShownAsItIs) {
         "the Murl backend to see them.";
     test::expectInBrowser({
         {"sample", pageOf(runOf(NetworkOptions{})),
-         steps + " strip spread histogram steps clock edges whole rest",
+         steps + " hiddenParts strip spread histogram steps clock edges whole rest",
          shows("2190us 84.1% 83.5%", "good", "dot; 20") +
-             "strip: good\n"
+             "hiddenParts: none\nstrip: good\n"
              "spread: 20 2167 us 2190 us 2210 us – 3016 us 3016 us +37.7%\nhistogram: good\n"
              "steps: Load the library 0.0 3.2; Initialize a step of mobilenet_v1_224 3.4 41.7; "
              "Compose mobilenet_v1_224 45.2 9.6; Finalize mobilenet_v1_224 54.9 59.1; "
@@ -107,10 +109,10 @@ TEST(PageInBrowser, EachLogIsShownAsItIs) {
          "event 11; event 12; and 1 more\n"
          "findingTimes: 0.50 us; 9 us; 42.5 us; 9999 us; 10.0 ms; 10,000 ms; 10.0 s; 123 s; 59.1 ms\n"
          "shares: <0.01%; >99.9%; 0.03%; 0.0%\nrest: good\nclock: good\n"},
-        {"level basic", pageOf(runOf({.level = samplelog::ProfileLevel::basic})), steps,
-         shows("2190us 84.1% –", basic, "dot; 20")},
-        {"methods", pageOf(runOf(samplelog::writeMethodsLog)), steps + " large",
-         shows("1350us – –", noBackend, "dot,outlier; 4") + "large: good\n"},
+        {"level basic", pageOf(runOf({.level = samplelog::ProfileLevel::basic})), steps + " hiddenParts",
+         shows("2190us 84.1% –", basic, "dot; 20") + withoutLayers},
+        {"methods", pageOf(runOf(samplelog::writeMethodsLog)), steps + " hiddenParts large",
+         shows("1350us – –", noBackend, "dot,outlier; 4") + withoutLayers + "large: good\n"},
         {"adapter updater", pageOf(runOf(samplelog::writeAdapterUpdaterLog)), steps,
          shows("– – –", "This is a log of the adapter updater, which executes no graph." + noSteps,
                "; undefined")},

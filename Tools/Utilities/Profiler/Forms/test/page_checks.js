@@ -127,6 +127,13 @@ globalThis.checks = {
   missing() {
     return [...new Set([...document.querySelectorAll(".missing")].map(text => text.textContent))].join(" | ");
   },
+  // Those that would say once more what another says.
+  hiddenParts() {
+    const sections = [...document.querySelectorAll("main section")];
+    const titles = sections.filter(section => section.hidden).map(section => section.querySelector("h2").textContent);
+    const links = document.querySelectorAll("#contents a").length;
+    return links + titles.length === sections.length ? titles.join("; ") || "none" : `${links} links, ${titles}`;
+  },
   sorting() {
     heading("zeb", "Time (us)").click();
     const falls = isSorted(numbersOf("zeb", "Time (us)"), (left, right) => left >= right);

@@ -11,7 +11,7 @@ const keys = [
   ["Escape", "let the chosen layer go, and the marks of a finding; close what is open"],
 ];
 
-function showHelp() {
+export function showHelp() {
   const rows = keys.map(([key, words]) => [make("dt", {}, make("kbd", {}, key)), make("dd", {}, words)]);
   const close = make("button", {type: "button", class: "button"}, "Close");
   const help = part("help");
@@ -33,6 +33,7 @@ function showHelp() {
   });
 }
 
+/** Leads to the parts that are shown, which differ from graph to graph. */
 export function showContents() {
   const sections = [...document.querySelectorAll("main section")].filter(section => !section.hidden);
   const links = sections.map(section => {
@@ -50,5 +51,4 @@ export function showContents() {
   const keysButton = make("button", {type: "button", class: "choice", "aria-label": "Keys"}, "?");
   keysButton.addEventListener("click", () => part("help").showModal());
   part("contents").replaceChildren(...links, keysButton);
-  showHelp();
 }

@@ -9,7 +9,7 @@ import {showHeader} from "./header.js";
 import {showGraphs} from "./graphs.js";
 import {showInference} from "./inference.js";
 import {isLink, keepLink, wantedByLink} from "./link.js";
-import {showContents} from "./contents.js";
+import {showContents, showHelp} from "./contents.js";
 import {showOruTable, showZebTable} from "./layers.js";
 import {showRanking} from "./ranking.js";
 import {markSteps, showSteps} from "./steps.js";
@@ -47,11 +47,21 @@ function showTables(view) {
   }
 }
 
+// Of a graph without layers the strip says why, and the other parts about layers would say the same.
+function hideParts(view) {
+  const hasNone = view !== null && view.oru.length === 0;
+  for (const id of ["ranking", "types", "zeb", "oru"]) {
+    part(id).closest("section").hidden = run.graphs.length === 0 || hasNone;
+  }
+  showContents();
+}
+
 // `wanted` is what of the state does not begin as nothing.
 function showGraph(index, wanted = {}) {
   const view = index < run.graphs.length ? viewOf(index) : null;
   forgetFollowers();
   Object.assign(state, {...nothingChosen, ...wanted, graph: index, view});
+  hideParts(view);
   showHeader(view);
   if (run.graphs.length > 1) {
     part("graph").value = index;
@@ -95,7 +105,7 @@ function showLink() {
 
 showSteps();
 showWords();
-showContents();
+showHelp();
 showLink();
 document.addEventListener("keydown", event => {
   if (event.key === "Escape" && !part("help").open) {
