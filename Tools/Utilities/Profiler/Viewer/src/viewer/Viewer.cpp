@@ -120,7 +120,10 @@ bool showAll(const ViewerOptions& options, PipedLog& pipe, RunForms& forms, Stan
         }
     }
     if (options.wantsForms()) {
-        forms.show(run ? *run : forms.readRun(*memory), output, *memory);
+        if (!run) {
+            run = forms.readRun(*memory);
+        }
+        forms.show(*run, output, *memory);
     }
     return true;
 }
@@ -146,7 +149,7 @@ ExitCode show(ViewerOptions options, StandardOutput& output) {
 
 ExitCode runViewer(int argc, const char* const* argv) {
     StandardOutput output;
-    const ViewerOptions options = parseCommandLine(argc, argv);
+    ViewerOptions options = parseCommandLine(argc, argv);
     if (options.raw) {
         output.showRaw();
     }
@@ -160,7 +163,7 @@ ExitCode runViewer(int argc, const char* const* argv) {
             output.finish();
             break;
         case Action::work:
-            exitCode = show(options, output);
+            exitCode = show(std::move(options), output);
             break;
     }
     return output.isPipeClosed() ? ExitCode::closedPipe : exitCode;

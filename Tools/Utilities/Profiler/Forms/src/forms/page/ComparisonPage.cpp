@@ -2,8 +2,8 @@
 
 #include "forms/json/ComparisonFields.h"
 #include "forms/json/ComparisonJson.h"
+#include "forms/page/ExecutionPicture.h"
 #include "forms/page/PageParts.h"
-#include "forms/page/QuantileJson.h"
 
 namespace zeb::forms {
 

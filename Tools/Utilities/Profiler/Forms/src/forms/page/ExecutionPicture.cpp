@@ -124,4 +124,16 @@ void writePicture(JsonWriter& json, const ExecutionPicture& picture) {
     json.endObject();
 }
 
+void writeQuantiles(JsonWriter& json) {
+    json.beginList();
+    for (const analysis::Quantile& quantile : analysis::quantiles) {
+        json.beginObject();
+        json.member("key", quantile.key);
+        json.member("title", quantile.title);
+        json.member("min_count", quantile.minCount);
+        json.endObject();
+    }
+    json.endList();
+}
+
 }  // namespace zeb::forms

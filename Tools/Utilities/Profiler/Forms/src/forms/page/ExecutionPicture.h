@@ -43,4 +43,7 @@ ExecutionPicture pictureOf(const analysis::Graph& graph, std::size_t maxBins);
 /// Writes the picture as a JSON object. Bins of one execution have a median alone.
 void writePicture(JsonWriter& json, const ExecutionPicture& picture);
 
+/// Writes the list of the quantiles that stand below it: key, title and how many executions each takes.
+void writeQuantiles(JsonWriter& json);
+
 }  // namespace zeb::forms

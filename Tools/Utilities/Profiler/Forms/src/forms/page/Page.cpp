@@ -4,7 +4,6 @@
 #include "forms/json/RunJson.h"
 #include "forms/page/ExecutionPicture.h"
 #include "forms/page/PageParts.h"
-#include "forms/page/QuantileJson.h"
 
 namespace zeb::forms {
 
