@@ -237,9 +237,11 @@ globalThis.checks = {
     const isFull = [upper, lower].every(row => row.end > 0.98 * width);
     return rows.size !== 2 || !isFull || bars > 2000
       ? `${rows.size} rows, ${bars} bars, ${upper.drawn} of ${width}`
-      : Math.abs(upper.blue / upper.drawn - onKrel) > 0.02
-        ? `${upper.blue / upper.drawn} is blue`
-        : "";
+      : [upper, lower]
+          .map(row => row.blue / row.drawn)
+          .filter(blue => Math.abs(blue - onKrel) > 0.02)
+          .map(blue => `${blue} is blue`)
+          .join();
   },
   zooming() {
     const strip = element("strip");
@@ -249,9 +251,14 @@ globalThis.checks = {
     const pointer = (kind, x, more = {}) =>
       slider.dispatchEvent(new PointerEvent(kind, {clientX: box.left + x * box.width, pointerId: 1, ...more}));
     const found = [];
+    const isWithin = bar => {
+      const [x, room] = ["x", "width"].map(name => Number(bar.getAttribute(name)));
+      return x >= 0 && x + room <= slider.querySelector("svg").viewBox.baseVal.width;
+    };
     const after = action => {
       action();
-      found.push(shown() || "whole");
+      const isInside = [...slider.querySelectorAll("rect.krel, rect.dsp")].every(isWithin);
+      found.push(isInside ? shown() || "whole" : "a bar beyond the edge");
     };
     after(() => buttonOf("strip", "+").click());
     after(() => press(slider, "+"));

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -300,9 +299,13 @@ struct Graph {
 template <typename Use>
 void forEachLayer(const Graph& graph, Use use) {
     if (graph.layers.kind == LayerKind::zeb) {
-        std::for_each(graph.zebLayers.begin(), graph.zebLayers.end(), use);
+        for (const ZebLayer& layer : graph.zebLayers) {
+            use(layer);
+        }
     } else if (graph.layers.kind == LayerKind::oru) {
-        std::for_each(graph.oruLayers.begin(), graph.oruLayers.end(), use);
+        for (const OruLayer& layer : graph.oruLayers) {
+            use(layer);
+        }
     }
 }
 

@@ -40,30 +40,34 @@ OptionRows ownRows() {
           "Without it every "
           "run is a version."},
          Takes::value,
-         [](auto& options, const auto& given) { options.by = given.value; }},
+         [](HistoryOptions& options, const Given& given) { options.by = given.value; }},
         {{"--order", " ORDER",
           "Put the versions in the order in which their runs are given, or by the clock of the logs: " +
               console::namesInARow(command::namesOf(orderNames)) + ". Default given.",
           command::namesOf(orderNames)},
          Takes::value,
-         [](auto& options, const auto& given) { options.order = orderOf(given); }},
+         [](HistoryOptions& options, const Given& given) { options.order = orderOf(given); }},
         {{"--split", " KEY", "Runs that differ in the label KEY are series of their own."},
          Takes::value,
-         [](auto& options, const auto& given) { options.split = given.value; }},
+         [](HistoryOptions& options, const Given& given) { options.split = given.value; }},
         {command::filesFromOption(), Takes::value,
-         [](auto& options, const auto& given) { options.filesFrom = given.value; }},
+         [](HistoryOptions& options, const Given& given) { options.filesFrom = given.value; }},
         {{failName, " PERCENT",
           "Fail when a graph's time has a sure step by more than PERCENT that holds until the newest "
           "version."},
          Takes::value,
-         [](auto& options, const auto& given) { options.failAbove = command::shareOfPercent(given); }},
+         [](HistoryOptions& options, const Given& given) {
+             options.failAbove = command::shareOfPercent(given);
+         }},
         {{"--fail-unsure", "", "Fail also when such a step might hide in the newest versions."},
          Takes::nothing,
-         [](auto& options, const auto& /*given*/) { options.failsUnsure = true; },
+         [](HistoryOptions& options, const Given& /*given*/) { options.failsUnsure = true; },
          {},
          {.needs = failName}},
         {command::maxMemoryOption(), Takes::value,
-         [](auto& options, const auto& given) { options.maxMemory = command::maxMemoryOf(given); }},
+         [](HistoryOptions& options, const Given& given) {
+             options.maxMemory = command::maxMemoryOf(given);
+         }},
     };
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <string_view>
@@ -56,17 +56,23 @@ inline constexpr auto units = std::to_array<UnitNames>({
 });
 
 constexpr const UnitNames& namesOf(EventUnit unit) {
-    return *std::find_if(units.begin(), units.end(),
-                         [unit](const UnitNames& names) { return names.unit == unit; });
+    std::size_t row = 0;
+    while (units[row].unit != unit) {
+        ++row;
+    }
+    return units[row];
 }
 
 static_assert(
     [] {
         for (std::uint32_t number = 0; number <= std::numeric_limits<std::uint8_t>::max(); ++number) {
             const auto unit = static_cast<EventUnit>(number);
-            const auto isNamed = [unit](const UnitNames& names) { return names.unit == unit; };
+            std::size_t rows = 0;
+            for (const UnitNames& names : units) {
+                rows += names.unit == unit ? 1 : 0;
+            }
             const bool isUnit = unitOf(number) == unit;
-            if (std::count_if(units.begin(), units.end(), isNamed) != (isUnit ? 1 : 0) ||
+            if (rows != (isUnit ? 1 : 0) ||
                 (isUnit && (number >= 1U << unitBits || namesOf(unit).json.empty()))) {
                 return false;
             }

@@ -121,37 +121,45 @@ const OptionRows& optionRows() {
               "; the options that follow are for that kind.",
           command::namesOf(sampleKinds)},
          Takes::value,
-         [](auto& options, const auto& given) { options.kind = kindOf(given); }},
+         [](CommandOptions& options, const Given& given) { options.kind = kindOf(given); }},
         {{"--async", "", "Execute asynchronously, with queue waits."},
          Takes::nothing,
-         [](auto& options, const auto& given) { networkOf(options, given).async = true; }},
+         [](CommandOptions& options, const Given& given) { networkOf(options, given).async = true; }},
         {{"--level", " LEVEL",
           "Profiling level: basic (1), detailed (2, default) or internal (1100). At level basic there is no "
           "data on layers.",
           command::namesOf(levels)},
          Takes::value,
-         [](auto& options, const auto& given) { networkOf(options, given).level = levelOf(given); }},
+         [](CommandOptions& options, const Given& given) {
+             networkOf(options, given).level = levelOf(given);
+         }},
         {{"--executions", " N", "Executions of each graph, " + counts + ". Default 20."},
          Takes::value,
-         [](auto& options, const auto& given) { networkOf(options, given).executions = countOf(given); }},
+         [](CommandOptions& options, const Given& given) {
+             networkOf(options, given).executions = countOf(given);
+         }},
         {{"--layers", " N",
           "ZEB layers of each graph, " + counts +
               ". Default: the 32 that the network has. Further ones have about four ORU layers each."},
          Takes::value,
-         [](auto& options, const auto& given) { networkOf(options, given).layers = countOf(given); }},
+         [](CommandOptions& options, const Given& given) {
+             networkOf(options, given).layers = countOf(given);
+         }},
         {{"--graphs", " N", "Graphs, " + counts + ". Default 1."},
          Takes::value,
-         [](auto& options, const auto& given) { networkOf(options, given).graphs = countOf(given); }},
+         [](CommandOptions& options, const Given& given) {
+             networkOf(options, given).graphs = countOf(given);
+         }},
         {{"--seed", " N", "Add random variation to the times. Without it nothing is random."},
          Takes::value,
-         [](auto& options, const auto& given) {
+         [](CommandOptions& options, const Given& given) {
              networkOf(options, given).seed = integerOf(given, 0, std::numeric_limits<std::uint64_t>::max());
          }},
         {{"--drift", " PERCENT",
           "Multiply all times of the log by one random factor with this standard deviation, 0 to " +
               std::to_string(maxDrift) + "."},
          Takes::value,
-         [](auto& options, const auto& given) {
+         [](CommandOptions& options, const Given& given) {
              networkOf(options, given).driftMillionths = millionthsOf(given, maxDrift);
          },
          {},
@@ -159,7 +167,7 @@ const OptionRows& optionRows() {
         {{"--drift-seed", " N",
           "Draw that factor from N and not from the --seed: logs that share it have drifted alike."},
          Takes::value,
-         [](auto& options, const auto& given) {
+         [](CommandOptions& options, const Given& given) {
              networkOf(options, given).driftSeed =
                  integerOf(given, 0, std::numeric_limits<std::uint64_t>::max());
          },
@@ -168,41 +176,45 @@ const OptionRows& optionRows() {
         {{"--slower", " PERCENT",
           "Make all times longer by 0 to " + std::to_string(maxSlower) + " per cent."},
          Takes::value,
-         [](auto& options, const auto& given) {
+         [](CommandOptions& options, const Given& given) {
              networkOf(options, given).slowerMillionths = millionthsOf(given, maxSlower);
          }},
         {{"--slower-layer", " NAME=PERCENT",
           "Make the times of the ZEB layer NAME longer by 0 to " + std::to_string(maxSlower) + " per cent."},
          Takes::value,
-         [](auto& options, const auto& given) {
+         [](CommandOptions& options, const Given& given) {
              auto& network = networkOf(options, given);
              network.slowerLayer = slowerLayerOf(given, network);
          }},
         {{"--epoch-us", " N",
           "When the log was created, in microseconds since 1970. Default: October 1, 2026, 9:00 UTC."},
          Takes::value,
-         [](auto& options, const auto& given) {
+         [](CommandOptions& options, const Given& given) {
              networkOf(options, given).epochUs =
                  integerOf(given, 0, std::numeric_limits<std::uint64_t>::max());
          }},
         {{"--generator-version", " TEXT", "Version of the program that wrote the log."},
          Takes::value,
-         [](auto& options, const auto& given) { networkOf(options, given).generatorVersion = given.value; }},
+         [](CommandOptions& options, const Given& given) {
+             networkOf(options, given).generatorVersion = given.value;
+         }},
         {{"--backend-version", " TEXT", "Version of the backend."},
          Takes::value,
-         [](auto& options, const auto& given) { networkOf(options, given).backendVersion = given.value; }},
+         [](CommandOptions& options, const Given& given) {
+             networkOf(options, given).backendVersion = given.value;
+         }},
         {{"--slowing", " PERCENT",
           "Make executions slower over the run, the last one by 0 to " + std::to_string(maxSlowing) +
               " per cent."},
          Takes::value,
-         [](auto& options, const auto& given) {
+         [](CommandOptions& options, const Given& given) {
              networkOf(options, given).slowingMillionths = millionthsOf(given, maxSlowing);
          }},
         {{"--noise", " PERCENT",
           "Give each execution a random factor with this standard deviation, 0 to " +
               std::to_string(maxDrift) + ", in place of the fixed rhythm."},
          Takes::value,
-         [](auto& options, const auto& given) {
+         [](CommandOptions& options, const Given& given) {
              networkOf(options, given).noiseMillionths = millionthsOf(given, maxDrift);
          },
          {},
@@ -211,7 +223,7 @@ const OptionRows& optionRows() {
           "Have an execution keep that much of the noise of the one before it, 0 to " +
               std::to_string(maxWander) + "."},
          Takes::value,
-         [](auto& options, const auto& given) {
+         [](CommandOptions& options, const Given& given) {
              networkOf(options, given).wanderMillionths = millionthsOf(given, maxWander);
          }},
     };
