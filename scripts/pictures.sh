@@ -6,7 +6,7 @@ source "$(dirname "$0")/setup.sh"
 packages+=(chromium fonts-dejavu-core fonts-noto-color-emoji pngquant)
 command -v npm >/dev/null || packages+=(npm) # which may have come with another Node.js than Debian's
 install_packages
-build release zeb-profile-viewer write-sample-log
+build release zeb-profile-viewer
 bin=$PWD/build/release/bin
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -21,7 +21,7 @@ picture() {
     pngquant --force --output "docs/pictures/$name.png" 64 "$work/$name.png"
 }
 
-"$bin/write-sample-log" "$work/sample.zlog" >&2
+cp examples/sample.zlog "$work"
 (cd "$work" && "$bin/zeb-profile-viewer" --html - sample.zlog >page.html) # which shows the path as it is given
 picture page 1180,1560 "file://$work/page.html" --disable-gpu --virtual-time-budget=4000
 
