@@ -621,9 +621,9 @@ globalThis.checks = {
     filter("oru", "");
     const all = settled("oru", () => buttonOf("oru", "Show all").click());
     const ids = new Set(textsOf("oru", 0)).size;
-    return sorted !== 500 || first !== 100 || steps < 3 || all < 19000 || ids !== all
+    return sorted !== 500 || first !== 50 || steps < 3 || all < 19000 || ids !== all
       ? `rows ${sorted} ${first} ${all} ${ids} in ${steps} steps`
-      : others !== 100 || left !== 500
+      : others !== 50 || left !== 500
         ? `rows ${others} ${left}`
         : bars > 2000
           ? `${bars} bars`

@@ -5,8 +5,8 @@ import {digits} from "./figures.js";
 import {change, follow, hover, marked, state} from "./state.js";
 
 const maxRows = 500; // that are shown unasked
-const rowsOfGroup = 100;
-const rowsAtOnce = 100; // of a long table; the others of the first ones come between frames as well
+const rowsOfGroup = 50;
+const rowsAtOnce = 50; // of a long table; the others of the first ones come between frames as well
 const narrow = 480; // pixels, of a window where the name and the deciding column come first
 const widestCell = 260;
 const widthOfCell = text => Math.ceil((widthOfText(text) * 13.5 * 1.08) / 12) + 22;
