@@ -695,7 +695,8 @@ TEST_F(MadeRun, FindsATrendAndSeldomOneThatIsNone) {
     EXPECT_EQ(runOf(logged).graphs[0].executions.durationUs,
               graphOf(durationsOf(logged)).executions.durationUs);
     const auto isSlowing = [&](auto... options) {
-        return rulesOf(graphOf(durationsOf(optionsOf(options...)))).find("slowing") != std::string::npos;
+        return rulesOf(graphOf(durationsOf(optionsOf(static_cast<std::uint32_t>(options)...))))
+                   .find("slowing") != std::string::npos;
     };
     EXPECT_NEAR(trendOf(graphOf(rising(31)).executions).value().growthUs, 29.0, 1.0) << "from begin to end";
     int falseAlarms = 0;

@@ -49,7 +49,7 @@ TEST(JsonWriter, EveryByteComesOutAsJsonTakesIt) {
     };
     for (const auto& [text, expected] : cases) {
         EXPECT_EQ(jsonOf(text), expected);
-        EXPECT_EQ(written([&text](JsonWriter& json) {
+        EXPECT_EQ(written([&text = text](JsonWriter& json) {
                       json.beginObject();
                       json.member(text, text);
                       json.endObject();

@@ -181,7 +181,7 @@ TEST_F(HistoryTruth, AStepIsSeenOnceEnoughVersionsStandBehindIt) {
     std::vector<Case> cases = {{0.1, 16, 90}};
     if (std::getenv("ZEB_TRUTH_SEEDS") != nullptr) {
         for (const double share : {0.03, 0.05, 0.1}) {
-            for (const std::size_t newest : {4, 6, 8, 10, 12, 16, 20, 30}) {
+            for (const std::size_t newest : {4U, 6U, 8U, 10U, 12U, 16U, 20U, 30U}) {
                 cases.push_back({share, newest, 0});
             }
         }

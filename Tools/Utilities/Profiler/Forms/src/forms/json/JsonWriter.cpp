@@ -18,8 +18,9 @@ constexpr std::size_t pieceSize = 64UL * 1024;
 class Digits {
 public:
     template <typename... Arguments>
-    explicit Digits(Arguments... arguments)
-        : end_(std::to_chars(text_.data(), text_.data() + text_.size(), arguments...).ptr) {}
+    explicit Digits(Arguments... arguments) {
+        end_ = std::to_chars(text_.data(), text_.data() + text_.size(), arguments...).ptr;
+    }
 
     operator std::string_view() const {  // NOLINT(google-explicit-constructor): it is one
         return {text_.data(), static_cast<std::size_t>(end_ - text_.data())};
@@ -27,7 +28,7 @@ public:
 
 private:
     std::array<char, 32> text_{};
-    const char* end_;
+    const char* end_ = nullptr;
 };
 
 std::string_view shortEscapeOf(char32_t code) {
