@@ -77,7 +77,8 @@ TEST(RunJson, OfTheSampleIsThatOfWhatIsWrittenToday) {
     analysis::Run written = runOf(place, "log", network({}));
     written.logFile = ZEB_SAMPLE;
     analysis::Run sample = analysis::makeRun(ZEB_SAMPLE, profiling::VisibilityLevel{127}).value();
-    EXPECT_EQ(jsonOf(sample), jsonOf(written)) << "write-sample-log examples/sample.zlog brings it up to date";
+    EXPECT_EQ(jsonOf(sample), jsonOf(written))
+        << "write-sample-log examples/sample.zlog brings it up to date";
 }
 
 // Two graphs and two layers whose long names differ in their middle alone, and a name that is no UTF-8.

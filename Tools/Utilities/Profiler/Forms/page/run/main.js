@@ -49,9 +49,8 @@ function showTables(view) {
 
 // Of a graph without layers the strip says why, and the other parts about layers would say the same.
 function hideParts(view) {
-  const hasNone = view !== null && view.oru.length === 0;
-  for (const id of ["ranking", "types", "zeb", "oru"]) {
-    part(id).closest("section").hidden = run.graphs.length === 0 || hasNone;
+  for (const id of view ? ["ranking", "types", "zeb", "oru"] : []) {
+    part(id).closest("section").hidden = view.oru.length === 0;
   }
   showContents();
 }

@@ -49,7 +49,8 @@ struct ChunkCloser {
 
 ZebProfileLogReader::ZebProfileLogReader(std::string logFilePath, VisibilityLevel visibilityLevel)
     : logWalker_(std::make_unique<FlatBufferReaderUtil>()),
-      store_(static_cast<std::int8_t>(visibilityLevel)), logFilePath_(std::move(logFilePath)) {}
+      store_(static_cast<std::int8_t>(visibilityLevel)),
+      logFilePath_(std::move(logFilePath)) {}
 
 ZebProfileLogReader::~ZebProfileLogReader() = default;
 

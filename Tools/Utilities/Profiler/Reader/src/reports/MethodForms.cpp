@@ -5,23 +5,22 @@
 namespace zeb::profiling {
 
 constinit const MethodForm executeForm = {executeMethod,
-                                           nullptr,
-                                           {"Execute Stats (Average):", 24},
-                                           {"Execute Stats (Min):", 24},
-                                           {"Execute Stats (Max):", 24},
-                                           methodOf(schema::MethodType::Execute).csvName,
-                                           "EXECUTE",
-                                           false};
+                                          nullptr,
+                                          {"Execute Stats (Average):", 24},
+                                          {"Execute Stats (Min):", 24},
+                                          {"Execute Stats (Max):", 24},
+                                          methodOf(schema::MethodType::Execute).csvName,
+                                          "EXECUTE",
+                                          false};
 
-constinit const MethodForm applyBinarySectionForm = {
-    applyBinarySectionMethod,
-    &EventStore::hasApplyBinarySection,
-    {"ApplyBinarySection Stats (Average):", 35},
-    {"ApplyBinarySection Stats (Min):", 35},
-    {"ApplyBinarySection Stats (Max):", 35},
-    methodOf(schema::MethodType::ApplyBinarySection).csvName,
-    "APPLYBINARY",
-    false};
+constinit const MethodForm applyBinarySectionForm = {applyBinarySectionMethod,
+                                                     &EventStore::hasApplyBinarySection,
+                                                     {"ApplyBinarySection Stats (Average):", 35},
+                                                     {"ApplyBinarySection Stats (Min):", 35},
+                                                     {"ApplyBinarySection Stats (Max):", 35},
+                                                     methodOf(schema::MethodType::ApplyBinarySection).csvName,
+                                                     "APPLYBINARY",
+                                                     false};
 
 constinit const MethodForm finalizeAfterTensorUpdatesForm = {
     finalizeAfterTensorUpdatesMethod,

@@ -15,7 +15,7 @@
 namespace zeb::forms {
 
 /// Who is to read it.
-enum class Reader { program, page };
+enum class Audience { program, page };
 
 /// @return whether pictures of a page show that of an ORU layer, and not its tables alone
 constexpr bool isOfPictures(std::string_view key) {
@@ -25,11 +25,11 @@ constexpr bool isOfPictures(std::string_view key) {
 /// Writes what `fieldsOf` knows, and lists and options of it, as JSON.
 class FieldsWriter {
 public:
-    /// @param reader a page has lists of layers as columns, and what is not of pictures elsewhere
+    /// @param audience a page has lists of layers as columns, and what is not of pictures elsewhere
     /// @param maxExecutions of a graph that has more of them the columns are empty
-    explicit FieldsWriter(JsonWriter& json, Reader reader = Reader::program,
+    explicit FieldsWriter(JsonWriter& json, Audience audience = Audience::program,
                           std::size_t maxExecutions = std::numeric_limits<std::size_t>::max())
-        : json_(json), reader_(reader), maxExecutions_(maxExecutions) {}
+        : json_(json), audience_(audience), maxExecutions_(maxExecutions) {}
 
     /// Writes an object.
     template <typename Struct>
@@ -85,12 +85,12 @@ public:
     template <typename Element>
     void put(const std::vector<Element>& list) {
         if constexpr (std::same_as<Element, analysis::ZebLayer>) {
-            if (reader_ == Reader::page) {
+            if (audience_ == Audience::page) {
                 return putColumns(list, [](std::string_view) { return true; });
             }
         }
         if constexpr (std::same_as<Element, analysis::OruLayer>) {
-            if (reader_ == Reader::page) {
+            if (audience_ == Audience::page) {
                 return putColumns(list, isOfPictures);
             }
         }
@@ -148,7 +148,7 @@ private:
     }
 
     JsonWriter& json_;
-    Reader reader_;
+    Audience audience_;
     std::size_t maxExecutions_;
 };
 

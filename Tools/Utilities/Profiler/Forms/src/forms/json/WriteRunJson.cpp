@@ -15,7 +15,7 @@ void writeRunJson(std::ostream& out, const analysis::Run& run, JsonStyle style) 
 
 void writeRunForPage(std::ostream& out, const analysis::Run& run, std::size_t maxExecutions) {
     JsonWriter json(out, jsonOfPage);
-    FieldsWriter(json, Reader::page, maxExecutions).put(run);
+    FieldsWriter(json, Audience::page, maxExecutions).put(run);
     json.flush();
 }
 
@@ -23,7 +23,8 @@ void writeTablesForPage(std::ostream& out, const analysis::Run& run) {
     JsonWriter json(out, jsonOfPage);
     json.beginList();
     for (const analysis::Graph& graph : run.graphs) {
-        FieldsWriter(json).putColumns(graph.oruLayers, [](std::string_view key) { return !isOfPictures(key); });
+        FieldsWriter(json).putColumns(graph.oruLayers,
+                                      [](std::string_view key) { return !isOfPictures(key); });
     }
     json.endList();
     json.flush();
